@@ -1,0 +1,39 @@
+# How every target of this project is built: warnings, sanitizers, and one function for each kind of target.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+if(NOT CMAKE_BUILD_TYPE)
+    set(CMAKE_BUILD_TYPE Release)
+endif()
+
+find_program(CORVALE_CCACHE ccache)
+if(CORVALE_CCACHE)
+    set(CMAKE_CXX_COMPILER_LAUNCHER ${CORVALE_CCACHE})
+endif()
+
+add_library(corvale_warnings INTERFACE)
+target_compile_options(corvale_warnings INTERFACE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion
+    $<$<BOOL:${CORVALE_WARNINGS_AS_ERRORS}>:-Werror>)
+
+add_library(corvale_sanitizers INTERFACE)
+if(CORVALE_SANITIZE)
+    target_compile_options(corvale_sanitizers INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(corvale_sanitizers INTERFACE -fsanitize=address,undefined)
+endif()
+
+# Names that the string-based signal and slot connections rely on must not be mixed with Qt's macros for
+# `signals` and `slots` in code without Qt, so only rooms with Qt get the code generators.
+function(corvale_use_qt target)
+    set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON)
+    target_compile_definitions(${target} PRIVATE QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING)
+endfunction()
+
+# A room: a folder of src/ as a static library. Its headers are visible to those that link it and to nobody else.
+function(corvale_add_room target)
+    add_library(${target} STATIC ${ARGN})
+    target_include_directories(${target} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
+    target_link_libraries(${target} PRIVATE corvale_warnings corvale_sanitizers)
+endfunction()

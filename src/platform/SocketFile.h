@@ -1,0 +1,24 @@
+#pragma once
+
+#include <string>
+
+namespace platform {
+
+/// True when the path names a socket file (the link itself is looked at, not its target) that belongs to the
+/// user of this process. Such a file is what a crashed run of this program leaves behind.
+bool isOwnSocketFile(const std::string& path);
+
+/// While it lives, files are created for their owner alone (umask 077), so that only the user can connect to a
+/// socket that is made meanwhile.
+class OwnerOnlyFiles {
+public:
+    OwnerOnlyFiles();
+    ~OwnerOnlyFiles();
+    OwnerOnlyFiles(const OwnerOnlyFiles&) = delete;
+    OwnerOnlyFiles& operator=(const OwnerOnlyFiles&) = delete;
+
+private:
+    unsigned int m_before = 0;
+};
+
+} // namespace platform
