@@ -37,3 +37,16 @@ function(corvale_add_room target)
     target_include_directories(${target} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
     target_link_libraries(${target} PRIVATE corvale_warnings corvale_sanitizers)
 endfunction()
+
+# Adds a table, made from a data file at build time, to a target: corvale_add_table(<target> <inc> <data> <kind> ...)
+# where kind and what follows are arguments of tools/make-tables.
+function(corvale_add_table target output data kind)
+    set(generated ${CMAKE_CURRENT_BINARY_DIR}/${output})
+    add_custom_command(
+        OUTPUT ${generated}
+        COMMAND make-tables ${kind} ${CMAKE_CURRENT_SOURCE_DIR}/${data} ${generated} ${ARGN}
+        DEPENDS make-tables ${CMAKE_CURRENT_SOURCE_DIR}/${data}
+        VERBATIM)
+    target_sources(${target} PRIVATE ${generated})
+    target_include_directories(${target} PRIVATE ${CMAKE_CURRENT_BINARY_DIR})
+endfunction()

@@ -1,0 +1,164 @@
+// Turns the data files of the sources into C++ tables, at build time. See usage() for what it reads and
+// writes.
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+struct Enumerant {
+    std::string name;
+    std::uint32_t value = 0;
+    std::string api; ///< "es1.1" to "es3.2", or "ext" where no core version requires it.
+};
+
+[[noreturn]] void fail(const std::string& message)
+{
+    throw std::runtime_error(message);
+}
+
+std::vector<std::string> readLines(const std::string& path)
+{
+    std::ifstream in(path);
+    if (!in)
+        fail("cannot read " + path);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);) {
+        if (!line.empty() && line.front() != '#')
+            lines.push_back(line);
+    }
+    return lines;
+}
+
+Enumerant parseEnumerant(const std::string& line)
+{
+    const std::size_t first = line.find('\t');
+    const std::size_t second = first == std::string::npos ? first : line.find('\t', first + 1);
+    if (second == std::string::npos)
+        fail("not three columns: " + line);
+    Enumerant enumerant{line.substr(0, first), 0, line.substr(second + 1)};
+    const std::string_view number = std::string_view(line).substr(first + 1, second - first - 1);
+    if (!number.starts_with("0x"))
+        fail("not a hexadecimal value: " + line);
+    const char* end = number.data() + number.size();
+    const auto [stop, error] = std::from_chars(number.data() + 2, end, enumerant.value, 16);
+    if (error != std::errc() || stop != end)
+        fail("not a 32-bit value: " + line);
+    return enumerant;
+}
+
+/// Lower is preferred where several names share a value: the earliest core version, then KHR, OES, EXT,
+/// others. Names of equal rank keep the order of the registry.
+int rank(const Enumerant& enumerant)
+{
+    constexpr std::array versions{"es1.1", "es2.0", "es3.0", "es3.1", "es3.2"};
+    constexpr std::array suffixes{"_KHR", "_OES", "_EXT"};
+    int rank = 0;
+    for (const std::string_view version : versions) {
+        if (enumerant.api == version)
+            return rank;
+        ++rank;
+    }
+    for (const std::string_view suffix : suffixes) {
+        if (enumerant.name.ends_with(suffix))
+            return rank;
+        ++rank;
+    }
+    return rank;
+}
+
+/// The names that are fixed whatever their rank: bare small numbers are bits of buffer mapping far more often
+/// than anything else.
+bool isFixedChoice(std::string_view name)
+{
+    constexpr std::array<std::string_view, 8> fixed{"GL_INVALID_INDEX", "GL_NONE", "GL_MAP_READ_BIT",
+        "GL_MAP_WRITE_BIT", "GL_MAP_INVALIDATE_RANGE_BIT", "GL_MAP_INVALIDATE_BUFFER_BIT",
+        "GL_MAP_FLUSH_EXPLICIT_BIT", "GL_MAP_UNSYNCHRONIZED_BIT"};
+    return std::find(fixed.begin(), fixed.end(), name) != fixed.end();
+}
+
+void writeEnumerants(const std::string& input, std::ostream& out)
+{
+    std::vector<Enumerant> enumerants;
+    for (const std::string& line : readLines(input))
+        enumerants.push_back(parseEnumerant(line));
+
+    std::map<std::uint32_t, const Enumerant*> byValue;
+    std::map<std::string, std::uint32_t> byName;
+    for (const Enumerant& enumerant : enumerants) {
+        byName.emplace(enumerant.name, enumerant.value);
+        const Enumerant*& chosen = byValue[enumerant.value];
+        const bool better = chosen == nullptr || isFixedChoice(enumerant.name)
+            || (!isFixedChoice(chosen->name) && rank(enumerant) < rank(*chosen));
+        if (better)
+            chosen = &enumerant;
+    }
+
+    out << "constexpr std::array<ValueEntry, " << byValue.size() << "> entriesByValue{{\n";
+    for (const auto& [value, enumerant] : byValue)
+        out << "    {" << value << "U, \"" << enumerant->name << "\"},\n";
+    out << "}};\n\nconstexpr std::array<NameEntry, " << byName.size() << "> entriesByName{{\n";
+    for (const auto& [name, value] : byName)
+        out << "    {\"" << name << "\", " << value << "U},\n";
+    out << "}};\n";
+}
+
+void writeNames(
+    const std::string& input, const std::string& table, const std::string& prefix, std::ostream& out)
+{
+    const std::vector<std::string> names = readLines(input);
+    out << "constexpr std::array<const char*, " << names.size() << "> " << table << "{{\n";
+    for (const std::string& name : names)
+        out << "    \"" << prefix << name << "\",\n";
+    out << "}};\n";
+}
+
+void usage()
+{
+    std::cerr << "usage: make-tables enumerants INPUT.tsv OUTPUT.inc\n"
+                 "       make-tables names INPUT.txt OUTPUT.inc TABLE [PREFIX]\n"
+                 "\n"
+                 "enumerants: name, value and first core version in columns, to two sorted tables.\n"
+                 "names:      one name a line, to a table in the same order.\n";
+}
+
+int run(const std::vector<std::string>& arguments)
+{
+    const bool enumerants = arguments.size() == 3 && arguments[0] == "enumerants";
+    const bool names = (arguments.size() == 4 || arguments.size() == 5) && arguments[0] == "names";
+    if (!enumerants && !names) {
+        usage();
+        return 2;
+    }
+    std::ofstream out(arguments[2]);
+    out << "// Made from " << arguments[1].substr(arguments[1].rfind('/') + 1) << " at build time.\n\n";
+    if (enumerants)
+        writeEnumerants(arguments[1], out);
+    else
+        writeNames(arguments[1], arguments[3], arguments.size() == 5 ? arguments[4] : std::string(), out);
+    out.close();
+    if (!out)
+        fail("cannot write " + arguments[2]);
+    return 0;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return run(std::vector<std::string>(argv + 1, argv + argc));
+    } catch (const std::exception& error) {
+        std::cerr << "make-tables: " << error.what() << '\n';
+        return 1;
+    }
+}
