@@ -1,0 +1,210 @@
+#include "Client.h"
+
+#include "RecordText.h"
+
+#include <QElapsedTimer>
+#include <QLocalSocket>
+
+#ifndef Q_OS_WIN
+#include <poll.h>
+#endif
+
+using ui::messages::Message;
+using ui::messages::recordSize;
+using ui::messages::Type;
+namespace offset = ui::messages::offset;
+
+namespace {
+
+/// Longest time in milliseconds that one read pass works before the event loop gets its turn.
+constexpr qint64 passLimit = 10;
+
+/// Bytes that are buffered for a socket each way; what an application sends beyond them waits in the system.
+constexpr qint64 bufferLimit = 64 * static_cast<qint64>(recordSize);
+
+/// True when the other end is closed. Writing to such a socket would throw away what it has not read yet.
+bool hasHungUp(const QLocalSocket& socket)
+{
+#ifdef Q_OS_WIN
+    Q_UNUSED(socket)
+    return false;
+#else
+    pollfd state{static_cast<int>(socket.socketDescriptor()), 0, 0};
+    return poll(&state, 1, 0) == 1 && (state.revents & (POLLHUP | POLLERR)) != 0;
+#endif
+}
+
+} // namespace
+
+Client::Client(QObject* parent, QLocalSocket* socket)
+    : QObject(parent)
+    , m_socket(socket)
+{
+    registerClientMetaTypes();
+    socket->setReadBufferSize(bufferLimit);
+    connect(socket, SIGNAL(readyRead()), SLOT(socketReadyRead()));
+    connect(socket, SIGNAL(disconnected()), SLOT(socketDisconnected()));
+    continueLater();
+}
+
+void Client::socketReadyRead()
+{
+    readRecords(true);
+}
+
+void Client::readRecords(bool bounded)
+{
+    if (m_reading)
+        return;
+    m_reading = true;
+    const QPointer<Client> self(this);
+    QElapsedTimer elapsed;
+    elapsed.start();
+    Step step = Step::GoOn;
+    while (step == Step::GoOn) {
+        step = readRecord();
+        if (!self)
+            return;
+        if (step == Step::GoOn && bounded && elapsed.hasExpired(passLimit)) {
+            continueLater();
+            break;
+        }
+    }
+    m_reading = false;
+    if (m_endPending) {
+        m_endPending = false;
+        socketDisconnected();
+    }
+}
+
+Client::Step Client::readRecord()
+{
+    if (!m_socket)
+        return Step::Stop;
+    // A failed read leaves a record that counts as a bad one, never as one that was sent.
+    Message message = Message::make(static_cast<Type>(0xFFFFFFFF));
+    // The count is compared unsigned: a failing peek counts as a whole record and ends in a bad read.
+    if (static_cast<quint64>(m_socket->peek(message.data(), static_cast<qint64>(recordSize))) < recordSize)
+        return Step::Stop;
+    m_socket->read(message.data(), static_cast<qint64>(recordSize));
+    const QPointer<Client> self(this);
+    if (dispatch(message) == Step::Stop || !self)
+        return Step::Stop;
+    return m_socket && m_socket->bytesAvailable() >= 1 ? Step::GoOn : Step::Stop;
+}
+
+Client::Step Client::dispatch(const Message& message)
+{
+    switch (message.type()) {
+    case Type::SetPid:
+        Q_EMIT setPID(this, message.u32(offset::pid));
+        return Step::GoOn;
+    case Type::CleanDisconnect:
+        disconnect(m_socket, SIGNAL(disconnected()), this, SLOT(socketDisconnected()));
+        m_saidGoodbye = true;
+        Q_EMIT cleanDisconnect(this);
+        return Step::Stop;
+    case Type::SetName:
+        Q_EMIT setName(this, recordText::singleLine(message.text(offset::text)));
+        return Step::GoOn;
+    case Type::IdentifiedMessage:
+    case Type::LineBreak:
+    case Type::DebugMessage:
+    case Type::Information:
+    case Type::Warning:
+    case Type::Error:
+    case Type::GlError:
+    case Type::ContextInformation:
+        Q_EMIT clientMessage(message);
+        return Step::GoOn;
+    case Type::ReportLeadingNumber:
+    case Type::ReportFlag:
+    case Type::ReportText:
+    case Type::ReportDetail:
+    case Type::ReportKeyedText:
+    case Type::ReportOtherKeyedText:
+    case Type::ReportComplete:
+        Q_EMIT systemReportMessage(message);
+        return Step::GoOn;
+    case Type::NotifyServerStop:
+    case Type::WireframeOn:
+    case Type::WireframeOff:
+        break;
+    }
+    const QPointer<Client> self(this);
+    Q_EMIT badRead(this);
+    if (self && m_socket)
+        m_socket->readAll();
+    return Step::Stop;
+}
+
+void Client::continueLater()
+{
+    // The socket announces new bytes only, so whoever leaves bytes behind has to come back for them.
+    if (m_continuationPending)
+        return;
+    m_continuationPending = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_continuationPending = false;
+            if (m_socket && !m_saidGoodbye && m_socket->bytesAvailable() > 0)
+                readRecords(true);
+        },
+        Qt::QueuedConnection);
+}
+
+void Client::socketDisconnected()
+{
+    if (m_reading) {
+        m_endPending = true;
+        return;
+    }
+    const QPointer<Client> self(this);
+    if (m_socket && m_socket->bytesAvailable() > 0)
+        readRecords(false);
+    // The application's last records may have held its good-bye.
+    if (self && !m_saidGoodbye)
+        Q_EMIT ickyDisconnect(this);
+}
+
+void Client::wireframeOn()
+{
+    write(Message::wireframeOn());
+}
+
+void Client::wireframeOff()
+{
+    write(Message::wireframeOff());
+}
+
+void Client::notifyServerStop()
+{
+    write(Message::notifyServerStop());
+}
+
+void Client::write(const Message& message)
+{
+    const QPointer<Client> self(this);
+    readWhatAGoneApplicationSent();
+    // An application that never reads must not make us keep more and more for it.
+    if (self && m_socket && m_socket->state() == QLocalSocket::ConnectedState
+        && m_socket->bytesToWrite() < bufferLimit)
+        m_socket->write(message.data(), static_cast<qint64>(recordSize));
+}
+
+void Client::readWhatAGoneApplicationSent()
+{
+    if (m_saidGoodbye || m_reading)
+        return;
+    const QPointer<Client> self(this);
+    while (self && m_socket && m_socket->state() == QLocalSocket::ConnectedState && hasHungUp(*m_socket)) {
+        const qint64 before = m_socket->bytesAvailable();
+        readRecords(false);
+        if (!self || !m_socket || m_saidGoodbye)
+            return;
+        // Bytes that make no whole record may fill up with what is still in the system.
+        if (!m_socket->waitForReadyRead(0) && m_socket->bytesAvailable() == before)
+            return;
+    }
+}

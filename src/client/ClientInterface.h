@@ -1,0 +1,106 @@
+#pragma once
+
+#include "ConsoleWriter.h"
+#include "MetaTypes.h"
+
+#include <QPointer>
+#include <QWidget>
+
+#include <memory>
+
+class Client;
+class ErrorListFilterProxyModel;
+class ErrorListModel;
+class QTextDocument;
+
+namespace Ui {
+class ClientInterface;
+}
+
+/// The tab page of one connected application: its wireframe switch, console, error list and rendering
+/// contexts.
+class ClientInterface : public QWidget {
+    Q_OBJECT
+
+public:
+    enum class State {
+        Fresh = 0, ///< Just made, or the page that stands in for "no application".
+        Live = 1,
+        Finished = 2,
+    };
+
+    /// A page for a client, or for none; index is the tab's index at its creation.
+    ClientInterface(Client* client, int index, const QFont& font, QWidget* parent = nullptr);
+    ~ClientInterface() override;
+
+    Client* client() const { return m_client; }
+    int index() const { return m_index; }
+    State state() const { return m_state; }
+    void setLive();
+
+    void setName(const QString& name) { m_name = name; }
+    void setPid(PID_TYPE pid) { m_pid = pid; }
+    /// The tab's title from what the application has told of itself: its quoted name, if known, and its PID.
+    QString title() const;
+
+    const ErrorListModel& errorListModel() const { return *m_errorListModel; }
+
+public Q_SLOTS:
+    /// Shows a record of types 3 to 10; ignores any other.
+    void receive(const ui::messages::Message&);
+    void fontChanged(const QFont&);
+    /// Ends the session with a last line in the console. What is shown stays until the tab is closed.
+    void finish(const QString& text);
+    void wireframeStateChanged(int);
+    void uncheckConsoleAutoScroll();
+    void uncheckErrorListAutoScroll();
+    void errorListWarningsStateChanged(int state);
+    void errorListErrorsStateChanged(int state);
+    /// Opens a pop-up with the whole text of a cell, counted as the filter shows them, at a global position.
+    void showErrorListItemContents(int, int, QPoint);
+
+private:
+    /// A heading's colours and the border of the frame below it.
+    struct HeadingStyle {
+        QPalette palette;
+        QTextFrameFormat::BorderStyle border;
+    };
+
+    void setUpConsole(const QFont& font);
+    void setUpErrorList();
+    void setUpContexts();
+    void makeConnections();
+
+    HeadingStyle errorStyle() const;
+    HeadingStyle warningStyle() const;
+    HeadingStyle debugStyle() const;
+    HeadingStyle identifiedStyle() const;
+    HeadingStyle headingStyle(const QColor& headingText, const QColor& headingBackground,
+        const QColor& bodyBackground, QTextFrameFormat::BorderStyle border) const;
+
+    void receiveIdentified(const ui::messages::Message& message);
+    void receiveDebug(const ui::messages::Message& message);
+    void receiveWarning(const ui::messages::Message& message);
+    void receiveError(const ui::messages::Message& message);
+    void receiveGlError(const ui::messages::Message& message);
+    void receiveContext(const ui::messages::Message& message);
+
+    void writeHeading(const QString& text, const HeadingStyle& style);
+    void writeFramed(const QString& heading, const QString& body, const HeadingStyle& style);
+    void writePlainText(const QString& text);
+    void writeLineBreak();
+    void scrollConsole();
+    void addErrorListRow(qint32 severity, const ui::messages::Message& message, const QString& code,
+        const QString& description, const QString& function);
+
+    std::unique_ptr<Ui::ClientInterface> m_ui;
+    QPointer<Client> m_client;
+    int m_index;
+    QString m_name;
+    PID_TYPE m_pid = 0;
+    State m_state = State::Fresh;
+    QTextDocument* m_document;
+    ConsoleWriter m_console;
+    ErrorListModel* m_errorListModel;
+    ErrorListFilterProxyModel* m_errorListFilter;
+};

@@ -1,0 +1,112 @@
+#include "ContextInterface.h"
+
+#include "ExtensionCatalogue.h"
+#include "ui_ContextInterface.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+using ui::messages::Message;
+namespace offset = ui::messages::offset;
+
+namespace {
+
+/// The identifiers of an extension list, up to its 0 entry or the end of its field.
+std::vector<std::uint32_t> readExtensions(const Message& record, std::size_t listOffset)
+{
+    std::vector<std::uint32_t> codes;
+    for (std::size_t i = 0; i < ui::messages::extensionListCapacity; ++i) {
+        const std::uint32_t code = record.u32(listOffset + i * sizeof code);
+        if (code == 0)
+            break;
+        codes.push_back(code);
+    }
+    return codes;
+}
+
+struct SupportState {
+    std::size_t listOffset;
+    const char* text;
+};
+
+constexpr std::array supportStates{
+    SupportState{offset::contextExtensions, "Yes"},
+    SupportState{offset::contextExtensionsNotOnHost, "Not supported by the host system"},
+    SupportState{offset::contextExtensionsNotEmulated, "Not currently supported by Corvale"},
+};
+
+} // namespace
+
+ContextInterface::ContextInterface(const Message& record, QWidget* parent)
+    : QWidget(parent)
+    , m_ui(std::make_unique<Ui::ContextInterface>())
+{
+    m_ui->setupUi(this);
+    showVersions(record);
+    showEsExtensions(record);
+    showHostExtensions(record);
+    m_ui->lbl_context_info_es_extensions_val->setText(
+        QString::number(m_ui->table_context_info_es_extensions->rowCount()));
+    m_ui->lbl_context_info_gl_extensions_val->setText(
+        QString::number(m_ui->list_context_info_gl_extensions->count()));
+    if (record.u32(offset::contextStrict) == 0)
+        m_ui->grp_context_info_es->setTitle(QStringLiteral("OpenGL ES (Emulated) (Loose mode)"));
+    m_ui->table_context_info_es_extensions->resizeColumnsToContents();
+}
+
+ContextInterface::~ContextInterface() = default;
+
+void ContextInterface::showVersions(const Message& record)
+{
+    m_ui->lbl_context_info_es_version_val->setText(
+        QString::fromLatin1(catalogue::esVersionName(record.u32(offset::contextEsVersion))));
+    m_ui->lbl_context_info_gl_version_val->setText(
+        QString::fromLatin1(catalogue::glVersionName(record.u32(offset::contextGlVersion))));
+    m_ui->lbl_context_info_glsl_version_val->setText(QString::fromLatin1(
+        catalogue::glslVersionName(record.u32(offset::contextGlslVersion), catalogue::GlslForm::Long)));
+    const std::uint32_t glslEs = record.u32(offset::contextGlslEsVersion);
+    m_ui->lbl_context_info_glsl_es_version_val->setText(
+        glslEs == 0 ? QStringLiteral("None") : QString::fromLatin1(catalogue::glslEsVersionName(glslEs)));
+
+    // A name in angle brackets would be taken for markup.
+    for (QLabel* label : {m_ui->lbl_context_info_es_version_val, m_ui->lbl_context_info_gl_version_val,
+             m_ui->lbl_context_info_glsl_version_val, m_ui->lbl_context_info_glsl_es_version_val})
+        label->setTextFormat(Qt::PlainText);
+}
+
+void ContextInterface::showEsExtensions(const Message& record)
+{
+    QTableWidget& table = *m_ui->table_context_info_es_extensions;
+    const int height = table.fontMetrics().height() + 6;
+    table.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    table.verticalHeader()->setMinimumSectionSize(
+        std::min(height, table.verticalHeader()->minimumSectionSize()));
+    table.verticalHeader()->setDefaultSectionSize(height);
+    table.horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+
+    const auto readOnlyItem = [](const char* text) {
+        auto item = std::make_unique<QTableWidgetItem>(QString::fromLatin1(text));
+        item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
+        item->setToolTip(item->text());
+        return item.release();
+    };
+    for (const SupportState& state : supportStates) {
+        const std::vector<std::uint32_t> codes = readExtensions(record, state.listOffset);
+        int row = table.rowCount();
+        table.setRowCount(row + static_cast<int>(codes.size()));
+        for (const std::uint32_t code : codes) {
+            table.setItem(row, 0, readOnlyItem(catalogue::esExtensionName(code, catalogue::Prefix::With)));
+            table.setItem(row, 1, readOnlyItem(state.text));
+            ++row;
+        }
+    }
+}
+
+void ContextInterface::showHostExtensions(const Message& record)
+{
+    QStringList names;
+    for (const std::uint32_t code : readExtensions(record, offset::contextHostExtensions))
+        names.append(QString::fromLatin1(catalogue::hostExtensionName(code)));
+    m_ui->list_context_info_gl_extensions->addItems(names);
+}

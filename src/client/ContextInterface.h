@@ -1,0 +1,28 @@
+#pragma once
+
+#include "Message.h"
+
+#include <QWidget>
+
+#include <memory>
+
+namespace Ui {
+class ContextInterface;
+}
+
+/// The page of one rendering context: the emulated OpenGL ES and the host OpenGL below it, with their
+/// versions and extensions. Filled once from a ContextInformation record, of which it keeps nothing.
+class ContextInterface : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ContextInterface(const ui::messages::Message& record, QWidget* parent = nullptr);
+    ~ContextInterface() override;
+
+private:
+    void showVersions(const ui::messages::Message& record);
+    void showEsExtensions(const ui::messages::Message& record);
+    void showHostExtensions(const ui::messages::Message& record);
+
+    std::unique_ptr<Ui::ContextInterface> m_ui;
+};

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QSortFilterProxyModel>
+
+/// Shows the errors, the warnings, both or none of an ErrorListModel; rows of any other severity never.
+class ErrorListFilterProxyModel : public QSortFilterProxyModel {
+    Q_OBJECT
+
+public:
+    using QSortFilterProxyModel::QSortFilterProxyModel;
+
+    void setShowErrors(bool show);
+    void setShowWarnings(bool show);
+
+protected:
+    bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
+
+private:
+    bool m_showWarnings = true;
+    bool m_showErrors = true;
+};

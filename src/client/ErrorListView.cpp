@@ -1,0 +1,115 @@
+#include "ErrorListView.h"
+
+#include "ErrorList.h"
+#include "ErrorListDelegate.h"
+
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QFontMetrics>
+#include <QGuiApplication>
+#include <QHeaderView>
+#include <QMenu>
+#include <QPointer>
+
+#include <algorithm>
+
+ErrorListView::ErrorListView(QWidget* parent)
+    : QTableView(parent)
+{
+    setItemDelegate(new ErrorListDelegate(this));
+    setWordWrap(false);
+    setTextElideMode(Qt::ElideRight);
+    setCornerButtonEnabled(false);
+    setAlternatingRowColors(true);
+    setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    setTabKeyNavigation(false);
+    setUpRows();
+    connect(this, &QAbstractItemView::doubleClicked, this, &ErrorListView::requestContents);
+}
+
+void ErrorListView::setModel(QAbstractItemModel* model)
+{
+    QTableView::setModel(model);
+    setUpColumns();
+}
+
+void ErrorListView::setUpRows()
+{
+    // Measuring rows or columns by their contents would cost time for every row that arrives.
+    const int iconSide = style()->pixelMetric(QStyle::PM_SmallIconSize);
+    const int height = std::max(fontMetrics().height(), iconSide) + 6;
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    verticalHeader()->setMinimumSectionSize(height);
+    verticalHeader()->setDefaultSectionSize(height);
+    verticalHeader()->setFixedWidth(iconSide + 12);
+}
+
+void ErrorListView::setUpColumns()
+{
+    if (model() == nullptr || model()->columnCount() < errorList::ColumnCount)
+        return;
+    const QFontMetrics metrics(font());
+    const int margin = 4 * metrics.horizontalAdvance(QLatin1Char(' '));
+    setColumnWidth(errorList::FrameColumn, metrics.horizontalAdvance(QStringLiteral("0000000")) + margin);
+    setColumnWidth(errorList::FunctionColumn,
+        metrics.horizontalAdvance(QStringLiteral("glFramebufferTexture2D")) + margin);
+    setColumnWidth(
+        errorList::CodeColumn, metrics.horizontalAdvance(QStringLiteral("GL_INVALID_OPERATION")) + margin);
+    horizontalHeader()->setStretchLastSection(true);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+}
+
+void ErrorListView::contextMenuEvent(QContextMenuEvent* event)
+{
+    Q_EMIT contextMenuOpened();
+    const QModelIndexList selected = selectionModel() != nullptr ? selectedIndexes() : QModelIndexList();
+    const QPersistentModelIndex cell = selected.value(0);
+
+    // Rows arrive while the menu is open, and the tab may even be closed.
+    const QPointer<ErrorListView> self(this);
+    QMenu menu;
+    QAction* view = menu.addAction(QStringLiteral("View contents"));
+    view->setEnabled(cell.isValid());
+    const QAction* chosen = menu.exec(viewport()->mapToGlobal(event->pos()));
+    if (self && chosen == view && cell.isValid())
+        requestContents(cell);
+}
+
+void ErrorListView::requestContents(const QModelIndex& index)
+{
+    if (!index.isValid())
+        return;
+    const QPoint corner = viewport()->mapToGlobal(visualRect(index).topLeft());
+    Q_EMIT itemContentsRequested(index.row(), index.column(), corner);
+}
+
+void ErrorListView::keyPressEvent(QKeyEvent* event)
+{
+    if (event->matches(QKeySequence::Copy)) {
+        copySelection();
+        event->accept();
+        return;
+    }
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentIndex().isValid()) {
+        requestContents(currentIndex());
+        event->accept();
+        return;
+    }
+    QTableView::keyPressEvent(event);
+}
+
+void ErrorListView::copySelection() const
+{
+    QModelIndexList cells = selectionModel() != nullptr ? selectedIndexes() : QModelIndexList();
+    if (cells.isEmpty())
+        return;
+    std::sort(cells.begin(), cells.end());
+    QString text;
+    for (qsizetype i = 0; i < cells.size(); ++i) {
+        if (i > 0)
+            text += QLatin1Char(cells[i].row() == cells[i - 1].row() ? '\t' : '\n');
+        text += cells[i].data().toString();
+    }
+    QGuiApplication::clipboard()->setText(text);
+}
