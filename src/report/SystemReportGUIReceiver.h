@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Message.h"
+#include "SystemReport.h"
+
+#include <QObject>
+
+/// Puts report records together until one completes the report. A complete report stays: later records are
+/// ignored.
+class SystemReportGUIReceiver : public QObject {
+    Q_OBJECT
+
+public:
+    explicit SystemReportGUIReceiver(QObject* parent = nullptr);
+
+Q_SIGNALS:
+    void ready(const SystemReport&);
+
+public Q_SLOTS:
+    /// Takes a record of types 14 to 20; ignores any other.
+    void receive(const ui::messages::Message&);
+
+private:
+    SystemReport m_report;
+    bool m_complete = false;
+};
