@@ -8,8 +8,8 @@ namespace platform {
 /// user of this process. Such a file is what a crashed run of this program leaves behind.
 bool isOwnSocketFile(const std::string& path);
 
-/// While it lives, files are created for their owner alone (umask 077), so that only the user can connect to a
-/// socket that is made meanwhile.
+/// While it lives, files are created for their owner alone (umask 077), so that only the user can connect to
+/// a socket that is made meanwhile.
 class OwnerOnlyFiles {
 public:
     OwnerOnlyFiles();

@@ -1,0 +1,132 @@
+#include "ClientTabWidget.h"
+
+#include "Client.h"
+#include "ClientInterface.h"
+
+#include <QFontDatabase>
+#include <QMouseEvent>
+#include <QStyle>
+
+void ClientTabWidget::ClientTabBar::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::MiddleButton)
+        Q_EMIT tabCloseRequested(tabAt(event->position().toPoint()));
+    QTabBar::mouseReleaseEvent(event);
+}
+
+ClientTabWidget::ClientTabWidget(QWidget* parent)
+    : QTabWidget(parent)
+{
+    setTabBar(new ClientTabBar(this));
+    setTabsClosable(true);
+    setDocumentMode(true);
+    setElideMode(Qt::ElideRight);
+    addPlaceholder();
+}
+
+ClientInterface* ClientTabWidget::pageAt(int index) const
+{
+    return qobject_cast<ClientInterface*>(widget(index));
+}
+
+ClientInterface* ClientTabWidget::pageOf(const Client* client) const
+{
+    if (client == nullptr)
+        return nullptr;
+    for (int i = 0; i < count(); ++i) {
+        ClientInterface* page = pageAt(i);
+        if (page != nullptr && page->client() == client)
+            return page;
+    }
+    return nullptr;
+}
+
+ClientInterface* ClientTabWidget::addClient(Client* client, const QFont& font, bool autoClose)
+{
+    if (autoClose)
+        closeFinishedTabs();
+    closePlaceholder();
+    auto* page = new ClientInterface(client, count(), font, this);
+    setCurrentIndex(addTab(page, QStringLiteral("<unknown>")));
+    return page;
+}
+
+void ClientTabWidget::closeFinishedTabs()
+{
+    int i = 0;
+    while (i < count()) {
+        const ClientInterface* page = pageAt(i);
+        if (page != nullptr && page->state() == ClientInterface::State::Finished) {
+            removePage(i);
+            i = 0;
+        } else {
+            ++i;
+        }
+    }
+}
+
+void ClientTabWidget::closePlaceholder()
+{
+    const ClientInterface* only = count() == 1 ? pageAt(0) : nullptr;
+    if (only != nullptr && only->state() == ClientInterface::State::Fresh)
+        removePage(0);
+}
+
+void ClientTabWidget::closeTabAt(int index)
+{
+    if (index < 0 || index >= count())
+        return;
+    removePage(index);
+    if (count() == 0)
+        addPlaceholder();
+}
+
+void ClientTabWidget::removePage(int index)
+{
+    QWidget* page = widget(index);
+    removeTab(index);
+    if (qobject_cast<ClientInterface*>(page) != nullptr)
+        delete page;
+}
+
+void ClientTabWidget::addPlaceholder()
+{
+    auto* page = new ClientInterface(nullptr, 0, QFontDatabase::systemFont(QFontDatabase::FixedFont), this);
+    page->setEnabled(false);
+    const int index = addTab(page, QStringLiteral("Disconnected"));
+    const auto side = static_cast<QTabBar::ButtonPosition>(
+        style()->styleHint(QStyle::SH_TabBar_CloseButtonPosition, nullptr, tabBar()));
+    if (QWidget* closeButton = tabBar()->tabButton(index, side))
+        closeButton->resize(0, 0);
+}
+
+void ClientTabWidget::setPid(const Client* client, PID_TYPE pid)
+{
+    if (ClientInterface* page = pageOf(client)) {
+        page->setPid(pid);
+        showTitle(*page);
+    }
+}
+
+void ClientTabWidget::setName(const Client* client, const QString& name)
+{
+    if (ClientInterface* page = pageOf(client)) {
+        page->setName(name);
+        showTitle(*page);
+    }
+}
+
+void ClientTabWidget::showTitle(const ClientInterface& page)
+{
+    // An ampersand in a tab's text would mark a key.
+    const QString title = page.title();
+    setTabText(page.index(), QString(title).replace(QLatin1Char('&'), QStringLiteral("&&")));
+    // The index is the one of the tab's creation, so the title may be on another tab; the tool tip never is.
+    setTabToolTip(indexOf(&page), title.toHtmlEscaped());
+}
+
+void ClientTabWidget::finish(const Client* client, const QString& text)
+{
+    if (ClientInterface* page = pageOf(client))
+        page->finish(text);
+}

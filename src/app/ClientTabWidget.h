@@ -1,0 +1,51 @@
+#pragma once
+
+#include "MetaTypes.h"
+
+#include <QTabBar>
+#include <QTabWidget>
+
+class Client;
+class ClientInterface;
+
+/// The tabs of the connected applications. While there is none, a disabled tab stands in.
+class ClientTabWidget : public QTabWidget {
+    Q_OBJECT
+
+public:
+    /// A tab bar on which a middle click asks to close a tab.
+    class ClientTabBar : public QTabBar {
+    public:
+        using QTabBar::QTabBar;
+
+    protected:
+        void mouseReleaseEvent(QMouseEvent* event) override;
+    };
+
+    explicit ClientTabWidget(QWidget* parent = nullptr);
+
+    /// Adds a tab for a client and makes it the current one. It takes the place of the stand-in, and with
+    /// autoClose finished tabs are closed first.
+    ClientInterface* addClient(Client* client, const QFont& font, bool autoClose);
+
+    /// Closes the tab at an index and destroys its page. An index that no tab has changes nothing.
+    void closeTabAt(int index);
+
+    /// The page of a client; none once its tab is closed.
+    ClientInterface* pageOf(const Client* client) const;
+
+    void setPid(const Client* client, PID_TYPE pid);
+    void setName(const Client* client, const QString& name);
+    /// Ends a client's session on its page with a text.
+    void finish(const Client* client, const QString& text);
+
+    /// The page at an index, if it is a client's or the stand-in.
+    ClientInterface* pageAt(int index) const;
+
+private:
+    void addPlaceholder();
+    void closeFinishedTabs();
+    void closePlaceholder();
+    void removePage(int index);
+    void showTitle(const ClientInterface& page);
+};

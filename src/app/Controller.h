@@ -1,0 +1,44 @@
+#pragma once
+
+#include "MainWindow.h"
+
+#include <QApplication>
+#include <QLockFile>
+
+#include <memory>
+
+class QLocalServer;
+
+/// The application object: makes sure that only one instance runs for a user, and owns the main window.
+class Controller : public QApplication {
+    Q_OBJECT
+
+public:
+    /// Starts up; throws std::runtime_error with a text for the user where that fails, as on a second
+    /// instance. Both arguments must live as long as the Controller.
+    Controller(int& argc, char** argv);
+    ~Controller() override;
+
+    /// Shows the main window and runs the event loop; returns its exit code.
+    int run();
+
+    MainWindow& mainWindow() { return m_mainWindow; }
+
+private:
+    /// Held while the servers are set up, so that two instances that start at once do not take each other's
+    /// half-made socket for one that a crash has left behind.
+    class StartUpLock {
+    public:
+        StartUpLock();
+        void release() { m_file.unlock(); }
+
+    private:
+        QLockFile m_file;
+    };
+
+    void refuseSecondInstance() const;
+
+    StartUpLock m_startUpLock;
+    MainWindow m_mainWindow;
+    QLocalServer* m_instanceServer;
+};

@@ -1,0 +1,77 @@
+#pragma once
+
+#include "MetaTypes.h"
+
+#include <QMainWindow>
+
+#include <memory>
+#include <set>
+
+class AboutBox;
+class Client;
+class ClientInterface;
+class ClientTabWidget;
+class Controller;
+class LocalListener;
+class MonitorStatus;
+class QLocalServer;
+class SystemReportGUIReceiver;
+
+namespace Ui {
+class MainWindow;
+}
+
+/// What fatalError() reports.
+enum class Error {
+    SocketNotCreated,
+};
+Q_DECLARE_METATYPE(Error)
+
+/// The program's window. It listens for emulated applications, gives each a tab, and carries the pages and
+/// menus.
+class MainWindow : public QMainWindow {
+    Q_OBJECT
+
+public:
+    /// The controller may be none, where the window stands for itself.
+    explicit MainWindow(Controller* controller = nullptr);
+    ~MainWindow() override;
+
+public Q_SLOTS:
+    void onAbout();
+    void onFeedback();
+    void onHelp();
+    void onPreferences();
+    void optionChanged();
+    void clientCleanDisconnect(Client* client);
+    void clientIckyDisconnect(Client* client);
+    void setClientPID(Client* client, PID_TYPE);
+    void setClientName(Client* client, const QString& name);
+    void closeTab(const int);
+    void fontChanged(const QFont&);
+    void fatalError(Error);
+    void serverNewConnection();
+    void newProfile();
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+
+private:
+    void setUpActions();
+    void setUpFonts();
+    void setUpPages();
+    void setUpServer();
+    void countProblems(const ClientInterface& page);
+    void clientDisconnected(Client* client, const QString& text);
+    void showClientCount();
+
+    std::unique_ptr<Ui::MainWindow> m_ui;
+    Controller* m_controller;
+    ClientTabWidget* m_clientTabs = nullptr;
+    MonitorStatus* m_status = nullptr;
+    SystemReportGUIReceiver* m_reportReceiver = nullptr;
+    AboutBox* m_aboutBox = nullptr;
+    QLocalServer* m_server = nullptr;
+    LocalListener* m_listener = nullptr;
+    std::set<Client*> m_clients;
+};

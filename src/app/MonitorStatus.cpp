@@ -1,0 +1,107 @@
+#include "MonitorStatus.h"
+
+#include <QHBoxLayout>
+#include <QIcon>
+#include <QLabel>
+#include <QStatusBar>
+#include <QStyle>
+
+namespace {
+
+/// Milliseconds between two updates of the shown counts at least.
+constexpr int updateTime = 100;
+
+void setIcon(QLabel& label, const QString& name)
+{
+    const int side = label.style()->pixelMetric(QStyle::PM_SmallIconSize);
+    label.setPixmap(QIcon(QStringLiteral(":/CorvaleResources/") + name)
+                        .pixmap(QSize(side, side), label.devicePixelRatioF()));
+}
+
+} // namespace
+
+MonitorStatus::MonitorStatus(QStatusBar* bar)
+    : QObject(bar)
+    , m_bar(bar)
+{
+    m_listeningIcon = new QLabel(bar);
+    m_listening = new QLabel(bar);
+    m_listening->setObjectName(QStringLiteral("lblListening"));
+    m_listening->setTextFormat(Qt::PlainText);
+    // A long reason must not dictate the window's width; the tool tip has all of it.
+    m_listening->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    bar->addWidget(m_listeningIcon);
+    bar->addWidget(m_listening, 1);
+
+    m_clients = new QLabel(bar);
+    m_clients->setObjectName(QStringLiteral("lblClients"));
+    m_clients->setToolTip(tr("Applications that are connected now"));
+    bar->addPermanentWidget(m_clients);
+    m_errors = addPart(QStringLiteral("lblErrorCount"), QStringLiteral("Error"), m_errorsIcon);
+    m_errors->setToolTip(tr("Errors that applications have reported since the start"));
+    m_warnings = addPart(QStringLiteral("lblWarningCount"), QStringLiteral("Warning"), m_warningsIcon);
+    m_warnings->setToolTip(tr("Warnings that applications have reported since the start"));
+
+    m_update.setSingleShot(true);
+    m_update.setInterval(updateTime);
+    connect(&m_update, &QTimer::timeout, this, &MonitorStatus::showCounts);
+    setClientCount(0);
+    showCounts();
+}
+
+QLabel* MonitorStatus::addPart(const QString& objectName, const QString& icon, QLabel*& iconLabel)
+{
+    auto* part = new QWidget(m_bar);
+    auto* layout = new QHBoxLayout(part);
+    layout->setContentsMargins(0, 0, 0, 0);
+    iconLabel = new QLabel(part);
+    setIcon(*iconLabel, icon);
+    auto* text = new QLabel(part);
+    text->setObjectName(objectName);
+    layout->addWidget(iconLabel);
+    layout->addWidget(text);
+    m_bar->addPermanentWidget(part);
+    return text;
+}
+
+void MonitorStatus::setListening(const QString& path, const QString& problem)
+{
+    setIcon(
+        *m_listeningIcon, problem.isEmpty() ? QStringLiteral("Connected") : QStringLiteral("Disconnected"));
+    m_listening->setText(
+        problem.isEmpty() ? tr("Listening for applications") : tr("Not listening: %1").arg(problem));
+    const QString detail =
+        problem.isEmpty() ? tr("Applications connect to \"%1\"").arg(path) : m_listening->text();
+    m_listening->setToolTip(detail.toHtmlEscaped());
+    m_listeningIcon->setToolTip(m_listening->toolTip());
+}
+
+void MonitorStatus::setClientCount(std::size_t count)
+{
+    m_clientCount = count;
+    m_clients->setText(count == 1 ? tr("1 client connected") : tr("%1 clients connected").arg(count));
+}
+
+void MonitorStatus::addErrors(int count)
+{
+    m_errorCount += static_cast<quint64>(count);
+    showCountsSoon();
+}
+
+void MonitorStatus::addWarnings(int count)
+{
+    m_warningCount += static_cast<quint64>(count);
+    showCountsSoon();
+}
+
+void MonitorStatus::showCountsSoon()
+{
+    if (!m_update.isActive())
+        m_update.start();
+}
+
+void MonitorStatus::showCounts()
+{
+    m_errors->setText(m_errorCount == 1 ? tr("1 error") : tr("%1 errors").arg(m_errorCount));
+    m_warnings->setText(m_warningCount == 1 ? tr("1 warning") : tr("%1 warnings").arg(m_warningCount));
+}

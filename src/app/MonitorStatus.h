@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+
+class QAbstractItemModel;
+class QLabel;
+class QStatusBar;
+
+/// The window's state at a glance, in its status bar: whether it listens, how many clients are connected, and
+/// how many errors and warnings they have reported since the start. Counts that change in a flood are shown a
+/// few times a second.
+class MonitorStatus : public QObject {
+    Q_OBJECT
+
+public:
+    explicit MonitorStatus(QStatusBar* bar);
+
+    /// An empty problem means that the server listens, on the socket at the path.
+    void setListening(const QString& path, const QString& problem);
+    void setClientCount(std::size_t count);
+    void addErrors(int count);
+    void addWarnings(int count);
+
+private:
+    QLabel* addPart(const QString& objectName, const QString& icon, QLabel*& iconLabel);
+    void showCountsSoon();
+    void showCounts();
+
+    QStatusBar* m_bar;
+    QLabel* m_listeningIcon = nullptr;
+    QLabel* m_listening;
+    QLabel* m_clients;
+    QLabel* m_errorsIcon = nullptr;
+    QLabel* m_errors;
+    QLabel* m_warningsIcon = nullptr;
+    QLabel* m_warnings;
+    std::size_t m_clientCount = 0;
+    quint64 m_errorCount = 0;
+    quint64 m_warningCount = 0;
+    QTimer m_update;
+};

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <QString>
+
+/// Name and version of the product.
+namespace product {
+
+inline QString name()
+{
+    return QStringLiteral("Corvale");
+}
+
+inline QString version()
+{
+    return QStringLiteral("10.17.2");
+}
+
+inline QString nameAndVersion()
+{
+    return name() + QLatin1Char(' ') + version();
+}
+
+} // namespace product

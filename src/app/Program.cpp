@@ -1,0 +1,56 @@
+#include "Program.h"
+
+#include "Controller.h"
+
+#include <QMessageBox>
+
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+namespace {
+
+/// The arguments once more, since an application object takes its own out of those it is given.
+class Arguments {
+public:
+    Arguments(int argc, char** argv)
+        : m_count(argc)
+        , m_values(argv, argv + argc)
+    {
+        m_values.push_back(nullptr);
+    }
+
+    int& count() { return m_count; }
+    char** values() { return m_values.data(); }
+
+private:
+    int m_count;
+    std::vector<char*> m_values;
+};
+
+void showStartUpFailure(Arguments arguments, const std::string& message)
+{
+    // The Controller, and with it the application object, is gone by now.
+    const QApplication application(arguments.count(), arguments.values());
+    QMessageBox box;
+    box.setIcon(QMessageBox::Critical);
+    box.setWindowTitle(QStringLiteral("Corvale GUI"));
+    box.setText(QString::fromStdString(message));
+    box.exec();
+}
+
+} // namespace
+
+int runProgram(int argc, char** argv)
+{
+    const Arguments original(argc, argv);
+    try {
+        Arguments arguments(original);
+        Controller controller(arguments.count(), arguments.values());
+        return controller.run();
+    } catch (const std::runtime_error& failure) {
+        showStartUpFailure(original, failure.what());
+        return 0;
+    }
+}
