@@ -42,7 +42,8 @@ void CellContentsDialog::showAt(const QPoint& position)
     const QScreen* screen = QGuiApplication::screenAt(position);
     if (screen == nullptr)
         screen = QGuiApplication::primaryScreen();
-    const QRect available = screen->availableGeometry();
+    constexpr int distance = 4;
+    const QRect available = screen->availableGeometry().adjusted(distance, distance, -distance, -distance);
     resize(sizeFor(m_text, available.size()));
     move(std::clamp(position.x(), available.left(), std::max(available.left(), available.right() - width())),
         std::clamp(position.y(), available.top(), std::max(available.top(), available.bottom() - height())));

@@ -14,6 +14,7 @@
 #include <QTextDocument>
 
 #include <cstdlib>
+#include <utility>
 
 using ui::messages::Message;
 using ui::messages::Type;
@@ -113,7 +114,15 @@ QString ClientInterface::title() const
 
 void ClientInterface::receive(const Message& message)
 {
-    const ConsoleWriter::Edit edit(m_console);
+    {
+        const ConsoleWriter::Edit edit(m_console);
+        showRecord(message);
+    }
+    scrollConsole();
+}
+
+void ClientInterface::showRecord(const Message& message)
+{
     switch (message.type()) {
     case Type::IdentifiedMessage:
         receiveIdentified(message);
@@ -235,7 +244,7 @@ ClientInterface::HeadingStyle ClientInterface::identifiedStyle() const
 void ClientInterface::writeHeading(const QString& text, const HeadingStyle& style)
 {
     m_console.heading(text, style.palette, style.border);
-    scrollConsole();
+    m_scrollPending = true;
 }
 
 void ClientInterface::writeFramed(const QString& heading, const QString& body, const HeadingStyle& style)
@@ -248,18 +257,19 @@ void ClientInterface::writeFramed(const QString& heading, const QString& body, c
 void ClientInterface::writePlainText(const QString& text)
 {
     m_console.plainText(text);
-    scrollConsole();
+    m_scrollPending = true;
 }
 
 void ClientInterface::writeLineBreak()
 {
     m_console.lineBreak();
-    scrollConsole();
+    m_scrollPending = true;
 }
 
 void ClientInterface::scrollConsole()
 {
-    if (!m_ui->chkConsoleAutoScroll->isChecked())
+    // Only a finished edit has been laid out and can be scrolled to.
+    if (!std::exchange(m_scrollPending, false) || !m_ui->chkConsoleAutoScroll->isChecked())
         return;
     m_ui->txtConsole->setTextCursor(m_console.cursor());
     m_ui->txtConsole->ensureCursorVisible();
@@ -283,6 +293,7 @@ void ClientInterface::finish(const QString& text)
 {
     m_console.moveToEnd();
     writePlainText(text);
+    scrollConsole();
     m_state = State::Finished;
     m_ui->grpRendering->setEnabled(false);
     m_ui->grpRendering->setToolTip(tr("The application is no longer connected"));

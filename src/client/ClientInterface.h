@@ -78,6 +78,7 @@ private:
     HeadingStyle headingStyle(const QColor& headingText, const QColor& headingBackground,
         const QColor& bodyBackground, QTextFrameFormat::BorderStyle border) const;
 
+    void showRecord(const ui::messages::Message& message);
     void receiveIdentified(const ui::messages::Message& message);
     void receiveDebug(const ui::messages::Message& message);
     void receiveWarning(const ui::messages::Message& message);
@@ -101,6 +102,7 @@ private:
     State m_state = State::Fresh;
     QTextDocument* m_document;
     ConsoleWriter m_console;
+    bool m_scrollPending = false;
     ErrorListModel* m_errorListModel;
     ErrorListFilterProxyModel* m_errorListFilter;
 };

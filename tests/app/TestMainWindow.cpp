@@ -1,0 +1,320 @@
+#include "Client.h"
+#include "ClientInterface.h"
+#include "ClientTabWidget.h"
+#include "MainWindow.h"
+#include "MetaObjects.h"
+#include "RawClient.h"
+#include "Resources.h"
+
+#include <QCheckBox>
+#include <QFontComboBox>
+#include <QLabel>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPlainTextEdit>
+#include <QTest>
+#include <QTextEdit>
+#include <QTimer>
+
+#include <thread>
+
+using namespace records;
+
+namespace {
+
+/// A window and the applications that are connected to it, through its real socket.
+class Session {
+public:
+    Session() { window.resize(900, 600); }
+
+    /// Connects one more application and waits for its tab.
+    RawClient& connectApplication()
+    {
+        const int before = clientCount();
+        applications.push_back(std::make_unique<RawClient>(QStringLiteral("Corvale")));
+        [this, before] {
+            QTRY_COMPARE(clientCount(), before + 1);
+        }();
+        return *applications.back();
+    }
+    int clientCount() const { return static_cast<int>(window.findChildren<Client*>().size()); }
+    ClientTabWidget& tabs() const
+    {
+        return *window.findChild<ClientTabWidget*>(QStringLiteral("clienttabs"));
+    }
+    QStringList titles() const
+    {
+        QStringList titles;
+        for (int i = 0; i < tabs().count(); ++i)
+            titles.append(tabs().tabText(i));
+        return titles;
+    }
+    QString console(int index) const
+    {
+        return tabs().widget(index)->findChild<QTextEdit*>(QStringLiteral("txtConsole"))->toPlainText();
+    }
+    QString status(const char* label) const
+    {
+        return window.findChild<QLabel*>(QString::fromLatin1(label))->text();
+    }
+    QCheckBox& autoClose() const { return *window.findChild<QCheckBox*>(QStringLiteral("chkAutoClose")); }
+    QWidget* closeButton(int index) const
+    {
+        for (const auto side : {QTabBar::LeftSide, QTabBar::RightSide}) {
+            if (QWidget* button = tabs().tabBar()->tabButton(index, side))
+                return button;
+        }
+        return nullptr;
+    }
+
+    MainWindow window;
+    std::vector<std::unique_ptr<RawClient>> applications;
+};
+
+} // namespace
+
+class TestMainWindow : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { registerResources(); }
+    void init() { QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin)"))); }
+
+    void form();
+    void titlesAndStates();
+    void titleGoesToTheRecordedIndex();
+    void autoCloseRemovesFinishedTabs();
+    void placeholder();
+    void closedTabLeavesItsClientAlone();
+    void closingTheWindowTellsEveryClient();
+    void destructionDuringAFlood();
+    void statusCounts();
+    void systemReport();
+    void consoleFont();
+    void fatalErrorClosesTheWindow();
+};
+
+void TestMainWindow::form()
+{
+    QCOMPARE(ownMethods(MainWindow::staticMetaObject),
+        QStringList({"onAbout()", "onFeedback()", "onHelp()", "onPreferences()", "optionChanged()",
+            "clientCleanDisconnect(Client*)", "clientIckyDisconnect(Client*)",
+            "setClientPID(Client*,PID_TYPE)", "setClientName(Client*,QString)", "closeTab(int)",
+            "fontChanged(QFont)", "fatalError(Error)", "serverNewConnection()", "newProfile()"}));
+    const Session session;
+    const auto text = [&session](const char* action) {
+        return session.window.findChild<QAction*>(QString::fromLatin1(action))->text();
+    };
+    QCOMPARE(text("actionExit"), QStringLiteral("&Exit"));
+    QCOMPARE(text("actionUsage"), QStringLiteral("&Corvale Help"));
+    QCOMPARE(text("actionAbout"), QStringLiteral("&About Corvale"));
+    QCOMPARE(text("actionPreferences"), QStringLiteral("&Preferences..."));
+    QCOMPARE(text("actionFeedback"), QStringLiteral("&Feedback..."));
+    QCOMPARE(text("actionNew_Profile"), QStringLiteral("&New Profile"));
+    QStringList menus;
+    for (const char* name : {"menuFile", "menuEdit", "menuHelp"})
+        menus.append(session.window.findChild<QMenu*>(QString::fromLatin1(name))->title());
+    QCOMPARE(menus, QStringList({"Fi&le", "Edit", "Help"}));
+    const auto& pages = *session.window.findChild<QTabWidget*>(QStringLiteral("mainTabWidget"));
+    QCOMPARE(pages.widget(0)->objectName(), QStringLiteral("tabProfileProperties"));
+    QCOMPARE(pages.tabText(0), QStringLiteral("Profile Properties"));
+    QCOMPARE(pages.tabText(1), QStringLiteral("Programs"));
+    QCOMPARE(pages.tabText(2), QStringLiteral("System Report"));
+    QCOMPARE(session.window.windowTitle(), QStringLiteral("Corvale GUI"));
+    QVERIFY(!session.window.windowIcon().isNull());
+}
+
+void TestMainWindow::titlesAndStates()
+{
+    Session session;
+    RawClient& application = session.connectApplication();
+    QCOMPARE(session.titles(), QStringList("<unknown>"));
+    application.send(pid(42));
+    QTRY_COMPARE(session.titles(), QStringList("PID: 42"));
+    application.send(text(Type::SetName, "raven \"&\" run"));
+    QTRY_COMPARE(session.titles(), QStringList("\"raven \"&&\" run\" PID: 42"));
+    QCOMPARE(session.tabs().pageAt(0)->state(), ClientInterface::State::Live);
+
+    application.send(bytes(text(Type::Error, "the last")) + bytes(make(Type::CleanDisconnect)));
+    QTRY_COMPARE(session.tabs().pageAt(0)->state(), ClientInterface::State::Finished);
+    QCOMPARE(session.console(0), QStringLiteral("\n\nError\nthe last\n\nClient disconnected"));
+    QTRY_COMPARE(application.receivedTypes(), QList<quint32>({11}));
+
+    RawClient& crashing = session.connectApplication();
+    crashing.send(bytes(text(Type::Information, "about to crash")) + "piece of a record");
+    crashing.close();
+    QTRY_COMPARE(session.tabs().pageAt(1)->state(), ClientInterface::State::Finished);
+    QCOMPARE(session.console(1), QStringLiteral("about to crash\nLost connection to client"));
+}
+
+void TestMainWindow::titleGoesToTheRecordedIndex()
+{
+    Session session;
+    session.connectApplication();
+    session.connectApplication();
+    session.connectApplication();
+    session.window.closeTab(0);
+    session.applications[1]->send(pid(1)); // recorded index 1, now at 0
+    QTRY_COMPARE(session.titles(), QStringList({"<unknown>", "PID: 1"}));
+    QCOMPARE(session.tabs().tabToolTip(0), QStringLiteral("PID: 1"));
+    session.applications[2]->send(pid(2)); // recorded index 2, which no tab has
+    QTRY_COMPARE(session.tabs().tabToolTip(1), QStringLiteral("PID: 2"));
+    QCOMPARE(session.titles(), QStringList({"<unknown>", "PID: 1"}));
+}
+
+void TestMainWindow::autoCloseRemovesFinishedTabs()
+{
+    Session session;
+    for (int i = 0; i < 4; ++i)
+        session.connectApplication().send(pid(static_cast<std::uint32_t>(i)));
+    QTRY_COMPARE(session.titles(), QStringList({"PID: 0", "PID: 1", "PID: 2", "PID: 3"}));
+    for (const std::size_t ended : {0U, 1U, 3U})
+        session.applications[ended]->close();
+    QTRY_COMPARE(session.status("lblClients"), QStringLiteral("1 client connected"));
+    session.connectApplication();
+    QCOMPARE(session.tabs().count(), 5);
+    session.autoClose().click();
+    session.connectApplication();
+    QCOMPARE(session.titles(), QStringList({"PID: 2", "<unknown>", "<unknown>"}));
+    QCOMPARE(session.tabs().currentIndex(), 2);
+}
+
+void TestMainWindow::placeholder()
+{
+    Session session;
+    session.window.show();
+    QCOMPARE(session.titles(), QStringList("Disconnected"));
+    QVERIFY(!session.tabs().widget(0)->isEnabled());
+    QVERIFY(session.closeButton(0) == nullptr || session.closeButton(0)->size().isEmpty());
+    const auto middleClick = [&session] {
+        QTest::mouseClick(session.tabs().tabBar(), Qt::MiddleButton, Qt::NoModifier,
+            session.tabs().tabBar()->tabRect(0).center());
+    };
+    middleClick();
+    QCOMPARE(session.titles(), QStringList("Disconnected"));
+
+    session.connectApplication();
+    QCOMPARE(session.titles(), QStringList("<unknown>"));
+    const QPointer<QWidget> page = session.tabs().widget(0);
+    middleClick();
+    QVERIFY(!page);
+    QCOMPARE(session.titles(), QStringList("Disconnected"));
+    session.connectApplication();
+    QTest::mouseClick(session.closeButton(0), Qt::LeftButton);
+    QCOMPARE(session.titles(), QStringList("Disconnected"));
+    QTest::mouseClick(session.tabs().tabBar(), Qt::MiddleButton, Qt::NoModifier, QPoint(5000, 2));
+    session.window.closeTab(7);
+    QCOMPARE(session.titles(), QStringList("Disconnected"));
+}
+
+void TestMainWindow::closedTabLeavesItsClientAlone()
+{
+    Session session;
+    RawClient& application = session.connectApplication();
+    session.window.closeTab(0);
+    application.send(
+        bytes(pid(7)) + bytes(text(Type::SetName, "gone")) + bytes(text(Type::Error, "nowhere")));
+    QTest::qWait(50);
+    QCOMPARE(session.titles(), QStringList("Disconnected"));
+    QCOMPARE(session.status("lblClients"), QStringLiteral("1 client connected"));
+    QCOMPARE(application.receivedTypes(), QList<quint32>());
+    application.close();
+    QTRY_COMPARE(session.status("lblClients"), QStringLiteral("0 clients connected"));
+}
+
+void TestMainWindow::closingTheWindowTellsEveryClient()
+{
+    auto session = std::make_unique<Session>();
+    session->connectApplication();
+    session->connectApplication();
+    session->window.closeTab(1);
+    session->connectApplication().close(); // gone, but the window may not know yet
+    const auto applications = std::move(session->applications);
+    session->window.close();
+    session.reset();
+    QCOMPARE(applications[0]->receivedTypes(), QList<quint32>({11}));
+    QCOMPARE(applications[1]->receivedTypes(), QList<quint32>({11}));
+}
+
+void TestMainWindow::destructionDuringAFlood()
+{
+    auto session = std::make_unique<Session>();
+    RawClient& application = session->connectApplication();
+    session->connectApplication();
+    std::thread flood([&application] {
+        const std::string record = bytes(glError(1280, "glEnable", "again"));
+        while (application.send(record)) { }
+    });
+    QTRY_VERIFY(session->console(0).size() > 1000);
+    const auto applications = std::move(session->applications);
+    session.reset();
+    flood.join();
+}
+
+void TestMainWindow::statusCounts()
+{
+    Session session;
+    QCOMPARE(session.status("lblListening"), QStringLiteral("Listening for applications"));
+    QCOMPARE(session.status("lblClients"), QStringLiteral("0 clients connected"));
+    session.connectApplication().send(bytes(text(Type::Error, "a")) + bytes(glError(1280, "f", "b"))
+        + bytes(text(Type::Warning, "c")) + bytes(text(Type::Information, "d")));
+    QTRY_COMPARE(session.status("lblErrorCount"), QStringLiteral("2 errors"));
+    QCOMPARE(session.status("lblWarningCount"), QStringLiteral("1 warning"));
+}
+
+void TestMainWindow::systemReport()
+{
+    Session session;
+    const auto& viewer =
+        *session.window.findChild<QWidget*>(QStringLiteral("tabSystemReport"))->findChild<QPlainTextEdit*>();
+    QCOMPARE(viewer.toPlainText(),
+        QStringLiteral(
+            "To generate a system report, run an application which loads the Corvale libraries and calls "
+            "eglInitialize()."));
+    Message entry = make(Type::ReportKeyedText);
+    entry.setU32(offset::reportKey, 3);
+    entry.setText(offset::reportKeyedText, "Brindlewood B300");
+    session.connectApplication().send(
+        bytes(entry) + bytes(make(Type::ReportComplete)) + bytes(make(Type::ReportComplete)));
+    QTRY_VERIFY(viewer.toPlainText().contains(QStringLiteral("Brindlewood B300")));
+}
+
+void TestMainWindow::consoleFont()
+{
+    Session session;
+    session.connectApplication();
+    auto& combo = *session.window.findChild<QFontComboBox*>(QStringLiteral("cmbFont"));
+    const auto consoleFamily = [&session](int index) {
+        return session.tabs()
+            .widget(index)
+            ->findChild<QTextEdit*>(QStringLiteral("txtConsole"))
+            ->font()
+            .family();
+    };
+    QCOMPARE(consoleFamily(0), combo.currentFont().family());
+    const QString other = combo.itemText(combo.currentIndex() == 0 ? 1 : 0);
+    combo.setCurrentFont(QFont(other));
+    QCOMPARE(consoleFamily(0), other);
+    session.connectApplication();
+    QCOMPARE(consoleFamily(1), other);
+}
+
+void TestMainWindow::fatalErrorClosesTheWindow()
+{
+    Session session;
+    session.window.show();
+    QTimer::singleShot(0, &session.window, [] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        QVERIFY(box != nullptr);
+        QCOMPARE(box->icon(), QMessageBox::Critical);
+        QCOMPARE(box->windowTitle(), QStringLiteral("Fatal error"));
+        QCOMPARE(box->text(),
+            QStringLiteral("Failed to create a socket. Cannot listen for incoming connections."));
+        box->accept();
+    });
+    QVERIFY(QMetaObject::invokeMethod(&session.window, "fatalError", Q_ARG(Error, Error::SocketNotCreated)));
+    QVERIFY(!session.window.isVisible());
+}
+
+QTEST_MAIN(TestMainWindow)
+#include "TestMainWindow.moc"

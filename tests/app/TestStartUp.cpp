@@ -1,0 +1,225 @@
+#include "LocalListener.h"
+#include "Program.h"
+#include "RawClient.h"
+
+#include <QApplication>
+#include <QFile>
+#include <QLabel>
+#include <QLocalServer>
+#include <QMessageBox>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+#include <csignal>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace {
+
+QString path(const char* name)
+{
+    return QDir::tempPath() + QLatin1Char('/') + QLatin1String(name);
+}
+
+/// Inode of a file, 0 where there is none.
+ino_t inode(const char* name)
+{
+    struct stat status { };
+    return lstat(QFile::encodeName(path(name)).constData(), &status) == 0 ? status.st_ino : 0;
+}
+
+bool answers(const char* name)
+{
+    return RawClient(QLatin1String(name)).isConnected();
+}
+
+/// The real program in a process of its own.
+class Instance {
+public:
+    /// Starts it with a limit of file descriptors, 0 for that of this process, and waits until it answers.
+    explicit Instance(rlim_t descriptors = 0)
+    {
+        m_process.setProcessChannelMode(QProcess::ForwardedChannels);
+        m_process.setChildProcessModifier([descriptors] {
+            const rlimit limit{descriptors, descriptors};
+            if (descriptors != 0)
+                setrlimit(RLIMIT_NOFILE, &limit);
+        });
+        m_process.start(QStringLiteral(CORVALE_GUI), QStringList());
+        m_process.waitForStarted();
+        [this] {
+            QTRY_VERIFY(answers("CorvaleGUI") || !isRunning());
+        }();
+    }
+    ~Instance()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+    bool isRunning() { return m_process.state() == QProcess::Running && !m_process.waitForFinished(0); }
+    void crash()
+    {
+        m_process.kill();
+        m_process.waitForFinished();
+    }
+
+private:
+    QProcess m_process;
+};
+
+/// What the message box of a failed start said; set before runProgram() returns.
+QString startUpFailure;
+
+/// Answers the box of a failed start, whose application object nobody outside can reach before it is shown.
+void answerStartUpFailure()
+{
+    QTimer::singleShot(0, qApp, [] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (box == nullptr)
+            return;
+        startUpFailure = box->text();
+        if (box->icon() == QMessageBox::Critical)
+            box->accept();
+    });
+}
+Q_COREAPP_STARTUP_FUNCTION(answerStartUpFailure)
+
+} // namespace
+
+/// Runs without an application object of its own, since the program makes one.
+class TestStartUp : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void socketsAreForTheUserAlone();
+    void startsAgainAfterACrash();
+    void secondInstanceLeavesTheFirstAlone();
+    void somethingElseInTheWay_data();
+    void somethingElseInTheWay();
+    void anotherServerIsNotReplaced();
+    void vanishedSocketComesBack();
+    void runsOutOfDescriptors();
+};
+
+void TestStartUp::socketsAreForTheUserAlone()
+{
+    const Instance instance;
+    for (const char* name : {"Corvale", "CorvaleGUI"}) {
+        struct stat status { };
+        QCOMPARE(lstat(QFile::encodeName(path(name)).constData(), &status), 0);
+        QVERIFY(S_ISSOCK(status.st_mode));
+        QCOMPARE(status.st_mode & 077U, 0U);
+    }
+}
+
+void TestStartUp::startsAgainAfterACrash()
+{
+    {
+        Instance instance;
+        instance.crash();
+    }
+    QVERIFY(inode("Corvale") != 0);
+    QVERIFY(!answers("Corvale"));
+    Instance next;
+    QVERIFY(next.isRunning());
+    QTRY_VERIFY(answers("Corvale"));
+    QVERIFY(answers("CorvaleGUI"));
+}
+
+void TestStartUp::secondInstanceLeavesTheFirstAlone()
+{
+    Instance first;
+    RawClient client(QStringLiteral("Corvale"));
+    const ino_t clientSocket = inode("Corvale");
+    const ino_t instanceSocket = inode("CorvaleGUI");
+    QVERIFY(clientSocket != 0);
+
+    char program[] = "corvale-gui";
+    char* arguments[] = {program, nullptr};
+    startUpFailure.clear();
+    QCOMPARE(runProgram(1, arguments), 0);
+    QCOMPARE(startUpFailure, QStringLiteral("CorvaleGUI is already running"));
+
+    QVERIFY(first.isRunning());
+    QCOMPARE(inode("Corvale"), clientSocket);
+    QCOMPARE(inode("CorvaleGUI"), instanceSocket);
+    QVERIFY(answers("Corvale"));
+    QVERIFY(client.send(records::pid(1)));
+    QCOMPARE(client.receivedTypes(), QList<quint32>());
+}
+
+void TestStartUp::somethingElseInTheWay_data()
+{
+    QTest::addColumn<bool>("folder");
+    QTest::newRow("file") << false;
+    QTest::newRow("folder") << true;
+}
+
+void TestStartUp::somethingElseInTheWay()
+{
+    QFETCH(const bool, folder);
+    const QString name = QStringLiteral("Obstacle");
+    if (folder) {
+        QVERIFY(QDir().mkdir(path("Obstacle")));
+    } else {
+        QFile file(path("Obstacle"));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("precious");
+    }
+    int count = 1;
+    char program[] = "test";
+    char* arguments[] = {program, nullptr};
+    const QCoreApplication application(count, arguments);
+    QLocalServer server;
+    const QString problem = LocalListener::listenOnce(server, name);
+    QVERIFY(!server.isListening());
+    QVERIFY2(problem.contains(path("Obstacle")), qPrintable(problem));
+    QCOMPARE(QFileInfo(path("Obstacle")).isDir(), folder);
+    QVERIFY(folder ? QDir().rmdir(path("Obstacle")) : QFile::remove(path("Obstacle")));
+}
+
+void TestStartUp::anotherServerIsNotReplaced()
+{
+    int count = 1;
+    char program[] = "test";
+    char* arguments[] = {program, nullptr};
+    const QCoreApplication application(count, arguments);
+    QLocalServer other;
+    QVERIFY(other.listen(QStringLiteral("Taken")));
+    const ino_t before = inode("Taken");
+    QLocalServer server;
+    QVERIFY(!LocalListener::listenOnce(server, QStringLiteral("Taken")).isEmpty());
+    QCOMPARE(inode("Taken"), before);
+    QVERIFY(answers("Taken"));
+}
+
+void TestStartUp::vanishedSocketComesBack()
+{
+    Instance instance;
+    QTRY_VERIFY(answers("Corvale"));
+    QVERIFY(QFile::remove(path("Corvale")));
+    QTRY_VERIFY(answers("Corvale"));
+    QVERIFY(instance.isRunning());
+}
+
+void TestStartUp::runsOutOfDescriptors()
+{
+    Instance instance(60);
+    std::vector<std::unique_ptr<RawClient>> flood;
+    for (int i = 0; i < 100; ++i)
+        flood.push_back(std::make_unique<RawClient>(QStringLiteral("Corvale")));
+    QTRY_VERIFY(!answers("Corvale"));
+    flood.clear();
+    QTRY_VERIFY(answers("Corvale"));
+    QVERIFY(instance.isRunning());
+}
+
+int main(int argc, char** argv)
+{
+    TestStartUp test;
+    return QTest::qExec(&test, argc, argv);
+}
+#include "TestStartUp.moc"

@@ -1,0 +1,127 @@
+#include "ContextInterface.h"
+#include "ExtensionCatalogue.h"
+#include "Records.h"
+
+#include <QGroupBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QListWidget>
+#include <QTableWidget>
+#include <QTest>
+
+using namespace records;
+
+class TestContextInterface : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void extensionsInAllThreeStates();
+    void versions_data();
+    void versions();
+    void emptyLists();
+    void fullListsEndWithTheirField();
+};
+
+namespace {
+
+void setList(Message& record, std::size_t at, const std::vector<std::uint32_t>& codes)
+{
+    for (std::size_t i = 0; i < codes.size(); ++i)
+        record.setU32(at + 4 * i, codes[i]);
+}
+
+QString label(const ContextInterface& page, const char* name)
+{
+    return page.findChild<QLabel*>(QString::fromLatin1(name))->text();
+}
+
+QTableWidget& table(const ContextInterface& page)
+{
+    return *page.findChild<QTableWidget*>(QStringLiteral("table_context_info_es_extensions"));
+}
+
+QListWidget& list(const ContextInterface& page)
+{
+    return *page.findChild<QListWidget*>(QStringLiteral("list_context_info_gl_extensions"));
+}
+
+} // namespace
+
+void TestContextInterface::extensionsInAllThreeStates()
+{
+    Message record = context(1);
+    setList(record, offset::contextExtensions, {1, 132, 133});
+    setList(record, offset::contextExtensionsNotOnHost, {34});
+    setList(record, offset::contextExtensionsNotEmulated, {2, 0, 3});
+    setList(record, offset::contextHostExtensions, {642, 1, 9999});
+    const ContextInterface page(record);
+
+    QStringList rows;
+    for (int row = 0; row < table(page).rowCount(); ++row) {
+        rows.append(table(page).item(row, 0)->text() + QLatin1Char('|') + table(page).item(row, 1)->text());
+        QVERIFY((table(page).item(row, 1)->flags() & Qt::ItemIsEditable) == 0);
+    }
+    QCOMPARE(rows,
+        QStringList({"GL_APPLE_copy_texture_levels|Yes", "GL_KHR_shader_subgroup|Yes",
+            "<unknown extension>|Yes", "GL_OES_depth24|Not supported by the host system",
+            "GL_APPLE_sync|Not currently supported by Corvale"}));
+    QCOMPARE(label(page, "lbl_context_info_es_extensions_val"), QStringLiteral("5"));
+    QCOMPARE(list(page).count(), 3);
+    QCOMPARE(list(page).item(0)->text(), QStringLiteral("GL_NV_internalformat_sample_query"));
+    QCOMPARE(list(page).item(2)->text(), QStringLiteral("<unknown extension>"));
+    QCOMPARE(label(page, "lbl_context_info_gl_extensions_val"), QStringLiteral("3"));
+    QVERIFY(table(page).verticalHeader()->isHidden());
+}
+
+void TestContextInterface::versions_data()
+{
+    QTest::addColumn<QList<quint32>>("codes"); // strict, ES, GLSL ES, GL, GLSL
+    QTest::addColumn<QStringList>("texts");
+    QTest::newRow("known") << QList<quint32>{1, 4, 3, 19, 13}
+                           << QStringList{"OpenGL ES (Emulated)", "3.1", "GLSL ES 3.1", "4.6", "GLSL 4.60"};
+    QTest::newRow("loose, no shading language") << QList<quint32>{
+        0, 1, 0, 1, 1} << QStringList{"OpenGL ES (Emulated) (Loose mode)", "1.1", "None", "1.0", "GLSL 1.10"};
+    QTest::newRow("unknown") << QList<quint32>{2, 6, 5, 20, 14}
+                             << QStringList{"OpenGL ES (Emulated)", "<Failed to query OpenGL ES version>",
+                                    "<Failed to query GLSL ES version>", "unknown",
+                                    "<Failed to query GLSL version>"};
+}
+
+void TestContextInterface::versions()
+{
+    QFETCH(const QList<quint32>, codes);
+    Message record = context(1);
+    record.setU32(offset::contextStrict, codes[0]);
+    record.setU32(offset::contextEsVersion, codes[1]);
+    record.setU32(offset::contextGlslEsVersion, codes[2]);
+    record.setU32(offset::contextGlVersion, codes[3]);
+    record.setU32(offset::contextGlslVersion, codes[4]);
+    const ContextInterface page(record);
+    const QStringList shown{page.findChild<QGroupBox*>(QStringLiteral("grp_context_info_es"))->title(),
+        label(page, "lbl_context_info_es_version_val"), label(page, "lbl_context_info_glsl_es_version_val"),
+        label(page, "lbl_context_info_gl_version_val"), label(page, "lbl_context_info_glsl_version_val")};
+    QTEST(shown, "texts");
+}
+
+void TestContextInterface::emptyLists()
+{
+    const ContextInterface page(context(1));
+    QCOMPARE(table(page).rowCount(), 0);
+    QCOMPARE(label(page, "lbl_context_info_es_extensions_val"), QStringLiteral("0"));
+    QCOMPARE(label(page, "lbl_context_info_gl_extensions_val"), QStringLiteral("0"));
+}
+
+void TestContextInterface::fullListsEndWithTheirField()
+{
+    Message record = context(1);
+    for (std::size_t at = offset::contextExtensions; at < ui::messages::recordSize; at += 4)
+        record.setU32(at, 2);
+    const ContextInterface page(record);
+    QCOMPARE(table(page).rowCount(), 3 * 512);
+    QCOMPARE(table(page).item(511, 1)->text(), QStringLiteral("Yes"));
+    QCOMPARE(table(page).item(512, 1)->text(), QStringLiteral("Not supported by the host system"));
+    QCOMPARE(list(page).count(), 512);
+}
+
+QTEST_MAIN(TestContextInterface)
+#include "TestContextInterface.moc"

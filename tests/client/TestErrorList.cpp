@@ -1,0 +1,208 @@
+#include "ErrorListFilterProxyModel.h"
+#include "ErrorListModel.h"
+#include "ErrorListView.h"
+#include "MetaObjects.h"
+
+#include <QAbstractItemModelTester>
+#include <QClipboard>
+#include <QContextMenuEvent>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+
+using namespace errorList;
+
+namespace {
+
+QIcon iconOf(Qt::GlobalColor color)
+{
+    QPixmap pixmap(8, 8);
+    pixmap.fill(color);
+    return QIcon(pixmap);
+}
+
+/// A list with an error, a warning, a row of another severity and a last error.
+struct List {
+    List()
+    {
+        proxy.setSourceModel(&model);
+        model.append(SeverityError, 0, QStringLiteral("GL_INVALID_ENUM"), QStringLiteral("bad cap"),
+            QStringLiteral("glEnable"));
+        model.append(SeverityWarning, 7, QString(), QStringLiteral("slow"), QString());
+        model.append(2, 8, QString(), QStringLiteral("neither"), QString());
+        model.append(SeverityError, -1, QString(), QStringLiteral("two\nlines"), QString());
+    }
+    QStringList shown() const
+    {
+        QStringList texts;
+        for (int row = 0; row < proxy.rowCount(); ++row)
+            texts.append(proxy.index(row, DescriptionColumn).data().toString());
+        return texts;
+    }
+
+    ErrorListModel model{iconOf(Qt::blue), iconOf(Qt::yellow), iconOf(Qt::red)};
+    QAbstractItemModelTester modelTester{&model};
+    ErrorListFilterProxyModel proxy;
+    QAbstractItemModelTester proxyTester{&proxy};
+};
+
+} // namespace
+
+class TestErrorList : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void cellsAndHeaders();
+    void filter();
+    void contextMenuAsksForTheSelectedCell();
+    void contextMenuWithoutSelection();
+    void viewMayGoWhileItsMenuIsOpen();
+    void keys();
+};
+
+void TestErrorList::cellsAndHeaders()
+{
+    const List list;
+    const auto cell = [&list](int row, int column) {
+        return list.model.index(row, column).data();
+    };
+    QCOMPARE(cell(0, FrameColumn), QVariant("0"));
+    QCOMPARE(cell(0, FunctionColumn), QVariant("glEnable"));
+    QCOMPARE(cell(0, CodeColumn), QVariant("GL_INVALID_ENUM"));
+    QCOMPARE(cell(3, FrameColumn), QVariant("")); // a negative frame is none
+    QCOMPARE(cell(3, DescriptionColumn), QVariant("two\nlines"));
+    QVERIFY(!list.model.index(0, 0).data(Qt::ToolTipRole).isValid());
+
+    QStringList headers;
+    for (int column = 0; column < 5; ++column)
+        headers.append(list.model.headerData(column, Qt::Horizontal).toString());
+    QCOMPARE(headers, QStringList({"Frame", "Function", "Code", "Description", ""}));
+
+    const auto color = [&list](int row) {
+        const QVariant icon = list.model.headerData(row, Qt::Vertical, Qt::DecorationRole);
+        return icon.isValid() ? icon.value<QIcon>().pixmap(8, 8).toImage().pixelColor(4, 4) : QColor();
+    };
+    QCOMPARE(color(0), QColor(Qt::red));
+    QCOMPARE(color(1), QColor(Qt::yellow));
+    QCOMPARE(color(2), QColor());
+    QVERIFY(!list.model.headerData(0, Qt::Vertical).isValid());
+    QVERIFY(!list.model.headerData(4, Qt::Vertical, Qt::DecorationRole).isValid());
+}
+
+void TestErrorList::filter()
+{
+    List list;
+    QCOMPARE(list.shown(), QStringList({"bad cap", "slow", "two\nlines"}));
+    list.proxy.setShowErrors(false);
+    QCOMPARE(list.shown(), QStringList({"slow"}));
+    list.proxy.setShowWarnings(false);
+    QCOMPARE(list.shown(), QStringList());
+    list.model.append(SeverityWarning, 9, QString(), QStringLiteral("meanwhile"), QString());
+    QCOMPARE(list.shown(), QStringList());
+    list.proxy.setShowWarnings(true);
+    QCOMPARE(list.shown(), QStringList({"slow", "meanwhile"}));
+
+    QSignalSpy changes(&list.proxy, &QAbstractItemModel::rowsRemoved);
+    list.proxy.setShowWarnings(true);
+    QCOMPARE(changes.count(), 0);
+    list.model.append(SeverityWarning, 10, QString(), QStringLiteral("next"), QString());
+    QCOMPARE(list.shown(), QStringList({"slow", "meanwhile", "next"}));
+}
+
+void TestErrorList::contextMenuAsksForTheSelectedCell()
+{
+    QCOMPARE(ownMethods(ErrorListView::staticMetaObject),
+        QStringList({"contextMenuOpened()", "itemContentsRequested(int,int,QPoint)"}));
+    List list;
+    ErrorListView view;
+    view.setModel(&list.proxy);
+    view.resize(600, 200);
+    view.show();
+    view.setCurrentIndex(list.proxy.index(1, DescriptionColumn));
+    QSignalSpy opened(&view, &ErrorListView::contextMenuOpened);
+    QSignalSpy requested(&view, &ErrorListView::itemContentsRequested);
+
+    QStringList entries;
+    QTimer::singleShot(0, &view, [&] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        QVERIFY(menu != nullptr);
+        for (const QAction* action : menu->actions())
+            entries.append(action->text());
+        QCOMPARE(requested.count(), 0);
+        QTest::keyClick(menu, Qt::Key_Down);
+        QTest::keyClick(menu, Qt::Key_Return);
+    });
+    const QPoint position = view.visualRect(view.currentIndex()).center();
+    QContextMenuEvent event(QContextMenuEvent::Mouse, position, view.viewport()->mapToGlobal(position));
+    QCoreApplication::sendEvent(view.viewport(), &event);
+
+    QCOMPARE(entries, QStringList("View contents"));
+    QCOMPARE(opened.count(), 1);
+    const QPoint corner = view.viewport()->mapToGlobal(view.visualRect(view.currentIndex()).topLeft());
+    QCOMPARE(requested, QList<QVariantList>({QVariantList{1, 3, corner}}));
+}
+
+void TestErrorList::contextMenuWithoutSelection()
+{
+    List list;
+    ErrorListView view;
+    view.setModel(&list.proxy);
+    view.show();
+    QSignalSpy opened(&view, &ErrorListView::contextMenuOpened);
+    QSignalSpy requested(&view, &ErrorListView::itemContentsRequested);
+    QTimer::singleShot(0, &view, [] {
+        QWidget* menu = QApplication::activePopupWidget();
+        QTest::keyClick(menu, Qt::Key_Down);
+        QTest::keyClick(menu, Qt::Key_Return);
+        menu->close();
+    });
+    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 150), view.mapToGlobal(QPoint(5, 150)));
+    QCoreApplication::sendEvent(view.viewport(), &event);
+    QCOMPARE(opened.count(), 1);
+    QCOMPARE(requested.count(), 0);
+}
+
+void TestErrorList::viewMayGoWhileItsMenuIsOpen()
+{
+    List list;
+    auto view = std::make_unique<ErrorListView>();
+    view->setModel(&list.proxy);
+    view->show();
+    view->setCurrentIndex(list.proxy.index(0, 0));
+    QTimer::singleShot(0, qApp, [&view] {
+        QWidget* menu = QApplication::activePopupWidget();
+        view->deleteLater();
+        QCoreApplication::sendPostedEvents(view.release(), QEvent::DeferredDelete);
+        menu->close();
+    });
+    // Sent by hand: an application's own delivery would go on with the view that is gone.
+    struct Opener : ErrorListView {
+        using ErrorListView::contextMenuEvent;
+    };
+    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), QPoint(5, 5));
+    (view.get()->*&Opener::contextMenuEvent)(&event);
+    QVERIFY(!view);
+}
+
+void TestErrorList::keys()
+{
+    List list;
+    ErrorListView view;
+    view.setModel(&list.proxy);
+    view.show();
+    QSignalSpy requested(&view, &ErrorListView::itemContentsRequested);
+    view.setCurrentIndex(list.proxy.index(0, CodeColumn));
+    QTest::keyClick(&view, Qt::Key_Return);
+    QCOMPARE(requested.count(), 1);
+    QCOMPARE(requested.at(0).mid(0, 2), QVariantList({0, 2}));
+
+    view.selectAll();
+    QTest::keySequence(&view, QKeySequence::Copy);
+    QCOMPARE(QGuiApplication::clipboard()->text(),
+        QStringLiteral("0\tglEnable\tGL_INVALID_ENUM\tbad cap\n7\t\t\tslow\n\t\t\ttwo\nlines"));
+}
+
+QTEST_MAIN(TestErrorList)
+#include "TestErrorList.moc"
