@@ -76,7 +76,9 @@ QString startUpFailure;
 /// Answers the box of a failed start, whose application object nobody outside can reach before it is shown.
 void answerStartUpFailure()
 {
-    QTimer::singleShot(0, qApp, [] {
+    QTimer::singleShot(0, QCoreApplication::instance(), [] {
+        if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr)
+            return;
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         if (box == nullptr)
             return;

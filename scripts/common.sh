@@ -1,0 +1,47 @@
+# Shared by the scripts beside this file; sourced, not run. Sets $root and offers install_missing and build.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+cd "$root"
+
+# What a build needs, and a command to run it: the packages of a bare Debian 12.
+build_packages=(g++ cmake ninja-build qt6-base-dev libqt6svg6-dev libtinyxml2-dev)
+run_packages=(libqt6svg6 fonts-dejavu-core)
+test_packages=(libgtest-dev)
+display_packages=(xvfb x11-utils imagemagick)
+
+# install_missing PACKAGE...: installs those that are not there, and says which.
+install_missing() {
+    local missing=() package
+    for package in "$@"; do
+        [ "$(dpkg-query -W -f '${db:Status-Status}' "$package" 2>/dev/null)" = installed ] || missing+=("$package")
+    done
+    [ ${#missing[@]} -gt 0 ] || return 0
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        if ! command -v sudo >/dev/null; then
+            echo "These Debian packages are missing: ${missing[*]}" >&2
+            echo "Install them as root (apt-get install ${missing[*]}), then start this script again." >&2
+            exit 1
+        fi
+        as_root=(sudo)
+    fi
+    echo "Installing missing Debian packages: ${missing[*]}"
+    "${as_root[@]}" apt-get update -qq
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" \
+        >/dev/null
+}
+
+# build TARGET...: configures where that has not been done, and builds the targets in release mode.
+build() {
+    local log
+    log=$(mktemp)
+    if [ ! -f build/release/build.ninja ]; then
+        echo "Configuring"
+        cmake --preset release >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
+    fi
+    if ! cmake --build --preset release --target "$@" -- -n 2>/dev/null | grep -q 'no work to do'; then
+        echo "Building"
+        cmake --build --preset release --target "$@" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
+    fi
+    rm -f "$log"
+}
