@@ -10,7 +10,7 @@
 
 namespace tinyxml2 {
 class XMLDocument;
-class XMLElement;
+class XMLElement; // NOLINT(cppcoreguidelines-virtual-class-destructor): theirs to decide
 } // namespace tinyxml2
 
 /// The property-list format: what its elements are called, what a sound document looks like, and how a key
