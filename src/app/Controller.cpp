@@ -2,6 +2,7 @@
 
 #include "Descriptors.h"
 #include "LocalListener.h"
+#include "PreferenceKeys.h"
 #include "Product.h"
 #include "Resources.h"
 
@@ -25,6 +26,15 @@ int& prepareProcess(int& argc)
     return argc;
 }
 
+/// Loads the store and returns it; throws std::runtime_error with the reason where that fails.
+PlistPreferences& load(PlistPreferences& preferences)
+{
+    std::string error;
+    if (!preferences.load(error, true))
+        throw std::runtime_error(error);
+    return preferences;
+}
+
 } // namespace
 
 Controller::StartUpLock::StartUpLock()
@@ -38,11 +48,11 @@ Controller::StartUpLock::StartUpLock()
 
 Controller::Controller(int& argc, char** argv)
     : QApplication(prepareProcess(argc), argv)
-    , m_mainWindow(this)
+    , m_preferences(preferencekeys::storeName, TSRPreferencesImpl::perUser)
+    , m_mainWindow(this, load(m_preferences))
     , m_instanceServer(new QLocalServer(this))
 {
     setApplicationName(QStringLiteral("corvale-gui"));
-    setApplicationDisplayName(QStringLiteral("Corvale GUI"));
     setApplicationVersion(product::version());
     setDesktopFileName(QStringLiteral("corvale-gui"));
     refuseSecondInstance();

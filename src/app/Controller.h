@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MainWindow.h"
+#include "PlistPreferences.h"
 
 #include <QApplication>
 #include <QLockFile>
@@ -9,7 +10,8 @@
 
 class QLocalServer;
 
-/// The application object: makes sure that only one instance runs for a user, and owns the main window.
+/// The application object: makes sure that only one instance runs for a user, and owns the preference store
+/// and the main window.
 class Controller : public QApplication {
     Q_OBJECT
 
@@ -21,8 +23,6 @@ public:
 
     /// Shows the main window and runs the event loop; returns its exit code.
     int run();
-
-    MainWindow& mainWindow() { return m_mainWindow; }
 
 private:
     /// Held while the servers are set up, so that two instances that start at once do not take each other's
@@ -39,6 +39,7 @@ private:
     void refuseSecondInstance() const;
 
     StartUpLock m_startUpLock;
+    PlistPreferences m_preferences;
     MainWindow m_mainWindow;
     QLocalServer* m_instanceServer;
 };

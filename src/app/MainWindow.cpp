@@ -6,6 +6,8 @@
 #include "ErrorListModel.h"
 #include "LocalListener.h"
 #include "MonitorStatus.h"
+#include "PlistPreferences.h"
+#include "PreferenceKeys.h"
 #include "Product.h"
 #include "SystemReportGUIReceiver.h"
 #include "SystemReportViewer.h"
@@ -48,9 +50,10 @@ QString fixedFontFamily()
 
 } // namespace
 
-MainWindow::MainWindow(Controller* controller)
+MainWindow::MainWindow(Controller* controller, PlistPreferences& preferences)
     : m_ui(std::make_unique<Ui::MainWindow>())
     , m_controller(controller)
+    , m_preferences(preferences)
 {
     registerClientMetaTypes();
     qRegisterMetaType<Error>("Error");
@@ -93,8 +96,12 @@ void MainWindow::setUpPages()
 
 void MainWindow::setUpFonts()
 {
+    const std::string otherwise = fixedFontFamily().toLatin1().toStdString();
+    std::string family;
+    m_preferences.getString(preferencekeys::prefixed(preferencekeys::guiFont), &family, &otherwise, true);
+    m_ui->cmbFont->setCurrentFont(QFont(QString::fromLatin1(family)));
+    // Connected last: what has just been read need not be stored.
     connect(m_ui->cmbFont, SIGNAL(currentFontChanged(const QFont&)), SLOT(fontChanged(const QFont&)));
-    m_ui->cmbFont->setCurrentFont(QFont(fixedFontFamily()));
 }
 
 void MainWindow::setUpActions()
@@ -212,7 +219,26 @@ void MainWindow::closeEvent(QCloseEvent* event)
 
 void MainWindow::fontChanged(const QFont& font)
 {
-    Q_UNUSED(font)
+    m_preferences.setString(
+        preferencekeys::prefixed(preferencekeys::guiFont), font.family().toLatin1().toStdString());
+    savePreferences();
+}
+
+void MainWindow::savePreferences()
+{
+    const bool copyWasKept = !m_preferences.corruptCopy().empty();
+    if (!m_preferences.save(false)) {
+        statusBar()->showMessage(tr("The preferences could not be saved: %1")
+                                     .arg(QString::fromStdString(m_preferences.saveError())),
+            messageTime);
+    } else if (!copyWasKept && !m_preferences.corruptCopy().empty()) {
+        const auto copy = m_preferences.corruptCopy().u8string();
+        statusBar()->showMessage(
+            tr("The preferences file could not be read, so it was replaced. A copy of it is kept as \"%1\".")
+                .arg(QString::fromUtf8(
+                    reinterpret_cast<const char*>(copy.data()), static_cast<qsizetype>(copy.size()))),
+            3 * messageTime);
+    }
 }
 
 void MainWindow::fatalError(Error error)

@@ -14,6 +14,7 @@ class ClientTabWidget;
 class Controller;
 class LocalListener;
 class MonitorStatus;
+class PlistPreferences;
 class QLocalServer;
 class SystemReportGUIReceiver;
 
@@ -33,8 +34,8 @@ class MainWindow : public QMainWindow {
     Q_OBJECT
 
 public:
-    /// The controller may be none, where the window stands for itself.
-    explicit MainWindow(Controller* controller = nullptr);
+    /// The controller may be none, where the window stands for itself. The preference store must live longer.
+    MainWindow(Controller* controller, PlistPreferences& preferences);
     ~MainWindow() override;
 
 public Q_SLOTS:
@@ -61,12 +62,14 @@ private:
     void setUpFonts();
     void setUpPages();
     void setUpServer();
+    void savePreferences();
     void countProblems(const ClientInterface& page);
     void clientDisconnected(Client* client, const QString& text);
     void showClientCount();
 
     std::unique_ptr<Ui::MainWindow> m_ui;
     Controller* m_controller;
+    PlistPreferences& m_preferences;
     ClientTabWidget* m_clientTabs = nullptr;
     MonitorStatus* m_status = nullptr;
     SystemReportGUIReceiver* m_reportReceiver = nullptr;

@@ -12,7 +12,7 @@ inline QString name()
 
 inline QString version()
 {
-    return QStringLiteral("10.17.2");
+    return QStringLiteral(CORVALE_VERSION);
 }
 
 inline QString nameAndVersion()

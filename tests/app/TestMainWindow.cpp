@@ -3,6 +3,7 @@
 #include "ClientTabWidget.h"
 #include "MainWindow.h"
 #include "MetaObjects.h"
+#include "PlistPreferences.h"
 #include "RawClient.h"
 #include "Resources.h"
 
@@ -12,6 +13,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QStatusBar>
 #include <QTest>
 #include <QTextEdit>
 #include <QTimer>
@@ -25,7 +27,18 @@ namespace {
 /// A window and the applications that are connected to it, through its real socket.
 class Session {
 public:
-    Session() { window.resize(900, 600); }
+    Session()
+        : preferences("Corvale", TSRPreferencesImpl::perUser)
+        , window(nullptr, loaded(preferences))
+    {
+        window.resize(900, 600);
+    }
+    static PlistPreferences& loaded(PlistPreferences& store)
+    {
+        std::string error;
+        store.load(error, true);
+        return store;
+    }
 
     /// Connects one more application and waits for its tab.
     RawClient& connectApplication()
@@ -67,6 +80,7 @@ public:
         return nullptr;
     }
 
+    PlistPreferences preferences;
     MainWindow window;
     std::vector<std::unique_ptr<RawClient>> applications;
 };
@@ -91,6 +105,7 @@ private Q_SLOTS:
     void statusCounts();
     void systemReport();
     void consoleFont();
+    void unreadablePreferencesAreKept();
     void fatalErrorClosesTheWindow();
 };
 
@@ -297,6 +312,27 @@ void TestMainWindow::consoleFont()
     QCOMPARE(consoleFamily(0), other);
     session.connectApplication();
     QCOMPARE(consoleFamily(1), other);
+
+    const Session next;
+    QCOMPARE(next.window.findChild<QFontComboBox*>(QStringLiteral("cmbFont"))->currentFont().family(), other);
+}
+
+void TestMainWindow::unreadablePreferencesAreKept()
+{
+    QFile file(qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/Brindlewood/Corvale.plist"));
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write("my notes, no property list");
+    file.close();
+    Session session;
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("my notes, no property list"));
+    auto& combo = *session.window.findChild<QFontComboBox*>(QStringLiteral("cmbFont"));
+    combo.setCurrentFont(QFont(combo.itemText(combo.currentIndex() == 0 ? 1 : 0)));
+    const QString message = session.window.statusBar()->currentMessage();
+    QVERIFY2(message.contains(QStringLiteral("Corvale.plist.corrupt")), qPrintable(message));
+    QFile copy(file.fileName() + QStringLiteral(".corrupt"));
+    QVERIFY(copy.open(QIODevice::ReadOnly));
+    QCOMPARE(copy.readAll(), QByteArray("my notes, no property list"));
 }
 
 void TestMainWindow::fatalErrorClosesTheWindow()

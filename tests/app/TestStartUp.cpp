@@ -99,6 +99,7 @@ private Q_SLOTS:
     void socketsAreForTheUserAlone();
     void startsAgainAfterACrash();
     void secondInstanceLeavesTheFirstAlone();
+    void preferencesThatCannotBeLoaded();
     void somethingElseInTheWay_data();
     void somethingElseInTheWay();
     void anotherServerIsNotReplaced();
@@ -151,6 +152,20 @@ void TestStartUp::secondInstanceLeavesTheFirstAlone()
     QVERIFY(answers("Corvale"));
     QVERIFY(client.send(records::pid(1)));
     QCOMPARE(client.receivedTypes(), QList<quint32>());
+}
+
+void TestStartUp::preferencesThatCannotBeLoaded()
+{
+    const QString file =
+        qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/Brindlewood/Corvale.plist");
+    QVERIFY(QFile::remove(file));
+    QVERIFY(QDir().mkpath(file));
+    char program[] = "corvale-gui";
+    char* arguments[] = {program, nullptr};
+    startUpFailure.clear();
+    QCOMPARE(runProgram(1, arguments), 0);
+    QCOMPARE(startUpFailure, QStringLiteral("ERROR: Failed to open preference file."));
+    QVERIFY(QDir().rmdir(file));
 }
 
 void TestStartUp::somethingElseInTheWay_data()

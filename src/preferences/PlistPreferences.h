@@ -1,0 +1,106 @@
+#pragma once
+
+#include "PlistValues.h"
+#include "TSRPreferencesImpl.h"
+
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tinyxml2 {
+class XMLDocument;
+} // namespace tinyxml2
+
+/// The preferences of this process: typed values under key paths such as "About/ShowSplash", held in memory
+/// and in one property-list file. Setters change the memory alone; save() writes the file.
+///
+/// Other processes may write the same file. A store that was loaded with watching notices it before a setter,
+/// and again while it saves: it then takes over what is in the file and sets its own unsaved values on top.
+class PlistPreferences {
+public:
+    PlistPreferences(
+        std::string storeName, int folderKind, std::unique_ptr<TSRPreferencesImpl> layer = platformLayer());
+    ~PlistPreferences();
+    PlistPreferences(const PlistPreferences&) = delete;
+    PlistPreferences& operator=(const PlistPreferences&) = delete;
+
+    /// The file layer of the system that this is.
+    static std::unique_ptr<TSRPreferencesImpl> platformLayer();
+
+    /// Replaces everything in memory by the file's content; a missing file is created. A file that cannot be
+    /// parsed gives an empty set and counts as success. Otherwise false, with the reason in the error text.
+    bool load(std::string& error, bool watch);
+
+    /// Writes the file if anything was set since the last load or save, or if forced. False when it could not
+    /// be written; the values count as unsaved then. True, and nothing written, when the file layer gave no
+    /// stream.
+    bool save(bool force);
+
+    // Getters. `result` may be null. On a code other than success, and if asked to, they copy the default
+    // into it.
+    ResultCode getBoolean(
+        std::string_view keyPath, bool* result, const bool* defaultValue, bool useDefault) const;
+    ResultCode getString(std::string_view keyPath, std::string* result, const std::string* defaultValue,
+        bool useDefault) const;
+    ResultCode getList(std::string_view keyPath, propertylist::List* result,
+        const propertylist::List* defaultValue, bool useDefault) const;
+    ResultCode getInteger(std::string_view keyPath, std::int64_t* result, const std::int64_t* defaultValue,
+        bool useDefault) const;
+    ResultCode getReal(
+        std::string_view keyPath, double* result, const double* defaultValue, bool useDefault) const;
+    ResultCode getData(std::string_view keyPath, propertylist::Data* result,
+        const propertylist::Data* defaultValue, bool useDefault) const;
+
+    // Setters. What is in the way of the path or has another type is replaced. A value that a file cannot
+    // hold (text or a key with a NUL, a real that is not finite, a path of more than
+    // propertylist::deepestKeyPath components) is refused with ResultCode::WrongType.
+    ResultCode setBoolean(std::string_view keyPath, bool value);
+    ResultCode setString(std::string_view keyPath, const std::string& value);
+    ResultCode setList(std::string_view keyPath, const propertylist::List& value);
+    ResultCode setInteger(std::string_view keyPath, std::int64_t value);
+    ResultCode setReal(std::string_view keyPath, double value);
+    ResultCode setData(std::string_view keyPath, const propertylist::Data& value);
+
+    /// Where the copy of a file is that could not be parsed and that a save has replaced; empty when there
+    /// was none.
+    const std::filesystem::path& corruptCopy() const { return m_corruptCopy; }
+
+    /// Why the last save() failed, as readable text.
+    const std::string& saveError() const { return m_saveError; }
+
+private:
+    template <typename T>
+    ResultCode get(std::string_view keyPath, T* result, const T* defaultValue, bool useDefault) const;
+    ResultCode set(std::string_view keyPath, propertylist::Value value);
+    void remember(const propertylist::KeyPath& path, propertylist::Value value);
+    void setPending();
+
+    bool readDocument(std::string& error);
+    std::optional<std::string> readFile(std::string& error);
+    void noticeOtherWriters();
+    bool takeOverOtherWriters();
+    bool writeTo(const TSRPreferencesFile& file, std::string& text);
+    bool keepUnreadable(const std::filesystem::path& path);
+    void recordStamp();
+
+    std::unique_ptr<tinyxml2::XMLDocument> m_document;
+    std::unique_ptr<TSRPreferencesImpl> m_layer;
+    std::string m_storeName;
+    std::uint32_t m_stamp = 0;
+    bool m_watching = false;
+    bool m_changed = false;
+    int m_folderKind = TSRPreferencesImpl::perUser;
+
+    /// What the file held when it was last read or written. The stamp has steps of a second and misses
+    /// changes.
+    std::string m_onDisk;
+    /// m_onDisk could not be parsed, and there is no copy of it yet.
+    bool m_unreadable = false;
+    /// What was set and has not reached the disk.
+    std::map<propertylist::KeyPath, propertylist::Value> m_pending;
+    std::filesystem::path m_corruptCopy;
+    std::string m_saveError;
+};

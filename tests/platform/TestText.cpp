@@ -1,0 +1,67 @@
+#include "Hash.h"
+#include "Numbers.h"
+#include "XmlGuard.h"
+
+#include <clocale>
+#include <cstdint>
+#include <limits>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::string repeated(int times, const std::string& before, const std::string& piece, const std::string& after)
+{
+    std::string text = before;
+    for (int time = 0; time < times; ++time)
+        text += piece;
+    return text + after;
+}
+
+} // namespace
+
+TEST(Hash, multipliesBeforeItMixes)
+{
+    EXPECT_EQ(platform::fnv1(""), 0U);
+    EXPECT_EQ(platform::fnv1("a"), 0x050c5d7eU);
+    EXPECT_EQ(platform::fnv1("foobar"), 0x31f0b262U);
+    EXPECT_EQ(platform::fnv1("\xff"), (2166136261U * 16777619U) ^ 0xFFU) << "bytes are not signed";
+}
+
+TEST(Numbers, areReadWholeOrRefused)
+{
+    EXPECT_EQ(platform::parseInteger("\n -9223372036854775808 "), std::numeric_limits<std::int64_t>::min());
+    EXPECT_EQ(platform::parseInteger("+7"), 7);
+    EXPECT_EQ(platform::parseReal(" 1e-3\t"), 0.001);
+    for (const char* text : {"", " ", "+", "+-1", "1 2", "1x", "0x10", "9223372036854775808", "1.5"})
+        EXPECT_FALSE(platform::parseInteger(text)) << text;
+    for (const char* text : {"", "1,5", "1.5.", "inf", "nan", "1e999"})
+        EXPECT_FALSE(platform::parseReal(text)) << text;
+}
+
+TEST(Numbers, keepTheirValueInEveryLocale)
+{
+    // Not every machine has one of these; the check holds without them as well.
+    for (const char* locale : {"de_DE.UTF-8", "fr_FR.UTF-8"})
+        std::setlocale(LC_ALL, locale);
+    for (const double value : {0.1, -1.5, 1e300, 5e-324, 123456789.0625})
+        EXPECT_EQ(platform::parseReal(platform::formatReal(value)), value);
+    EXPECT_EQ(platform::formatReal(0.5), "0.5");
+    EXPECT_EQ(platform::formatInteger(-1234567), "-1234567");
+    std::setlocale(LC_ALL, "C");
+}
+
+TEST(XmlGuard, refusesWhatTheParserWouldLoseOrHangOn)
+{
+    const std::string sound[] = {"", "<", "a & b", "<a b='&#65;' c=\"<&#x10FFFF;>\">&#x0041;&lt;</a>",
+        "<!-- &#0; --><![CDATA[&#0;]]><!X &#0;>", repeated(2000, "<a>", "<b c='1' d='2'/>", "</a>"),
+        repeated(2000, "<a>", "b=\"c\" ", "</a>")};
+    for (const std::string& document : sound)
+        EXPECT_EQ(platform::xmlHazard(document), "") << document.substr(0, 60);
+    const std::string hazardous[] = {std::string("<a/>\0<b/>", 9), "<a>&#0;</a>", "<a>&#x110000;</a>",
+        "<a>&#4294967296;</a>", "<a>&#;</a>", "<a>&#x;</a>", "<a>&#12</a>", "<a b='&#0;'/>",
+        repeated(2000, "<a ", "b='>' ", "/>"), repeated(200, "", "<?x?>", "<a/>")};
+    for (const std::string& document : hazardous)
+        EXPECT_NE(platform::xmlHazard(document), "") << document.substr(0, 60);
+}

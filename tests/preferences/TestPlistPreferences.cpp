@@ -1,0 +1,315 @@
+#include "PlistPreferences.h"
+
+#include <cstdint>
+#include <limits>
+#include <string>
+
+#include <gtest/gtest.h>
+
+using propertylist::Data;
+using propertylist::List;
+
+namespace {
+
+/// What a file layer does, in memory and on record.
+struct FakeDisk {
+    std::string content{propertylist::emptyFile};
+    std::uint32_t stamp = 1;
+    bool readable = true;
+    bool writable = true;
+    int commits = 0;
+    std::string commitFailure;
+};
+
+class FakeLayer : public TSRPreferencesImpl {
+public:
+    explicit FakeLayer(FakeDisk& disk)
+        : m_disk(disk)
+    {
+    }
+
+    bool folderPath(std::string&, int) override { return false; }
+
+    std::unique_ptr<TSRPreferencesFile> open(
+        const std::string&, Mode mode, int, bool, std::string& error) override
+    {
+        auto file = std::make_unique<TSRPreferencesFile>();
+        error = "no stream";
+        if (mode == Mode::Read ? !m_disk.readable : !m_disk.writable)
+            return file;
+        file->stream = std::tmpfile();
+        if (mode == Mode::Read) {
+            std::fwrite(m_disk.content.data(), 1, m_disk.content.size(), file->stream);
+            std::rewind(file->stream);
+        }
+        return file;
+    }
+
+    void close(std::unique_ptr<TSRPreferencesFile> file, bool commit) override
+    {
+        m_commitFailure = commit ? m_disk.commitFailure : "";
+        if (!commit || !file->stream || !m_commitFailure.empty())
+            return;
+        m_disk.content.resize(static_cast<std::size_t>(std::ftell(file->stream)));
+        std::rewind(file->stream);
+        EXPECT_EQ(
+            std::fread(m_disk.content.data(), 1, m_disk.content.size(), file->stream), m_disk.content.size());
+        ++m_disk.commits;
+    }
+
+    bool modificationStamp(const std::string&, int, std::uint32_t& stamp) override
+    {
+        stamp = m_disk.stamp;
+        return true;
+    }
+
+private:
+    FakeDisk& m_disk;
+};
+
+class Preferences : public testing::Test {
+protected:
+    void loadDocument(const std::string& members, bool watch = true)
+    {
+        disk.content = "<plist><dict>" + members + "</dict></plist>";
+        ASSERT_TRUE(store.load(error, watch)) << error;
+    }
+
+    /// The member texts of what is on disk, read anew.
+    std::string onDisk(const char* key)
+    {
+        PlistPreferences other("Store", 0, std::make_unique<FakeLayer>(disk));
+        std::string value = "absent";
+        EXPECT_TRUE(other.load(error, false));
+        other.getString(key, &value, nullptr, false);
+        return value;
+    }
+
+    FakeDisk disk;
+    std::string error;
+    PlistPreferences store{"Store", 0, std::make_unique<FakeLayer>(disk)};
+};
+
+} // namespace
+
+TEST_F(Preferences, withoutADocumentNothingWorks)
+{
+    bool value = false;
+    const bool usual = true;
+    EXPECT_EQ(store.getBoolean("a", &value, &usual, true), ResultCode::NoDocument);
+    EXPECT_TRUE(value);
+    EXPECT_EQ(store.setBoolean("", true), ResultCode::NoDocument);
+    EXPECT_FALSE(store.save(true));
+
+    disk.readable = false;
+    error = "something older";
+    EXPECT_FALSE(store.load(error, true));
+    EXPECT_EQ(error, "ERROR: no stream");
+    EXPECT_FALSE(store.save(true)) << "a failed load gives no document";
+}
+
+TEST_F(Preferences, gettersAskForTheirType)
+{
+    loadDocument(
+        "<key>s</key><string> two words </string><key>e</key><string/><key>t</key><true/>"
+        "<key>i</key><integer> -5 </integer><key>ib</key><integer>5x</integer><key>r</key><real>1e2</real>"
+        "<key>d</key><data>AAEC/w==</data><key>db</key><data>A</data>"
+        "<key>l</key><array><string>x</string><string/></array><key>lb</key><array><true/></array>"
+        "<key>st</key><string>true</string>");
+    std::string text;
+    bool flag = false;
+    std::int64_t number = 0;
+    double real = 0;
+    Data data;
+    List list;
+    EXPECT_EQ(store.getString("s", &text, nullptr, false), ResultCode::Success);
+    EXPECT_EQ(text, " two words ");
+    EXPECT_EQ(store.getString("e", &text, nullptr, false), ResultCode::Success);
+    EXPECT_EQ(text, "");
+    EXPECT_EQ(store.getBoolean("t", &flag, nullptr, false), ResultCode::Success);
+    EXPECT_TRUE(flag);
+    EXPECT_EQ(store.getInteger("i", &number, nullptr, false), ResultCode::Success);
+    EXPECT_EQ(number, -5);
+    EXPECT_EQ(store.getReal("r", &real, nullptr, false), ResultCode::Success);
+    EXPECT_EQ(real, 100);
+    EXPECT_EQ(store.getData("d", &data, nullptr, false), ResultCode::Success);
+    EXPECT_EQ(data, (Data{0, 1, 2, -1}));
+    EXPECT_EQ(store.getList("l", &list, nullptr, false), ResultCode::Success);
+    EXPECT_EQ(list, (List{"x", ""}));
+
+    EXPECT_EQ(store.getBoolean("st", nullptr, nullptr, true), ResultCode::WrongType) << "text is no boolean";
+    EXPECT_EQ(store.getInteger("ib", &number, nullptr, true), ResultCode::WrongType);
+    EXPECT_EQ(store.getInteger("r", &number, nullptr, true), ResultCode::WrongType);
+    EXPECT_EQ(store.getData("db", &data, nullptr, true), ResultCode::WrongType);
+    EXPECT_EQ(store.getList("lb", &list, nullptr, true), ResultCode::WrongType);
+    EXPECT_EQ(list, (List{"x", ""})) << "a result stays as it is when there is no default";
+}
+
+TEST_F(Preferences, defaultsAreCopiedWhenWanted)
+{
+    loadDocument("<key>t</key><true/>");
+    const std::string usual = "usual";
+    std::string text = "before";
+    EXPECT_EQ(store.getString("absent", &text, &usual, false), ResultCode::NoValue);
+    EXPECT_EQ(text, "before");
+    EXPECT_EQ(store.getString("", &text, &usual, true), ResultCode::NoValue);
+    EXPECT_EQ(text, "usual");
+    text = "before";
+    EXPECT_EQ(store.getString("t", &text, &usual, true), ResultCode::WrongType);
+    EXPECT_EQ(text, "usual");
+    EXPECT_EQ(store.getString("absent", nullptr, &usual, true), ResultCode::NoValue);
+}
+
+TEST_F(Preferences, settersMakeThePathAndReplaceWhatIsInTheWay)
+{
+    loadDocument("<key>s</key><string a='1'>x</string><key>d</key><dict><key>k</key><true/></dict>"
+                 "<key>l</key><array><string>k</string><true/></array>");
+    EXPECT_EQ(store.setString("/new//deep/", "1"), ResultCode::Success);
+    EXPECT_EQ(store.setString("s", "y"), ResultCode::Success);
+    EXPECT_EQ(store.setBoolean("d/k", false), ResultCode::Success);
+    EXPECT_EQ(store.setInteger("l/k", std::numeric_limits<std::int64_t>::min()), ResultCode::Success);
+    EXPECT_EQ(store.setString("", "x"), ResultCode::EmptyKeyPath);
+    EXPECT_EQ(store.setString("//", "x"), ResultCode::EmptyKeyPath);
+    ASSERT_TRUE(store.save(false));
+    EXPECT_EQ(disk.content,
+        "<plist>\n    <dict>\n        <key>s</key>\n        <string a=\"1\">y</string>\n        "
+        "<key>d</key>\n"
+        "        <dict>\n            <key>k</key>\n            <false/>\n        </dict>\n        "
+        "<key>l</key>\n"
+        "        <dict>\n            <key>k</key>\n            <integer>-9223372036854775808</integer>\n"
+        "        </dict>\n        <key>new</key>\n        <dict>\n            <key>deep</key>\n"
+        "            <string>1</string>\n        </dict>\n    </dict>\n</plist>\n");
+    EXPECT_EQ(store.setReal("d", 0.1), ResultCode::Success);
+    EXPECT_EQ(store.setData("s", {0, 1}), ResultCode::Success);
+    EXPECT_EQ(store.setList("new/deep/down", {"", " "}), ResultCode::Success);
+    ASSERT_TRUE(store.save(false));
+    List list;
+    ASSERT_TRUE(store.load(error, false));
+    EXPECT_EQ(store.getBoolean("d/k", nullptr, nullptr, false), ResultCode::NoValue);
+    EXPECT_EQ(store.getReal("d", nullptr, nullptr, false), ResultCode::Success);
+    EXPECT_EQ(store.getData("s", nullptr, nullptr, false), ResultCode::Success);
+    EXPECT_EQ(store.getList("new/deep/down", &list, nullptr, false), ResultCode::Success);
+    EXPECT_EQ(list, (List{"", " "}));
+}
+
+TEST_F(Preferences, whatAFileCannotHoldIsRefused)
+{
+    loadDocument("");
+    std::string deepest;
+    for (std::size_t depth = 0; depth < propertylist::deepestKeyPath; ++depth)
+        deepest += "/k";
+    EXPECT_EQ(store.setString("a", std::string("x\0y", 3)), ResultCode::WrongType);
+    EXPECT_EQ(store.setString(std::string_view("a\0b", 3), "x"), ResultCode::WrongType);
+    EXPECT_EQ(store.setList("a", {std::string(1, '\0')}), ResultCode::WrongType);
+    EXPECT_EQ(store.setReal("a", std::numeric_limits<double>::infinity()), ResultCode::WrongType);
+    EXPECT_EQ(store.setString(deepest + "/k", "x"), ResultCode::WrongType);
+    EXPECT_TRUE(store.save(false));
+    EXPECT_EQ(disk.commits, 0) << "nothing was set";
+    EXPECT_EQ(store.setList(deepest, {"bottom"}), ResultCode::Success);
+    EXPECT_TRUE(store.save(false));
+    ASSERT_TRUE(store.load(error, false));
+    EXPECT_EQ(store.getList(deepest, nullptr, nullptr, false), ResultCode::Success);
+
+    EXPECT_EQ(store.setString("large", std::string(propertylist::largestFile, 'x')), ResultCode::Success);
+    EXPECT_FALSE(store.save(false)) << "it could not be read again";
+    EXPECT_NE(store.saveError(), "");
+}
+
+TEST_F(Preferences, saveWritesOnlyChangesUnlessForced)
+{
+    loadDocument("");
+    EXPECT_TRUE(store.save(false));
+    EXPECT_EQ(disk.commits, 0);
+    store.setBoolean("a", true);
+    EXPECT_TRUE(store.save(false));
+    EXPECT_TRUE(store.save(false));
+    EXPECT_EQ(disk.commits, 1);
+    EXPECT_TRUE(store.save(true));
+    EXPECT_EQ(disk.commits, 2);
+}
+
+TEST_F(Preferences, withoutAStreamASaveCountsAsDone)
+{
+    loadDocument("");
+    disk.writable = false;
+    store.setString("a", "1");
+    EXPECT_TRUE(store.save(false));
+    disk.writable = true;
+    EXPECT_TRUE(store.save(false)) << "nothing has changed since";
+    EXPECT_EQ(disk.commits, 0);
+    store.setString("b", "2");
+    EXPECT_TRUE(store.save(false));
+    EXPECT_EQ(onDisk("a"), "1");
+}
+
+TEST_F(Preferences, aFailedCommitLeavesTheStoreChanged)
+{
+    loadDocument("");
+    disk.commitFailure = "disk full";
+    store.setString("a", "1");
+    EXPECT_FALSE(store.save(false));
+    EXPECT_EQ(store.saveError(), "disk full");
+    disk.commitFailure.clear();
+    EXPECT_TRUE(store.save(false));
+    EXPECT_EQ(onDisk("a"), "1");
+}
+
+TEST_F(Preferences, settersReloadWhatOthersWrote)
+{
+    for (const bool stampMoves : {true, false}) {
+        for (const bool watch : {true, false}) {
+            loadDocument("<key>theirs</key><string>old</string>", watch);
+            disk.content.replace(disk.content.find("old"), 3, "new");
+            disk.stamp += stampMoves ? 1 : 0;
+            std::string value;
+            store.getString("theirs", &value, nullptr, false);
+            EXPECT_EQ(value, "old") << "getters never reload";
+            store.setString("ours", "1");
+            store.getString("theirs", &value, nullptr, false);
+            EXPECT_EQ(value, watch ? "new" : "old");
+            EXPECT_TRUE(store.save(false));
+            EXPECT_EQ(onDisk("theirs"), watch ? "new" : "old");
+        }
+    }
+}
+
+TEST_F(Preferences, savesKeepWhatOthersWroteSinceTheSetter)
+{
+    loadDocument("<key>both</key><string>0</string>");
+    store.setString("x", "overtaken");
+    store.setString("x/deep", "ours");
+    store.setString("both", "ours");
+    disk.content = "<plist><dict><key>both</key><string>theirs</string><key>y</key><string>theirs</string>"
+                   "<key>x</key><dict><key>z</key><string>theirs</string></dict></dict></plist>";
+    EXPECT_TRUE(store.save(false));
+    EXPECT_EQ(onDisk("both"), "ours");
+    EXPECT_EQ(onDisk("y"), "theirs");
+    EXPECT_EQ(onDisk("x/deep"), "ours");
+    EXPECT_EQ(onDisk("x/z"), "theirs");
+}
+
+TEST_F(Preferences, aStaleFirstChildIsWhereValuesGo)
+{
+    for (const char* stale : {"<string>x</string>", "<array><true/></array>", "<true/>"}) {
+        disk.content = std::string("<plist>") + stale + "</plist>";
+        ASSERT_TRUE(store.load(error, true));
+        EXPECT_EQ(store.setString("a", "1"), ResultCode::Success);
+        EXPECT_TRUE(store.save(false));
+        EXPECT_EQ(onDisk("a"), "1") << disk.content;
+        EXPECT_LT(disk.content.find("<key>a"), disk.content.find("<dict")) << disk.content;
+    }
+}
+
+TEST_F(Preferences, unknownNodesSurvive)
+{
+    disk.content =
+        "\xEF\xBB\xBF<!DOCTYPE x><!-- c --><plist z=\"&#13;\"><dict><key>a</key><date>d</date><!-- e -->"
+        "<key>b</key><string><![CDATA[<&]]></string></dict><extra>&#32;</extra></plist>";
+    ASSERT_TRUE(store.load(error, true));
+    store.setString("b", "<&");
+    ASSERT_TRUE(store.save(false));
+    EXPECT_EQ(disk.content,
+        "\xEF\xBB\xBF<!DOCTYPE x>\n<!-- c -->\n<plist z=\"&#13;\">\n    <dict>\n        <key>a</key>\n"
+        "        <date>d</date>\n        <!-- e -->\n        <key>b</key>\n"
+        "        <string><![CDATA[<&]]></string>\n    </dict>\n    <extra>&#32;</extra>\n</plist>\n");
+}
