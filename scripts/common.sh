@@ -4,7 +4,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
 
 # What a build needs, and a command to run it: the packages of a bare Debian 12.
-build_packages=(g++ cmake ninja-build qt6-base-dev libqt6svg6-dev libtinyxml2-dev)
+build_packages=(g++ cmake ninja-build qt6-base-dev qt6-svg-dev libtinyxml2-dev)
 run_packages=(libqt6svg6 fonts-dejavu-core)
 test_packages=(libgtest-dev)
 display_packages=(xvfb x11-utils imagemagick)
