@@ -154,7 +154,7 @@ public:
         if (at >= fieldEnd)
             return;
         const std::size_t length = std::min(value.size(), fieldEnd - at - 1);
-        std::memcpy(m_bytes.data() + at, value.data(), length);
+        std::copy_n(value.data(), length, m_bytes.data() + at);
         m_bytes[at + length] = '\0';
     }
 
