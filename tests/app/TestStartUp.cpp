@@ -102,6 +102,7 @@ private Q_SLOTS:
     void preferencesThatCannotBeLoaded();
     void somethingElseInTheWay_data();
     void somethingElseInTheWay();
+    void tooLongAPath();
     void anotherServerIsNotReplaced();
     void vanishedSocketComesBack();
     void runsOutOfDescriptors();
@@ -196,6 +197,18 @@ void TestStartUp::somethingElseInTheWay()
     QVERIFY2(problem.contains(path("Obstacle")), qPrintable(problem));
     QCOMPARE(QFileInfo(path("Obstacle")).isDir(), folder);
     QVERIFY(folder ? QDir().rmdir(path("Obstacle")) : QFile::remove(path("Obstacle")));
+}
+
+void TestStartUp::tooLongAPath()
+{
+    const QByteArray before = qgetenv("TMPDIR");
+    const QString folder = QDir::tempPath() + QLatin1Char('/') + QString(120, QLatin1Char('x'));
+    QVERIFY(QDir().mkpath(folder));
+    qputenv("TMPDIR", QFile::encodeName(folder));
+    QLocalServer server;
+    const QString problem = LocalListener::listenOnce(server, QStringLiteral("Corvale"));
+    qputenv("TMPDIR", before);
+    QVERIFY2(problem.contains(QStringLiteral("too long")), qPrintable(problem));
 }
 
 void TestStartUp::anotherServerIsNotReplaced()
