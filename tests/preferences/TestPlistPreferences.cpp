@@ -1,3 +1,4 @@
+#include "MemoryLayer.h"
 #include "PlistPreferences.h"
 
 #include <cstdint>
@@ -11,62 +12,6 @@ using propertylist::List;
 
 namespace {
 
-/// What a file layer does, in memory and on record.
-struct FakeDisk {
-    std::string content{propertylist::emptyFile};
-    std::uint32_t stamp = 1;
-    bool readable = true;
-    bool writable = true;
-    int commits = 0;
-    std::string commitFailure;
-};
-
-class FakeLayer : public TSRPreferencesImpl {
-public:
-    explicit FakeLayer(FakeDisk& disk)
-        : m_disk(disk)
-    {
-    }
-
-    bool folderPath(std::string&, int) override { return false; }
-
-    std::unique_ptr<TSRPreferencesFile> open(
-        const std::string&, Mode mode, int, bool, std::string& error) override
-    {
-        auto file = std::make_unique<TSRPreferencesFile>();
-        error = "no stream";
-        if (mode == Mode::Read ? !m_disk.readable : !m_disk.writable)
-            return file;
-        file->stream = std::tmpfile();
-        if (mode == Mode::Read) {
-            std::fwrite(m_disk.content.data(), 1, m_disk.content.size(), file->stream);
-            std::rewind(file->stream);
-        }
-        return file;
-    }
-
-    void close(std::unique_ptr<TSRPreferencesFile> file, bool commit) override
-    {
-        m_commitFailure = commit ? m_disk.commitFailure : "";
-        if (!commit || !file->stream || !m_commitFailure.empty())
-            return;
-        m_disk.content.resize(static_cast<std::size_t>(std::ftell(file->stream)));
-        std::rewind(file->stream);
-        EXPECT_EQ(
-            std::fread(m_disk.content.data(), 1, m_disk.content.size(), file->stream), m_disk.content.size());
-        ++m_disk.commits;
-    }
-
-    bool modificationStamp(const std::string&, int, std::uint32_t& stamp) override
-    {
-        stamp = m_disk.stamp;
-        return true;
-    }
-
-private:
-    FakeDisk& m_disk;
-};
-
 class Preferences : public testing::Test {
 protected:
     void loadDocument(const std::string& members, bool watch = true)
@@ -78,16 +23,16 @@ protected:
     /// The member texts of what is on disk, read anew.
     std::string onDisk(const char* key)
     {
-        PlistPreferences other("Store", 0, std::make_unique<FakeLayer>(disk));
+        PlistPreferences other("Store", 0, std::make_unique<MemoryLayer>(disk));
         std::string value = "absent";
         EXPECT_TRUE(other.load(error, false));
         other.getString(key, &value, nullptr, false);
         return value;
     }
 
-    FakeDisk disk;
+    MemoryDisk disk;
     std::string error;
-    PlistPreferences store{"Store", 0, std::make_unique<FakeLayer>(disk)};
+    PlistPreferences store{"Store", 0, std::make_unique<MemoryLayer>(disk)};
 };
 
 } // namespace
