@@ -25,9 +25,9 @@ template <typename Work> double milliseconds(Work work)
 
 template <typename Work> void report(const char* what, int times, Work work)
 {
-    std::vector<double> durations;
-    for (int round = 0; round < times; ++round)
-        durations.push_back(milliseconds(work));
+    std::vector<double> durations(static_cast<std::size_t>(times));
+    for (double& duration : durations)
+        duration = milliseconds(work);
     std::sort(durations.begin(), durations.end());
     std::printf("  %-22s median %8.2f ms, worst %8.2f ms, %d times\n", what, durations[durations.size() / 2],
         durations.back(), times);

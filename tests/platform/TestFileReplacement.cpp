@@ -71,6 +71,13 @@ TEST_F(FileReplacement, everyStepMayBeTheLast)
     EXPECT_EQ(contentOf(file), newContent) << "what the killed ones left behind is no obstacle";
 }
 
+TEST_F(FileReplacement, contentIsDurableBeforeItMoves)
+{
+    filefaults::clear();
+    EXPECT_TRUE(platform::replaceFile(file, newContent));
+    EXPECT_EQ(filefaults::trace(), "open ftruncate fchmod write fsync rename open fsync ");
+}
+
 TEST_F(FileReplacement, shortWritesAreCompleted)
 {
     filefaults::shortWrites(7);

@@ -73,7 +73,7 @@ inline void fill(const std::filesystem::path& path, const std::string& content)
 inline std::filesystem::path freshFolder()
 {
     static int number = 0;
-    const auto folder = std::filesystem::temp_directory_path() / ("folder" + std::to_string(++number));
+    auto folder = std::filesystem::temp_directory_path() / ("folder" + std::to_string(++number));
     std::filesystem::create_directory(folder);
     return folder;
 }
