@@ -79,8 +79,9 @@ bool takeOut(XMLDocument& before, XMLDocument& after, const KeyPath& path)
 void collectPaths(const XMLElement* key, const std::string& prefix, std::vector<std::string>& paths)
 {
     for (; key && key->NextSiblingElement(); key = key->NextSiblingElement()->NextSiblingElement()) {
-        paths.push_back(prefix + '/' + propertylist::textOf(*key));
-        collectPaths(key->NextSiblingElement()->FirstChildElement(), paths.back(), paths);
+        const std::string path = prefix + '/' + propertylist::textOf(*key);
+        paths.push_back(path);
+        collectPaths(key->NextSiblingElement()->FirstChildElement(), path, paths);
     }
 }
 
