@@ -7,7 +7,8 @@ namespace platform {
 
 namespace {
 
-constexpr int maximumAttributes = 1000;
+// The parser compares each attribute of an element with all others.
+constexpr int maximumAttributes = 256;
 constexpr int maximumDeclarations = 100;
 constexpr std::string_view blanks = " \t\n\v\f\r";
 constexpr std::uint32_t lastCodePoint = 0x10FFFF;
