@@ -182,9 +182,10 @@ TEST_F(Preferences, withoutAStreamASaveCountsAsDone)
     disk.writable = true;
     EXPECT_TRUE(store.save(false)) << "nothing has changed since";
     EXPECT_EQ(disk.commits, 0);
+    disk.content = "<plist><dict><key>theirs</key><string>3</string></dict></plist>";
     store.setString("b", "2");
     EXPECT_TRUE(store.save(false));
-    EXPECT_EQ(onDisk("a"), "1");
+    EXPECT_EQ(onDisk("a") + onDisk("b") + onDisk("theirs"), "123");
 }
 
 TEST_F(Preferences, aFailedCommitLeavesTheStoreChanged)
@@ -224,6 +225,9 @@ TEST_F(Preferences, savesKeepWhatOthersWroteSinceTheSetter)
     store.setString("x", "overtaken");
     store.setString("x/deep", "ours");
     store.setString("both", "ours");
+    disk.readable = false;
+    EXPECT_FALSE(store.load(error, true)) << "and forgets nothing";
+    disk.readable = true;
     disk.content = "<plist><dict><key>both</key><string>theirs</string><key>y</key><string>theirs</string>"
                    "<key>x</key><dict><key>z</key><string>theirs</string></dict></dict></plist>";
     EXPECT_TRUE(store.save(false));
