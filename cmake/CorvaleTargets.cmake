@@ -24,6 +24,13 @@ if(CORVALE_SANITIZE)
     target_link_options(corvale_sanitizers INTERFACE -fsanitize=address,undefined)
 endif()
 
+if(CORVALE_FUZZ)
+    if(NOT CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+        message(FATAL_ERROR "The fuzzers need clang: set CMAKE_CXX_COMPILER=clang++")
+    endif()
+    target_compile_options(corvale_sanitizers INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 # Names that the string-based signal and slot connections rely on must not be mixed with Qt's macros for
 # `signals` and `slots` in code without Qt, so only rooms with Qt get the code generators.
 function(corvale_use_qt target)

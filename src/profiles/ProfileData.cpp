@@ -111,6 +111,10 @@ std::string ProfileData::whyNotSavable() const
         for (const std::string& name : names)
             check(whyNotSavableText(name));
     }
+    for (const auto& [version, nodes] : m_capabilities) {
+        for (const ProfileNode& node : nodes)
+            check(node.name == "extension" ? "a capability is called 'extension'" : "");
+    }
     for (const auto* sections : {&m_capabilities, &m_configs}) {
         for (const auto& [number, nodes] : *sections)
             check(whyNotSavableNodes(nodes));
