@@ -1,4 +1,5 @@
 #include "BuiltinProfileRules.h"
+#include "BuiltinProfiles.h"
 #include "ProfileData.h"
 
 #include <algorithm>
@@ -109,6 +110,15 @@ TEST(BuiltinProfiles, areThirteenWithTheirOwnNames)
     }
     EXPECT_EQ(builtinFiles().size(), 13U);
     EXPECT_EQ(devices.size(), 13U);
+}
+
+TEST(BuiltinProfiles, areCompiledIn)
+{
+    EXPECT_EQ(builtinprofiles::documents().size(), builtinFiles().size());
+    for (const auto& [name, xml] : builtinprofiles::documents()) {
+        const auto path = std::filesystem::path(CORVALE_BUILTIN_PROFILES) / name;
+        EXPECT_TRUE(ProfileData::fromText(xml) == ProfileData::fromFile(path.string())) << name;
+    }
 }
 
 TEST_P(BuiltinProfile, saysWhoItIsAndForWhichVersions)
