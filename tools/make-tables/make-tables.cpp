@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iostream>
 #include <map>
+#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -122,26 +123,73 @@ void writeNames(
     out << "}};\n";
 }
 
+/// Name and decimal value are the first two columns; what follows them is for human readers.
+void writeNumbers(const std::string& input, const std::string& table, std::ostream& out)
+{
+    std::map<std::string, std::int32_t> byName;
+    for (const std::string& line : readLines(input)) {
+        const std::size_t tab = line.find('\t');
+        std::int32_t value = 0;
+        const char* const end = line.data() + line.size();
+        const auto [stop, error] =
+            std::from_chars(line.data() + std::min(tab, line.size() - 1) + 1, end, value);
+        if (tab == std::string::npos || error != std::errc() || (stop != end && *stop != '\t'))
+            fail("not a name and a signed 32-bit value: " + line);
+        if (!byName.emplace(line.substr(0, tab), value).second)
+            fail("twice in the file: " + line);
+    }
+    out << "constexpr std::array<NumberEntry, " << byName.size() << "> " << table << "{{\n";
+    for (const auto& [name, value] : byName)
+        out << "    {\"" << name << "\", " << value << "},\n";
+    out << "}};\n";
+}
+
+/// Each file becomes its name and its whole text.
+void writeTexts(const std::string& table, const std::vector<std::string>& inputs, std::ostream& out)
+{
+    out << "constexpr std::array<TextEntry, " << inputs.size() << "> " << table << "{{\n";
+    for (const std::string& input : inputs) {
+        std::ifstream in(input, std::ios::binary);
+        std::ostringstream text;
+        text << in.rdbuf();
+        if (!in || text.view().find(")text\"") != std::string_view::npos)
+            fail("cannot take in " + input);
+        out << "    {\"" << input.substr(input.rfind('/') + 1) << "\", R\"text(" << text.view()
+            << ")text\"},\n";
+    }
+    out << "}};\n";
+}
+
 void usage()
 {
     std::cerr << "usage: make-tables enumerants INPUT.tsv OUTPUT.inc\n"
                  "       make-tables names INPUT.txt OUTPUT.inc TABLE [PREFIX]\n"
+                 "       make-tables numbers INPUT.tsv OUTPUT.inc TABLE\n"
+                 "       make-tables texts TABLE OUTPUT.inc [INPUT...]\n"
                  "\n"
                  "enumerants: name, value and first core version in columns, to two sorted tables.\n"
-                 "names:      one name a line, to a table in the same order.\n";
+                 "names:      one name a line, to a table in the same order.\n"
+                 "numbers:    name and decimal value in columns, to a table sorted by name.\n"
+                 "texts:      whole files, to a table of file names and texts.\n";
 }
 
 int run(const std::vector<std::string>& arguments)
 {
     const bool enumerants = arguments.size() == 3 && arguments[0] == "enumerants";
     const bool names = (arguments.size() == 4 || arguments.size() == 5) && arguments[0] == "names";
-    if (!enumerants && !names) {
+    const bool numbers = arguments.size() == 4 && arguments[0] == "numbers";
+    const bool texts = arguments.size() >= 3 && arguments[0] == "texts";
+    if (!enumerants && !names && !numbers && !texts) {
         usage();
         return 2;
     }
     std::ofstream out(arguments[2]);
     out << "// Made from " << arguments[1].substr(arguments[1].rfind('/') + 1) << " at build time.\n\n";
-    if (enumerants)
+    if (texts)
+        writeTexts(arguments[1], {arguments.begin() + 3, arguments.end()}, out);
+    else if (numbers)
+        writeNumbers(arguments[1], arguments[3], out);
+    else if (enumerants)
         writeEnumerants(arguments[1], out);
     else
         writeNames(arguments[1], arguments[3], arguments.size() == 5 ? arguments[4] : std::string(), out);

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <span>
+#include <string_view>
+
+namespace builtinprofiles {
+
+struct TextEntry {
+    std::string_view fileName;
+    std::string_view xml;
+};
+
+/// The documents of builtin/*.xml as they were compiled in, by file name.
+std::span<const TextEntry> documents();
+
+} // namespace builtinprofiles

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <set>
+#include <string>
+#include <vector>
+
+// The vocabulary of the profile editor: constant tables that map between the element names of profile
+// documents, the names that the user sees, and enumerant values. Look-ups compare exactly and with case; they
+// return true and fill the record, or return false and leave it alone.
+
+namespace esapi {
+
+/// A version of OpenGL ES.
+struct API {
+    std::string displayName;
+    /// What the attribute `version` of an `es` element may be for it. No two APIs share a number.
+    std::set<int> versions;
+
+    bool operator==(const API&) const = default;
+};
+
+/// Orders by version.
+bool operator<(const API& left, const API& right);
+
+/// The API of an `es` element's version.
+bool findAPI(int version, API* api);
+
+/// Calls the function for every API, the oldest first.
+void visitAPIs(const std::function<void(const API&)>& visit);
+
+} // namespace esapi
+
+/// An attribute of an EGL config.
+struct EGLAttribKey {
+    /// An attribute by the name that the user sees, for example "EGL_ALPHA_SIZE".
+    struct DisplayName {
+        std::string text;
+        auto operator<=>(const DisplayName&) const = default;
+    };
+
+    /// The EGL enumerant.
+    std::int32_t value = 0;
+    /// The element names from the `config` element down to the value, one or two.
+    std::deque<std::string> xmlPath;
+    DisplayName displayName;
+    /// One value a config; otherwise a bit mask, written as one element for each bit.
+    bool single = true;
+
+    bool operator==(const EGLAttribKey&) const = default;
+};
+
+bool findEGLAttribKey(const EGLAttribKey::DisplayName& name, EGLAttribKey* key);
+bool findEGLAttribKey(const std::deque<std::string>& xmlPath, EGLAttribKey* key);
+bool findEGLAttribKey(int value, EGLAttribKey* key);
+
+/// Calls the function for every attribute in the order of the table.
+void visitEGLAttribKeys(const std::function<void(const EGLAttribKey&)>& visit);
+
+/// A capability of an API version, or a part of a compound one.
+struct ESCapabilityKey {
+    /// A capability by its element name, for example "max_texture_size".
+    struct XMLName {
+        std::string text;
+        auto operator<=>(const XMLName&) const = default;
+    };
+    /// A capability by the name that the user sees, for example "GL_MAX_TEXTURE_SIZE".
+    struct DisplayName {
+        std::string text;
+        auto operator<=>(const DisplayName&) const = default;
+    };
+
+    /// The enumerant by which applications query it; 0 for the parts of a compound value.
+    std::uint32_t value = 0;
+    XMLName xmlName;
+    DisplayName displayName;
+    /// One element in a profile; otherwise a list, written as one element for each value.
+    bool single = true;
+    /// The parts of a compound value, in order.
+    std::vector<ESCapabilityKey> children;
+
+    bool operator==(const ESCapabilityKey&) const = default;
+};
+
+/// A capability key in the tree of keys: every capability is a root, its parts are its children.
+struct ESCapabilityKeyNode {
+    ESCapabilityKey key;
+    std::vector<ESCapabilityKeyNode> children;
+
+    bool operator==(const ESCapabilityKeyNode&) const = default;
+};
+
+/// Both search the whole tree; of the parts that several capabilities share, the first is found.
+bool findKeyNode(const ESCapabilityKey::DisplayName& name, ESCapabilityKeyNode* node);
+bool findKeyNode(const ESCapabilityKey::XMLName& name, ESCapabilityKeyNode* node);
+
+/// Calls the function for the node of every capability in the order of the table, not for those of its parts.
+void visitESCapabilityKeyNodes(const std::function<void(const ESCapabilityKeyNode&)>& visit);

@@ -1,0 +1,64 @@
+#pragma once
+
+#include "BuiltinProfiles.h"
+#include "ProfileFolder.h"
+
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+class PlistPreferences;
+class ProfileDataWrapper;
+
+/// The profiles that the user can choose from: the read-only ones that are compiled in, and those in the
+/// profiles directory.
+class ProfileCatalogue {
+public:
+    using Pointer = std::shared_ptr<ProfileDataWrapper>;
+    using BrokenFile = ProfileFolder::BrokenFile;
+
+    /// Reads both lists. The preferences must outlive the catalogue.
+    explicit ProfileCatalogue(PlistPreferences& preferences,
+        std::span<const builtinprofiles::TextEntry> builtins = builtinprofiles::documents());
+
+    /// Reads the profiles directory again; ProfileFolder::read() tells which profiles stay.
+    void reload();
+
+    /// In natural order of their display names.
+    const std::vector<Pointer>& builtinProfiles() const { return m_builtins; }
+    /// In the order of their file names; new and copied ones are behind until they are saved and reloaded.
+    const std::vector<Pointer>& userProfiles() const { return m_folder.profiles(); }
+    /// What could not be loaded, built-in documents first.
+    std::vector<BrokenFile> brokenFiles() const;
+
+    /// The first profile with that key, built-in profiles first. The empty key is nobody's: it stands for
+    /// the choice of no profile, and new profiles have it until they are saved.
+    Pointer find(std::string_view key) const;
+    /// The user's profile that was read from this file.
+    Pointer findFile(const std::string& path) const;
+
+    /// Adds a profile with placeholder strings and no file name.
+    Pointer newProfile();
+    /// Adds a writable copy, named after its original. Throws as ProfileData::displayName() does.
+    Pointer copyProfile(const ProfileDataWrapper& original);
+
+    /// Stores the key of the chosen profile, or "" for none, and saves the preferences. False when that
+    /// failed.
+    bool rememberCurrent(const std::string& key);
+    /// The profile that was remembered, if it is there.
+    Pointer current() const;
+
+    /// The preference, or the environment variable CORVALE_PROFILE_PATH where there is none; else "".
+    static std::string profilesDirectory(const PlistPreferences& preferences);
+    std::string profilesDirectory() const { return profilesDirectory(m_preferences); }
+
+private:
+    void loadBuiltins(std::span<const builtinprofiles::TextEntry> documents);
+
+    PlistPreferences& m_preferences;
+    std::vector<Pointer> m_builtins;
+    std::vector<BrokenFile> m_brokenBuiltins;
+    ProfileFolder m_folder;
+};

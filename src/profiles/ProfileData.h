@@ -1,0 +1,95 @@
+#pragma once
+
+#include "ProfileNode.h"
+
+#include <cstddef>
+#include <map>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/// Why a profile could not be loaded. what() is the whole text for the user, reason() its inner part.
+class ProfileError : public std::runtime_error {
+public:
+    /// The text is `what`, followed by the reason in parentheses where there is one.
+    ProfileError(const std::string& what, const std::string& reason);
+    const std::string& reason() const { return m_reason; }
+
+private:
+    std::string m_reason;
+};
+
+/// A hardware profile: one emulated device with its strings, its capabilities and extensions for each API
+/// version, and its EGL configurations. docs/profile-format.md describes the documents.
+///
+/// All texts are UTF-8. Versions and ids are the numbers of the attributes `version` and `id`.
+class ProfileData {
+public:
+    using Capabilities = std::map<int, std::vector<ProfileNode>>;
+    using Extensions = std::map<int, std::vector<std::string>>;
+    using Configs = std::map<int, std::vector<ProfileNode>>;
+
+    /// Files that are larger, in bytes, are refused.
+    static constexpr std::size_t largestFile = std::size_t{8} * 1024 * 1024;
+
+    /// Both throw ProfileError.
+    static ProfileData fromFile(const std::string& path);
+    static ProfileData fromText(std::string_view xml);
+
+    /// The file's name without its folder; empty for a profile that was not read from a file.
+    const std::string& fileName() const { return m_fileName; }
+    void setFileName(const std::string& name) { m_fileName = name; }
+    const std::string& device() const { return m_device; }
+    void setDevice(const std::string& device) { m_device = device; }
+    const std::string& renderer() const { return m_renderer; }
+    void setRenderer(const std::string& renderer) { m_renderer = renderer; }
+    const std::string& vendor() const { return m_vendor; }
+    void setVendor(const std::string& vendor) { m_vendor = vendor; }
+
+    /// What the user knows the profile by: the device, else "Generic " and the renderer, else the file name.
+    /// Throws std::runtime_error when all three are empty.
+    std::string displayName() const;
+
+    /// The file name, else one made of the display name; throws as displayName() does.
+    std::string fileNameForSaving() const;
+
+    /// What each API version reports, in the order of the document; extensions have a map of their own.
+    const Capabilities& capabilities() const { return m_capabilities; }
+    Capabilities& capabilities() { return m_capabilities; }
+
+    /// The extensions of each API version, sorted by their bytes. Its keys are the API versions that the
+    /// profile supports, even those without an extension.
+    const Extensions& extensions() const { return m_extensions; }
+    Extensions& extensions() { return m_extensions; }
+
+    /// The attributes of each EGL config, in the order of the document.
+    const Configs& configs() const { return m_configs; }
+    Configs& configs() { return m_configs; }
+
+    /// Exactly what a save writes.
+    std::string toXml() const;
+
+    /// Why a file with this content could not be loaded again as it is, for example because of a node without
+    /// a name; empty when nothing speaks against saving.
+    std::string whyNotSavable() const;
+
+    /// Compares what is saved, so not the file name.
+    bool operator==(const ProfileData& other) const;
+
+private:
+    friend class ProfileReader;
+    friend class ProfileWriter;
+
+    std::string m_fileName;
+    std::string m_device;
+    std::string m_renderer;
+    std::string m_vendor;
+    Capabilities m_capabilities;
+    Extensions m_extensions;
+    Configs m_configs;
+    /// XML text of elements that this program cannot read and that survive nevertheless, as children of
+    /// `profile` and of `egl`.
+    std::string m_foreign;
+    std::string m_foreignInEgl;
+};

@@ -1,0 +1,151 @@
+#include "ProfileReader.h"
+
+#include "Numbers.h"
+#include "ProfilePrinter.h"
+#include "Utf8.h"
+#include "XmlGuard.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+
+#include <tinyxml2.h>
+
+using tinyxml2::XMLAttribute;
+using tinyxml2::XMLDocument;
+using tinyxml2::XMLElement;
+using tinyxml2::XMLNode;
+using tinyxml2::XMLText;
+
+namespace {
+
+/// Character references can name halves of surrogate pairs, which no text may hold.
+class EncodingCheck : public tinyxml2::XMLVisitor {
+public:
+    bool VisitEnter(const XMLElement& /*element*/, const XMLAttribute* attribute) override
+    {
+        for (; attribute && m_good; attribute = attribute->Next())
+            m_good = isUtf8(attribute->Value());
+        return m_good;
+    }
+    bool Visit(const XMLText& text) override
+    {
+        m_good = m_good && isUtf8(text.Value());
+        return m_good;
+    }
+    bool isGood() const { return m_good; }
+
+private:
+    bool m_good = true;
+};
+
+/// The text of an element without that of its children. Comments and CDATA sections may cut it into pieces.
+std::string textOf(const XMLElement& element)
+{
+    std::string text;
+    for (const XMLNode* child = element.FirstChild(); child; child = child->NextSibling()) {
+        if (child->ToText())
+            text += child->Value();
+    }
+    return text;
+}
+
+std::string textOfChild(const XMLElement& parent, const char* name)
+{
+    const XMLElement* const child = parent.FirstChildElement(name);
+    return child ? textOf(*child) : std::string();
+}
+
+/// The attribute as an int; nothing when it is missing, is not an integer as a whole, or does not fit.
+std::optional<int> number(const XMLElement& element, const char* attribute)
+{
+    const char* const text = element.Attribute(attribute);
+    const std::optional<std::int64_t> value = text ? platform::parseInteger(text) : std::nullopt;
+    if (!value || *value < std::numeric_limits<int>::min() || *value > std::numeric_limits<int>::max())
+        return std::nullopt;
+    return static_cast<int>(*value);
+}
+
+ProfileNode readNode(const XMLElement& element)
+{
+    ProfileNode node{element.Name(), {}, {}};
+    for (const XMLElement* child = element.FirstChildElement(); child; child = child->NextSiblingElement())
+        node.children.push_back(readNode(*child));
+    if (node.children.empty())
+        node.value = textOf(element);
+    return node;
+}
+
+} // namespace
+
+std::string ProfileReader::read(std::string_view document)
+{
+    if (!isUtf8(document))
+        return "it is not UTF-8 text";
+    const std::string hazard = platform::xmlHazard(document);
+    if (!hazard.empty())
+        return hazard;
+    XMLDocument xml(true, tinyxml2::PRESERVE_WHITESPACE);
+    if (xml.Parse(document.data(), document.size()) != tinyxml2::XML_SUCCESS)
+        return xml.ErrorStr();
+    EncodingCheck check;
+    xml.Accept(&check);
+    if (!check.isGood())
+        return "it refers to a character that does not exist";
+    const XMLElement* const profile = xml.FirstChildElement("profile");
+    if (!profile)
+        return "No <profile> element was found";
+    readProfile(*profile);
+    return {};
+}
+
+void ProfileReader::readProfile(const XMLElement& profile)
+{
+    m_profile.setDevice(textOfChild(profile, "device"));
+    m_profile.setRenderer(textOfChild(profile, "renderer"));
+    m_profile.setVendor(textOfChild(profile, "vendor"));
+    const XMLElement* const egl = profile.FirstChildElement("egl");
+    if (egl)
+        readEgl(*egl);
+
+    ProfilePrinter foreign(ProfilePrinter::Layout::Compact);
+    for (const XMLElement* child = profile.FirstChildElement(); child; child = child->NextSiblingElement()) {
+        const std::string_view name = child->Name();
+        const std::optional<int> version = name == "es" ? number(*child, "version") : std::nullopt;
+        if (version)
+            readApi(*child, *version);
+        else if (child != egl && name != "device" && name != "renderer" && name != "vendor")
+            child->Accept(&foreign);
+    }
+    m_profile.m_foreign = foreign.text();
+    for (auto& [version, names] : m_profile.extensions())
+        std::sort(names.begin(), names.end());
+}
+
+void ProfileReader::readApi(const XMLElement& api, int version)
+{
+    std::vector<std::string>& extensions = m_profile.extensions()[version];
+    for (const XMLElement* child = api.FirstChildElement(); child; child = child->NextSiblingElement()) {
+        if (child->Name() == std::string_view("extension"))
+            extensions.push_back(textOf(*child));
+        else
+            m_profile.capabilities()[version].push_back(readNode(*child));
+    }
+}
+
+void ProfileReader::readEgl(const XMLElement& egl)
+{
+    ProfilePrinter foreign(ProfilePrinter::Layout::Compact);
+    for (const XMLElement* child = egl.FirstChildElement(); child; child = child->NextSiblingElement()) {
+        const bool isConfig = child->Name() == std::string_view("config");
+        const std::optional<int> id = isConfig ? number(*child, "id") : std::nullopt;
+        if (!id) {
+            child->Accept(&foreign);
+            continue;
+        }
+        for (const XMLElement* attribute = child->FirstChildElement(); attribute;
+             attribute = attribute->NextSiblingElement())
+            m_profile.configs()[*id].push_back(readNode(*attribute));
+    }
+    m_profile.m_foreignInEgl = foreign.text();
+}

@@ -1,0 +1,92 @@
+#include "ProfileWriter.h"
+
+#include "ProfilePrinter.h"
+
+using tinyxml2::XMLDocument;
+using tinyxml2::XMLElement;
+using tinyxml2::XMLNode;
+
+std::string ProfileWriter::write()
+{
+    XMLElement* const root = append(&m_document, "profile");
+    if (!m_profile.device().empty())
+        appendText(root, "device", m_profile.device());
+    if (!m_profile.renderer().empty())
+        appendText(root, "renderer", m_profile.renderer());
+    if (!m_profile.vendor().empty())
+        appendText(root, "vendor", m_profile.vendor());
+    appendApis(root);
+    appendEgl(root);
+    appendForeign(root, m_profile.m_foreign);
+    ProfilePrinter printer(ProfilePrinter::Layout::Indented);
+    m_document.Print(&printer);
+    return printer.text();
+}
+
+XMLElement* ProfileWriter::append(XMLNode* parent, const char* name)
+{
+    XMLElement* const element = m_document.NewElement(name);
+    parent->InsertEndChild(element);
+    return element;
+}
+
+void ProfileWriter::appendText(XMLNode* parent, const char* name, const std::string& text)
+{
+    append(parent, name)->InsertEndChild(m_document.NewText(text.c_str()));
+}
+
+void ProfileWriter::appendNode(XMLNode* parent, const ProfileNode& node)
+{
+    // Every node gets a text, if only an empty one: it keeps the node's children on its line.
+    XMLElement* const element = append(parent, node.name.c_str());
+    element->InsertEndChild(m_document.NewText(node.value.c_str()));
+    for (const ProfileNode& child : node.children)
+        appendNode(element, child);
+}
+
+void ProfileWriter::appendForeign(XMLNode* parent, const std::string& elements)
+{
+    if (elements.empty())
+        return;
+    XMLDocument foreign(true, tinyxml2::PRESERVE_WHITESPACE);
+    foreign.Parse(elements.data(), elements.size());
+    for (const XMLNode* node = foreign.FirstChild(); node; node = node->NextSibling())
+        parent->InsertEndChild(node->DeepClone(&m_document));
+}
+
+void ProfileWriter::appendApis(XMLNode* root)
+{
+    // Versions that have capabilities alone come after all others.
+    for (const auto& [version, extensions] : m_profile.extensions()) {
+        XMLElement* const element = api(root, version);
+        for (const std::string& extension : extensions)
+            appendText(element, "extension", extension);
+    }
+    for (const auto& [version, capabilities] : m_profile.capabilities()) {
+        XMLElement* const element = api(root, version);
+        for (const ProfileNode& capability : capabilities)
+            appendNode(element, capability);
+    }
+}
+
+XMLElement* ProfileWriter::api(XMLNode* root, int version)
+{
+    XMLElement*& element = m_apis[version];
+    if (!element) {
+        element = append(root, "es");
+        element->SetAttribute("version", version);
+    }
+    return element;
+}
+
+void ProfileWriter::appendEgl(XMLNode* root)
+{
+    XMLElement* const egl = append(root, "egl");
+    for (const auto& [id, attributes] : m_profile.configs()) {
+        XMLElement* const config = append(egl, "config");
+        config->SetAttribute("id", id);
+        for (const ProfileNode& attribute : attributes)
+            appendNode(config, attribute);
+    }
+    appendForeign(egl, m_profile.m_foreignInEgl);
+}
