@@ -1,5 +1,7 @@
 #include "MonitorStatus.h"
 
+#include "ElidedLabel.h"
+
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
@@ -25,20 +27,15 @@ MonitorStatus::MonitorStatus(QStatusBar* bar)
     , m_bar(bar)
 {
     m_listeningIcon = new QLabel(bar);
-    m_listening = new QLabel(bar);
+    m_listening = new ElidedLabel(bar);
     m_listening->setObjectName(QStringLiteral("lblListening"));
-    m_listening->setTextFormat(Qt::PlainText);
-    // A long reason must not dictate the window's width; the tool tip has all of it.
-    m_listening->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     bar->addWidget(m_listeningIcon);
-    bar->addWidget(m_listening, 1);
+    bar->addWidget(m_listening);
 
-    m_skipped = new QLabel(bar);
+    m_skipped = new ElidedLabel(bar);
     m_skipped->setObjectName(QStringLiteral("lblSkippedProfiles"));
-    m_skipped->setTextFormat(Qt::PlainText);
-    m_skipped->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_skipped->hide();
-    bar->addWidget(m_skipped, 2);
+    bar->addWidget(m_skipped, 1);
 
     m_clients = new QLabel(bar);
     m_clients->setObjectName(QStringLiteral("lblClients"));

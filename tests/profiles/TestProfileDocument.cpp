@@ -1,0 +1,249 @@
+#include "ProfileData.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::string failureOf(std::string_view xml)
+{
+    try {
+        ProfileData::fromText(xml);
+    } catch (const std::runtime_error& error) {
+        return error.what();
+    }
+    return "loaded";
+}
+
+/// The document behind a `profile` start tag, as a save writes it after a load.
+std::string saved(const std::string& content)
+{
+    return ProfileData::fromText("<profile>" + content + "</profile>").toXml();
+}
+
+std::string nested(int depth)
+{
+    std::string text;
+    for (int i = 0; i < depth; ++i)
+        text += "<a>";
+    for (int i = 0; i < depth; ++i)
+        text += "</a>";
+    return text;
+}
+
+struct Broken {
+    const char* name;
+    std::string document;
+    std::string reason;
+};
+
+class BrokenDocuments : public testing::TestWithParam<Broken> { };
+
+TEST_P(BrokenDocuments, haveAReason)
+{
+    const std::string failure = failureOf(GetParam().document);
+    EXPECT_TRUE(failure.starts_with("Failed to load profile data (" + GetParam().reason)) << failure;
+    EXPECT_TRUE(failure.ends_with(")"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Documents, BrokenDocuments,
+    testing::Values(Broken{"empty", "", "Error=XML_ERROR_EMPTY_DOCUMENT"},
+        Broken{"blank", " \n ", "Error=XML_ERROR_EMPTY_DOCUMENT"},
+        Broken{"otherRoot", "<profiles><profile/></profiles>", "No <profile> element was found"},
+        Broken{"commentAlone", "<!-- profile -->", "No <profile> element was found"},
+        Broken{"openEnd", "<profile>", "Error=XML_ERROR_MISMATCHED_ELEMENT"},
+        Broken{"crossed", "<profile><es></profile></es>", "Error=XML_ERROR_MISMATCHED_ELEMENT"},
+        Broken{
+            "openCdata", "<profile><device><![CDATA[x</device></profile>", "Error=XML_ERROR_PARSING_CDATA"},
+        Broken{"deep", "<profile>" + nested(200) + "</profile>", "Error=XML_ELEMENT_DEPTH_EXCEEDED"},
+        Broken{"deepest", nested(500000), "Error=XML_ELEMENT_DEPTH_EXCEEDED"},
+        Broken{"nul", std::string("<profile/>\0<x/>", 15), "it holds a NUL character"},
+        Broken{"latin1", "<profile><device>caf\xE9</device></profile>", "it is not UTF-8 text"},
+        Broken{"overlong", "<profile><device>\xC0\xAF</device></profile>", "it is not UTF-8 text"},
+        Broken{"utf16", std::string("\xFF\xFE<\0p\0>\0", 8), "it is not UTF-8 text"},
+        Broken{"halfSurrogate", "<profile><x a='&#xDC00;'/></profile>", "it refers to a character"},
+        Broken{
+            "encodedSurrogate", "<profile><device>\xED\xA0\x80</device></profile>", "it is not UTF-8 text"},
+        Broken{"nulReference", "<profile><device>&#0;</device></profile>", "it refers to a character"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+struct Texts {
+    const char* name;
+    const char* device;
+    const char* value;
+};
+
+class DeviceTexts : public testing::TestWithParam<Texts> { };
+
+TEST_P(DeviceTexts, areReadAndSurviveSaves)
+{
+    const std::string document = std::string("<profile><device>") + GetParam().device + "</device></profile>";
+    const ProfileData profile = ProfileData::fromText(document);
+    EXPECT_EQ(profile.device(), GetParam().value);
+    const ProfileData again = ProfileData::fromText(profile.toXml());
+    EXPECT_EQ(again, profile);
+    EXPECT_EQ(again.toXml(), profile.toXml());
+}
+
+INSTANTIATE_TEST_SUITE_P(Texts, DeviceTexts,
+    testing::Values(Texts{"blanksStay", " Foo\t", " Foo\t"}, Texts{"blanksAlone", " \n", ""},
+        Texts{"blankByReference", "&#32;&#10;", " \n"}, Texts{"lineEnds", "a\r\nb\rc", "a\nb\nc"},
+        Texts{"returnByReference", "a&#13;&#xA;b", "a\r\nb"},
+        Texts{"entities", "&lt;&amp;&gt;&quot;&apos;", "<&>\"'"}, Texts{"unknownEntity", "&boo;&", "&boo;&"},
+        Texts{"cdata", "a<![CDATA[<b>&amp;]]>c", "a<b>&amp;c"}, Texts{"comment", "a<!-- x -->b", "ab"},
+        Texts{"unicode", "\xC3\xA9&#x1F600;", "\xC3\xA9\xF0\x9F\x98\x80"}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST(ProfileDocument, sectionsAreReadIntoMaps)
+{
+    const ProfileData profile =
+        ProfileData::fromText("\xEF\xBB\xBF<?xml version='1.0'?><!-- mine -->\r\n"
+                              "<profile>\r\n<vendor>V</vendor><device>D</device>"
+                              "<device>second</device>"
+                              "<es version=' 2\n'><max_texture_size> 0x1 </max_texture_size>"
+                              "<extension>GL_b</extension>"
+                              "<range>lost<min>1</min><max/></range></es>"
+                              "<es version='1'/><es version='2'><extension>GL_a</extension>"
+                              "<extension>GL_b</extension><extension/></es>"
+                              "<egl><config id='7'><level>EGL_NONE</level></config>"
+                              "<config id='-2'><level>12344</level></config>"
+                              "<config id='7'><x/></config><config id='9'/></egl>"
+                              "<egl><config id='8'><level/></config></egl>"
+                              "</profile><profile><device>other</device></profile>");
+    EXPECT_EQ(profile.device(), "D");
+    EXPECT_EQ(profile.renderer(), "");
+    EXPECT_EQ(profile.vendor(), "V");
+    const ProfileNode range{"range", "", {{"min", "1", {}}, {"max", "", {}}}};
+    EXPECT_EQ(
+        profile.capabilities(), (ProfileData::Capabilities{{2, {{"max_texture_size", " 0x1 ", {}}, range}}}));
+    EXPECT_EQ(profile.extensions(), (ProfileData::Extensions{{1, {}}, {2, {"", "GL_a", "GL_b", "GL_b"}}}));
+    EXPECT_EQ(profile.configs(),
+        (ProfileData::Configs{
+            {-2, {{"level", "12344", {}}}}, {7, {{"level", "EGL_NONE", {}}, {"x", "", {}}}}}));
+}
+
+TEST(ProfileDocument, numbersAreWholeOrNone)
+{
+    for (const char* number : {"2", "+2", "\t2 ", "002", "-2147483648", "2147483647"}) {
+        const auto profile =
+            ProfileData::fromText(std::string("<profile><es version='") + number + "'/></profile>");
+        EXPECT_EQ(profile.extensions().size(), 1U) << number;
+    }
+    for (const char* number : {"", " ", "two", "2x", "2.0", "2 0", "0x2", "2147483648", "- 2"}) {
+        const std::string attribute = std::string("='") + number + "'>";
+        const auto profile = ProfileData::fromText("<profile><es version" + attribute
+            + "<a/></es><egl><config id" + attribute + "<a/></config></egl></profile>");
+        EXPECT_TRUE(profile.extensions().empty() && profile.capabilities().empty()) << number;
+        EXPECT_TRUE(profile.configs().empty()) << number;
+    }
+    EXPECT_TRUE(ProfileData::fromText("<profile><es><a/></es></profile>").extensions().empty());
+}
+
+TEST(ProfileDocument, isWrittenInFixedOrder)
+{
+    EXPECT_EQ(saved(""), "<profile>\n    <egl/>\n</profile>\n");
+    EXPECT_EQ(saved("<egl><config id='3'><a>1</a><m><w>2</w>\n<h>3</h></m></config>"
+                    "<config id='-1'><b/></config></egl>"
+                    "<es version='31'><c>4</c><extension>GL_b</extension><extension>GL_a</extension></es>"
+                    "<es version='2'/><vendor>&lt;V&gt;</vendor><renderer/><device>D</device>"),
+        "<profile>\n"
+        "    <device>D</device>\n"
+        "    <vendor>&lt;V&gt;</vendor>\n"
+        "    <es version=\"2\"/>\n"
+        "    <es version=\"31\">\n"
+        "        <extension>GL_a</extension>\n"
+        "        <extension>GL_b</extension>\n"
+        "        <c>4</c>\n"
+        "    </es>\n"
+        "    <egl>\n"
+        "        <config id=\"-1\">\n"
+        "            <b></b>\n"
+        "        </config>\n"
+        "        <config id=\"3\">\n"
+        "            <a>1</a>\n"
+        "            <m><w>2</w><h>3</h></m>\n"
+        "        </config>\n"
+        "    </egl>\n"
+        "</profile>\n");
+
+    ProfileData edited = ProfileData::fromText("<profile><es version='2'/></profile>");
+    edited.capabilities()[1].push_back({"late", "1", {}});
+    edited.capabilities()[2].push_back({"early", "1", {}});
+    EXPECT_LT(edited.toXml().find("early"), edited.toXml().find("late"));
+}
+
+TEST(ProfileDocument, whatCannotBeReadSurvives)
+{
+    const std::string text = saved("<new a='1' b='&#13;'>x<!-- c --><y>&#32;</y><![CDATA[<z>]]></new>"
+                                   "<es version='three'><a>1</a></es><later><one/><two/></later>"
+                                   "<egl><config id='x'><a>1</a></config><stereo/></egl>");
+    EXPECT_EQ(text,
+        "<profile>\n"
+        "    <egl>\n"
+        "        <config id=\"x\">\n"
+        "            <a>1</a>\n"
+        "        </config>\n"
+        "        <stereo/>\n"
+        "    </egl>\n"
+        "    <new a=\"1\" b=\"&#13;\">x<!-- c --><y>&#32;</y><![CDATA[<z>]]></new>\n"
+        "    <es version=\"three\">\n"
+        "        <a>1</a>\n"
+        "    </es>\n"
+        "    <later>\n"
+        "        <one/>\n"
+        "        <two/>\n"
+        "    </later>\n"
+        "</profile>\n");
+    EXPECT_EQ(ProfileData::fromText(text).toXml(), text);
+    // What stands around a kept element does not make it another one.
+    EXPECT_EQ(ProfileData::fromText("<profile>stray<new><a/></new></profile>"),
+        ProfileData::fromText("<profile>\n<new>\n<a/>\n</new>\n</profile>"));
+    EXPECT_NE(ProfileData::fromText("<profile><new/></profile>"), ProfileData::fromText("<profile/>"));
+}
+
+TEST(ProfileDocument, namesComeFromWhatThereIs)
+{
+    ProfileData profile = ProfileData::fromText("<profile/>");
+    EXPECT_THROW(profile.displayName(), std::runtime_error);
+    EXPECT_THROW(profile.fileNameForSaving(), std::runtime_error);
+    profile.setRenderer("X");
+    EXPECT_EQ(profile.displayName(), "Generic X");
+    EXPECT_EQ(profile.fileNameForSaving(), "Generic X.xml");
+    const std::pair<const char*, const char*> fileNames[] = {{"Foo", "Foo.xml"}, {"board.xml", "board.xml"},
+        {"board.XML", "board.XML.xml"}, {"xml", "xml.xml"}, {"a.xml.b", "a.xml.b.xml"}};
+    for (const auto& [device, fileName] : fileNames) {
+        profile.setDevice(device);
+        EXPECT_EQ(profile.displayName(), device);
+        EXPECT_EQ(profile.fileNameForSaving(), fileName);
+    }
+    profile.setFileName("kept");
+    EXPECT_EQ(profile.fileNameForSaving(), "kept");
+    profile.setDevice("");
+    profile.setRenderer("");
+    EXPECT_EQ(profile.displayName(), "kept");
+}
+
+TEST(ProfileDocument, editsThatCouldNotBeReadAgainAreNamed)
+{
+    const ProfileData sound = ProfileData::fromText("<profile><es version='2'/></profile>");
+    EXPECT_EQ(sound.whyNotSavable(), "");
+    const auto reasonFor = [&](const ProfileNode& node) {
+        ProfileData capability = sound;
+        capability.capabilities()[2].push_back(node);
+        return capability.whyNotSavable();
+    };
+    EXPECT_EQ(reasonFor({"a-1.b:_\xC3\xA9", "\r <", {}}), "");
+    EXPECT_EQ(reasonFor({"", "1", {}}), "'' is no name of an XML element");
+    for (const char* name : {"1a", "a b", "a>", "a/", "-a", "a\n"})
+        EXPECT_NE(reasonFor({name, "", {}}), "") << name;
+    EXPECT_NE(reasonFor({"range", "", {{"mi n", "1", {}}}}), "");
+    EXPECT_NE(reasonFor({"extension", "1", {}}), "");
+    EXPECT_NE(reasonFor({"a", std::string("1\0", 2), {}}), "");
+    EXPECT_NE(reasonFor({"a", "\xFF", {}}), "");
+    EXPECT_NE(reasonFor({"a", std::string(ProfileData::largestFile, 'x'), {}}), "");
+    ProfileNode deep{"a", "", {}};
+    for (int i = 0; i < 200; ++i)
+        deep = {"a", "", {deep}};
+    EXPECT_NE(reasonFor(deep), "");
+}
+
+} // namespace

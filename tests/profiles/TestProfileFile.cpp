@@ -1,0 +1,124 @@
+#include "ChildProcess.h"
+#include "FileFaults.h"
+#include "ProfileData.h"
+#include "ProfileFile.h"
+
+namespace fs = std::filesystem;
+using childprocess::contentOf;
+using childprocess::fill;
+
+namespace {
+
+class ProfileFile : public testing::Test {
+protected:
+    ProfileFile()
+    {
+        fill(file, oldContent);
+        profile.setFileName("a.xml");
+    }
+
+    /// Whether the save failed, leaving the old file and nothing else behind.
+    bool failsCleanly(const std::optional<profilefile::Failure>& failure) const
+    {
+        return failure && failure->reason.find(file.string()) != std::string::npos
+            && contentOf(file) == oldContent
+            && std::distance(fs::directory_iterator(folder), fs::directory_iterator()) == 1;
+    }
+
+    const fs::path folder = childprocess::freshFolder();
+    const fs::path file = folder / "a.xml";
+    const std::string oldContent = "<profile><device>old</device></profile>";
+    ProfileData profile = ProfileData::fromText("<profile><device>new</device></profile>");
+};
+
+TEST_F(ProfileFile, holdsWhatWasSaved)
+{
+    EXPECT_FALSE(profilefile::write(profile, folder.string()));
+    EXPECT_EQ(contentOf(file), profile.toXml());
+    const ProfileData loaded = ProfileData::fromFile(file.string());
+    EXPECT_EQ(loaded, profile);
+    EXPECT_EQ(loaded.fileName(), "a.xml");
+    EXPECT_FALSE(profilefile::write(loaded, folder.string() + '/'));
+    EXPECT_EQ(contentOf(file), profile.toXml());
+    fs::current_path(folder);
+    EXPECT_EQ(profilefile::pathFor(".", "b"), folder / "." / "b");
+}
+
+TEST_F(ProfileFile, loadingNamesTheFile)
+{
+    fill(file, "<profil/>");
+    const std::string path = file.string();
+    try {
+        ProfileData::fromFile(path);
+        FAIL();
+    } catch (const std::runtime_error& error) {
+        EXPECT_EQ(error.what(),
+            "Failed to load profile data from file: '" + path + "' (No <profile> element was found)");
+    }
+    for (const fs::path& unreadable : {folder, folder / "none", fs::path()}) {
+        try {
+            ProfileData::fromFile(unreadable.string());
+            FAIL();
+        } catch (const ProfileError& error) {
+            EXPECT_FALSE(error.reason().empty());
+            EXPECT_EQ(error.what(),
+                "Failed to load profile data from file: '" + unreadable.string() + "' (" + error.reason()
+                    + ')');
+        }
+    }
+}
+
+TEST_F(ProfileFile, aFaultAtAnyStepKeepsTheOldFile)
+{
+    int faults = 0;
+    for (int call = 1;; ++call) {
+        filefaults::failCall(call, ENOSPC);
+        const auto failure = profilefile::write(profile, folder.string());
+        if (!filefaults::clear()) {
+            EXPECT_FALSE(failure);
+            break;
+        }
+        // The last call opens the folder for syncing it: the file has been replaced by then.
+        if (contentOf(file) != oldContent)
+            break;
+        EXPECT_TRUE(failsCleanly(failure)) << call;
+        EXPECT_EQ(failure && failure->notOpened, call <= 2) << call;
+        ++faults;
+    }
+    EXPECT_GE(faults, 5);
+}
+
+TEST_F(ProfileFile, foldersThatCannotBeWritten)
+{
+    const auto missing = profilefile::write(profile, (folder / "none").string());
+    ASSERT_TRUE(missing);
+    EXPECT_TRUE(missing->notOpened);
+    const int code = childprocess::run([this] {
+        if (!childprocess::mountSmallDisk(folder, "size=16k"))
+            return childprocess::skipped;
+        fill(file, oldContent);
+        ProfileData large = profile;
+        large.setVendor(std::string(100000, 'v'));
+        const auto full = profilefile::write(large, folder.string());
+        EXPECT_TRUE(failsCleanly(full));
+        EXPECT_FALSE(full->notOpened);
+        EXPECT_TRUE(childprocess::makeReadOnly(folder));
+        const auto readOnly = profilefile::write(profile, folder.string());
+        EXPECT_TRUE(failsCleanly(readOnly));
+        EXPECT_TRUE(readOnly->notOpened);
+        return 0;
+    });
+    if (code == childprocess::skipped)
+        GTEST_SKIP() << "no disk may be mounted here";
+    EXPECT_EQ(code, 0);
+}
+
+TEST_F(ProfileFile, whatCouldNotBeReadAgainIsNotWritten)
+{
+    profile.configs()[1].push_back({"", "1", {}});
+    const auto failure = profilefile::write(profile, folder.string());
+    EXPECT_TRUE(failsCleanly(failure));
+    EXPECT_FALSE(failure->notOpened);
+}
+
+} // namespace
