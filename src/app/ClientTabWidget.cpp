@@ -5,6 +5,7 @@
 
 #include <QFontDatabase>
 #include <QMouseEvent>
+#include <QShortcut>
 #include <QStyle>
 
 void ClientTabWidget::ClientTabBar::mouseReleaseEvent(QMouseEvent* event)
@@ -21,6 +22,9 @@ ClientTabWidget::ClientTabWidget(QWidget* parent)
     setTabsClosable(true);
     setDocumentMode(true);
     setElideMode(Qt::ElideRight);
+    auto* close = new QShortcut(QKeySequence::Close, this);
+    close->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(close, &QShortcut::activated, this, [this] { Q_EMIT tabCloseRequested(currentIndex()); });
     addPlaceholder();
 }
 
@@ -47,7 +51,8 @@ ClientInterface* ClientTabWidget::addClient(Client* client, const QFont& font, b
         closeFinishedTabs();
     closePlaceholder();
     auto* page = new ClientInterface(client, count(), font, this);
-    setCurrentIndex(addTab(page, QStringLiteral("<unknown>")));
+    const QIcon connected(QStringLiteral(":/CorvaleResources/Connected"));
+    setCurrentIndex(addTab(page, connected, QStringLiteral("<unknown>")));
     return page;
 }
 
@@ -127,6 +132,8 @@ void ClientTabWidget::showTitle(const ClientInterface& page)
 
 void ClientTabWidget::finish(const Client* client, const QString& text)
 {
-    if (ClientInterface* page = pageOf(client))
+    if (ClientInterface* page = pageOf(client)) {
         page->finish(text);
+        setTabIcon(indexOf(page), QIcon(QStringLiteral(":/CorvaleResources/Disconnected")));
+    }
 }

@@ -8,7 +8,8 @@
 class Client;
 class ClientInterface;
 
-/// The tabs of the connected applications. While there is none, a disabled tab stands in.
+/// The tabs of the connected applications; Ctrl+W closes the current one. While there is none, a disabled tab
+/// stands in.
 class ClientTabWidget : public QTabWidget {
     Q_OBJECT
 

@@ -50,6 +50,7 @@ Controller::Controller(int& argc, char** argv)
     : QApplication(prepareProcess(argc), argv)
     , m_preferences(preferencekeys::storeName, TSRPreferencesImpl::perUser)
     , m_mainWindow(this, load(m_preferences))
+    , m_catalogue(m_preferences)
     , m_instanceServer(new QLocalServer(this))
 {
     setApplicationName(QStringLiteral("corvale-gui"));
@@ -58,6 +59,7 @@ Controller::Controller(int& argc, char** argv)
     refuseSecondInstance();
     LocalListener::listenOnce(*m_instanceServer, LocalListener::instanceName());
     m_startUpLock.release();
+    m_mainWindow.setCatalogue(m_catalogue);
 }
 
 Controller::~Controller() = default;

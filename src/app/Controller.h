@@ -2,6 +2,7 @@
 
 #include "MainWindow.h"
 #include "PlistPreferences.h"
+#include "ProfileCatalogue.h"
 
 #include <QApplication>
 #include <QLockFile>
@@ -10,8 +11,8 @@
 
 class QLocalServer;
 
-/// The application object: makes sure that only one instance runs for a user, and owns the preference store
-/// and the main window.
+/// The application object: makes sure that only one instance runs for a user, and owns the preference store,
+/// the main window and the profiles.
 class Controller : public QApplication {
     Q_OBJECT
 
@@ -41,5 +42,6 @@ private:
     StartUpLock m_startUpLock;
     PlistPreferences m_preferences;
     MainWindow m_mainWindow;
+    ProfileCatalogue m_catalogue;
     QLocalServer* m_instanceServer;
 };

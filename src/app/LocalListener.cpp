@@ -63,6 +63,24 @@ QString reasonForAddressInUse(const QString& name)
         .arg(path);
 }
 
+QString reasonForNoSocket(const QLocalServer& server, const QString& name)
+{
+    /// Bytes of a socket's path at most.
+    constexpr qsizetype longestPath = 107;
+    const QString path = socketPath(name);
+    if (QFile::encodeName(path).size() > longestPath)
+        return LocalListener::tr(
+            "\"%1\" is too long for a socket. Set TMPDIR to a shorter folder, for this program "
+            "and for the applications.")
+            .arg(path);
+    if (!QFileInfo(QDir::tempPath()).isWritable())
+        return LocalListener::tr(
+            "\"%1\" cannot be written to. Set TMPDIR to a folder of your own, for this program "
+            "and for the applications.")
+            .arg(QDir::tempPath());
+    return LocalListener::tr("the socket \"%1\" cannot be made (%2).").arg(path, server.errorString());
+}
+
 } // namespace
 
 QString LocalListener::instanceName()
@@ -81,7 +99,7 @@ QString LocalListener::listenOnce(QLocalServer& server, const QString& name)
     }
     if (server.serverError() == QAbstractSocket::AddressInUseError)
         return reasonForAddressInUse(name);
-    return tr("Cannot make the socket \"%1\": %2.").arg(socketPath(name), server.errorString());
+    return reasonForNoSocket(server, name);
 }
 
 LocalListener::LocalListener(QLocalServer* server, const QString& name, QObject* parent)

@@ -9,6 +9,8 @@
 #include "PlistPreferences.h"
 #include "PreferenceKeys.h"
 #include "Product.h"
+#include "ProfileCatalogue.h"
+#include "ProfileChooser.h"
 #include "SystemReportGUIReceiver.h"
 #include "SystemReportViewer.h"
 #include "ui_MainWindow.h"
@@ -86,11 +88,11 @@ void MainWindow::setUpPages()
         m_reportReceiver, SIGNAL(ready(const SystemReport&)), viewer, SLOT(setReport(const SystemReport&)));
     connect(m_ui->cmbFont, SIGNAL(currentFontChanged(const QFont&)), viewer, SLOT(setFont(const QFont&)));
 
-    auto* noProfiles = new QLabel(tr("This version does not show or edit hardware profiles yet."), this);
-    noProfiles->setAlignment(Qt::AlignCenter);
-    m_ui->profilePropertiesTabLayout->addWidget(noProfiles);
-    m_ui->cmbProfile->setEnabled(false);
-    m_ui->cmbProfile->setToolTip(noProfiles->text());
+    auto* noEditor =
+        new QLabel(tr("This version lets you choose a hardware profile above, but not edit it yet."), this);
+    noEditor->setAlignment(Qt::AlignCenter);
+    m_ui->profilePropertiesTabLayout->addWidget(noEditor);
+    m_profileChooser = new ProfileChooser(m_ui->cmbProfile);
     m_ui->actionNew_Profile->setEnabled(false);
 }
 
@@ -228,9 +230,7 @@ void MainWindow::savePreferences()
 {
     const bool copyWasKept = !m_preferences.corruptCopy().empty();
     if (!m_preferences.save(false)) {
-        statusBar()->showMessage(tr("The preferences could not be saved: %1")
-                                     .arg(QString::fromStdString(m_preferences.saveError())),
-            messageTime);
+        showSaveFailure();
     } else if (!copyWasKept && !m_preferences.corruptCopy().empty()) {
         const auto copy = m_preferences.corruptCopy().u8string();
         statusBar()->showMessage(
@@ -239,6 +239,13 @@ void MainWindow::savePreferences()
                     reinterpret_cast<const char*>(copy.data()), static_cast<qsizetype>(copy.size()))),
             3 * messageTime);
     }
+}
+
+void MainWindow::showSaveFailure()
+{
+    statusBar()->showMessage(
+        tr("The preferences could not be saved: %1").arg(QString::fromStdString(m_preferences.saveError())),
+        messageTime);
 }
 
 void MainWindow::fatalError(Error error)
@@ -274,6 +281,15 @@ void MainWindow::onPreferences()
 
 void MainWindow::optionChanged()
 {
+    if (m_catalogue != nullptr && !m_catalogue->rememberCurrent(m_profileChooser->chosenKey()))
+        showSaveFailure();
+}
+
+void MainWindow::setCatalogue(ProfileCatalogue& catalogue)
+{
+    m_catalogue = &catalogue;
+    m_profileChooser->show(catalogue);
+    m_status->setSkippedProfiles(catalogue.brokenFiles());
 }
 
 void MainWindow::newProfile()

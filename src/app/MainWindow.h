@@ -15,6 +15,8 @@ class Controller;
 class LocalListener;
 class MonitorStatus;
 class PlistPreferences;
+class ProfileCatalogue;
+class ProfileChooser;
 class QLocalServer;
 class SystemReportGUIReceiver;
 
@@ -37,6 +39,10 @@ public:
     /// The controller may be none, where the window stands for itself. The preference store must live longer.
     MainWindow(Controller* controller, PlistPreferences& preferences);
     ~MainWindow() override;
+
+    /// Fills the profile chooser, with the remembered profile as the chosen one. The catalogue must live
+    /// longer than the window is used.
+    void setCatalogue(ProfileCatalogue& catalogue);
 
 public Q_SLOTS:
     void onAbout();
@@ -63,6 +69,7 @@ private:
     void setUpPages();
     void setUpServer();
     void savePreferences();
+    void showSaveFailure();
     void countProblems(const ClientInterface& page);
     void clientDisconnected(Client* client, const QString& text);
     void showClientCount();
@@ -74,6 +81,8 @@ private:
     MonitorStatus* m_status = nullptr;
     SystemReportGUIReceiver* m_reportReceiver = nullptr;
     AboutBox* m_aboutBox = nullptr;
+    ProfileChooser* m_profileChooser = nullptr;
+    ProfileCatalogue* m_catalogue = nullptr;
     QLocalServer* m_server = nullptr;
     LocalListener* m_listener = nullptr;
     std::set<Client*> m_clients;

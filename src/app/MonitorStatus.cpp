@@ -33,6 +33,13 @@ MonitorStatus::MonitorStatus(QStatusBar* bar)
     bar->addWidget(m_listeningIcon);
     bar->addWidget(m_listening, 1);
 
+    m_skipped = new QLabel(bar);
+    m_skipped->setObjectName(QStringLiteral("lblSkippedProfiles"));
+    m_skipped->setTextFormat(Qt::PlainText);
+    m_skipped->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_skipped->hide();
+    bar->addWidget(m_skipped, 2);
+
     m_clients = new QLabel(bar);
     m_clients->setObjectName(QStringLiteral("lblClients"));
     m_clients->setToolTip(tr("Applications that are connected now"));
@@ -80,6 +87,23 @@ void MonitorStatus::setClientCount(std::size_t count)
 {
     m_clientCount = count;
     m_clients->setText(count == 1 ? tr("1 client connected") : tr("%1 clients connected").arg(count));
+}
+
+void MonitorStatus::setSkippedProfiles(const std::vector<ProfileCatalogue::BrokenFile>& files)
+{
+    QStringList lines;
+    for (const ProfileCatalogue::BrokenFile& file : files)
+        lines.append(QStringLiteral("%1: %2").arg(
+            QString::fromStdString(file.file), QString::fromStdString(file.reason)));
+    m_skipped->setText(files.size() == 1
+            ? tr("Skipped profile %1").arg(lines.value(0))
+            : tr("Skipped %1 profiles: %2").arg(files.size()).arg(lines.join(QStringLiteral("; "))));
+    // As rich text it wraps its lines; there may be very many files.
+    constexpr qsizetype linesInToolTip = 20;
+    const QString toolTip = lines.mid(0, linesInToolTip).join(QLatin1Char('\n')).toHtmlEscaped();
+    m_skipped->setToolTip(QStringLiteral("<qt>%1</qt>")
+                              .arg(QString(toolTip).replace(QLatin1Char('\n'), QStringLiteral("<br>"))));
+    m_skipped->setVisible(!files.empty());
 }
 
 void MonitorStatus::addErrors(int count)

@@ -1,7 +1,11 @@
 #pragma once
 
+#include "ProfileCatalogue.h"
+
 #include <QObject>
 #include <QTimer>
+
+#include <vector>
 
 class QAbstractItemModel;
 class QLabel;
@@ -19,6 +23,8 @@ public:
     /// An empty problem means that the server listens, on the socket at the path.
     void setListening(const QString& path, const QString& problem);
     void setClientCount(std::size_t count);
+    /// Names the profile files that could not be loaded, with their reasons.
+    void setSkippedProfiles(const std::vector<ProfileCatalogue::BrokenFile>& files);
     void addErrors(int count);
     void addWarnings(int count);
 
@@ -30,6 +36,7 @@ private:
     QStatusBar* m_bar;
     QLabel* m_listeningIcon = nullptr;
     QLabel* m_listening;
+    QLabel* m_skipped;
     QLabel* m_clients;
     QLabel* m_errorsIcon = nullptr;
     QLabel* m_errors;

@@ -13,17 +13,6 @@
 
 namespace platform {
 
-FileReplacement::FileReplacement(const std::filesystem::path& path)
-{
-    if (findTarget(path))
-        claimTemporary();
-}
-
-FileReplacement::~FileReplacement()
-{
-    abandon();
-}
-
 bool FileReplacement::findTarget(const std::filesystem::path& path)
 {
     std::error_code error;
@@ -75,19 +64,6 @@ bool FileReplacement::moveIntoPlace()
     return fail("replace", EACCES);
 }
 
-FileResult FileReplacement::commit(std::string_view bytes)
-{
-    if (ready() && !(keepAttributes() && writeDurably(bytes) && moveIntoPlace()))
-        abandon();
-    return FileResult{m_reason};
-}
-
-bool FileReplacement::fail(const std::string& what, int errorNumber)
-{
-    m_reason = "Cannot " + what + ' ' + readablePath(m_target) + ": " + errorText(errorNumber);
-    return false;
-}
-
 void FileReplacement::abandon()
 {
     if (m_descriptor < 0)
@@ -95,11 +71,6 @@ void FileReplacement::abandon()
     _close(m_descriptor);
     m_descriptor = -1;
     DeleteFileW(m_temporary.c_str());
-}
-
-FileResult replaceFile(const std::filesystem::path& path, std::string_view bytes)
-{
-    return FileReplacement(path).commit(bytes);
 }
 
 } // namespace platform

@@ -7,8 +7,10 @@ namespace platform {
 
 namespace {
 
-constexpr int maximumAttributes = 1000;
+// The parser compares each attribute of an element with all others.
+constexpr int maximumAttributes = 256;
 constexpr int maximumDeclarations = 100;
+constexpr std::string_view blanks = " \t\n\v\f\r";
 constexpr std::uint32_t lastCodePoint = 0x10FFFF;
 
 /// Walks the same way through a document as the parser does: markup starts at any '<', and its kind decides
@@ -24,13 +26,13 @@ public:
     {
         while (m_hazard.empty() && !m_rest.empty()) {
             if (m_rest[0] != '<')
-                checkText(take(m_rest.find('<')));
+                characters(take(m_rest.find('<')));
             else if (m_rest.starts_with("<?"))
                 declaration();
             else if (m_rest.starts_with("<!--"))
                 skip("<!--", "-->");
             else if (m_rest.starts_with("<![CDATA["))
-                skip("<![CDATA[", "]]>");
+                characters(skip("<![CDATA[", "]]>"), true);
             else if (m_rest.starts_with("<!"))
                 skip("<!", ">");
             else
@@ -47,11 +49,12 @@ private:
         return taken;
     }
 
-    void skip(std::string_view start, std::string_view end)
+    std::string_view skip(std::string_view start, std::string_view end)
     {
         take(start.size());
-        const std::size_t found = m_rest.find(end);
-        take(found == std::string_view::npos ? found : found + end.size());
+        const std::string_view inside = take(m_rest.find(end));
+        take(end.size());
+        return inside;
     }
 
     void declaration()
@@ -61,23 +64,50 @@ private:
             m_hazard = "it has too many declarations";
     }
 
+    /// Outside of the elements the parser takes text as well, but it would change with every save.
+    void characters(std::string_view text, bool isLiteral = false)
+    {
+        if (m_depth == 0 && (isLiteral || text.find_first_not_of(blanks) != std::string_view::npos))
+            m_hazard = "it has text outside of its elements";
+        else if (!isLiteral)
+            checkReferences(text);
+    }
+
     void element()
     {
+        take(1);
+        take(m_rest.find_first_not_of(blanks));
+        const bool isEnd = m_rest.starts_with('/');
+        char last = 0;
         for (int attributes = 0; !m_rest.empty() && m_hazard.empty();) {
-            const char first = take(1)[0];
-            if (first == '>')
+            const char previous = last;
+            last = take(1)[0];
+            if (last == '>') {
+                enterOrLeave(isEnd, previous == '/');
                 return;
-            if (first != '"' && first != '\'')
+            }
+            if (last != '"' && last != '\'')
                 continue;
-            checkText(take(m_rest.find(first)));
+            checkReferences(take(m_rest.find(last)));
             take(1);
             if (++attributes > maximumAttributes)
                 m_hazard = "an element of it has too many attributes";
         }
     }
 
+    /// What follows an end tag too many is not read at all.
+    void enterOrLeave(bool isEnd, bool isEmpty)
+    {
+        if (isEnd && m_depth == 0)
+            m_hazard = "it has an end tag without an element";
+        else if (isEnd)
+            --m_depth;
+        else if (!isEmpty)
+            ++m_depth;
+    }
+
     /// Looks at the character references of a text or of an attribute's value.
-    void checkText(std::string_view text)
+    void checkReferences(std::string_view text)
     {
         for (std::size_t at = text.find("&#"); at != std::string_view::npos; at = text.find("&#", at + 2)) {
             const bool hexadecimal = text.substr(at + 2, 1) == "x";
@@ -95,6 +125,7 @@ private:
     std::string_view m_rest;
     std::string m_hazard;
     int m_declarations = 0;
+    int m_depth = 0;
 };
 
 } // namespace
@@ -103,6 +134,9 @@ std::string xmlHazard(std::string_view document)
 {
     if (document.find('\0') != std::string_view::npos)
         return "it holds a NUL character";
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    if (document.starts_with(byteOrderMark))
+        document.remove_prefix(byteOrderMark.size());
     return Scanner(document).scan();
 }
 

@@ -38,7 +38,6 @@ std::unique_ptr<TSRPreferencesImpl> PlistPreferences::platformLayer()
 
 bool PlistPreferences::load(std::string& error, bool watch)
 {
-    m_pending.clear();
     if (!readDocument(error))
         return false;
     m_watching = watch;
@@ -69,6 +68,7 @@ bool PlistPreferences::readDocument(std::string& error)
     }
     m_document = std::make_unique<XMLDocument>();
     m_changed = false;
+    m_pending.clear();
     std::string parserError;
     const bool parsed = propertylist::parse(*m_document, *bytes, parserError);
     m_unreadable = !parsed;
@@ -137,8 +137,11 @@ void PlistPreferences::noticeOtherWriters()
     std::string ignored;
     if (stamp == m_stamp && readFile(ignored) == m_onDisk)
         return;
+    // Values of a save without a stream are still to be written, although they do not count as changes.
+    auto pending = m_pending;
     if (readDocument(ignored))
         recordStamp();
+    m_pending = std::move(pending);
     setPending();
 }
 

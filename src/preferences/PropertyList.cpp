@@ -20,6 +20,8 @@ namespace propertylist {
 
 namespace {
 
+constexpr const char* rootName = "plist";
+
 struct NameEntry {
     const char* name;
     std::uint32_t hash;
@@ -50,22 +52,28 @@ bool isHashOf(std::uint32_t hash, ElementName name)
     return hash == entryOf(name).hash;
 }
 
-XMLElement* newElement(XMLDocument& document, const char* name)
+/// Null when there is no memory.
+XMLElement* newElement(XMLDocument& document, const char* name, bool withVersion)
 {
     try {
-        return document.NewElement(name);
+        XMLElement* const element = document.NewElement(name);
+        if (withVersion)
+            element->SetAttribute("version", "1.0");
+        return element;
     } catch (const std::bad_alloc&) {
         return nullptr;
     }
 }
 
-XMLElement* appendRepaired(XMLDocument& document, XMLNode& parent, const char* name, std::string& error)
+/// A new element at the parent's end; null, with a message appended, when that fails.
+XMLElement* appendRepaired(
+    XMLDocument& document, XMLNode& parent, const std::string& name, std::string& error)
 {
-    XMLElement* const element = newElement(document, name);
+    XMLElement* const element = newElement(document, name.c_str(), name == rootName);
     if (!element)
-        error += std::string("ERROR: Failed to recreate <") + name + "> tag. Out of memory!\n";
+        error += "ERROR: Failed to recreate <" + name + "> tag. Out of memory!\n";
     else if (!parent.InsertEndChild(element))
-        error += std::string("ERROR: Failed to link <") + name + "> tag!\n";
+        error += "ERROR: Failed to link <" + name + "> tag!\n";
     else
         return element;
     return nullptr;
@@ -175,12 +183,10 @@ std::string print(const XMLDocument& document)
 bool repair(XMLDocument& document, std::string& error)
 {
     XMLElement* root = document.FirstChildElement();
-    if (!root) {
-        root = appendRepaired(document, document, "plist", error);
-        if (!root)
-            return false;
-        root->SetAttribute("version", "1.0");
-    }
+    if (!root)
+        root = appendRepaired(document, document, rootName, error);
+    if (!root)
+        return false;
     XMLElement* dict = root->FirstChildElement();
     if (!dict || !isNamed(*dict, ElementName::Dict))
         dict = appendRepaired(document, *root, nameText(ElementName::Dict), error);

@@ -127,12 +127,12 @@ std::FILE* TSRPreferencesPosix::openForReading(const fs::path& path, int folderK
     return opened.stream.release();
 }
 
-/// The folder is made as well, but no missing parent of it; only `~/.config`, which a new account may lack,
-/// is.
+/// Our folder is made as well, and of its missing parents the user's configuration folder, which a new
+/// account may lack.
 void TSRPreferencesPosix::createFile(const fs::path& path, int folderKind) const
 {
     const std::optional<fs::path> parent = parentFolder(folderKind);
-    if (folderKind != allUsers && parent && parent == homeConfiguration())
+    if (folderKind != allUsers && parent)
         mkdir(parent->c_str(), 0700);
     mkdir(path.parent_path().c_str(), folderKind == allUsers ? 0755 : 0700);
     platform::FileReplacement replacement(path);

@@ -4,10 +4,14 @@
 #include "MainWindow.h"
 #include "MetaObjects.h"
 #include "PlistPreferences.h"
+#include "PreferenceKeys.h"
+#include "ProfileCatalogue.h"
+#include "ProfileMetaTypes.h"
 #include "RawClient.h"
 #include "Resources.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QFontComboBox>
 #include <QLabel>
 #include <QMenu>
@@ -106,6 +110,7 @@ private Q_SLOTS:
     void systemReport();
     void consoleFont();
     void unreadablePreferencesAreKept();
+    void profileChooser();
     void fatalErrorClosesTheWindow();
 };
 
@@ -333,6 +338,52 @@ void TestMainWindow::unreadablePreferencesAreKept()
     QFile copy(file.fileName() + QStringLiteral(".corrupt"));
     QVERIFY(copy.open(QIODevice::ReadOnly));
     QCOMPARE(copy.readAll(), QByteArray("my notes, no property list"));
+}
+
+void TestMainWindow::profileChooser()
+{
+    const QTemporaryDir folder;
+    const auto write = [&folder](const char* name, const QByteArray& content) {
+        QFile file(folder.filePath(QString::fromLatin1(name)));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(content);
+    };
+    write("b.xml", "<profile><device>Board</device></profile>");
+    write("a.xml", "<profile><device>Board</device></profile>");
+    write("broken.xml", "<profile>");
+    qputenv("CORVALE_PROFILE_PATH", QFile::encodeName(folder.path()));
+
+    Session session;
+    ProfileCatalogue catalogue(session.preferences);
+    session.window.setCatalogue(catalogue);
+    auto& box = *session.window.findChild<QComboBox*>(QStringLiteral("cmbProfile"));
+    QStringList texts;
+    for (int i = 0; i < box.count(); ++i)
+        texts.append(box.itemText(i));
+    const auto builtins = static_cast<qsizetype>(catalogue.builtinProfiles().size());
+    QCOMPARE(texts.first(), QStringLiteral("Host"));
+    QCOMPARE(texts.mid(builtins + 1), QStringList({"Board (a.xml)", "Board (b.xml)"}));
+    QCOMPARE(box.currentIndex(), 0);
+    QCOMPARE(box.itemData(1).value<WeakProfile>().lock(), catalogue.builtinProfiles().front());
+    const QString skipped = session.status("lblSkippedProfiles");
+    QVERIFY2(skipped.startsWith(QStringLiteral("Skipped profile broken.xml: ")), qPrintable(skipped));
+
+    const auto stored = [] {
+        PlistPreferences onDisk("Corvale", TSRPreferencesImpl::perUser);
+        std::string key = "nothing";
+        Session::loaded(onDisk).getString(
+            preferencekeys::prefixed(preferencekeys::currentProfile), &key, nullptr, false);
+        return QString::fromStdString(key);
+    };
+    QCOMPARE(stored(), QStringLiteral("nothing"));
+    box.setCurrentIndex(1);
+    QCOMPARE(stored(), texts.at(1));
+    box.setCurrentIndex(box.count() - 1);
+    QCOMPARE(stored(), QStringLiteral("b.xml"));
+    session.window.setCatalogue(catalogue);
+    QCOMPARE(box.currentText(), QStringLiteral("Board (b.xml)"));
+    box.setCurrentIndex(0);
+    QCOMPARE(stored(), QString());
 }
 
 void TestMainWindow::fatalErrorClosesTheWindow()

@@ -36,6 +36,41 @@ bool answers(const char* name)
     return RawClient(QLatin1String(name)).isConnected();
 }
 
+/// A socket that somebody answers on, who knows whether anybody has asked.
+class Listener {
+public:
+    explicit Listener(const char* name)
+        : m_path(QFile::encodeName(path(name)))
+        , m_descriptor(socket(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0))
+    {
+        sockaddr_un address{};
+        address.sun_family = AF_UNIX;
+        qstrncpy(address.sun_path, m_path.constData(), sizeof address.sun_path);
+        unlink(m_path.constData());
+        if (bind(m_descriptor, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0)
+            listen(m_descriptor, 10);
+    }
+    ~Listener()
+    {
+        ::close(m_descriptor);
+        unlink(m_path.constData());
+    }
+    Listener(const Listener&) = delete;
+    Listener& operator=(const Listener&) = delete;
+
+    bool wasAsked() const
+    {
+        const int connection = accept(m_descriptor, nullptr, nullptr);
+        if (connection >= 0)
+            ::close(connection);
+        return connection >= 0;
+    }
+
+private:
+    QByteArray m_path;
+    int m_descriptor;
+};
+
 /// The real program in a process of its own.
 class Instance {
 public:
@@ -99,9 +134,11 @@ private Q_SLOTS:
     void socketsAreForTheUserAlone();
     void startsAgainAfterACrash();
     void secondInstanceLeavesTheFirstAlone();
+    void secondInstanceIsNoClient();
     void preferencesThatCannotBeLoaded();
     void somethingElseInTheWay_data();
     void somethingElseInTheWay();
+    void tooLongAPath();
     void anotherServerIsNotReplaced();
     void vanishedSocketComesBack();
     void runsOutOfDescriptors();
@@ -154,6 +191,19 @@ void TestStartUp::secondInstanceLeavesTheFirstAlone()
     QCOMPARE(client.receivedTypes(), QList<quint32>());
 }
 
+void TestStartUp::secondInstanceIsNoClient()
+{
+    const Listener instance("CorvaleGUI");
+    const Listener clients("Corvale");
+    char program[] = "corvale-gui";
+    char* arguments[] = {program, nullptr};
+    startUpFailure.clear();
+    QCOMPARE(runProgram(1, arguments), 0);
+    QCOMPARE(startUpFailure, QStringLiteral("CorvaleGUI is already running"));
+    QVERIFY(instance.wasAsked());
+    QVERIFY2(!clients.wasAsked(), "it would show up in the first instance as an application");
+}
+
 void TestStartUp::preferencesThatCannotBeLoaded()
 {
     const QString file =
@@ -196,6 +246,18 @@ void TestStartUp::somethingElseInTheWay()
     QVERIFY2(problem.contains(path("Obstacle")), qPrintable(problem));
     QCOMPARE(QFileInfo(path("Obstacle")).isDir(), folder);
     QVERIFY(folder ? QDir().rmdir(path("Obstacle")) : QFile::remove(path("Obstacle")));
+}
+
+void TestStartUp::tooLongAPath()
+{
+    const QByteArray before = qgetenv("TMPDIR");
+    const QString folder = QDir::tempPath() + QLatin1Char('/') + QString(120, QLatin1Char('x'));
+    QVERIFY(QDir().mkpath(folder));
+    qputenv("TMPDIR", QFile::encodeName(folder));
+    QLocalServer server;
+    const QString problem = LocalListener::listenOnce(server, QStringLiteral("Corvale"));
+    qputenv("TMPDIR", before);
+    QVERIFY2(problem.contains(QStringLiteral("too long")), qPrintable(problem));
 }
 
 void TestStartUp::anotherServerIsNotReplaced()

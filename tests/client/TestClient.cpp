@@ -56,6 +56,8 @@ private Q_SLOTS:
     void badTypeDropsWhatIsBuffered();
     void recordsBeforeTheClientAreRead();
     void everythingBeforeADisconnectIsRead();
+    void endBetweenTwoPassesDrainsFirst();
+    void endDuringAPassWaitsForIt();
     void writingToAGoneApplicationDrainsFirst();
     void passesLetTheEventLoopRun();
     void failedReadIsABadRead();
@@ -176,6 +178,35 @@ void TestClient::everythingBeforeADisconnectIsRead()
     QCOMPARE(journal.entries.last(), QStringLiteral("icky"));
 }
 
+void TestClient::endBetweenTwoPassesDrainsFirst()
+{
+    constexpr int count = 20;
+    ConnectedClient connection;
+    Journal journal(connection.start());
+    connect(connection.client.get(), &Client::clientMessage, &journal, [] { QThread::msleep(3); });
+    for (int i = 0; i < count; ++i)
+        connection.application->send(text(Type::Error, "x"));
+    connection.application->close();
+    // Reads, which starts a pass that is too short, and then notices the end without the event loop between
+    // them.
+    connection.socket->waitForDisconnected(5000);
+    QCOMPARE(journal.entries.size(), count + 1);
+    QCOMPARE(journal.entries.last(), QStringLiteral("icky"));
+}
+
+void TestClient::endDuringAPassWaitsForIt()
+{
+    ConnectedClient connection;
+    Journal journal(connection.start());
+    connect(
+        connection.client.get(), &Client::clientMessage, &journal,
+        [&connection] { connection.socket->waitForDisconnected(5000); }, Qt::SingleShotConnection);
+    for (int i = 0; i < 3; ++i)
+        connection.application->send(text(Type::Error, "x"));
+    connection.application->close();
+    QTRY_COMPARE(journal.entries, QStringList({"message 8 x", "message 8 x", "message 8 x", "icky"}));
+}
+
 void TestClient::writingToAGoneApplicationDrainsFirst()
 {
     ConnectedClient connection;
@@ -185,6 +216,7 @@ void TestClient::writingToAGoneApplicationDrainsFirst()
         connection.application->send(text(Type::Error, std::to_string(i)));
     connection.application->close();
     connection.client->wireframeOn(); // before the event loop has told of the bytes or the end
+    connection.socket->flush(); // as the event loop may do before it reads
     QTRY_VERIFY(journal.entries.contains(QStringLiteral("icky")));
     QCOMPARE(journal.entries.size(), 11);
     QCOMPARE(journal.entries.at(9), QStringLiteral("message 8 9"));

@@ -54,14 +54,15 @@ TEST(Numbers, keepTheirValueInEveryLocale)
 
 TEST(XmlGuard, refusesWhatTheParserWouldLoseOrHangOn)
 {
-    const std::string sound[] = {"", "<", "a & b", "<a b='&#65;' c=\"<&#x10FFFF;>\">&#x0041;&lt;</a>",
-        "<!-- &#0; --><![CDATA[&#0;]]><!X &#0;>", repeated(2000, "<a>", "<b c='1' d='2'/>", "</a>"),
-        repeated(2000, "<a>", "b=\"c\" ", "</a>")};
+    const std::string sound[] = {"", "<", " \n<a>a & b</a >\n", "< a><b/>< /a><c/>",
+        "<a b='&#65;' c=\"<&#x10FFFF;>\">&#x0041;&lt;</a>", "<a><!-- &#0; --><![CDATA[&#0;]]></a><!X &#0;>",
+        repeated(2000, "<a>", "<b c='1' d='2'/>", "</a>"), repeated(2000, "<a>", "b=\"c\" ", "</a>")};
     for (const std::string& document : sound)
         EXPECT_EQ(platform::xmlHazard(document), "") << document.substr(0, 60);
     const std::string hazardous[] = {std::string("<a/>\0<b/>", 9), "<a>&#0;</a>", "<a>&#x110000;</a>",
-        "<a>&#4294967296;</a>", "<a>&#;</a>", "<a>&#x;</a>", "<a>&#12</a>", "<a b='&#0;'/>",
-        repeated(2000, "<a ", "b='>' ", "/>"), repeated(200, "", "<?x?>", "<a/>")};
+        "<a>&#4294967296;</a>", "<a>&#;</a>", "<a>&#x;</a>", "<a>&#12</a>", "<a b='&#0;'/>", "text<a/>",
+        "<a/>text", "<a></a><![CDATA[]]>", "<a/></b>", "<a/>< /b><c/>", repeated(2000, "<a ", "b='>' ", "/>"),
+        repeated(200, "", "<?x?>", "<a/>")};
     for (const std::string& document : hazardous)
         EXPECT_NE(platform::xmlHazard(document), "") << document.substr(0, 60);
 }

@@ -1,3 +1,4 @@
+#include "MemoryLayer.h"
 #include "PlistPreferences.h"
 
 #include <cstdint>
@@ -11,62 +12,6 @@ using propertylist::List;
 
 namespace {
 
-/// What a file layer does, in memory and on record.
-struct FakeDisk {
-    std::string content{propertylist::emptyFile};
-    std::uint32_t stamp = 1;
-    bool readable = true;
-    bool writable = true;
-    int commits = 0;
-    std::string commitFailure;
-};
-
-class FakeLayer : public TSRPreferencesImpl {
-public:
-    explicit FakeLayer(FakeDisk& disk)
-        : m_disk(disk)
-    {
-    }
-
-    bool folderPath(std::string&, int) override { return false; }
-
-    std::unique_ptr<TSRPreferencesFile> open(
-        const std::string&, Mode mode, int, bool, std::string& error) override
-    {
-        auto file = std::make_unique<TSRPreferencesFile>();
-        error = "no stream";
-        if (mode == Mode::Read ? !m_disk.readable : !m_disk.writable)
-            return file;
-        file->stream = std::tmpfile();
-        if (mode == Mode::Read) {
-            std::fwrite(m_disk.content.data(), 1, m_disk.content.size(), file->stream);
-            std::rewind(file->stream);
-        }
-        return file;
-    }
-
-    void close(std::unique_ptr<TSRPreferencesFile> file, bool commit) override
-    {
-        m_commitFailure = commit ? m_disk.commitFailure : "";
-        if (!commit || !file->stream || !m_commitFailure.empty())
-            return;
-        m_disk.content.resize(static_cast<std::size_t>(std::ftell(file->stream)));
-        std::rewind(file->stream);
-        EXPECT_EQ(
-            std::fread(m_disk.content.data(), 1, m_disk.content.size(), file->stream), m_disk.content.size());
-        ++m_disk.commits;
-    }
-
-    bool modificationStamp(const std::string&, int, std::uint32_t& stamp) override
-    {
-        stamp = m_disk.stamp;
-        return true;
-    }
-
-private:
-    FakeDisk& m_disk;
-};
-
 class Preferences : public testing::Test {
 protected:
     void loadDocument(const std::string& members, bool watch = true)
@@ -78,16 +23,16 @@ protected:
     /// The member texts of what is on disk, read anew.
     std::string onDisk(const char* key)
     {
-        PlistPreferences other("Store", 0, std::make_unique<FakeLayer>(disk));
+        PlistPreferences other("Store", 0, std::make_unique<MemoryLayer>(disk));
         std::string value = "absent";
         EXPECT_TRUE(other.load(error, false));
         other.getString(key, &value, nullptr, false);
         return value;
     }
 
-    FakeDisk disk;
+    MemoryDisk disk;
     std::string error;
-    PlistPreferences store{"Store", 0, std::make_unique<FakeLayer>(disk)};
+    PlistPreferences store{"Store", 0, std::make_unique<MemoryLayer>(disk)};
 };
 
 } // namespace
@@ -237,9 +182,10 @@ TEST_F(Preferences, withoutAStreamASaveCountsAsDone)
     disk.writable = true;
     EXPECT_TRUE(store.save(false)) << "nothing has changed since";
     EXPECT_EQ(disk.commits, 0);
+    disk.content = "<plist><dict><key>theirs</key><string>3</string></dict></plist>";
     store.setString("b", "2");
     EXPECT_TRUE(store.save(false));
-    EXPECT_EQ(onDisk("a"), "1");
+    EXPECT_EQ(onDisk("a") + onDisk("b") + onDisk("theirs"), "123");
 }
 
 TEST_F(Preferences, aFailedCommitLeavesTheStoreChanged)
@@ -279,6 +225,9 @@ TEST_F(Preferences, savesKeepWhatOthersWroteSinceTheSetter)
     store.setString("x", "overtaken");
     store.setString("x/deep", "ours");
     store.setString("both", "ours");
+    disk.readable = false;
+    EXPECT_FALSE(store.load(error, true)) << "and forgets nothing";
+    disk.readable = true;
     disk.content = "<plist><dict><key>both</key><string>theirs</string><key>y</key><string>theirs</string>"
                    "<key>x</key><dict><key>z</key><string>theirs</string></dict></dict></plist>";
     EXPECT_TRUE(store.save(false));

@@ -1,5 +1,6 @@
 #include "ChildProcess.h"
 #include "FileFaults.h"
+#include "FileReplacement.h"
 #include "PlistPreferences.h"
 
 #include <cerrno>
@@ -7,6 +8,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <thread>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -115,10 +117,13 @@ TEST_F(PreferenceFiles, foldersFollowTheEnvironment)
 
 TEST_F(PreferenceFiles, onlyTheFolderOfANewAccountIsMade)
 {
-    setenv("XDG_CONFIG_HOME", (parent / "missing").c_str(), 1);
+    setenv("XDG_CONFIG_HOME", (parent / "missing/deeper").c_str(), 1);
     EXPECT_FALSE(makeStore()->load(error, true));
     EXPECT_EQ(error, openError);
     EXPECT_FALSE(fs::exists(parent / "missing"));
+    setenv("XDG_CONFIG_HOME", (parent / "missing").c_str(), 1);
+    loaded();
+    EXPECT_TRUE(fs::exists(parent / "missing/Brindlewood/Corvale.plist"));
 
     unsetenv("XDG_CONFIG_HOME");
     setenv("HOME", parent.c_str(), 1);
@@ -290,6 +295,29 @@ TEST_F(PreferenceFiles, aLeftoverTemporaryFileIsOverwritten)
     EXPECT_TRUE(store->save(false));
     EXPECT_EQ(stored("a"), "1");
     EXPECT_FALSE(fs::exists(folder / "Corvale.plist.tmp"));
+}
+
+TEST_F(PreferenceFiles, aFileThatAnotherProcessMakesFirstIsNotReplaced)
+{
+    const std::string theirs = "<plist><dict><key>a</key><string>theirs</string></dict></plist>";
+    int ready[2];
+    ASSERT_EQ(pipe(ready), 0);
+    const pid_t child = childprocess::start([&] {
+        char token = 0;
+        EXPECT_EQ(read(ready[0], &token, 1), 1);
+        loaded();
+        return 0;
+    });
+    fs::create_directory(folder);
+    {
+        platform::FileReplacement replacement(file);
+        ASSERT_EQ(write(ready[1], "t", 1), 1);
+        while (!childprocess::hasOpen(child, folder / "Corvale.plist.tmp"))
+            std::this_thread::yield();
+        EXPECT_TRUE(replacement.commit(theirs));
+    }
+    EXPECT_EQ(childprocess::finish(child), 0);
+    EXPECT_EQ(contentOf(file), theirs);
 }
 
 TEST_F(PreferenceFiles, twoProcessesInTurnLoseNothingEvenWithAFrozenClock)

@@ -44,6 +44,18 @@ template <typename Body> int run(Body body)
     return finish(start(body));
 }
 
+/// True while the process has that file open.
+inline bool hasOpen(pid_t process, const std::filesystem::path& path)
+{
+    std::error_code error;
+    for (const auto& entry :
+        std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/fd", error)) {
+        if (std::filesystem::read_symlink(entry, error) == path)
+            return true;
+    }
+    return false;
+}
+
 /// In a child only: puts a small disk over a folder, which nobody else sees and which goes with the process.
 /// False where that is not allowed.
 inline bool mountSmallDisk(const std::filesystem::path& folder, const char* size)
@@ -73,7 +85,7 @@ inline void fill(const std::filesystem::path& path, const std::string& content)
 inline std::filesystem::path freshFolder()
 {
     static int number = 0;
-    const auto folder = std::filesystem::temp_directory_path() / ("folder" + std::to_string(++number));
+    auto folder = std::filesystem::temp_directory_path() / ("folder" + std::to_string(++number));
     std::filesystem::create_directory(folder);
     return folder;
 }

@@ -15,6 +15,7 @@ int callsLeft = 0;
 int armedError = 0;
 bool fired = false;
 std::size_t largestWrite = 0;
+std::string callNames;
 
 void arm(int number, int errorNumber)
 {
@@ -24,8 +25,9 @@ void arm(int number, int errorNumber)
 }
 
 /// True when this call is the one that has to fail; does not return when it is the one to die at.
-bool isFaulty()
+bool isFaulty(const char* name)
 {
+    callNames += std::string(name) + ' ';
     if (callsLeft == 0 || --callsLeft > 0)
         return false;
     fired = true;
@@ -52,10 +54,16 @@ void filefaults::shortWrites(unsigned int bytes)
     largestWrite = bytes;
 }
 
+const std::string& filefaults::trace()
+{
+    return callNames;
+}
+
 bool filefaults::clear()
 {
     callsLeft = 0;
     largestWrite = 0;
+    callNames.clear();
     return fired;
 }
 
@@ -73,30 +81,32 @@ int __wrap_open(const char* path, int flags, ...)
 {
     va_list arguments;
     va_start(arguments, flags);
+    // NOLINTNEXTLINE(clang-analyzer-valist.Uninitialized): va_start did it
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
-    return isFaulty() ? -1 : __real_open(path, flags, mode);
+    return isFaulty("open") ? -1 : __real_open(path, flags, mode);
 }
 ssize_t __wrap_write(int descriptor, const void* bytes, std::size_t count)
 {
-    return isFaulty() ? -1
-                      : __real_write(descriptor, bytes, largestWrite ? std::min(count, largestWrite) : count);
+    return isFaulty("write")
+        ? -1
+        : __real_write(descriptor, bytes, largestWrite ? std::min(count, largestWrite) : count);
 }
 int __wrap_ftruncate(int descriptor, off_t size)
 {
-    return isFaulty() ? -1 : __real_ftruncate(descriptor, size);
+    return isFaulty("ftruncate") ? -1 : __real_ftruncate(descriptor, size);
 }
 int __wrap_fchmod(int descriptor, mode_t mode)
 {
-    return isFaulty() ? -1 : __real_fchmod(descriptor, mode);
+    return isFaulty("fchmod") ? -1 : __real_fchmod(descriptor, mode);
 }
 int __wrap_fsync(int descriptor)
 {
-    return isFaulty() ? -1 : __real_fsync(descriptor);
+    return isFaulty("fsync") ? -1 : __real_fsync(descriptor);
 }
 int __wrap_rename(const char* from, const char* to)
 {
-    return isFaulty() ? -1 : __real_rename(from, to);
+    return isFaulty("rename") ? -1 : __real_rename(from, to);
 }
 }
 // NOLINTEND(bugprone-reserved-identifier)

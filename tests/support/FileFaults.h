@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 /// Makes the file calls of the code under test fail or kill the process, one call after the other. For test
 /// binaries that corvale_wrap_file_calls() was called for.
 namespace filefaults {
@@ -12,6 +14,9 @@ void killAtCall(int number);
 
 /// Every write takes at most that many bytes.
 void shortWrites(unsigned int bytes);
+
+/// The names of the calls since the last clear(), in order, each with a blank behind it.
+const std::string& trace();
 
 /// Back to normal. Returns whether the fault came up.
 bool clear();

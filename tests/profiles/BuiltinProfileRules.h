@@ -1,0 +1,81 @@
+#pragma once
+
+#include <array>
+#include <limits>
+#include <map>
+#include <optional>
+#include <set>
+#include <span>
+#include <string>
+
+/// What must hold in a profile that we ship. Versions are those of the documents: 1, 2, 3 and 31, so that
+/// they can be compared; both ends of a range of versions belong to it.
+namespace rules {
+
+/// A capability that a version must have: its path, the least and the most of it. With an extension it must
+/// be there with the extension, and must not be there without.
+struct Limit {
+    const char* key;
+    int first;
+    int last;
+    long long least;
+    long long most = std::numeric_limits<long long>::max();
+    const char* extension = nullptr;
+};
+extern const std::span<const Limit> limits;
+
+/// Pairs of capabilities: the first is at most the second.
+struct Order {
+    const char* smaller;
+    const char* larger;
+};
+extern const std::span<const Order> neverAbove;
+
+/// An extension, or without one every profile of these versions, that needs another extension.
+struct Need {
+    int first;
+    int last;
+    const char* extension;
+    const char* needed;
+};
+extern const std::span<const Need> needs;
+
+/// The enumerants from `from` to `to` are values of a list capability exactly when all extensions are there.
+struct FormatRange {
+    const char* key;
+    int first;
+    int last;
+    int from;
+    int to;
+    std::array<const char*, 2> extensions;
+};
+extern const std::span<const FormatRange> formatRanges;
+
+/// The internal formats that are renderable in every implementation of version 3 and whose samples are
+/// listed.
+extern const std::set<std::string> requiredFormats;
+
+constexpr long long glUnsignedByte = 0x1401;
+constexpr long long glRgb = 0x1907;
+constexpr long long glRgba = 0x1908;
+constexpr long long glBgra = 0x80E1;
+constexpr long long glUnsignedShort565 = 0x8363;
+
+std::optional<long long> wholeNumber(const std::string& text);
+/// Whether a capability may be repeated or is a part of one that may.
+bool isListKey(const std::string& path);
+bool isCatalogued(const std::string& extension);
+/// Whether the extension exists for the version and does not repeat what the version has of its own.
+bool fitsVersion(const std::string& extension, int version);
+bool isRenderableFormat(const std::string& internalFormat);
+bool isIntegerFormat(const std::string& internalFormat);
+
+bool isMask(const std::string& attribute);
+std::string renderableBit(int version);
+using Attributes = std::map<std::string, std::string>;
+/// Fails the running test for what is missing, unknown or does not add up within one EGL config.
+void checkAttributes(const Attributes& text);
+/// The same for its surface types and what depends on them.
+void checkSurfaces(const Attributes& text, const std::set<std::string>& surfaces);
+
+} // namespace rules

@@ -1,0 +1,340 @@
+#include "BuiltinProfileRules.h"
+#include "BuiltinProfiles.h"
+#include "ProfileData.h"
+
+#include <algorithm>
+#include <cctype>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+using namespace rules;
+
+namespace {
+
+std::vector<std::string> builtinFiles()
+{
+    std::vector<std::string> files;
+    for (const auto& entry : std::filesystem::directory_iterator(CORVALE_BUILTIN_PROFILES))
+        files.push_back(entry.path().string());
+    std::sort(files.begin(), files.end());
+    return files;
+}
+
+/// The text of a file without the lines that are comments.
+std::string withoutComments(const std::string& path)
+{
+    std::ifstream file(path);
+    std::string text;
+    for (std::string line; std::getline(file, line);) {
+        const std::size_t start = line.find_first_not_of(' ');
+        if (start == std::string::npos || line.compare(start, 4, "<!--") != 0)
+            text += line + '\n';
+    }
+    return text;
+}
+
+std::string baseName(const std::string& path)
+{
+    return std::filesystem::path(path).filename().string();
+}
+
+/// The texts below a list of nodes by their path, such as "max_viewport_dims/width".
+std::multimap<std::string, std::string> flat(const std::vector<ProfileNode>& nodes)
+{
+    std::multimap<std::string, std::string> texts;
+    for (const ProfileNode& node : nodes) {
+        if (node.children.empty())
+            texts.emplace(node.name, node.value);
+        for (const auto& [name, value] : flat(node.children))
+            texts.emplace(node.name + "/" + name, value);
+    }
+    return texts;
+}
+
+/// The numbers of the keys that hold one value; every other use of a key is a failure.
+std::map<std::string, long long> numbers(const std::vector<ProfileNode>& nodes)
+{
+    std::map<std::string, long long> result;
+    for (const auto& [name, text] : flat(nodes)) {
+        if (isListKey(name))
+            continue;
+        const auto number = wholeNumber(text);
+        EXPECT_TRUE(number) << name << ": " << text;
+        EXPECT_TRUE(result.emplace(name, number.value_or(0)).second) << name << " is there twice";
+    }
+    return result;
+}
+
+/// The values of a key that may be repeated, which must differ.
+std::set<std::string> valuesOf(const std::vector<ProfileNode>& nodes, const std::string& key)
+{
+    std::set<std::string> values;
+    for (const ProfileNode& node : nodes)
+        if (node.name == key) {
+            EXPECT_TRUE(values.insert(node.value).second) << key << " " << node.value << " is there twice";
+        }
+    return values;
+}
+
+class BuiltinProfile : public testing::TestWithParam<std::string> {
+protected:
+    void SetUp() override { ASSERT_NO_THROW(m_profile = ProfileData::fromFile(GetParam())); }
+
+    std::set<std::string> extensions(int version) const
+    {
+        const auto found = m_profile.extensions().find(version);
+        return found == m_profile.extensions().end()
+            ? std::set<std::string>{}
+            : std::set<std::string>(found->second.begin(), found->second.end());
+    }
+
+    ProfileData m_profile = ProfileData::fromText("<profile/>");
+};
+
+} // namespace
+
+TEST(BuiltinProfiles, areThirteenWithTheirOwnNames)
+{
+    std::set<std::string> devices;
+    for (const std::string& file : builtinFiles()) {
+        devices.insert(ProfileData::fromFile(file).displayName());
+        const std::string name = baseName(file);
+        EXPECT_TRUE(std::none_of(name.begin(), name.end(), [](unsigned char c) { return std::isupper(c); }))
+            << name;
+    }
+    EXPECT_EQ(builtinFiles().size(), 13U);
+    EXPECT_EQ(devices.size(), 13U);
+}
+
+TEST(BuiltinProfiles, areCompiledIn)
+{
+    EXPECT_EQ(builtinprofiles::documents().size(), builtinFiles().size());
+    for (const auto& [name, xml] : builtinprofiles::documents()) {
+        const auto path = std::filesystem::path(CORVALE_BUILTIN_PROFILES) / name;
+        EXPECT_TRUE(ProfileData::fromText(xml) == ProfileData::fromFile(path.string())) << name;
+    }
+}
+
+TEST_P(BuiltinProfile, saysWhoItIsAndForWhichVersions)
+{
+    EXPECT_EQ(m_profile.vendor(), "Brindlewood");
+    EXPECT_EQ(m_profile.renderer().rfind("Brindlewood B", 0), 0U) << m_profile.renderer();
+    EXPECT_FALSE(m_profile.device().empty());
+    EXPECT_FALSE(m_profile.extensions().empty());
+    for (const auto& [version, names] : m_profile.extensions()) {
+        EXPECT_TRUE(version == 1 || version == 2 || version == 3 || version == 31) << version;
+        EXPECT_TRUE(m_profile.capabilities().contains(version)) << version;
+    }
+    EXPECT_EQ(m_profile.capabilities().size(), m_profile.extensions().size());
+    EXPECT_TRUE(!m_profile.extensions().contains(31) || m_profile.extensions().contains(3));
+}
+
+TEST_P(BuiltinProfile, isTheSameAfterASaveAndALoad)
+{
+    const std::string saved = m_profile.toXml();
+    EXPECT_TRUE(ProfileData::fromText(saved) == m_profile);
+    // But for its comments a file looks as the program writes it. So the reader left nothing out, such as a
+    // config with a broken id, and merged nothing, such as a version that is there twice; and the extensions
+    // are sorted.
+    EXPECT_EQ(saved, withoutComments(GetParam()));
+}
+
+TEST_P(BuiltinProfile, hasEveryLimitOfItsVersionsAndMeetsTheMinimum)
+{
+    for (const auto& [version, nodes] : m_profile.capabilities()) {
+        SCOPED_TRACE("version " + std::to_string(version));
+        const auto have = numbers(nodes);
+        const auto names = extensions(version);
+        std::set<std::string> known;
+        for (const Limit& limit : limits) {
+            const bool wanted = version >= limit.first && version <= limit.last
+                && (limit.extension == nullptr || names.contains(limit.extension));
+            const auto found = have.find(limit.key);
+            if (!wanted)
+                continue;
+            known.insert(limit.key);
+            ASSERT_NE(found, have.end()) << limit.key;
+            EXPECT_GE(found->second, limit.least) << limit.key;
+            EXPECT_LE(found->second, limit.most) << limit.key;
+        }
+        for (const auto& [key, value] : have)
+            EXPECT_TRUE(known.contains(key)) << key << " does not belong into this version";
+    }
+}
+
+TEST_P(BuiltinProfile, limitsAgreeWithEachOther)
+{
+    for (const auto& [version, nodes] : m_profile.capabilities()) {
+        SCOPED_TRACE("version " + std::to_string(version));
+        auto have = numbers(nodes);
+        for (const auto& [smaller, larger] : neverAbove) {
+            if (have.contains(smaller) && have.contains(larger)) {
+                EXPECT_LE(have[smaller], have[larger]) << smaller << " and " << larger;
+            }
+        }
+        if (version < 3)
+            continue;
+        for (const std::string stage : {"vertex", "fragment"}) {
+            const long long components = have["max_" + stage + "_uniform_components"];
+            EXPECT_EQ(components, 4 * have["max_" + stage + "_uniform_vectors"]);
+            EXPECT_EQ(have["max_combined_" + stage + "_uniform_components"],
+                have["max_" + stage + "_uniform_blocks"] * have["max_uniform_block_size"] / 4 + components);
+        }
+        EXPECT_EQ(have["max_varying_components"], 4 * have["max_varying_vectors"]);
+    }
+}
+
+TEST_P(BuiltinProfile, newerVersionsAreNeverPoorer)
+{
+    std::map<std::string, long long> best;
+    for (const auto& [version, nodes] : m_profile.capabilities())
+        for (const auto& [key, value] : numbers(nodes)) {
+            const bool anyOrder = key.ends_with("_alignment") || key.starts_with("implementation_");
+            const auto [older, isNew] = best.emplace(key, value);
+            if (!isNew && !anyOrder) {
+                EXPECT_GE(value, older->second) << key << " of version " << version;
+            }
+            older->second = value;
+        }
+}
+
+TEST_P(BuiltinProfile, extensionsFitTheVersionAndEachOther)
+{
+    for (const auto& [version, list] : m_profile.extensions()) {
+        SCOPED_TRACE("version " + std::to_string(version));
+        const auto names = extensions(version);
+        EXPECT_EQ(names.size(), list.size()) << "an extension is there twice";
+        for (const std::string& name : names) {
+            EXPECT_TRUE(isCatalogued(name)) << name;
+            EXPECT_TRUE(fitsVersion(name, version)) << name;
+        }
+        for (const Need& need : needs) {
+            const bool applies = version >= need.first && version <= need.last;
+            if (applies && (need.extension == nullptr || names.contains(need.extension))) {
+                EXPECT_TRUE(names.contains(need.needed))
+                    << (need.extension ? need.extension : "the version") << " needs " << need.needed;
+            }
+        }
+    }
+}
+
+TEST_P(BuiltinProfile, formatsAreThoseOfTheExtensions)
+{
+    for (const auto& [version, nodes] : m_profile.capabilities()) {
+        SCOPED_TRACE("version " + std::to_string(version));
+        const auto names = extensions(version);
+        for (const std::string key :
+            {"compressed_texture_format", "shader_binary_format", "program_binary_format"}) {
+            std::set<std::string> expected;
+            for (const FormatRange& range : formatRanges)
+                if (range.key == key && version >= range.first && version <= range.last
+                    && std::all_of(range.extensions.begin(), range.extensions.end(),
+                        [&](const char* name) { return name == nullptr || names.contains(name); }))
+                    for (int format = range.from; format <= range.to; ++format)
+                        expected.insert(std::to_string(format));
+            EXPECT_EQ(valuesOf(nodes, key), expected) << key;
+        }
+        auto have = numbers(nodes);
+        const long long format = have["implementation_color_read_format"];
+        const long long type = have["implementation_color_read_type"];
+        const bool bytes = type == glUnsignedByte && (format == glRgba || format == glBgra);
+        EXPECT_TRUE(bytes || (format == glRgb && type == glUnsignedShort565)) << format << " of " << type;
+        EXPECT_TRUE(format != glBgra || names.contains("GL_EXT_read_format_bgra"));
+    }
+}
+
+TEST_P(BuiltinProfile, renderableFormatsHaveTheirSamples)
+{
+    for (const auto& [version, nodes] : m_profile.capabilities()) {
+        SCOPED_TRACE("version " + std::to_string(version));
+        std::map<std::string, long long> samples;
+        for (const ProfileNode& node : nodes)
+            if (node.name == "internal_format") {
+                auto parts = flat(node.children);
+                ASSERT_TRUE(parts.size() == 2 && parts.contains("name") && parts.contains("samples"));
+                const auto count = wholeNumber(parts.find("samples")->second);
+                ASSERT_TRUE(count) << parts.find("samples")->second;
+                EXPECT_TRUE(samples.emplace(parts.find("name")->second, *count).second)
+                    << "twice the same format";
+            }
+        if (version < 3) {
+            EXPECT_TRUE(samples.empty());
+            continue;
+        }
+        auto have = numbers(nodes);
+        for (const auto& [name, count] : samples) {
+            const bool integer = isIntegerFormat(name);
+            EXPECT_TRUE(integer || isRenderableFormat(name)) << name;
+            // Whole numbers are never sampled more than once before version 3.1.
+            EXPECT_GE(count, integer ? have["max_integer_samples"] : have["max_samples"]) << name;
+            EXPECT_TRUE(version == 31 || !integer || count == 0) << name;
+        }
+        for (const std::string& name : requiredFormats)
+            EXPECT_TRUE(samples.contains(name)) << name;
+    }
+}
+
+TEST_P(BuiltinProfile, configsAddUp)
+{
+    EXPECT_GE(m_profile.configs().size(), 8U);
+    EXPECT_LE(m_profile.configs().size(), 40U);
+    std::set<std::string> rendered;
+    std::set<std::string> looks;
+    for (const auto& [id, nodes] : m_profile.configs()) {
+        SCOPED_TRACE("config " + std::to_string(id));
+        std::map<std::string, std::string> text;
+        for (const auto& [name, value] : flat(nodes))
+            if (!isMask(name)) {
+                EXPECT_TRUE(text.emplace(name, value).second) << name << " is there twice";
+            }
+        checkAttributes(text);
+        const auto versions = valuesOf(nodes, "renderable_type");
+        const auto surfaces = valuesOf(nodes, "surface_type");
+        EXPECT_EQ(valuesOf(nodes, "conformant"), versions);
+        rendered.insert(versions.begin(), versions.end());
+        EXPECT_FALSE(versions.empty());
+        checkSurfaces(text, surfaces);
+        std::string look;
+        for (const auto& [name, value] : flat(nodes))
+            look += name + "=" + value + " ";
+        EXPECT_TRUE(looks.insert(look).second) << "the same as another config";
+    }
+    std::set<std::string> supported;
+    for (const auto& [version, names] : m_profile.extensions())
+        supported.insert(renderableBit(version));
+    EXPECT_EQ(rendered, supported);
+}
+
+TEST_P(BuiltinProfile, configsFitTheLimits)
+{
+    for (const auto& [version, nodes] : m_profile.capabilities()) {
+        SCOPED_TRACE("version " + std::to_string(version));
+        auto have = numbers(nodes);
+        std::set<long long> samples;
+        for (const auto& [id, attributes] : m_profile.configs()) {
+            if (!valuesOf(attributes, "renderable_type").contains(renderableBit(version)))
+                continue;
+            auto values = flat(attributes);
+            const auto number = [&](const char* name) {
+                return wholeNumber(values.find(name)->second).value_or(-1);
+            };
+            samples.insert(number("samples"));
+            EXPECT_LE(number("max_pbuffer/width"), have["max_viewport_dims/width"]) << id;
+            EXPECT_LE(number("max_pbuffer/height"), have["max_viewport_dims/height"]) << id;
+        }
+        EXPECT_TRUE(samples.contains(have["samples"])) << "no config has " << have["samples"] << " samples";
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Files, BuiltinProfile, testing::ValuesIn(builtinFiles()), [](const auto& file) {
+    std::string name = std::filesystem::path(file.param).stem().string();
+    std::replace_if(
+        name.begin(), name.end(), [](unsigned char c) { return !std::isalnum(c); }, '_');
+    return name;
+});
