@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -11,6 +10,14 @@
 // The vocabulary of the profile editor: constant tables that map between the element names of profile
 // documents, the names that the user sees, and enumerant values. Look-ups compare exactly and with case; they
 // return true and fill the record, or return false and leave it alone.
+
+/// A text as a type of its own, so that names of different kinds cannot be mixed. Ordered by the text.
+template <typename Kind> struct KeyName {
+    std::string text;
+
+    bool operator==(const KeyName&) const = default;
+    bool operator<(const KeyName& other) const { return text < other.text; }
+};
 
 namespace esapi {
 
@@ -37,10 +44,7 @@ void visitAPIs(const std::function<void(const API&)>& visit);
 /// An attribute of an EGL config.
 struct EGLAttribKey {
     /// An attribute by the name that the user sees, for example "EGL_ALPHA_SIZE".
-    struct DisplayName {
-        std::string text;
-        auto operator<=>(const DisplayName&) const = default;
-    };
+    using DisplayName = KeyName<struct EGLAttribDisplayNameKind>;
 
     /// The EGL enumerant.
     std::int32_t value = 0;
@@ -63,15 +67,9 @@ void visitEGLAttribKeys(const std::function<void(const EGLAttribKey&)>& visit);
 /// A capability of an API version, or a part of a compound one.
 struct ESCapabilityKey {
     /// A capability by its element name, for example "max_texture_size".
-    struct XMLName {
-        std::string text;
-        auto operator<=>(const XMLName&) const = default;
-    };
+    using XMLName = KeyName<struct ESCapabilityXMLNameKind>;
     /// A capability by the name that the user sees, for example "GL_MAX_TEXTURE_SIZE".
-    struct DisplayName {
-        std::string text;
-        auto operator<=>(const DisplayName&) const = default;
-    };
+    using DisplayName = KeyName<struct ESCapabilityDisplayNameKind>;
 
     /// The enumerant by which applications query it; 0 for the parts of a compound value.
     std::uint32_t value = 0;

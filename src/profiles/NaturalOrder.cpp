@@ -1,7 +1,6 @@
 #include "NaturalOrder.h"
 
 #include <algorithm>
-#include <compare>
 #include <cstddef>
 
 namespace {
@@ -29,15 +28,17 @@ unsigned char takeFolded(std::string_view& text)
     return static_cast<unsigned char>(c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c);
 }
 
-std::strong_ordering compareNext(std::string_view& left, std::string_view& right)
+/// Negative, zero or positive, as the first text's next piece comes before, with or after the second's.
+int compareNext(std::string_view& left, std::string_view& right)
 {
     if (!isDigit(left.front()) || !isDigit(right.front()))
-        return takeFolded(left) <=> takeFolded(right);
+        return takeFolded(left) - takeFolded(right);
     // Without leading zeros the longer number is the larger one.
     const std::string_view leftNumber = takeNumber(left);
     const std::string_view rightNumber = takeNumber(right);
-    const auto byLength = leftNumber.size() <=> rightNumber.size();
-    return byLength != 0 ? byLength : leftNumber <=> rightNumber;
+    if (leftNumber.size() != rightNumber.size())
+        return leftNumber.size() < rightNumber.size() ? -1 : 1;
+    return leftNumber.compare(rightNumber);
 }
 
 } // namespace
@@ -47,7 +48,7 @@ bool naturalLess(std::string_view left, std::string_view right)
     const std::string_view wholeLeft = left;
     const std::string_view wholeRight = right;
     while (!left.empty() && !right.empty()) {
-        const std::strong_ordering order = compareNext(left, right);
+        const int order = compareNext(left, right);
         if (order != 0)
             return order < 0;
     }

@@ -9,8 +9,6 @@
 #include <limits>
 #include <optional>
 
-#include <tinyxml2.h>
-
 using tinyxml2::XMLAttribute;
 using tinyxml2::XMLDocument;
 using tinyxml2::XMLElement;
@@ -82,7 +80,7 @@ std::string ProfileReader::read(std::string_view document)
 {
     if (!isUtf8(document))
         return "it is not UTF-8 text";
-    const std::string hazard = platform::xmlHazard(document);
+    std::string hazard = platform::xmlHazard(document);
     if (!hazard.empty())
         return hazard;
     XMLDocument xml(true, tinyxml2::PRESERVE_WHITESPACE);

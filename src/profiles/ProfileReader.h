@@ -5,9 +5,7 @@
 #include <string>
 #include <string_view>
 
-namespace tinyxml2 {
-class XMLElement;
-} // namespace tinyxml2
+#include <tinyxml2.h>
 
 /// Fills a profile from a document.
 class ProfileReader {

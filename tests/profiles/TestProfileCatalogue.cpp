@@ -47,7 +47,7 @@ protected:
     {
         std::vector<std::string> texts;
         for (const auto& [file, reason] : catalogue->brokenFiles())
-            texts.push_back(file + ": " + reason);
+            texts.emplace_back(file).append(": ").append(reason);
         return texts;
     }
     void open(std::span<const builtinprofiles::TextEntry> documents = {})

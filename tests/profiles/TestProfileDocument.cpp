@@ -129,9 +129,10 @@ TEST(ProfileDocument, numbersAreWholeOrNone)
         EXPECT_EQ(profile.extensions().size(), 1U) << number;
     }
     for (const char* number : {"", " ", "two", "2x", "2.0", "2 0", "0x2", "2147483648", "- 2"}) {
-        const std::string attribute = std::string("='") + number + "'>";
-        const auto profile = ProfileData::fromText("<profile><es version" + attribute
-            + "<a/></es><egl><config id" + attribute + "<a/></config></egl></profile>");
+        const std::string content = std::string("='") + number + "'><a/>";
+        std::string document = "<profile><es version";
+        document.append(content).append("</es><egl><config id").append(content);
+        const auto profile = ProfileData::fromText(document.append("</config></egl></profile>"));
         EXPECT_TRUE(profile.extensions().empty() && profile.capabilities().empty()) << number;
         EXPECT_TRUE(profile.configs().empty()) << number;
     }
