@@ -1,5 +1,6 @@
 #include "ProfileFile.h"
 
+#include "FileErrors.h"
 #include "FileReplacement.h"
 #include "ProfileData.h"
 
@@ -20,7 +21,8 @@ std::optional<Failure> write(const ProfileData& profile, const std::string& dire
     const fs::path path = pathFor(directory, profile.fileName());
     const std::string hazard = profile.whyNotSavable();
     if (!hazard.empty())
-        return Failure{false, "Cannot write " + path.string() + " so that it can be read again: " + hazard};
+        return Failure{false,
+            "Cannot write " + platform::readablePath(path) + " so that it can be read again: " + hazard};
     platform::FileReplacement replacement(path);
     if (!replacement.ready())
         return Failure{true, replacement.reason()};

@@ -1,5 +1,6 @@
 #include "ProfileFolder.h"
 
+#include "FileErrors.h"
 #include "ProfileData.h"
 #include "ProfileDataWrapper.h"
 
@@ -63,9 +64,9 @@ void ProfileFolder::read(const fs::path& folder)
             files.emplace(path.string(), entry);
             profiles.push_back(entry.profile);
         } catch (const ProfileError& error) {
-            m_brokenFiles.push_back({file.filename().string(), error.reason()});
+            m_brokenFiles.push_back({platform::readablePath(file.filename()), error.reason()});
         } catch (const fs::filesystem_error& error) {
-            m_brokenFiles.push_back({file.filename().string(), error.code().message()});
+            m_brokenFiles.push_back({platform::readablePath(file.filename()), error.code().message()});
         }
     }
     m_files = std::move(files);
@@ -85,7 +86,7 @@ std::vector<fs::path> ProfileFolder::list(const fs::path& folder)
             files.push_back(entry->path());
     }
     if (error && error != std::errc::no_such_file_or_directory)
-        m_brokenFiles.push_back({folder.string(), error.message()});
+        m_brokenFiles.push_back({platform::readablePath(folder), error.message()});
     std::sort(files.begin(), files.end());
     return files;
 }

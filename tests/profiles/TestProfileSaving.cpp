@@ -80,8 +80,6 @@ void TestProfileSaving::asksForAName()
     QWidget window;
     window.show();
     const auto answer = [&](const QString& suggestion) {
-        window.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
         answerNext<QInputDialog>([&window, suggestion](QInputDialog& dialog) {
             QCOMPARE(dialog.parentWidget(), &window);
             QCOMPARE(dialog.windowTitle(), QStringLiteral("Choose a file name"));
@@ -90,6 +88,9 @@ void TestProfileSaving::asksForAName()
             dialog.setTextValue(QStringLiteral("B\u00fcro.xml"));
             dialog.accept();
         });
+        // Armed before, so that no dialog waits for an answer when this fails.
+        window.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&window));
     };
     answer(QStringLiteral("Foo \u00e9.xml"));
     QVERIFY(profilesaving::save(m_profile, folder()));
