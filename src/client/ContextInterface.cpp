@@ -1,7 +1,10 @@
 #include "ContextInterface.h"
 
 #include "ExtensionCatalogue.h"
+#include "ExtensionModel.h"
 #include "ui_ContextInterface.h"
+
+#include <QHeaderView>
 
 #include <algorithm>
 #include <array>
@@ -46,10 +49,6 @@ ContextInterface::ContextInterface(const Message& record, QWidget* parent)
     showVersions(record);
     showEsExtensions(record);
     showHostExtensions(record);
-    m_ui->lbl_context_info_es_extensions_val->setText(
-        QString::number(m_ui->table_context_info_es_extensions->rowCount()));
-    m_ui->lbl_context_info_gl_extensions_val->setText(
-        QString::number(m_ui->list_context_info_gl_extensions->count()));
     if (record.u32(offset::contextStrict) == 0)
         m_ui->grp_context_info_es->setTitle(QStringLiteral("OpenGL ES (Emulated) (Loose mode)"));
     m_ui->table_context_info_es_extensions->resizeColumnsToContents();
@@ -77,36 +76,27 @@ void ContextInterface::showVersions(const Message& record)
 
 void ContextInterface::showEsExtensions(const Message& record)
 {
-    QTableWidget& table = *m_ui->table_context_info_es_extensions;
+    auto* model = new ExtensionModel(2, this);
+    for (const SupportState& state : supportStates) {
+        for (const std::uint32_t code : readExtensions(record, state.listOffset))
+            model->append(catalogue::esExtensionName(code, catalogue::Prefix::With), state.text);
+    }
+    QTableView& table = *m_ui->table_context_info_es_extensions;
     const int height = table.fontMetrics().height() + 6;
     table.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     table.verticalHeader()->setMinimumSectionSize(
         std::min(height, table.verticalHeader()->minimumSectionSize()));
     table.verticalHeader()->setDefaultSectionSize(height);
     table.horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
-
-    const auto readOnlyItem = [](const char* text) {
-        auto item = std::make_unique<QTableWidgetItem>(QString::fromLatin1(text));
-        item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
-        item->setToolTip(item->text());
-        return item.release();
-    };
-    for (const SupportState& state : supportStates) {
-        const std::vector<std::uint32_t> codes = readExtensions(record, state.listOffset);
-        int row = table.rowCount();
-        table.setRowCount(row + static_cast<int>(codes.size()));
-        for (const std::uint32_t code : codes) {
-            table.setItem(row, 0, readOnlyItem(catalogue::esExtensionName(code, catalogue::Prefix::With)));
-            table.setItem(row, 1, readOnlyItem(state.text));
-            ++row;
-        }
-    }
+    table.setModel(model);
+    m_ui->lbl_context_info_es_extensions_val->setText(QString::number(model->rowCount()));
 }
 
 void ContextInterface::showHostExtensions(const Message& record)
 {
-    QStringList names;
+    auto* model = new ExtensionModel(1, this);
     for (const std::uint32_t code : readExtensions(record, offset::contextHostExtensions))
-        names.append(QString::fromLatin1(catalogue::hostExtensionName(code)));
-    m_ui->list_context_info_gl_extensions->addItems(names);
+        model->append(catalogue::hostExtensionName(code));
+    m_ui->list_context_info_gl_extensions->setModel(model);
+    m_ui->lbl_context_info_gl_extensions_val->setText(QString::number(model->rowCount()));
 }

@@ -5,8 +5,8 @@
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
-#include <QListWidget>
-#include <QTableWidget>
+#include <QListView>
+#include <QTableView>
 #include <QTest>
 
 using namespace records;
@@ -35,14 +35,22 @@ QString label(const ContextInterface& page, const char* name)
     return page.findChild<QLabel*>(QString::fromLatin1(name))->text();
 }
 
-QTableWidget& table(const ContextInterface& page)
+const QTableView& table(const ContextInterface& page)
 {
-    return *page.findChild<QTableWidget*>(QStringLiteral("table_context_info_es_extensions"));
+    return *page.findChild<QTableView*>(QStringLiteral("table_context_info_es_extensions"));
 }
 
-QListWidget& list(const ContextInterface& page)
+/// A row's cells with a bar between them.
+QString row(const ContextInterface& page, int number)
 {
-    return *page.findChild<QListWidget*>(QStringLiteral("list_context_info_gl_extensions"));
+    const QAbstractItemModel& model = *table(page).model();
+    return model.index(number, 0).data().toString() + QLatin1Char('|')
+        + model.index(number, 1).data().toString();
+}
+
+const QAbstractItemModel& list(const ContextInterface& page)
+{
+    return *page.findChild<QListView*>(QStringLiteral("list_context_info_gl_extensions"))->model();
 }
 
 } // namespace
@@ -57,18 +65,19 @@ void TestContextInterface::extensionsInAllThreeStates()
     const ContextInterface page(record);
 
     QStringList rows;
-    for (int row = 0; row < table(page).rowCount(); ++row) {
-        rows.append(table(page).item(row, 0)->text() + QLatin1Char('|') + table(page).item(row, 1)->text());
-        QVERIFY((table(page).item(row, 1)->flags() & Qt::ItemIsEditable) == 0);
-    }
+    for (int i = 0; i < table(page).model()->rowCount(); ++i)
+        rows.append(row(page, i));
+    QVERIFY((table(page).model()->index(0, 1).flags() & Qt::ItemIsEditable) == 0);
+    QCOMPARE(table(page).model()->headerData(0, Qt::Horizontal), QVariant("Name"));
+    QCOMPARE(table(page).model()->headerData(1, Qt::Horizontal), QVariant("Supported"));
     QCOMPARE(rows,
         QStringList({"GL_APPLE_copy_texture_levels|Yes", "GL_KHR_shader_subgroup|Yes",
             "<unknown extension>|Yes", "GL_OES_depth24|Not supported by the host system",
             "GL_APPLE_sync|Not currently supported by Corvale"}));
     QCOMPARE(label(page, "lbl_context_info_es_extensions_val"), QStringLiteral("5"));
-    QCOMPARE(list(page).count(), 3);
-    QCOMPARE(list(page).item(0)->text(), QStringLiteral("GL_NV_internalformat_sample_query"));
-    QCOMPARE(list(page).item(2)->text(), QStringLiteral("<unknown extension>"));
+    QCOMPARE(list(page).rowCount(), 3);
+    QCOMPARE(list(page).index(0, 0).data().toString(), QStringLiteral("GL_NV_internalformat_sample_query"));
+    QCOMPARE(list(page).index(2, 0).data().toString(), QStringLiteral("<unknown extension>"));
     QCOMPARE(label(page, "lbl_context_info_gl_extensions_val"), QStringLiteral("3"));
     QVERIFY(table(page).verticalHeader()->isHidden());
 }
@@ -106,7 +115,7 @@ void TestContextInterface::versions()
 void TestContextInterface::emptyLists()
 {
     const ContextInterface page(context(1));
-    QCOMPARE(table(page).rowCount(), 0);
+    QCOMPARE(table(page).model()->rowCount(), 0);
     QCOMPARE(label(page, "lbl_context_info_es_extensions_val"), QStringLiteral("0"));
     QCOMPARE(label(page, "lbl_context_info_gl_extensions_val"), QStringLiteral("0"));
 }
@@ -117,10 +126,10 @@ void TestContextInterface::fullListsEndWithTheirField()
     for (std::size_t at = offset::contextExtensions; at < ui::messages::recordSize; at += 4)
         record.setU32(at, 2);
     const ContextInterface page(record);
-    QCOMPARE(table(page).rowCount(), 3 * 512);
-    QCOMPARE(table(page).item(511, 1)->text(), QStringLiteral("Yes"));
-    QCOMPARE(table(page).item(512, 1)->text(), QStringLiteral("Not supported by the host system"));
-    QCOMPARE(list(page).count(), 512);
+    QCOMPARE(table(page).model()->rowCount(), 3 * 512);
+    QCOMPARE(row(page, 511), QStringLiteral("GL_APPLE_sync|Yes"));
+    QCOMPARE(row(page, 512), QStringLiteral("GL_APPLE_sync|Not supported by the host system"));
+    QCOMPARE(list(page).rowCount(), 512);
 }
 
 QTEST_MAIN(TestContextInterface)
