@@ -5,10 +5,13 @@
 #include "PreferenceKeys.h"
 #include "Product.h"
 #include "Resources.h"
+#include "SocketFile.h"
+#include "TerminationSignals.h"
 
 #include <QDir>
 #include <QLocalServer>
 #include <QLocalSocket>
+#include <QSocketNotifier>
 
 #include <clocale>
 #include <stdexcept>
@@ -38,7 +41,7 @@ PlistPreferences& load(PlistPreferences& preferences)
 } // namespace
 
 Controller::StartUpLock::StartUpLock()
-    : m_file(QDir::tempPath() + QStringLiteral("/CorvaleGUI.lock"))
+    : m_file(QStringLiteral("%1/CorvaleGUI-%2.lock").arg(QDir::tempPath()).arg(platform::userId()))
 {
     // The application object has set the user's locale; files are written and read without it.
     std::setlocale(LC_NUMERIC, "C");
@@ -57,7 +60,7 @@ Controller::Controller(int& argc, char** argv)
     setApplicationVersion(product::version());
     setDesktopFileName(QStringLiteral("corvale-gui"));
     refuseSecondInstance();
-    LocalListener::listenOnce(*m_instanceServer, LocalListener::instanceName());
+    answerOtherInstances();
     m_startUpLock.release();
     m_mainWindow.setCatalogue(m_catalogue);
 }
@@ -68,12 +71,42 @@ void Controller::refuseSecondInstance() const
 {
     QLocalSocket probe;
     probe.connectToServer(LocalListener::instanceName(), QIODevice::ReadWrite);
-    if (probe.waitForConnected(probeTime))
+    const bool answered = probe.waitForConnected(probeTime);
+    // A server that neither answers nor refuses is alive but busy.
+    const bool refused = probe.error() == QLocalSocket::ConnectionRefusedError
+        || probe.error() == QLocalSocket::ServerNotFoundError;
+    if (answered || (!refused && LocalListener::isOwnSocket(LocalListener::instanceName())))
         throw std::runtime_error("CorvaleGUI is already running");
+}
+
+void Controller::answerOtherInstances()
+{
+    // Nothing is read from them, but connections that nobody takes would use up those that the server
+    // accepts.
+    connect(m_instanceServer, &QLocalServer::newConnection, this, [this] {
+        while (QLocalSocket* connection = m_instanceServer->nextPendingConnection())
+            connection->deleteLater();
+    });
+    auto* listener = new LocalListener(m_instanceServer, LocalListener::instanceName(), this);
+    listener->start();
+}
+
+void Controller::endOnSignals()
+{
+    const int descriptor = platform::catchTerminationSignals();
+    if (descriptor < 0)
+        return;
+    // Closing the window tells the clients, and the end of the program removes the sockets.
+    connect(
+        new QSocketNotifier(descriptor, QSocketNotifier::Read, this), &QSocketNotifier::activated, this, [this] {
+            m_mainWindow.close();
+            quit();
+        });
 }
 
 int Controller::run()
 {
+    endOnSignals();
     m_mainWindow.show();
     return QApplication::exec();
 }

@@ -38,6 +38,8 @@ private:
     };
 
     void refuseSecondInstance() const;
+    void answerOtherInstances();
+    void endOnSignals();
 
     StartUpLock m_startUpLock;
     PlistPreferences m_preferences;

@@ -42,19 +42,17 @@ bool isLeftBehind(const QString& name)
     // To ask on the name itself would show up as a connected application where an instance is alive.
     if (name != LocalListener::instanceName() && askFor(LocalListener::instanceName()) == Answer::Answered)
         return false;
-    return platform::isOwnSocketFile(QFile::encodeName(socketPath(name)).toStdString())
-        && askFor(name) == Answer::Refused;
+    return LocalListener::isOwnSocket(name) && askFor(name) == Answer::Refused;
 }
 
 QString reasonForAddressInUse(const QString& name)
 {
     const QString path = socketPath(name);
-    const QFileInfo file(path);
-    if (platform::isOwnSocketFile(QFile::encodeName(path).toStdString()))
+    if (LocalListener::isOwnSocket(name))
         return LocalListener::tr(
             "Another program of yours answers on \"%1\". Close it, then start this one again.")
             .arg(path);
-    if (file.ownerId() != QFileInfo(QDir::homePath()).ownerId())
+    if (!platform::isOwnFile(QFile::encodeName(path).toStdString()))
         return LocalListener::tr(
             "\"%1\" belongs to another user. Set TMPDIR to a folder of your own, for this "
             "program and for the applications.")
@@ -82,6 +80,11 @@ QString reasonForNoSocket(const QLocalServer& server, const QString& name)
 }
 
 } // namespace
+
+bool LocalListener::isOwnSocket(const QString& name)
+{
+    return platform::isOwnSocketFile(QFile::encodeName(socketPath(name)).toStdString());
+}
 
 QString LocalListener::instanceName()
 {

@@ -31,6 +31,9 @@ public:
     /// Listens on a name under the rules above, once. Returns an empty text or the reason why not.
     static QString listenOnce(QLocalServer& server, const QString& name);
 
+    /// True when there is a socket file of this user under a name, whether or not anybody answers on it.
+    static bool isOwnSocket(const QString& name);
+
     /// The name on which every running instance answers.
     static QString instanceName();
 

@@ -14,6 +14,14 @@ bool isOwnSocketFile(const std::string&)
 {
     return false;
 }
+bool isOwnFile(const std::string&)
+{
+    return false;
+}
+unsigned int userId()
+{
+    return 0;
+}
 OwnerOnlyFiles::OwnerOnlyFiles() = default;
 OwnerOnlyFiles::~OwnerOnlyFiles() = default;
 
@@ -23,6 +31,17 @@ bool isOwnSocketFile(const std::string& path)
 {
     struct stat status { };
     return lstat(path.c_str(), &status) == 0 && S_ISSOCK(status.st_mode) && status.st_uid == geteuid();
+}
+
+bool isOwnFile(const std::string& path)
+{
+    struct stat status { };
+    return lstat(path.c_str(), &status) == 0 && status.st_uid == geteuid();
+}
+
+unsigned int userId()
+{
+    return geteuid();
 }
 
 OwnerOnlyFiles::OwnerOnlyFiles()

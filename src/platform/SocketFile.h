@@ -8,6 +8,12 @@ namespace platform {
 /// user of this process. Such a file is what a crashed run of this program leaves behind.
 bool isOwnSocketFile(const std::string& path);
 
+/// True when a file of any kind belongs to the user of this process, looked at as above.
+bool isOwnFile(const std::string& path);
+
+/// The number of the user of this process; 0 where users have none.
+unsigned int userId();
+
 /// While it lives, files are created for their owner alone (umask 077), so that only the user can connect to
 /// a socket that is made meanwhile.
 class OwnerOnlyFiles {

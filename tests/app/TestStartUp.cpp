@@ -95,6 +95,11 @@ public:
         m_process.waitForFinished();
     }
     bool isRunning() { return m_process.state() == QProcess::Running && !m_process.waitForFinished(0); }
+    void terminate()
+    {
+        m_process.terminate();
+        m_process.waitForFinished();
+    }
     void crash()
     {
         m_process.kill();
@@ -134,6 +139,8 @@ private Q_SLOTS:
     void socketsAreForTheUserAlone();
     void startsAgainAfterACrash();
     void secondInstanceLeavesTheFirstAlone();
+    void manySecondInstancesAreRefused();
+    void endsByASignal();
     void secondInstanceIsNoClient();
     void preferencesThatCannotBeLoaded();
     void somethingElseInTheWay_data();
@@ -189,6 +196,25 @@ void TestStartUp::secondInstanceLeavesTheFirstAlone()
     QVERIFY(answers("Corvale"));
     QVERIFY(client.send(records::pid(1)));
     QCOMPARE(client.receivedTypes(), QList<quint32>());
+}
+
+void TestStartUp::manySecondInstancesAreRefused()
+{
+    Instance first;
+    for (int i = 0; i < 300; ++i)
+        QVERIFY2(answers("CorvaleGUI"), qPrintable(QString::number(i)));
+    QVERIFY(first.isRunning());
+}
+
+void TestStartUp::endsByASignal()
+{
+    Instance instance;
+    RawClient client(QStringLiteral("Corvale"));
+    QVERIFY(client.send(records::pid(1)));
+    instance.terminate();
+    QCOMPARE(inode("Corvale"), 0U);
+    QCOMPARE(inode("CorvaleGUI"), 0U);
+    QCOMPARE(client.receivedTypes(), QList<quint32>({11}));
 }
 
 void TestStartUp::secondInstanceIsNoClient()
