@@ -44,12 +44,15 @@ Client::Client(QObject* parent, QLocalSocket* socket)
     socket->setReadBufferSize(bufferLimit);
     connect(socket, SIGNAL(readyRead()), SLOT(socketReadyRead()));
     connect(socket, SIGNAL(disconnected()), SLOT(socketDisconnected()));
+    // After its end a socket is of no use, but it would keep its buffers as long as the server lives.
+    connect(socket, SIGNAL(disconnected()), socket, SLOT(deleteLater()));
     continueLater();
 }
 
 void Client::socketReadyRead()
 {
-    readRecords(true);
+    if (!m_saidGoodbye)
+        readRecords(true);
 }
 
 void Client::readRecords(bool bounded)
