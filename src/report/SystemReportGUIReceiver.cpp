@@ -1,6 +1,7 @@
 #include "SystemReportGUIReceiver.h"
 
 #include <algorithm>
+#include <utility>
 
 using ui::messages::Message;
 using ui::messages::Type;
@@ -8,8 +9,10 @@ namespace offset = ui::messages::offset;
 
 namespace {
 
-/// Entries of one kind at most: no real report comes near it, and no client can fill the memory.
+/// Entries of one kind, and characters of all texts, at most: no real report comes near it, and no client can
+/// fill the memory or stop the window with it.
 constexpr std::size_t entryLimit = 4096;
+constexpr qsizetype textLimit = 1'000'000;
 
 QString textAt(const Message& message, std::size_t at, std::size_t fieldEnd = ui::messages::recordSize)
 {
@@ -20,18 +23,20 @@ QString textAt(const Message& message, std::size_t at, std::size_t fieldEnd = ui
     return text;
 }
 
-template <typename Entry> void append(std::vector<Entry>& entries, Entry entry)
-{
-    if (entries.size() < entryLimit)
-        entries.push_back(std::move(entry));
-}
-
 } // namespace
 
 SystemReportGUIReceiver::SystemReportGUIReceiver(QObject* parent)
     : QObject(parent)
 {
     qRegisterMetaType<SystemReport>("SystemReport");
+}
+
+template <typename Entry> void SystemReportGUIReceiver::append(std::vector<Entry>& entries, Entry entry)
+{
+    if (entries.size() >= entryLimit || m_textSize + entry.text.size() > textLimit)
+        return;
+    m_textSize += entry.text.size();
+    entries.push_back(std::move(entry));
 }
 
 void SystemReportGUIReceiver::receive(const Message& message)
@@ -64,7 +69,7 @@ void SystemReportGUIReceiver::receive(const Message& message)
         break;
     case Type::ReportComplete:
         m_complete = true;
-        Q_EMIT ready(m_report);
+        Q_EMIT ready(std::exchange(m_report, {}));
         break;
     default:
         break;

@@ -21,6 +21,9 @@ public Q_SLOTS:
     void receive(const ui::messages::Message&);
 
 private:
+    template <typename Entry> void append(std::vector<Entry>& entries, Entry entry);
+
     SystemReport m_report;
+    qsizetype m_textSize = 0;
     bool m_complete = false;
 };
