@@ -2,6 +2,8 @@
 
 #include <array>
 
+using namespace std::string_view_literals;
+
 namespace builtinprofiles {
 
 namespace {

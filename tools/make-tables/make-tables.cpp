@@ -155,7 +155,7 @@ void writeTexts(const std::string& table, const std::vector<std::string>& inputs
         if (!in || text.view().find(")text\"") != std::string_view::npos)
             fail("cannot take in " + input);
         out << "    {\"" << input.substr(input.rfind('/') + 1) << "\", R\"text(" << text.view()
-            << ")text\"},\n";
+            << ")text\"sv},\n";
     }
     out << "}};\n";
 }
