@@ -2,6 +2,7 @@
 
 #include "Client.h"
 #include "ClientInterface.h"
+#include "PlainToolTip.h"
 
 #include <QFontDatabase>
 #include <QMouseEvent>
@@ -127,7 +128,7 @@ void ClientTabWidget::showTitle(const ClientInterface& page)
     const QString title = page.title();
     setTabText(page.index(), QString(title).replace(QLatin1Char('&'), QStringLiteral("&&")));
     // The index is the one of the tab's creation, so the title may be on another tab; the tool tip never is.
-    setTabToolTip(indexOf(&page), title.toHtmlEscaped());
+    setTabToolTip(indexOf(&page), plainToolTip(title));
 }
 
 void ClientTabWidget::finish(const Client* client, const QString& text)

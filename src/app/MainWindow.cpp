@@ -4,6 +4,7 @@
 #include "Client.h"
 #include "ClientInterface.h"
 #include "ErrorListModel.h"
+#include "FileErrors.h"
 #include "LocalListener.h"
 #include "MonitorStatus.h"
 #include "PlistPreferences.h"
@@ -223,29 +224,24 @@ void MainWindow::fontChanged(const QFont& font)
 {
     m_preferences.setString(
         preferencekeys::prefixed(preferencekeys::guiFont), font.family().toLatin1().toStdString());
-    savePreferences();
+    reportSave(m_preferences.save(false));
 }
 
-void MainWindow::savePreferences()
+void MainWindow::reportSave(bool saved)
 {
-    const bool copyWasKept = !m_preferences.corruptCopy().empty();
-    if (!m_preferences.save(false)) {
-        showSaveFailure();
-    } else if (!copyWasKept && !m_preferences.corruptCopy().empty()) {
-        const auto copy = m_preferences.corruptCopy().u8string();
+    if (!saved) {
+        statusBar()->showMessage(tr("The preferences could not be saved: %1")
+                                     .arg(QString::fromStdString(m_preferences.saveError())),
+            messageTime);
+        return;
+    }
+    const QString copy = QString::fromStdString(platform::readablePath(m_preferences.corruptCopy()));
+    if (copy != m_toldCorruptCopy)
         statusBar()->showMessage(
             tr("The preferences file could not be read, so it was replaced. A copy of it is kept as \"%1\".")
-                .arg(QString::fromUtf8(
-                    reinterpret_cast<const char*>(copy.data()), static_cast<qsizetype>(copy.size()))),
+                .arg(copy),
             3 * messageTime);
-    }
-}
-
-void MainWindow::showSaveFailure()
-{
-    statusBar()->showMessage(
-        tr("The preferences could not be saved: %1").arg(QString::fromStdString(m_preferences.saveError())),
-        messageTime);
+    m_toldCorruptCopy = copy;
 }
 
 void MainWindow::fatalError(Error error)
@@ -281,8 +277,8 @@ void MainWindow::onPreferences()
 
 void MainWindow::optionChanged()
 {
-    if (m_catalogue != nullptr && !m_catalogue->rememberCurrent(m_profileChooser->chosenKey()))
-        showSaveFailure();
+    if (m_catalogue != nullptr)
+        reportSave(m_catalogue->rememberCurrent(m_profileChooser->chosenKey()));
 }
 
 void MainWindow::setCatalogue(ProfileCatalogue& catalogue)

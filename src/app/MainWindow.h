@@ -68,8 +68,8 @@ private:
     void setUpFonts();
     void setUpPages();
     void setUpServer();
-    void savePreferences();
-    void showSaveFailure();
+    /// Tells in the status bar what a save of the preferences did beyond saving.
+    void reportSave(bool saved);
     void countProblems(const ClientInterface& page);
     void clientDisconnected(Client* client, const QString& text);
     void showClientCount();
@@ -86,4 +86,5 @@ private:
     QLocalServer* m_server = nullptr;
     LocalListener* m_listener = nullptr;
     std::set<Client*> m_clients;
+    QString m_toldCorruptCopy;
 };

@@ -1,12 +1,15 @@
 #include "MonitorStatus.h"
 
 #include "ElidedLabel.h"
+#include "PlainToolTip.h"
 
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
 #include <QStatusBar>
 #include <QStyle>
+
+#include <algorithm>
 
 namespace {
 
@@ -76,7 +79,7 @@ void MonitorStatus::setListening(const QString& path, const QString& problem)
         problem.isEmpty() ? tr("Listening for applications") : tr("Not listening: %1").arg(problem));
     const QString detail =
         problem.isEmpty() ? tr("Applications connect to \"%1\"").arg(path) : m_listening->text();
-    m_listening->setToolTip(detail.toHtmlEscaped());
+    m_listening->setToolTip(plainToolTip(detail));
     m_listeningIcon->setToolTip(m_listening->toolTip());
 }
 
@@ -88,18 +91,20 @@ void MonitorStatus::setClientCount(std::size_t count)
 
 void MonitorStatus::setSkippedProfiles(const std::vector<ProfileCatalogue::BrokenFile>& files)
 {
+    // There may be very many files, and reasons of any length.
+    constexpr std::size_t mostShown = 20;
+    constexpr qsizetype longestShown = 300;
     QStringList lines;
-    for (const ProfileCatalogue::BrokenFile& file : files)
-        lines.append(QStringLiteral("%1: %2").arg(
-            QString::fromStdString(file.file), QString::fromStdString(file.reason)));
+    for (std::size_t i = 0; i < std::min(files.size(), mostShown); ++i)
+        lines.append(QStringLiteral("%1: %2")
+                         .arg(QString::fromStdString(files[i].file), QString::fromStdString(files[i].reason))
+                         .left(longestShown));
+    if (files.size() > mostShown)
+        lines.append(tr("and %1 more").arg(files.size() - mostShown));
     m_skipped->setText(files.size() == 1
             ? tr("Skipped profile %1").arg(lines.value(0))
             : tr("Skipped %1 profiles: %2").arg(files.size()).arg(lines.join(QStringLiteral("; "))));
-    // As rich text it wraps its lines; there may be very many files.
-    constexpr qsizetype linesInToolTip = 20;
-    const QString toolTip = lines.mid(0, linesInToolTip).join(QLatin1Char('\n')).toHtmlEscaped();
-    m_skipped->setToolTip(QStringLiteral("<qt>%1</qt>")
-                              .arg(QString(toolTip).replace(QLatin1Char('\n'), QStringLiteral("<br>"))));
+    m_skipped->setToolTip(plainToolTip(lines.join(QLatin1Char('\n'))));
     m_skipped->setVisible(!files.empty());
 }
 

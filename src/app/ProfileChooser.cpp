@@ -13,7 +13,8 @@ namespace {
 /// What the list shows for a profile. Files can share a device's name, so theirs is added.
 QString itemText(const ProfileDataWrapper& profile)
 {
-    const QString name = QString::fromStdString(profile.data().displayName());
+    constexpr qsizetype longestName = 120;
+    const QString name = QString::fromStdString(profile.data().displayName()).left(longestName);
     const QString file = QString::fromStdString(profile.data().fileName());
     if (!profile.isWritable() || file.isEmpty() || file == name)
         return name;

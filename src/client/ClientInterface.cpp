@@ -291,8 +291,8 @@ void ClientInterface::fontChanged(const QFont& font)
 
 void ClientInterface::finish(const QString& text)
 {
-    m_console.moveToEnd();
-    writePlainText(text);
+    m_console.closingLine(text);
+    m_scrollPending = true;
     scrollConsole();
     m_state = State::Finished;
     m_ui->grpRendering->setEnabled(false);

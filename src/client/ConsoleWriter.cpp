@@ -96,9 +96,18 @@ void ConsoleWriter::lineBreak()
         m_cursor.setBlockFormat(QTextBlockFormat());
 }
 
-void ConsoleWriter::plainText(const QString& text)
+void ConsoleWriter::closingLine(const QString& text)
 {
-    const QTextCharFormat characters = isInFrame() ? m_cursor.blockCharFormat() : QTextCharFormat();
+    moveToEnd();
+    QTextCharFormat italic;
+    italic.setFontItalic(true);
+    plainText(text, italic);
+}
+
+void ConsoleWriter::plainText(const QString& text, QTextCharFormat characters)
+{
+    if (isInFrame())
+        characters.merge(m_cursor.blockCharFormat());
     if (!m_cursor.block().text().isEmpty())
         m_cursor.insertText(QStringLiteral("\n"), characters);
     m_cursor.insertText(text, characters);

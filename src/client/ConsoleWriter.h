@@ -24,7 +24,11 @@ public:
     void lineBreak();
 
     /// Writes on a line of its own, inside the frame if the cursor is in one.
-    void plainText(const QString& text);
+    void plainText(const QString& text) { plainText(text, QTextCharFormat()); }
+
+    /// Writes a line of the window's own after everything else, in italics, so that it cannot be taken for a
+    /// client's.
+    void closingLine(const QString& text);
 
     void moveToEnd();
 
@@ -43,6 +47,7 @@ public:
     };
 
 private:
+    void plainText(const QString& text, QTextCharFormat characters);
     bool isInFrame() const;
     void leaveDeepFrames();
 

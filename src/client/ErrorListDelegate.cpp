@@ -1,5 +1,7 @@
 #include "ErrorListDelegate.h"
 
+#include "PlainToolTip.h"
+
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QToolTip>
@@ -31,11 +33,7 @@ bool ErrorListDelegate::helpEvent(
         !text.contains(QLatin1Char('\n')) && sizeHint(option, index).width() <= option.rect.width();
     if (text.size() > toolTipLength)
         text = text.left(toolTipLength) + QChar(0x2026);
-    // Rich text wraps its lines; escaping keeps the application's text from being taken for markup.
-    QToolTip::showText(event->globalPos(),
-        fits ? QString()
-             : QStringLiteral("<qt>%1</qt>")
-                   .arg(text.toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>"))),
-        view->viewport(), view->visualRect(index));
+    QToolTip::showText(
+        event->globalPos(), fits ? QString() : plainToolTip(text), view->viewport(), view->visualRect(index));
     return true;
 }
