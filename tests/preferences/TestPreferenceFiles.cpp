@@ -218,6 +218,22 @@ TEST_F(PreferenceFiles, noCorruptCopyIsLost)
     EXPECT_EQ(contentOf(file), "fourth");
 }
 
+TEST_F(PreferenceFiles, whatOthersSpoiltIsNotTakenOver)
+{
+    const auto store = loaded();
+    store->setString("a", "ours");
+    for (const std::string document : {"<plist><dict><key>a</key></dict></plist>",
+             "<plist><dict><string>a</string></dict></plist>", "not xml"}) {
+        EXPECT_TRUE(store->save(true));
+        fill(file, document);
+        store->setString("b", "next");
+        EXPECT_EQ(store->getString("a", nullptr, nullptr, false), ResultCode::Success) << document;
+        EXPECT_TRUE(store->save(false));
+        EXPECT_EQ(contentOf(store->corruptCopy()), document);
+        EXPECT_EQ(stored("a") + stored("b"), "oursnext") << document;
+    }
+}
+
 TEST_F(PreferenceFiles, everyStepOfASaveMayBeTheLast)
 {
     const std::string before = contentAfterSaving("before");
