@@ -171,6 +171,9 @@ TEST_F(Catalogue, newProfilesAndCopies)
     copy->edit()->setDevice("changed");
     EXPECT_EQ(original->data().device(), "BW 10");
     EXPECT_EQ(copyOfCopy->data().device(), "BW 10");
+    fresh->edit()->setDevice("../a/b");
+    EXPECT_EQ(fresh->data().fileNameForSaving(), ".._a_b.xml");
+    EXPECT_EQ(catalogue->copyProfile(*fresh)->key(), ".._a_b (copy).xml");
     try {
         original->edit();
         FAIL() << "a built-in profile was edited";

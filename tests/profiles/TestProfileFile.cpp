@@ -113,6 +113,24 @@ TEST_F(ProfileFile, foldersThatCannotBeWritten)
     EXPECT_EQ(code, 0);
 }
 
+TEST_F(ProfileFile, nothingIsWrittenOutsideOfTheFolder)
+{
+    const fs::path inside = folder / "inside";
+    fs::create_directory(inside);
+    fs::current_path(inside);
+    const auto refusal = [this](const std::string& name, const std::string& directory) {
+        profile.setFileName(name);
+        const auto failure = profilefile::write(profile, directory);
+        return failure && !failure->notOpened ? failure->reason : "not refused";
+    };
+    for (const std::string name : {"", ".", "..", "../a.xml", "/b.xml", "sub/b.xml", "b/"})
+        EXPECT_EQ(
+            refusal(name, inside.string()), "Cannot write the profile: '" + name + "' is no name for a file");
+    EXPECT_NE(refusal("b.xml", "").find("no profiles directory is set"), std::string::npos);
+    EXPECT_TRUE(fs::is_empty(inside));
+    EXPECT_EQ(contentOf(file), oldContent);
+}
+
 TEST_F(ProfileFile, whatCouldNotBeReadAgainIsNotWritten)
 {
     profile.configs()[1].push_back({"", "1", {}});
