@@ -56,7 +56,8 @@ TEST(XmlGuard, refusesWhatTheParserWouldLoseOrHangOn)
 {
     const std::string sound[] = {"", "<", " \n<a>a & b</a >\n", "< a><b/>< /a><c/>",
         "<a b='&#65;' c=\"<&#x10FFFF;>\">&#x0041;&lt;</a>", "<a><!-- &#0; --><![CDATA[&#0;]]></a><!X &#0;>",
-        repeated(2000, "<a>", "<b c='1' d='2'/>", "</a>"), repeated(2000, "<a>", "b=\"c\" ", "</a>")};
+        "<!DOCTYPE a []><a/>", repeated(2000, "<a>", "<b c='1' d='2'/>", "</a>"),
+        repeated(2000, "<a>", "b=\"c\" ", "</a>")};
     for (const std::string& document : sound)
         EXPECT_EQ(platform::xmlHazard(document), "") << document.substr(0, 60);
     const std::string hazardous[] = {std::string("<a/>\0<b/>", 9), "<a>&#0;</a>", "<a>&#x110000;</a>",
@@ -65,4 +66,6 @@ TEST(XmlGuard, refusesWhatTheParserWouldLoseOrHangOn)
         repeated(200, "", "<?x?>", "<a/>")};
     for (const std::string& document : hazardous)
         EXPECT_NE(platform::xmlHazard(document), "") << document.substr(0, 60);
+    EXPECT_EQ(platform::xmlHazard("<!DOCTYPE a [<!ENTITY x \"y\">]><a/>"),
+        "it has a document type with declarations inside");
 }
