@@ -153,6 +153,7 @@ void TestProfileSaving::failuresAreShown()
     answerNext<QInputDialog>([&](QInputDialog& dialog) {
         answerNext<QMessageBox>([&](QMessageBox& box) {
             shown = true;
+            QCOMPARE(box.windowTitle(), QStringLiteral("Corvale GUI"));
             QCOMPARE(box.text(), QStringLiteral("Failed to save file"));
             QCOMPARE(box.informativeText(), informativeText.arg(m_folder->path()));
             QCOMPARE(box.standardButtons(), QMessageBox::Ok);
