@@ -256,17 +256,4 @@ TEST_F(Catalogue, currentProfileIsRemembered)
     }
 }
 
-TEST_F(Catalogue, manyProfilesAreListed)
-{
-    constexpr std::size_t count = 1000;
-    for (std::size_t i = 0; i < count; ++i)
-        fill(folder / (std::to_string(i) + ".xml"), document("device " + std::to_string(i)));
-    open();
-    EXPECT_EQ(catalogue->userProfiles().size(), count);
-    EXPECT_TRUE(broken().empty());
-    const auto before = catalogue->userProfiles();
-    catalogue->reload();
-    EXPECT_EQ(catalogue->userProfiles(), before);
-}
-
 } // namespace

@@ -1,5 +1,4 @@
 #include "ChildProcess.h"
-#include "FileFaults.h"
 #include "ProfileData.h"
 #include "ProfileFile.h"
 
@@ -68,26 +67,6 @@ TEST_F(ProfileFile, loadingNamesTheFile)
     }
 }
 
-TEST_F(ProfileFile, aFaultAtAnyStepKeepsTheOldFile)
-{
-    int faults = 0;
-    for (int call = 1;; ++call) {
-        filefaults::failCall(call, ENOSPC);
-        const auto failure = profilefile::write(profile, folder.string());
-        if (!filefaults::clear()) {
-            EXPECT_FALSE(failure);
-            break;
-        }
-        // The last call opens the folder for syncing it: the file has been replaced by then.
-        if (contentOf(file) != oldContent)
-            break;
-        EXPECT_TRUE(failsCleanly(failure)) << call;
-        EXPECT_EQ(failure && failure->notOpened, call <= 2) << call;
-        ++faults;
-    }
-    EXPECT_GE(faults, 5);
-}
-
 TEST_F(ProfileFile, foldersThatCannotBeWritten)
 {
     const auto missing = profilefile::write(profile, (folder / "none").string());
@@ -129,14 +108,6 @@ TEST_F(ProfileFile, nothingIsWrittenOutsideOfTheFolder)
     EXPECT_NE(refusal("b.xml", "").find("no profiles directory is set"), std::string::npos);
     EXPECT_TRUE(fs::is_empty(inside));
     EXPECT_EQ(contentOf(file), oldContent);
-}
-
-TEST_F(ProfileFile, whatCouldNotBeReadAgainIsNotWritten)
-{
-    profile.configs()[1].push_back({"", "1", {}});
-    const auto failure = profilefile::write(profile, folder.string());
-    EXPECT_TRUE(failsCleanly(failure));
-    EXPECT_FALSE(failure->notOpened);
 }
 
 } // namespace
