@@ -14,6 +14,7 @@ namespace platform {
 namespace {
 
 constexpr int maximumLinks = 40;
+constexpr int maximumClaims = 100;
 constexpr std::chrono::seconds lockPatience{5};
 constexpr std::chrono::milliseconds lockPause{1};
 constexpr mode_t permissionBits = 07777;
@@ -89,11 +90,12 @@ bool FileReplacement::findTarget(const std::filesystem::path& path)
 }
 
 /// Opens, locks and empties the temporary file. While we waited for the lock, its former owner may have moved
-/// the file away; then the lock is on the wrong file, and it starts anew.
+/// the file away; then the lock is on the wrong file, and it starts
+/// anew, though not for ever.
 bool FileReplacement::claimTemporary()
 {
     const mode_t creationMode = m_hasOld ? 0600 : 0666;
-    for (;;) {
+    for (int claims = 0; claims < maximumClaims; ++claims) {
         const int descriptor = open(m_temporary.c_str(),
             O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, creationMode);
         if (descriptor < 0)
@@ -114,6 +116,7 @@ bool FileReplacement::claimTemporary()
         }
         close(descriptor);
     }
+    return fail("write", EBUSY);
 }
 
 bool FileReplacement::keepAttributes()

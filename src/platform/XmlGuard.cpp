@@ -34,7 +34,7 @@ public:
             else if (m_rest.starts_with("<![CDATA["))
                 characters(skip("<![CDATA[", "]]>"), true);
             else if (m_rest.starts_with("<!"))
-                skip("<!", ">");
+                documentType();
             else
                 element();
         }
@@ -62,6 +62,16 @@ private:
         skip("<?", "?>");
         if (++m_declarations > maximumDeclarations)
             m_hazard = "it has too many declarations";
+    }
+
+    /// The parser takes it to end at the first '>', which may be that of a declaration inside.
+    void documentType()
+    {
+        const std::string_view inside = skip("<!", ">");
+        const std::size_t bracket = inside.find('[');
+        if (m_depth == 0 && bracket != std::string_view::npos
+            && inside.find("<!", bracket) != std::string_view::npos)
+            m_hazard = "it has a document type with declarations inside";
     }
 
     /// Outside of the elements the parser takes text as well, but it would change with every save.

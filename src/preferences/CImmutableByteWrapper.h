@@ -8,8 +8,4 @@
 class CImmutableByteWrapper : public std::streambuf {
 public:
     explicit CImmutableByteWrapper(std::string_view bytes);
-
-protected:
-    pos_type seekoff(off_type offset, std::ios_base::seekdir from, std::ios_base::openmode which) override;
-    pos_type seekpos(pos_type position, std::ios_base::openmode which) override;
 };

@@ -135,18 +135,14 @@ void PlistPreferences::noticeOtherWriters()
     if (m_changed || !m_watching || !m_layer->modificationStamp(m_storeName, m_folderKind, stamp))
         return;
     std::string ignored;
-    if (stamp == m_stamp && readFile(ignored) == m_onDisk)
+    std::optional<std::string> bytes = readFile(ignored);
+    if (!bytes)
         return;
-    // Values of a save without a stream are still to be written, although they do not count as changes.
-    auto pending = m_pending;
-    if (readDocument(ignored))
-        recordStamp();
-    m_pending = std::move(pending);
-    setPending();
+    m_stamp = stamp;
+    takeOver(std::move(*bytes));
 }
 
-/// Another process may have saved between our setter and our save. What cannot be taken over is kept aside by
-/// the save.
+/// Another process may have saved between our setter and our save.
 bool PlistPreferences::takeOverOtherWriters()
 {
     std::uint32_t stamp = 0;
@@ -158,16 +154,25 @@ bool PlistPreferences::takeOverOtherWriters()
         m_saveError = "The preference file has become unreadable and is not replaced.";
         return false;
     }
-    if (*bytes == m_onDisk)
-        return true;
+    takeOver(std::move(*bytes));
+    return true;
+}
+
+/// Replaces what is in memory by what others have written, except for our unsaved values. What cannot be
+/// taken over leaves the memory as it is, and the save keeps it aside.
+void PlistPreferences::takeOver(std::string bytes)
+{
+    if (bytes == m_onDisk)
+        return;
+    std::string ignored;
     auto document = std::make_unique<XMLDocument>();
-    m_unreadable = !propertylist::parse(*document, *bytes, error) || !propertylist::repair(*document, error);
-    m_onDisk = std::move(*bytes);
+    m_unreadable =
+        !propertylist::parse(*document, bytes, ignored) || !propertylist::repair(*document, ignored);
+    m_onDisk = std::move(bytes);
     if (!m_unreadable) {
         m_document = std::move(document);
         setPending();
     }
-    return true;
 }
 
 bool PlistPreferences::keepUnreadable(const std::filesystem::path& path)
@@ -182,6 +187,7 @@ bool PlistPreferences::keepUnreadable(const std::filesystem::path& path)
 
 void PlistPreferences::setPending()
 {
+    // Also those of a save without a stream, although they do not count as changes.
     for (const auto& [path, value] : m_pending)
         propertylist::write(*m_document, path, value);
 }

@@ -64,8 +64,8 @@ public:
     ResultCode setReal(std::string_view keyPath, double value);
     ResultCode setData(std::string_view keyPath, const propertylist::Data& value);
 
-    /// Where the copy of a file is that could not be parsed and that a save has replaced; empty when there
-    /// was none.
+    /// Where the copy of a file is that could not be read as preferences and that a save has replaced; empty
+    /// when there was none.
     const std::filesystem::path& corruptCopy() const { return m_corruptCopy; }
 
     /// Why the last save() failed, as readable text.
@@ -82,6 +82,7 @@ private:
     std::optional<std::string> readFile(std::string& error);
     void noticeOtherWriters();
     bool takeOverOtherWriters();
+    void takeOver(std::string bytes);
     bool writeTo(const TSRPreferencesFile& file, std::string& text);
     bool keepUnreadable(const std::filesystem::path& path);
     void recordStamp();
@@ -97,7 +98,7 @@ private:
     /// What the file held when it was last read or written. The stamp has steps of a second and misses
     /// changes.
     std::string m_onDisk;
-    /// m_onDisk could not be parsed, and there is no copy of it yet.
+    /// m_onDisk could not be parsed or taken over, and there is no copy of it yet.
     bool m_unreadable = false;
     /// What was set and has not reached the disk.
     std::map<propertylist::KeyPath, propertylist::Value> m_pending;

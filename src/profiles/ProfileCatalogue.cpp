@@ -5,6 +5,7 @@
 #include "PreferenceKeys.h"
 #include "ProfileData.h"
 #include "ProfileDataWrapper.h"
+#include "ProfileFile.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -81,7 +82,7 @@ ProfileCatalogue::Pointer ProfileCatalogue::newProfile()
 
 ProfileCatalogue::Pointer ProfileCatalogue::copyProfile(const ProfileDataWrapper& original)
 {
-    const std::string fileName = original.data().displayName() + " (copy).xml";
+    const std::string fileName = profilefile::nameFrom(original.data().displayName()) + " (copy).xml";
     Pointer copy = ProfileDataWrapper::copyOf(original);
     copy->edit()->setFileName(fileName);
     m_folder.add(copy);

@@ -1,6 +1,7 @@
 #include "ProfileData.h"
 
 #include "GuardedFile.h"
+#include "ProfileFile.h"
 #include "ProfileReader.h"
 #include "ProfileWriter.h"
 
@@ -86,7 +87,7 @@ std::string ProfileData::fileNameForSaving() const
 {
     if (!m_fileName.empty())
         return m_fileName;
-    std::string name = displayName();
+    std::string name = profilefile::nameFrom(displayName());
     const std::size_t dot = name.rfind('.');
     if (dot == std::string::npos || name.substr(dot + 1) != "xml")
         name += ".xml";

@@ -67,7 +67,8 @@ public:
     const Configs& configs() const { return m_configs; }
     Configs& configs() { return m_configs; }
 
-    /// Exactly what a save writes.
+    /// Exactly what a save writes. What is larger than largestFile, and is never written, is cut off behind
+    /// it.
     std::string toXml() const;
 
     /// Why a file with this content could not be loaded again as it is, for example because of a node without

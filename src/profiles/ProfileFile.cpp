@@ -4,9 +4,29 @@
 #include "FileReplacement.h"
 #include "ProfileData.h"
 
+#include <algorithm>
+#include <string_view>
+
 namespace fs = std::filesystem;
 
+namespace {
+
+/// Whether the name is that of a file in the folder itself.
+bool isFileName(const std::string& name)
+{
+    constexpr std::string_view forbidden("/\0", 2);
+    return !name.empty() && name != "." && name != ".." && name.find_first_of(forbidden) == std::string::npos;
+}
+
+} // namespace
+
 namespace profilefile {
+
+std::string nameFrom(std::string text)
+{
+    std::replace(text.begin(), text.end(), '/', '_');
+    return text;
+}
 
 fs::path pathFor(const std::string& directory, const std::string& fileName)
 {
@@ -18,7 +38,13 @@ fs::path pathFor(const std::string& directory, const std::string& fileName)
 
 std::optional<Failure> write(const ProfileData& profile, const std::string& directory)
 {
-    const fs::path path = pathFor(directory, profile.fileName());
+    const std::string& name = profile.fileName();
+    if (directory.empty())
+        return Failure{false,
+            "Cannot write '" + name + "': no profiles directory is set, choose one in the preferences"};
+    if (!isFileName(name))
+        return Failure{false, "Cannot write the profile: '" + name + "' is no name for a file"};
+    const fs::path path = pathFor(directory, name);
     const std::string hazard = profile.whyNotSavable();
     if (!hazard.empty())
         return Failure{false,

@@ -1,10 +1,12 @@
 #include "ProfileFolder.h"
 
 #include "FileErrors.h"
+#include "GuardedFile.h"
 #include "ProfileData.h"
 #include "ProfileDataWrapper.h"
 
 #include <algorithm>
+#include <functional>
 
 #include <sys/stat.h>
 
@@ -29,6 +31,13 @@ bool isSaved(const ProfileData& profile, const ProfileData& loaded)
     } catch (const ProfileError&) {
         return false;
     }
+}
+
+/// Nothing when the file cannot be read.
+std::optional<std::size_t> digestOf(const fs::path& path)
+{
+    const platform::FileBytes file = platform::readFile(path, ProfileData::largestFile);
+    return file.ok ? std::optional(std::hash<std::string>()(file.bytes)) : std::nullopt;
 }
 
 } // namespace
@@ -70,8 +79,11 @@ void ProfileFolder::read(const fs::path& folder)
         }
     }
     m_files = std::move(files);
+    std::erase_if(m_unsaved, [&profiles](const Pointer& profile) {
+        return std::find(profiles.begin(), profiles.end(), profile) != profiles.end();
+    });
+    profiles.insert(profiles.end(), m_unsaved.begin(), m_unsaved.end());
     m_profiles = std::move(profiles);
-    m_unsaved.clear();
 }
 
 std::vector<fs::path> ProfileFolder::list(const fs::path& folder)
@@ -98,9 +110,14 @@ ProfileFolder::Entry ProfileFolder::load(const fs::path& path) const
     const auto before = m_files.find(path.string());
     if (before != m_files.end() && before->second.stamp == stamp)
         return before->second;
+    // Taken before as well: then it never is that of a later content than the profile's.
+    const std::optional<std::size_t> digest = digestOf(path);
+    if (before != m_files.end() && digest && before->second.stamp.size == stamp.size
+        && before->second.digest == digest)
+        return Entry{stamp, digest, before->second.profile};
     const Pointer loaded = ProfileDataWrapper::fromFile(path.string(), true);
     const Pointer same = known(path, *loaded);
-    return Entry{stamp, same ? same : loaded};
+    return Entry{stamp, digest, same ? same : loaded};
 }
 
 /// The wrapper that holds what was loaded, as it does when it has just been saved there.

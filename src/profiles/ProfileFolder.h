@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -37,10 +38,9 @@ public:
     };
 
     /// Reads the folder again, or another one; an empty path and one where nothing is have no profiles.
-    /// A file that is
-    /// there under several names is listed once. Files that did not change keep their wrapper, and so do
-    /// those whose content is what the wrapper holds, as after a save. Everything else goes: what was added
-    /// and never saved, and what left the disk.
+    /// A file that is there under several names is listed once. Files whose content did not change keep their
+    /// wrapper with its unsaved edits, and so do those whose content is what the wrapper holds, as after a
+    /// save. What was added and is not found saved stays behind the files; what left the disk goes.
     void read(const std::filesystem::path& folder);
 
     /// Adds a profile that has no file yet.
@@ -56,6 +56,8 @@ public:
 private:
     struct Entry {
         FileStamp stamp;
+        /// Of the bytes; the stamp changes with the permissions alone.
+        std::optional<std::size_t> digest;
         Pointer profile;
     };
 

@@ -2,8 +2,12 @@
 
 #include <string_view>
 
-ProfilePrinter::ProfilePrinter(Layout layout)
+using tinyxml2::XMLAttribute;
+using tinyxml2::XMLElement;
+
+ProfilePrinter::ProfilePrinter(Layout layout, std::size_t limit)
     : XMLPrinter(nullptr, layout == Layout::Compact)
+    , m_limit(limit)
 {
 }
 
@@ -15,18 +19,42 @@ bool ProfilePrinter::Visit(const tinyxml2::XMLText& text)
         return XMLPrinter::Visit(text);
     // A text of blanks alone counts as none, unless it has a reference in it.
     PushText("");
-    Write(("&#" + std::to_string(static_cast<int>(value[0])) + ';').c_str());
+    const std::string reference = "&#" + std::to_string(static_cast<int>(value[0])) + ';';
+    Write(reference.data(), reference.size());
     PushText(text.Value() + 1);
     return true;
 }
 
-bool ProfilePrinter::CompactMode(const tinyxml2::XMLElement& element)
+bool ProfilePrinter::VisitEnter(const XMLElement& element, const XMLAttribute* attribute)
 {
-    for (const tinyxml2::XMLNode* node = &element; node && node->ToElement(); node = node->Parent()) {
-        if (node->FirstChild() && node->FirstChild()->ToText())
-            return true;
-    }
-    return XMLPrinter::CompactMode(element);
+    XMLPrinter::VisitEnter(element, attribute);
+    const bool beginsWithText = element.FirstChild() && element.FirstChild()->ToText();
+    m_onOneLine.push_back(beginsWithText || (!m_onOneLine.empty() && m_onOneLine.back()));
+    return !isFull();
+}
+
+bool ProfilePrinter::VisitExit(const XMLElement& element)
+{
+    XMLPrinter::VisitExit(element);
+    m_onOneLine.pop_back();
+    return !isFull();
+}
+
+/// Asked about the innermost element that is open.
+bool ProfilePrinter::CompactMode(const XMLElement& element)
+{
+    return (!m_onOneLine.empty() && m_onOneLine.back()) || XMLPrinter::CompactMode(element);
+}
+
+void ProfilePrinter::Write(const char* data, std::size_t size)
+{
+    if (!isFull())
+        XMLPrinter::Write(data, size);
+}
+
+bool ProfilePrinter::isFull() const
+{
+    return static_cast<std::size_t>(CStrSize()) > m_limit + 1;
 }
 
 std::string ProfilePrinter::text() const

@@ -47,7 +47,7 @@ std::string askForFileName(const ProfileData& profile, QWidget* parent)
 
 void showFailure(const profilefile::Failure& failure, const std::string& path, QWidget* parent)
 {
-    QMessageBox box(QMessageBox::Critical, QCoreApplication::applicationName(), tr("Failed to save file"),
+    QMessageBox box(QMessageBox::Critical, QStringLiteral("Corvale GUI"), tr("Failed to save file"),
         QMessageBox::Ok, owner(parent));
     box.setInformativeText(failure.notOpened
             ? tr("Could not open file '%1'").arg(QString::fromStdString(path))

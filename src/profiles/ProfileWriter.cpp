@@ -18,7 +18,7 @@ std::string ProfileWriter::write()
     appendApis(root);
     appendEgl(root);
     appendForeign(root, m_profile.m_foreign);
-    ProfilePrinter printer(ProfilePrinter::Layout::Indented);
+    ProfilePrinter printer(ProfilePrinter::Layout::Indented, ProfileData::largestFile);
     m_document.Print(&printer);
     return printer.text();
 }

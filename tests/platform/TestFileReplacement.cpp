@@ -115,17 +115,6 @@ TEST_F(FileReplacement, onlyFilesAreReplaced)
     EXPECT_TRUE(fs::is_symlink(temporary));
 }
 
-TEST_F(FileReplacement, nothingIsKeptWithoutCommit)
-{
-    {
-        const platform::FileReplacement replacement(file);
-        ASSERT_TRUE(replacement.ready());
-        EXPECT_TRUE(fs::exists(temporary));
-    }
-    EXPECT_FALSE(fs::exists(temporary));
-    EXPECT_EQ(contentOf(file), oldContent);
-}
-
 TEST_F(FileReplacement, processesTakeTurns)
 {
     constexpr int rounds = 150;

@@ -188,18 +188,6 @@ TEST_F(Preferences, withoutAStreamASaveCountsAsDone)
     EXPECT_EQ(onDisk("a") + onDisk("b") + onDisk("theirs"), "123");
 }
 
-TEST_F(Preferences, aFailedCommitLeavesTheStoreChanged)
-{
-    loadDocument("");
-    disk.commitFailure = "disk full";
-    store.setString("a", "1");
-    EXPECT_FALSE(store.save(false));
-    EXPECT_EQ(store.saveError(), "disk full");
-    disk.commitFailure.clear();
-    EXPECT_TRUE(store.save(false));
-    EXPECT_EQ(onDisk("a"), "1");
-}
-
 TEST_F(Preferences, settersReloadWhatOthersWrote)
 {
     for (const bool stampMoves : {true, false}) {

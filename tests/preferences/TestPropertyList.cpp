@@ -4,8 +4,6 @@
 #include "PreferenceKeys.h"
 #include "PropertyList.h"
 
-#include <istream>
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -180,30 +178,4 @@ TEST(Base64, encodesAndDecodes)
     for (const char* text :
         {"Z", "Zg", "Zg=", "Zg===", "Z===", "====", "Zh==", "Zm9=", "Zg==Zg==", "Zm-v", "Zm8=A"})
         EXPECT_EQ(decoded(text), "malformed") << text;
-}
-
-TEST(ByteWrappers, workAsStreams)
-{
-    CImmutableByteWrapper bytes("12 words");
-    std::istream in(&bytes);
-    int number = 0;
-    std::string word;
-    in >> number >> word;
-    EXPECT_EQ(number, 12);
-    EXPECT_EQ(word, "words");
-    in.clear();
-    EXPECT_EQ(in.tellg(), 8);
-    in.seekg(-5, std::ios::end);
-    in >> word;
-    EXPECT_EQ(word, "words");
-    in.clear();
-    in.seekg(9);
-    EXPECT_TRUE(in.fail()) << "there is nothing behind the end";
-
-    std::vector<char> written{'>'};
-    CVectorByteWrapper target(written);
-    std::ostream out(&target);
-    out << "x" << 12;
-    out.put('\0');
-    EXPECT_EQ(asText(written), std::string_view(">x12\0", 5));
 }

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <limits>
 #include <map>
 #include <optional>
@@ -24,51 +23,12 @@ struct Limit {
 };
 extern const std::span<const Limit> limits;
 
-/// Pairs of capabilities: the first is at most the second.
-struct Order {
-    const char* smaller;
-    const char* larger;
-};
-extern const std::span<const Order> neverAbove;
-
-/// An extension, or without one every profile of these versions, that needs another extension.
-struct Need {
-    int first;
-    int last;
-    const char* extension;
-    const char* needed;
-};
-extern const std::span<const Need> needs;
-
-/// The enumerants from `from` to `to` are values of a list capability exactly when all extensions are there.
-struct FormatRange {
-    const char* key;
-    int first;
-    int last;
-    int from;
-    int to;
-    std::array<const char*, 2> extensions;
-};
-extern const std::span<const FormatRange> formatRanges;
-
-/// The internal formats that are renderable in every implementation of version 3 and whose samples are
-/// listed.
-extern const std::set<std::string> requiredFormats;
-
-constexpr long long glUnsignedByte = 0x1401;
-constexpr long long glRgb = 0x1907;
-constexpr long long glRgba = 0x1908;
-constexpr long long glBgra = 0x80E1;
-constexpr long long glUnsignedShort565 = 0x8363;
-
 std::optional<long long> wholeNumber(const std::string& text);
 /// Whether a capability may be repeated or is a part of one that may.
 bool isListKey(const std::string& path);
 bool isCatalogued(const std::string& extension);
 /// Whether the extension exists for the version and does not repeat what the version has of its own.
 bool fitsVersion(const std::string& extension, int version);
-bool isRenderableFormat(const std::string& internalFormat);
-bool isIntegerFormat(const std::string& internalFormat);
 
 bool isMask(const std::string& attribute);
 std::string renderableBit(int version);

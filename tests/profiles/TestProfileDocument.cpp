@@ -247,4 +247,18 @@ TEST(ProfileDocument, editsThatCouldNotBeReadAgainAreNamed)
     EXPECT_NE(reasonFor(deep), "");
 }
 
+TEST(ProfileDocument, whatGrowsWithItsIndentationIsCutOff)
+{
+    std::string content;
+    for (int depth = 0; depth < 90; ++depth)
+        content.insert(0, "<a>").append("</a>");
+    std::string leaves;
+    for (int leaf = 0; leaf < 50000; ++leaf)
+        leaves += "<b/>";
+    const ProfileData profile =
+        ProfileData::fromText("<profile>" + content.insert(90 * 3, leaves) + "</profile>");
+    EXPECT_EQ(profile.whyNotSavable(), "it is larger than 8388608 bytes");
+    EXPECT_LT(profile.toXml().size(), ProfileData::largestFile + 1000);
+}
+
 } // namespace

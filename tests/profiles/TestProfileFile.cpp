@@ -1,5 +1,4 @@
 #include "ChildProcess.h"
-#include "FileFaults.h"
 #include "ProfileData.h"
 #include "ProfileFile.h"
 
@@ -68,26 +67,6 @@ TEST_F(ProfileFile, loadingNamesTheFile)
     }
 }
 
-TEST_F(ProfileFile, aFaultAtAnyStepKeepsTheOldFile)
-{
-    int faults = 0;
-    for (int call = 1;; ++call) {
-        filefaults::failCall(call, ENOSPC);
-        const auto failure = profilefile::write(profile, folder.string());
-        if (!filefaults::clear()) {
-            EXPECT_FALSE(failure);
-            break;
-        }
-        // The last call opens the folder for syncing it: the file has been replaced by then.
-        if (contentOf(file) != oldContent)
-            break;
-        EXPECT_TRUE(failsCleanly(failure)) << call;
-        EXPECT_EQ(failure && failure->notOpened, call <= 2) << call;
-        ++faults;
-    }
-    EXPECT_GE(faults, 5);
-}
-
 TEST_F(ProfileFile, foldersThatCannotBeWritten)
 {
     const auto missing = profilefile::write(profile, (folder / "none").string());
@@ -113,12 +92,22 @@ TEST_F(ProfileFile, foldersThatCannotBeWritten)
     EXPECT_EQ(code, 0);
 }
 
-TEST_F(ProfileFile, whatCouldNotBeReadAgainIsNotWritten)
+TEST_F(ProfileFile, nothingIsWrittenOutsideOfTheFolder)
 {
-    profile.configs()[1].push_back({"", "1", {}});
-    const auto failure = profilefile::write(profile, folder.string());
-    EXPECT_TRUE(failsCleanly(failure));
-    EXPECT_FALSE(failure->notOpened);
+    const fs::path inside = folder / "inside";
+    fs::create_directory(inside);
+    fs::current_path(inside);
+    const auto refusal = [this](const std::string& name, const std::string& directory) {
+        profile.setFileName(name);
+        const auto failure = profilefile::write(profile, directory);
+        return failure && !failure->notOpened ? failure->reason : "not refused";
+    };
+    for (const std::string name : {"", ".", "..", "../a.xml", "/b.xml", "sub/b.xml", "b/"})
+        EXPECT_EQ(
+            refusal(name, inside.string()), "Cannot write the profile: '" + name + "' is no name for a file");
+    EXPECT_NE(refusal("b.xml", "").find("no profiles directory is set"), std::string::npos);
+    EXPECT_TRUE(fs::is_empty(inside));
+    EXPECT_EQ(contentOf(file), oldContent);
 }
 
 } // namespace

@@ -117,17 +117,6 @@ TEST_F(DemoConnection, aStopNoticeEndsTheSessionBetweenTwoRecords)
     EXPECT_EQ(m_received, (std::vector{99U, 11U}));
 }
 
-TEST_F(DemoConnection, aServerThatStoppedReadingIsLeftInTheMiddleOfARecord)
-{
-    const std::string record = bytes(Message::make(Type::Information));
-    std::thread server([&] {
-        std::this_thread::sleep_for(std::chrono::milliseconds(100));
-        serverSends(bytes(Message::notifyServerStop()));
-    });
-    EXPECT_EQ(reasonToEnd(record), SessionOver::Reason::StopNotice);
-    server.join();
-}
-
 TEST_F(DemoConnection, aServerThatIsGoneEndsTheSession)
 {
     // A record that it sent before is still heard.

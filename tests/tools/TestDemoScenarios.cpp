@@ -1,7 +1,6 @@
 #include "Scenarios.h"
 
 #include <algorithm>
-#include <map>
 #include <set>
 #include <string>
 #include <vector>
@@ -115,38 +114,6 @@ TEST_F(DemoScenario, hostileWaitsAfterEachBadTypeSoThatTheRestStaysAligned)
     EXPECT_EQ(m_recorder.settledAt(), badRecordEnds);
     EXPECT_EQ(fullContexts, 3);
     EXPECT_TRUE(hasFullText);
-}
-
-TEST_F(DemoScenario, floodIsTheSameEachTimeAndKeepsItsMix)
-{
-    demo::FloodProgress progress;
-    demo::playFlood(m_session, 1000, 0, progress);
-    EXPECT_EQ(progress.sent, 1000U);
-    std::map<Type, int> mix;
-    std::set<std::string> texts;
-    std::size_t shortest = recordSize;
-    std::size_t longest = 0;
-    for (const Message& message : m_recorder.records()) {
-        ++mix[message.type()];
-        const std::size_t at = message.type() == Type::GlError ? offset::glErrorDescription
-            : message.type() == Type::DebugMessage             ? offset::debugText
-                                                               : offset::text;
-        const std::string_view text = message.text(at);
-        texts.emplace(text);
-        shortest = std::min(shortest, text.size());
-        longest = std::max(longest, text.size());
-    }
-    EXPECT_EQ(mix,
-        (std::map<Type, int>{{Type::GlError, 600}, {Type::DebugMessage, 200}, {Type::Information, 100},
-            {Type::Warning, 100}}));
-    EXPECT_EQ(texts.size(), 1000U);
-    EXPECT_GE(shortest, 40U);
-    EXPECT_LE(longest, 200U);
-
-    Recorder again;
-    demo::Session session(again, demo::Clock::duration::zero());
-    demo::playFlood(session, 1000, 0, progress);
-    EXPECT_EQ(again.bytes(), m_recorder.bytes());
 }
 
 TEST_F(DemoScenario, crashEndsInTheMiddleOfARecordBehindItsLastError)
