@@ -97,8 +97,8 @@ void Controller::endOnSignals()
     if (descriptor < 0)
         return;
     // Closing the window tells the clients, and the end of the program removes the sockets.
-    connect(
-        new QSocketNotifier(descriptor, QSocketNotifier::Read, this), &QSocketNotifier::activated, this, [this] {
+    connect(new QSocketNotifier(descriptor, QSocketNotifier::Read, this), &QSocketNotifier::activated, this,
+        [this] {
             m_mainWindow.close();
             quit();
         });
