@@ -14,7 +14,7 @@ namespace {
 QString itemText(const ProfileDataWrapper& profile)
 {
     constexpr qsizetype longestName = 120;
-    const QString name = QString::fromStdString(profile.data().displayName()).left(longestName);
+    QString name = QString::fromStdString(profile.data().displayName()).left(longestName);
     const QString file = QString::fromStdString(profile.data().fileName());
     if (!profile.isWritable() || file.isEmpty() || file == name)
         return name;
