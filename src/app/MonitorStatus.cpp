@@ -44,9 +44,9 @@ MonitorStatus::MonitorStatus(QStatusBar* bar)
     m_clients->setObjectName(QStringLiteral("lblClients"));
     m_clients->setToolTip(tr("Applications that are connected now"));
     bar->addPermanentWidget(m_clients);
-    m_errors = addPart(QStringLiteral("lblErrorCount"), QStringLiteral("Error"), m_errorsIcon);
+    m_errors = addPart(QStringLiteral("lblErrorCount"), QStringLiteral("Error"));
     m_errors->setToolTip(tr("Errors that applications have reported since the start"));
-    m_warnings = addPart(QStringLiteral("lblWarningCount"), QStringLiteral("Warning"), m_warningsIcon);
+    m_warnings = addPart(QStringLiteral("lblWarningCount"), QStringLiteral("Warning"));
     m_warnings->setToolTip(tr("Warnings that applications have reported since the start"));
 
     m_update.setSingleShot(true);
@@ -56,12 +56,12 @@ MonitorStatus::MonitorStatus(QStatusBar* bar)
     showCounts();
 }
 
-QLabel* MonitorStatus::addPart(const QString& objectName, const QString& icon, QLabel*& iconLabel)
+QLabel* MonitorStatus::addPart(const QString& objectName, const QString& icon)
 {
     auto* part = new QWidget(m_bar);
     auto* layout = new QHBoxLayout(part);
     layout->setContentsMargins(0, 0, 0, 0);
-    iconLabel = new QLabel(part);
+    auto* iconLabel = new QLabel(part);
     setIcon(*iconLabel, icon);
     auto* text = new QLabel(part);
     text->setObjectName(objectName);

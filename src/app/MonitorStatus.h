@@ -29,7 +29,7 @@ public:
     void addWarnings(int count);
 
 private:
-    QLabel* addPart(const QString& objectName, const QString& icon, QLabel*& iconLabel);
+    QLabel* addPart(const QString& objectName, const QString& icon);
     void showCountsSoon();
     void showCounts();
 
@@ -38,9 +38,7 @@ private:
     QLabel* m_listening;
     QLabel* m_skipped;
     QLabel* m_clients;
-    QLabel* m_errorsIcon = nullptr;
     QLabel* m_errors;
-    QLabel* m_warningsIcon = nullptr;
     QLabel* m_warnings;
     std::size_t m_clientCount = 0;
     quint64 m_errorCount = 0;

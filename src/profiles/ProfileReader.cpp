@@ -2,6 +2,7 @@
 
 #include "Numbers.h"
 #include "ProfilePrinter.h"
+#include "PropertyList.h"
 #include "Utf8.h"
 #include "XmlGuard.h"
 
@@ -9,6 +10,7 @@
 #include <limits>
 #include <optional>
 
+using propertylist::textOf;
 using tinyxml2::XMLAttribute;
 using tinyxml2::XMLDocument;
 using tinyxml2::XMLElement;
@@ -36,17 +38,6 @@ public:
 private:
     bool m_good = true;
 };
-
-/// The text of an element without that of its children. Comments and CDATA sections may cut it into pieces.
-std::string textOf(const XMLElement& element)
-{
-    std::string text;
-    for (const XMLNode* child = element.FirstChild(); child; child = child->NextSibling()) {
-        if (child->ToText())
-            text += child->Value();
-    }
-    return text;
-}
 
 std::string textOfChild(const XMLElement& parent, const char* name)
 {
