@@ -14,7 +14,6 @@ using propertylist::textOf;
 using tinyxml2::XMLAttribute;
 using tinyxml2::XMLDocument;
 using tinyxml2::XMLElement;
-using tinyxml2::XMLNode;
 using tinyxml2::XMLText;
 
 namespace {
