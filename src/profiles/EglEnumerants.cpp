@@ -14,6 +14,9 @@ struct NumberEntry {
 
 #include "EglEnumerantTable.inc"
 
+constexpr std::array symbolicNames{"EGL_FALSE", "EGL_TRUE", "EGL_DONT_CARE", "EGL_NONE", "EGL_SLOW_CONFIG",
+    "EGL_NON_CONFORMANT_CONFIG", "EGL_TRANSPARENT_RGB"};
+
 } // namespace
 
 std::optional<std::int32_t> enumerantValue(std::string_view name)
@@ -23,6 +26,21 @@ std::optional<std::int32_t> enumerantValue(std::string_view name)
     if (found == eglEnumerants.end() || found->name != name)
         return std::nullopt;
     return found->value;
+}
+
+const char* symbolicName(std::int32_t value)
+{
+    for (const char* name : symbolicNames) {
+        if (enumerantValue(name) == value)
+            return name;
+    }
+    return "";
+}
+
+std::optional<std::int32_t> symbolicValue(std::string_view name)
+{
+    const bool symbolic = std::find(symbolicNames.begin(), symbolicNames.end(), name) != symbolicNames.end();
+    return symbolic ? enumerantValue(name) : std::nullopt;
 }
 
 } // namespace egl
