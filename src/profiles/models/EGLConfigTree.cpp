@@ -1,0 +1,202 @@
+#include "EGLConfigTree.h"
+
+#include "EglEnumerants.h"
+#include "KeyTables.h"
+#include "ProfileColumns.h"
+
+#include <map>
+#include <set>
+
+namespace models {
+
+namespace {
+
+constexpr int columns = 2;
+
+bool isNumber(const QVariant& value)
+{
+    return value.userType() == QMetaType::Int;
+}
+
+/// Names of the values that all attributes share become their numbers.
+QVariant attributeValue(const QVariant& value)
+{
+    const std::optional<std::int32_t> named = egl::symbolicValue(value.toString().toStdString());
+    return named ? QVariant(*named) : numberOrText(value);
+}
+
+/// Whether the element's parts are attributes of their own.
+bool isCompound(const std::string& element)
+{
+    bool found = false;
+    visitEGLAttribKeys([&](const EGLAttribKey& key) {
+        found = found || (key.xmlPath.size() > 1 && key.xmlPath.front() == element);
+    });
+    return found;
+}
+
+} // namespace
+
+EGLConfigTreeItem::EGLConfigTreeItem()
+    : ProfileTreeItem(columns)
+{
+}
+
+EGLConfigTreeItem::EGLConfigTreeItem(int id, const std::vector<ProfileNode>& attributes)
+    : ProfileTreeItem(columns)
+{
+    setData(KeyColumn, id);
+    int element = 0;
+    for (const ProfileNode& node : attributes) {
+        if (node.children.empty() || !isCompound(node.name)) {
+            appendAttribute({node.name}, node, {});
+            continue;
+        }
+        for (const ProfileNode& part : node.children)
+            appendAttribute({node.name, part.name}, part, {node.name, element});
+        ++element;
+    }
+}
+
+EGLConfigTreeItem::EGLConfigTreeItem(const ProfileNode& node)
+    : ProfileTreeItem(columns)
+{
+    setWritten(KeyColumn, node.name);
+    setWritten(ValueColumn, node.value, attributeValue(QString::fromStdString(node.value)));
+    for (const ProfileNode& part : node.children)
+        children().append(std::unique_ptr<EGLConfigTreeItem>(new EGLConfigTreeItem(part)));
+}
+
+void EGLConfigTreeItem::appendAttribute(
+    const std::deque<std::string>& path, const ProfileNode& node, const Element& element)
+{
+    auto attribute = std::unique_ptr<EGLConfigTreeItem>(new EGLConfigTreeItem(node));
+    attribute->m_element = element;
+    EGLAttribKey key;
+    if (findEGLAttribKey(path, &key))
+        attribute->setData(KeyColumn, key.value);
+    else if (path.size() > 1)
+        attribute->setWritten(KeyColumn, path.front() + '/' + path.back());
+    children().append(std::move(attribute));
+}
+
+std::optional<int> EGLConfigTreeItem::id() const
+{
+    const QVariant& key = data(KeyColumn);
+    return isNumber(key) ? std::optional(key.toInt()) : std::nullopt;
+}
+
+std::deque<std::string> EGLConfigTreeItem::path() const
+{
+    EGLAttribKey key;
+    if (isNumber(data(KeyColumn)) && findEGLAttribKey(data(KeyColumn).toInt(), &key))
+        return key.xmlPath;
+    const std::string name = text(KeyColumn);
+    const std::size_t slash = name.find('/');
+    if (slash == std::string::npos)
+        return {name};
+    return {name.substr(0, slash), name.substr(slash + 1)};
+}
+
+ProfileNode EGLConfigTreeItem::node(const std::string& name) const
+{
+    ProfileNode node{name, text(ValueColumn), {}};
+    const QVariant& value = data(ValueColumn);
+    if (!written(ValueColumn) && isNumber(value) && *egl::symbolicName(value.toInt()) != '\0')
+        node.value = egl::symbolicName(value.toInt());
+    for (int row = 0; row < children().count(); ++row) {
+        const auto* part = static_cast<const EGLConfigTreeItem*>(children().at(row));
+        node.children.push_back(part->node(part->text(KeyColumn)));
+    }
+    return node;
+}
+
+std::vector<ProfileNode> EGLConfigTreeItem::attributes() const
+{
+    std::vector<ProfileNode> nodes;
+    // Which element a new row joins, by name.
+    std::map<std::string, Element> first;
+    for (int row = 0; row < children().count(); ++row) {
+        const Element& element = static_cast<const EGLConfigTreeItem*>(children().at(row))->m_element;
+        first.emplace(element.first, element);
+    }
+    std::map<Element, std::size_t> places;
+    for (int row = 0; row < children().count(); ++row) {
+        const auto* attribute = static_cast<const EGLConfigTreeItem*>(children().at(row));
+        const std::deque<std::string> path = attribute->path();
+        if (path.size() == 1) {
+            nodes.push_back(attribute->node(path.front()));
+            continue;
+        }
+        const auto found = first.find(path.front());
+        Element element = found == first.end() ? Element(path.front(), -1) : found->second;
+        if (attribute->m_element.first == path.front())
+            element = attribute->m_element;
+        const auto [place, isNew] = places.emplace(element, nodes.size());
+        if (isNew)
+            nodes.push_back({path.front(), {}, {}});
+        nodes[place->second].children.push_back(attribute->node(path.back()));
+    }
+    return nodes;
+}
+
+EGLConfigTree::EGLConfigTree(const ProfileData::Configs& configs, QObject* parent)
+    : ProfileTree(columns, parent)
+{
+    for (const auto& [id, attributes] : configs)
+        topItems().append(std::make_unique<EGLConfigTreeItem>(id, attributes));
+}
+
+ProfileData::Configs EGLConfigTree::configs() const
+{
+    ProfileData::Configs configs;
+    for (int row = 0; row < items().count(); ++row) {
+        const auto* config = static_cast<const EGLConfigTreeItem*>(items().at(row));
+        if (config->id())
+            configs.emplace(*config->id(), config->attributes());
+    }
+    return configs;
+}
+
+int EGLConfigTree::freeId() const
+{
+    std::set<int> taken;
+    for (int row = 0; row < items().count(); ++row)
+        taken.insert(static_cast<const EGLConfigTreeItem*>(items().at(row))->id().value_or(-1));
+    int id = 0;
+    while (taken.contains(id))
+        ++id;
+    return id;
+}
+
+std::unique_ptr<ProfileTreeItem> EGLConfigTree::makeItem() const
+{
+    return std::make_unique<EGLConfigTreeItem>();
+}
+
+QString EGLConfigTree::displayText(const ProfileTreeItem& item, int column) const
+{
+    const QVariant& stored = item.data(column);
+    if (column == KeyColumn && !item.parent())
+        return isNumber(stored) ? QStringLiteral("Config %1").arg(stored.toInt()) : stored.toString();
+    if (!isNumber(stored))
+        return stored.toString();
+    if (column == ValueColumn) {
+        const char* const name = egl::symbolicName(stored.toInt());
+        return *name == '\0' ? QString::number(stored.toInt()) : QString::fromLatin1(name);
+    }
+    EGLAttribKey key;
+    const bool known = findEGLAttribKey(stored.toInt(), &key);
+    return known ? QString::fromStdString(key.displayName.text) : stored.toString();
+}
+
+QVariant EGLConfigTree::storedValue(const ProfileTreeItem& item, int column, const QVariant& value) const
+{
+    // Keys below attributes are names of elements, whatever they look like.
+    const bool isName = column == KeyColumn && item.parent() && item.parent()->parent();
+    if (isName)
+        return value.toString();
+    return column == KeyColumn ? numberOrText(value) : attributeValue(value);
+}
+
+} // namespace models

@@ -1,0 +1,55 @@
+#include "models/Profile.h"
+
+#include "ProfileColumns.h"
+#include "ProfileData.h"
+#include "ProfileDataWrapper.h"
+
+namespace models {
+
+namespace {
+
+std::string whyNotWritable(const ProfileTree& tree, const std::string& what)
+{
+    for (int row = 0; row < tree.items().count(); ++row) {
+        const ProfileTreeItem& item = *tree.items().at(row);
+        if (item.data(KeyColumn).userType() != QMetaType::Int)
+            return "'" + item.text(KeyColumn) + "' is no " + what;
+    }
+    return {};
+}
+
+} // namespace
+
+Profile::Profile(const ProfileDataWrapper& profile, QObject* parent)
+    : QObject(parent)
+    , m_capabilities(profile.data().capabilities())
+    , m_extensions(profile.data().extensions())
+    , m_configs(profile.data().configs())
+{
+}
+
+void Profile::setEditable(bool editable)
+{
+    for (ProfileTree* tree : std::initializer_list<ProfileTree*>{&m_capabilities, &m_extensions, &m_configs})
+        tree->setWritable(editable);
+}
+
+std::string Profile::writeTo(ProfileData& document) const
+{
+    std::string reason = whyNotWritable(m_capabilities, "version of an API");
+    if (reason.empty())
+        reason = whyNotWritable(m_extensions, "version of an API");
+    if (reason.empty())
+        reason = whyNotWritable(m_configs, "number of a config");
+    if (!reason.empty())
+        return reason;
+    document.extensions() = m_extensions.extensions();
+    document.capabilities() = m_capabilities.capabilities();
+    document.configs() = m_configs.configs();
+    // Every version of the document has a list of extensions, if only an empty one.
+    for (int row = 0; row < m_capabilities.items().count(); ++row)
+        document.extensions()[m_capabilities.items().at(row)->data(KeyColumn).toInt()];
+    return {};
+}
+
+} // namespace models

@@ -1,0 +1,163 @@
+#include "ProfileTree.h"
+
+#include "Numbers.h"
+#include "ProfileColumns.h"
+
+#include <limits>
+
+namespace models {
+
+namespace {
+
+bool isInteger(const QVariant& value)
+{
+    return value.userType() == QMetaType::Int;
+}
+
+} // namespace
+
+QVariant numberOrText(const QVariant& value)
+{
+    if (isInteger(value))
+        return value;
+    const std::optional<std::int64_t> number = platform::parseInteger(value.toString().toStdString());
+    using Limits = std::numeric_limits<int>;
+    if (!number || *number < Limits::min() || *number > Limits::max())
+        return value.toString();
+    return static_cast<int>(*number);
+}
+
+ProfileTree::ProfileTree(int columns, QObject* parent)
+    : QAbstractItemModel(parent)
+    , m_columns(columns)
+{
+}
+
+void ProfileTree::setWritable(bool writable)
+{
+    m_writable = writable;
+}
+
+ProfileTreeItem* ProfileTree::item(const QModelIndex& index)
+{
+    return index.isValid() ? static_cast<ProfileTreeItem*>(index.internalPointer()) : nullptr;
+}
+
+ProfileTreeItems& ProfileTree::siblings(const QModelIndex& parent)
+{
+    return parent.isValid() ? item(parent)->children() : m_items;
+}
+
+Qt::ItemFlags ProfileTree::flags(const QModelIndex& index) const
+{
+    if (!index.isValid())
+        return Qt::NoItemFlags;
+    const Qt::ItemFlags flags = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+    return m_writable ? flags | Qt::ItemIsEditable : flags;
+}
+
+QVariant ProfileTree::headerData(int, Qt::Orientation, int) const
+{
+    return {};
+}
+
+int ProfileTree::rowCount(const QModelIndex& parent) const
+{
+    if (parent.column() > 0)
+        return 0;
+    return parent.isValid() ? item(parent)->children().count() : m_items.count();
+}
+
+int ProfileTree::columnCount(const QModelIndex&) const
+{
+    return m_columns;
+}
+
+QModelIndex ProfileTree::index(int row, int column, const QModelIndex& parent) const
+{
+    if (!hasIndex(row, column, parent))
+        return {};
+    ProfileTreeItem* const found = parent.isValid() ? item(parent)->children().at(row) : m_items.at(row);
+    return column < found->columnCount() ? createIndex(row, column, found) : QModelIndex();
+}
+
+QModelIndex ProfileTree::parent(const QModelIndex& index) const
+{
+    ProfileTreeItem* const above = index.isValid() ? item(index)->parent() : nullptr;
+    return above ? createIndex(above->row(), 0, above) : QModelIndex();
+}
+
+QVariant ProfileTree::data(const QModelIndex& index, int role) const
+{
+    if (!index.isValid())
+        return {};
+    const ProfileTreeItem& row = *item(index);
+    if (role == Qt::EditRole)
+        return row.data(index.column());
+    if (role == Qt::DisplayRole)
+        return displayText(row, index.column());
+    if (role == Qt::ToolTipRole) {
+        const QString stored = row.data(index.column()).toString();
+        const bool hidden =
+            stored != displayText(row, index.column()) && isInteger(numberOrText(row.data(index.column())));
+        return hidden ? stored : QVariant();
+    }
+    return {};
+}
+
+QVariant ProfileTree::storedValue(const ProfileTreeItem& item, int column, const QVariant& value) const
+{
+    return item.parent() == nullptr && column == KeyColumn ? numberOrText(value) : value.toString();
+}
+
+/// Two configs with one id, or two sections with one version, would be one after the next load.
+bool ProfileTree::isTaken(const ProfileTreeItem& item, int column, const QVariant& value) const
+{
+    if (item.parent() != nullptr || column != KeyColumn)
+        return false;
+    for (int row = 0; row < m_items.count(); ++row) {
+        if (row != item.row() && m_items.at(row)->data(KeyColumn) == value)
+            return true;
+    }
+    return false;
+}
+
+bool ProfileTree::setData(const QModelIndex& index, const QVariant& value, int role)
+{
+    if (!index.isValid() || role != Qt::EditRole)
+        return false;
+    ProfileTreeItem& row = *item(index);
+    const QVariant stored = storedValue(row, index.column(), value);
+    if (isTaken(row, index.column(), stored))
+        return false;
+    row.setData(index.column(), stored);
+    Q_EMIT dataChanged(index, index);
+    return true;
+}
+
+bool ProfileTree::insertRows(int row, int count, const QModelIndex& parent)
+{
+    if (count < 1 || row < 0 || row > rowCount(parent) || parent.column() > 0)
+        return false;
+    std::vector<std::unique_ptr<ProfileTreeItem>> added;
+    for (int i = 0; i < count; ++i)
+        added.push_back(makeItem());
+    Q_EMIT layoutAboutToBeChanged();
+    beginInsertRows(parent, row, row + count - 1);
+    siblings(parent).insert(row, std::move(added));
+    endInsertRows();
+    Q_EMIT layoutChanged();
+    return true;
+}
+
+bool ProfileTree::removeRows(int row, int count, const QModelIndex& parent)
+{
+    if (count < 1 || row < 0 || row + count > rowCount(parent))
+        return false;
+    beginRemoveRows(parent, row, row + count - 1);
+    siblings(parent).remove(row, count);
+    endRemoveRows();
+    return true;
+}
+
+} // namespace models

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "ProfileTreeItem.h"
+
+#include <QAbstractItemModel>
+
+namespace models {
+
+/// One section of a profile as a tree: index arithmetic, flags, insertion and removal. What the rows mean is
+/// the business of the classes below it.
+///
+/// Qt::EditRole gives what is stored. Where Qt::DisplayRole shows a name for a number, Qt::ToolTipRole has
+/// the number.
+class ProfileTree : public QAbstractItemModel {
+    Q_OBJECT
+
+public:
+    /// Whether cells may be edited in place.
+    void setWritable(bool writable);
+    bool isWritable() const { return m_writable; }
+
+    /// The item of a valid index of this model, else none.
+    static ProfileTreeItem* item(const QModelIndex& index);
+    const ProfileTreeItems& items() const { return m_items; }
+
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
+    int rowCount(const QModelIndex& parent = {}) const override;
+    int columnCount(const QModelIndex& parent = {}) const override;
+    QModelIndex index(int row, int column, const QModelIndex& parent = {}) const override;
+    QModelIndex parent(const QModelIndex& index) const override;
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    /// False also for a value that the row must not have, such as the id of another config.
+    bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
+    bool insertRows(int row, int count, const QModelIndex& parent = {}) override;
+    bool removeRows(int row, int count, const QModelIndex& parent = {}) override;
+
+protected:
+    ProfileTree(int columns, QObject* parent);
+
+    ProfileTreeItems& topItems() { return m_items; }
+
+    virtual std::unique_ptr<ProfileTreeItem> makeItem() const = 0;
+    /// What the user sees.
+    virtual QString displayText(const ProfileTreeItem& item, int column) const = 0;
+    /// The value as it is to be stored.
+    virtual QVariant storedValue(const ProfileTreeItem& item, int column, const QVariant& value) const;
+
+private:
+    ProfileTreeItems& siblings(const QModelIndex& parent);
+    bool isTaken(const ProfileTreeItem& item, int column, const QVariant& value) const;
+
+    ProfileTreeItems m_items{nullptr};
+    int m_columns;
+    bool m_writable = false;
+};
+
+/// The value as a whole number where it is one in decimal, as it is otherwise.
+QVariant numberOrText(const QVariant& value);
+
+} // namespace models

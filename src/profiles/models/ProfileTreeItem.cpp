@@ -1,0 +1,65 @@
+#include "ProfileTreeItem.h"
+
+#include <iterator>
+
+namespace models {
+
+void ProfileTreeItems::insert(int row, std::vector<std::unique_ptr<ProfileTreeItem>> items)
+{
+    for (const std::unique_ptr<ProfileTreeItem>& item : items)
+        item->m_parent = m_parent;
+    m_items.insert(m_items.begin() + row, std::move_iterator(items.begin()), std::move_iterator(items.end()));
+    renumber(row);
+}
+
+void ProfileTreeItems::append(std::unique_ptr<ProfileTreeItem> item)
+{
+    item->m_parent = m_parent;
+    item->m_row = count();
+    m_items.push_back(std::move(item));
+}
+
+void ProfileTreeItems::remove(int row, int count)
+{
+    m_items.erase(m_items.begin() + row, m_items.begin() + row + count);
+    renumber(row);
+}
+
+void ProfileTreeItems::renumber(int first)
+{
+    for (int row = first; row < count(); ++row)
+        at(row)->m_row = row;
+}
+
+ProfileTreeItem::ProfileTreeItem(int columns)
+    : m_cells(static_cast<std::size_t>(columns))
+    , m_children(this)
+{
+}
+
+ProfileTreeItem::~ProfileTreeItem() = default;
+
+void ProfileTreeItem::setData(int column, const QVariant& value)
+{
+    Cell& changed = m_cells[static_cast<std::size_t>(column)];
+    if (changed.value != value || changed.value.userType() != value.userType())
+        changed = {value, std::nullopt};
+}
+
+void ProfileTreeItem::setWritten(int column, const std::string& text, const QVariant& value)
+{
+    m_cells[static_cast<std::size_t>(column)] = {value, text};
+}
+
+void ProfileTreeItem::setWritten(int column, const std::string& text)
+{
+    setWritten(column, text, QString::fromStdString(text));
+}
+
+std::string ProfileTreeItem::text(int column) const
+{
+    const Cell& wanted = cell(column);
+    return wanted.written ? *wanted.written : wanted.value.toString().toStdString();
+}
+
+} // namespace models
