@@ -1,14 +1,13 @@
 #include "ProfileSaving.h"
 
+#include "PlainMessageBox.h"
 #include "ProfileData.h"
 #include "ProfileFile.h"
 
 #include <QApplication>
 #include <QCoreApplication>
 #include <QInputDialog>
-#include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 
 #include <stdexcept>
 
@@ -47,15 +46,11 @@ std::string askForFileName(const ProfileData& profile, QWidget* parent)
 
 void showFailure(const profilefile::Failure& failure, const std::string& path, QWidget* parent)
 {
-    QMessageBox box(QMessageBox::Critical, QStringLiteral("Corvale GUI"), tr("Failed to save file"),
-        QMessageBox::Ok, owner(parent));
-    box.setInformativeText(failure.notOpened
-            ? tr("Could not open file '%1'").arg(QString::fromStdString(path))
-            : QString::fromStdString(failure.reason));
-    // Names of files and elements are shown as they are, whatever they look like.
-    for (QLabel* label : box.findChildren<QLabel*>())
-        label->setTextFormat(Qt::PlainText);
-    box.exec();
+    PlainMessageBox(QMessageBox::Critical, QStringLiteral("Corvale GUI"), tr("Failed to save file"),
+        failure.notOpened ? tr("Could not open file '%1'").arg(QString::fromStdString(path))
+                          : QString::fromStdString(failure.reason),
+        owner(parent))
+        .exec();
 }
 
 bool write(const ProfileData& profile, const std::string& directory, QWidget* parent)

@@ -1,0 +1,186 @@
+#include "DlgPreferences.h"
+
+#include "ClickableLabel.h"
+#include "FileListWidget.h"
+#include "PlainMessageBox.h"
+#include "PlistPreferences.h"
+#include "PreferenceKeys.h"
+#include "ProfileCatalogue.h"
+#include "ProfileImport.h"
+#include "ui_DlgPreferences.h"
+
+#include <QFile>
+#include <QFileDialog>
+#include <QWhatsThis>
+
+namespace {
+
+/// The height up to which the dialog can be stretched while it shows everything.
+constexpr int expandedMaximumHeight = 16777125;
+
+/// Entries of a failure's explanation at most.
+constexpr qsizetype mostExplained = 5;
+
+std::filesystem::path filePath(const QString& name)
+{
+    return QFile::encodeName(name).toStdString();
+}
+
+} // namespace
+
+DlgPreferences::DlgPreferences(PlistPreferences* preferences, QWidget* parent)
+    : QDialog(parent)
+    , m_ui(std::make_unique<Ui::DlgPreferences>())
+    , m_preferences(preferences)
+{
+    m_ui->setupUi(this);
+    addHelpLabel();
+    addFileList();
+    m_ui->txtProfilesDirectory->setText(
+        QString::fromStdString(ProfileCatalogue::profilesDirectory(*m_preferences)));
+    m_ui->grpProfilesAdvanced->hide();
+    m_ui->btnImport->setEnabled(false);
+
+    const bool loose = false;
+    bool strict = loose;
+    m_preferences->getBoolean(
+        preferencekeys::prefixed(preferencekeys::strictContextMode), &strict, &loose, true);
+    (strict ? m_ui->radioStrict : m_ui->radioLoose)->setChecked(true);
+
+    const int oldWidth = width();
+    adjustSize();
+    resize(oldWidth, height());
+    setMaximumHeight(height());
+    setUpConnections();
+}
+
+DlgPreferences::~DlgPreferences() = default;
+
+void DlgPreferences::addHelpLabel()
+{
+    m_contextModeHelp = new ClickableLabel(this);
+    m_contextModeHelp->setObjectName(QStringLiteral("lblContextModeHelp"));
+    m_contextModeHelp->setAccessibleName(tr("What's this? About the context creation mode"));
+    QFont font = m_contextModeHelp->font();
+    font.setPointSize(9);
+    m_contextModeHelp->setFont(font);
+    m_contextModeHelp->setText(
+        QStringLiteral("<html><img src=':/CorvaleResources/Info' width='16' height='16'> What's this?</html>"));
+    m_ui->contextModeLayout->addWidget(m_contextModeHelp);
+    setTabOrder(m_ui->radioLoose, m_contextModeHelp);
+}
+
+void DlgPreferences::addFileList()
+{
+    m_files = new FileListWidget(this);
+    m_files->setObjectName(QStringLiteral("lstImportFiles"));
+    m_ui->importLayout->addWidget(m_files, 1, 0);
+    m_ui->lblImportFiles->setBuddy(m_files);
+    setTabOrder(m_ui->chkExpandProfilesAdvanced, m_files);
+}
+
+void DlgPreferences::setUpConnections()
+{
+    connect(m_ui->btnBrowse, SIGNAL(clicked()), SLOT(browseProfilesDirectory()));
+    connect(m_ui->chkExpandProfilesAdvanced, SIGNAL(stateChanged(int)), SLOT(advancedExpandChanged(int)));
+    connect(m_ui->btnImportBrowse, SIGNAL(clicked()), SLOT(importBrowseProfiles()));
+    connect(m_ui->btnImport, SIGNAL(clicked()), SLOT(importProfiles()));
+    connect(m_ui->buttonBox, SIGNAL(accepted()), SLOT(accept()));
+    connect(m_ui->buttonBox, SIGNAL(rejected()), SLOT(close()));
+    connect(m_files, SIGNAL(itemsChanged()), SLOT(updateImportButtonText()));
+    connect(m_contextModeHelp, SIGNAL(clicked()), SLOT(showWhatsThisContextMode()));
+}
+
+void DlgPreferences::accept()
+{
+    m_preferences->setString(preferencekeys::prefixed(preferencekeys::profilesDirectory),
+        m_ui->txtProfilesDirectory->text().toStdString());
+    m_preferences->setBoolean(
+        preferencekeys::prefixed(preferencekeys::strictContextMode), m_ui->radioStrict->isChecked());
+    m_hasUnsavedPreferences = !m_preferences->save(false);
+    close();
+}
+
+void DlgPreferences::browseProfilesDirectory()
+{
+    const QString directory = QFileDialog::getExistingDirectory(this, QStringLiteral("Choose directory"),
+        m_ui->txtProfilesDirectory->text(), QFileDialog::ShowDirsOnly | QFileDialog::DontResolveSymlinks);
+    if (!directory.isEmpty())
+        m_ui->txtProfilesDirectory->setText(directory);
+}
+
+void DlgPreferences::importBrowseProfiles()
+{
+    m_files->addFiles(QFileDialog::getOpenFileNames(this, QStringLiteral("Select profile data files"),
+        QString(), QStringLiteral("XML files (*.xml);;All files (*)")));
+}
+
+void DlgPreferences::updateImportButtonText()
+{
+    m_ui->btnImport->setText(m_files->count() < 2 ? QStringLiteral("Import") : QStringLiteral("Merge"));
+    m_ui->btnImport->setEnabled(m_files->count() > 0);
+}
+
+void DlgPreferences::importProfiles()
+{
+    ProfileImport import;
+    QStringList leftOut;
+    for (const QString& file : m_files->files()) {
+        const std::string reason = import.add(filePath(file));
+        if (!reason.empty() && leftOut.size() < mostExplained)
+            leftOut.append(tr("\"%1\" cannot be read: %2").arg(file, QString::fromStdString(reason)));
+    }
+    if (!import.isProfile()) {
+        const QString expected = tr("The first file must begin with its <profile> element, which has an <es> "
+                                    "element and behind it an <egl> element.");
+        PlainMessageBox(QMessageBox::Critical, QStringLiteral("Failed to import profile"),
+            QStringLiteral("Import failed. Data badly formatted"),
+            leftOut.isEmpty() ? expected : leftOut.join(QLatin1Char('\n')), this)
+            .exec();
+        return;
+    }
+    const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Save file..."),
+        m_ui->txtProfilesDirectory->text(), QStringLiteral("XML files (*.xml)"));
+    if (!path.isEmpty())
+        saveImport(import, path);
+}
+
+void DlgPreferences::saveImport(const ProfileImport& import, const QString& path)
+{
+    const platform::FileResult saved = import.save(filePath(path));
+    if (saved)
+        m_savedFiles.append(path);
+    else
+        PlainMessageBox(QMessageBox::Critical, QStringLiteral("Error"),
+            QStringLiteral("Failed to save file"), QString::fromStdString(saved.reason), this)
+            .exec();
+    m_files->clearFiles();
+}
+
+void DlgPreferences::advancedExpandChanged(int state)
+{
+    const bool expanded = state == Qt::Checked;
+    m_ui->grpProfilesAdvanced->setVisible(expanded);
+    if (expanded)
+        setMaximumHeight(expandedMaximumHeight);
+    const int oldWidth = width();
+    // Each ancestor learns of its new size only when the one inside of it has been adjusted.
+    for (QWidget* widget = m_ui->grpProfilesAdvanced; widget != this; widget = widget->parentWidget())
+        widget->adjustSize();
+    adjustSize();
+    resize(oldWidth, height());
+    if (!expanded)
+        setMaximumHeight(height());
+}
+
+void DlgPreferences::showWhatsThisContextMode()
+{
+    QWhatsThis::showText(m_contextModeHelp->mapToGlobal(QPoint()),
+        QStringLiteral(
+            "<html><p>In <b>strict context mode</b>, eglCreateContext will fail with EGL_BAD_ALLOC if the "
+            "host system does not support the entire feature-set of the requested API.</p>\n<p>In <b>loose "
+            "context mode</b>, eglCreateContext will return a context of the requested API type even if the "
+            "entire feature-set is not supported by the host system. Unsupported features will fail at the "
+            "point of use.</p></html>"),
+        m_contextModeHelp);
+}

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QDialog>
+#include <QStringList>
+
+#include <memory>
+
+class ClickableLabel;
+class FileListWidget;
+class PlistPreferences;
+class ProfileImport;
+
+namespace Ui {
+class DlgPreferences;
+}
+
+/// Edits the preferences of the profiles and imports profile files. It always ends through close(), so the
+/// result of exec() tells nothing.
+class DlgPreferences : public QDialog {
+    Q_OBJECT
+
+public:
+    /// The store must live longer.
+    explicit DlgPreferences(PlistPreferences* preferences, QWidget* parent = nullptr);
+    ~DlgPreferences() override;
+
+    /// The profile files that were written by imports.
+    const QStringList& savedFiles() const { return m_savedFiles; }
+    /// Whether the preferences were stored but could not be written to their file.
+    bool hasUnsavedPreferences() const { return m_hasUnsavedPreferences; }
+
+public Q_SLOTS:
+    void accept() override;
+    void browseProfilesDirectory();
+    void importBrowseProfiles();
+    void importProfiles();
+    void advancedExpandChanged(int state);
+    void updateImportButtonText();
+    void showWhatsThisContextMode();
+
+private:
+    void addHelpLabel();
+    void addFileList();
+    void setUpConnections();
+    void saveImport(const ProfileImport& import, const QString& path);
+
+    std::unique_ptr<Ui::DlgPreferences> m_ui;
+    FileListWidget* m_files = nullptr;
+    PlistPreferences* m_preferences;
+    ClickableLabel* m_contextModeHelp = nullptr;
+    QStringList m_savedFiles;
+    bool m_hasUnsavedPreferences = false;
+};

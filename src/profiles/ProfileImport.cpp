@@ -1,0 +1,98 @@
+#include "ProfileImport.h"
+
+#include "GuardedFile.h"
+#include "Numbers.h"
+#include "ProfileData.h"
+#include "ProfilePrinter.h"
+#include "Utf8.h"
+#include "XmlGuard.h"
+
+using tinyxml2::XMLDocument;
+using tinyxml2::XMLElement;
+
+namespace {
+
+/// The number of an API section; 0 where there is none.
+std::int64_t versionOf(const XMLElement& api)
+{
+    const char* const text = api.Attribute("version");
+    return text ? platform::parseInteger(text).value_or(0) : 0;
+}
+
+std::string tooLargeText()
+{
+    return "the files together are larger than " + std::to_string(ProfileData::largestFile) + " bytes";
+}
+
+} // namespace
+
+std::string ProfileImport::add(const std::filesystem::path& file)
+{
+    if (m_tooLarge)
+        return tooLargeText();
+    const platform::FileBytes read = platform::readFile(file, ProfileData::largestFile);
+    if (!read.ok)
+        return read.reason;
+    std::string reason = merge(read.bytes);
+    // Printing takes time, so it is only done where the answer is open.
+    m_bytes += read.bytes.size();
+    m_tooLarge = m_bytes > ProfileData::largestFile && toXml().size() > ProfileData::largestFile;
+    return reason;
+}
+
+std::string ProfileImport::merge(std::string_view bytes)
+{
+    if (!isUtf8(bytes))
+        return "it is not UTF-8 text";
+    std::string hazard = platform::xmlHazard(bytes);
+    if (!hazard.empty())
+        return hazard;
+    XMLDocument loaded(true, tinyxml2::PRESERVE_WHITESPACE);
+    if (loaded.Parse(bytes.data(), bytes.size()) != tinyxml2::XML_SUCCESS)
+        return loaded.ErrorStr();
+    XMLElement* const into = m_result.FirstChildElement("profile");
+    const XMLElement* const from = loaded.FirstChildElement("profile");
+    // A file that begins with something else, a comment for example, gives that alone.
+    if (!into && loaded.FirstChild())
+        m_result.InsertEndChild(loaded.FirstChild()->DeepClone(&m_result));
+    else if (into && from)
+        takeApis(*from, *into);
+    return {};
+}
+
+void ProfileImport::takeApis(const XMLElement& from, XMLElement& into)
+{
+    for (const XMLElement* api = from.FirstChildElement("es"); api; api = api->NextSiblingElement("es")) {
+        // Only the first section decides: those behind it may come to be there twice, and a reader unites them.
+        const XMLElement* const first = into.FirstChildElement("es");
+        if (!first || versionOf(*first) != versionOf(*api))
+            into.InsertEndChild(api->DeepClone(&m_result));
+    }
+}
+
+bool ProfileImport::isProfile() const
+{
+    const XMLElement* const profile = m_result.FirstChildElement("profile");
+    const XMLElement* const api = profile ? profile->FirstChildElement("es") : nullptr;
+    return api && api->NextSiblingElement("egl");
+}
+
+std::string ProfileImport::toXml() const
+{
+    ProfilePrinter printer(ProfilePrinter::Layout::Indented, ProfileData::largestFile);
+    m_result.Print(&printer);
+    return printer.text();
+}
+
+platform::FileResult ProfileImport::save(const std::filesystem::path& target) const
+{
+    const std::string xml = toXml();
+    if (m_tooLarge || xml.size() > ProfileData::largestFile)
+        return {tooLargeText()};
+    try {
+        ProfileData::fromText(xml);
+    } catch (const ProfileError& error) {
+        return {"the result could not be read again: " + error.reason()};
+    }
+    return platform::replaceFile(target, xml);
+}
