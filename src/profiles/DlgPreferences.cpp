@@ -64,8 +64,8 @@ void DlgPreferences::addHelpLabel()
     QFont font = m_contextModeHelp->font();
     font.setPointSize(9);
     m_contextModeHelp->setFont(font);
-    m_contextModeHelp->setText(
-        QStringLiteral("<html><img src=':/CorvaleResources/Info' width='16' height='16'> What's this?</html>"));
+    m_contextModeHelp->setText(QStringLiteral(
+        "<html><img src=':/CorvaleResources/Info' width='16' height='16'> What's this?</html>"));
     m_ui->contextModeLayout->addWidget(m_contextModeHelp);
     setTabOrder(m_ui->radioLoose, m_contextModeHelp);
 }
@@ -151,8 +151,8 @@ void DlgPreferences::saveImport(const ProfileImport& import, const QString& path
     if (saved)
         m_savedFiles.append(path);
     else
-        PlainMessageBox(QMessageBox::Critical, QStringLiteral("Error"),
-            QStringLiteral("Failed to save file"), QString::fromStdString(saved.reason), this)
+        PlainMessageBox(QMessageBox::Critical, QStringLiteral("Error"), QStringLiteral("Failed to save file"),
+            QString::fromStdString(saved.reason), this)
             .exec();
     m_files->clearFiles();
 }

@@ -43,6 +43,11 @@ public:
     Pointer newProfile();
     /// Adds a writable copy, named after its original. Throws as ProfileData::displayName() does.
     Pointer copyProfile(const ProfileDataWrapper& original);
+    /// Takes a profile that was added and never saved out again.
+    void forget(const ProfileDataWrapper& profile) { m_folder.remove(profile); }
+
+    /// Whether another program has changed the profile's file since it was read.
+    bool changedOnDisk(const ProfileDataWrapper& profile) const { return m_folder.changedOnDisk(profile); }
 
     /// Stores the key of the chosen profile, or "" for none, and saves the preferences. False when that
     /// failed.

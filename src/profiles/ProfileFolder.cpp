@@ -140,6 +140,27 @@ void ProfileFolder::add(Pointer profile)
     m_profiles.push_back(std::move(profile));
 }
 
+void ProfileFolder::remove(const ProfileDataWrapper& profile)
+{
+    const auto isIt = [&profile](const Pointer& other) {
+        return other.get() == &profile;
+    };
+    std::erase_if(m_profiles, isIt);
+    std::erase_if(m_unsaved, isIt);
+}
+
+bool ProfileFolder::changedOnDisk(const ProfileDataWrapper& profile) const
+{
+    for (const auto& [path, entry] : m_files) {
+        if (entry.profile.get() != &profile)
+            continue;
+        std::error_code error;
+        return fs::exists(path, error) && FileStamp::of(path) != entry.stamp
+            && (!entry.digest || digestOf(path) != entry.digest);
+    }
+    return false;
+}
+
 ProfileFolder::Pointer ProfileFolder::findFile(const fs::path& path) const
 {
     std::error_code error;

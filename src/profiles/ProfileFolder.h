@@ -45,6 +45,12 @@ public:
 
     /// Adds a profile that has no file yet.
     void add(Pointer profile);
+    /// Takes such a profile out again.
+    void remove(const ProfileDataWrapper& profile);
+
+    /// Whether the file that the profile was read from holds something else by now. A file that is gone holds
+    /// nothing that could be lost.
+    bool changedOnDisk(const ProfileDataWrapper& profile) const;
 
     /// In the order of the file names; what was added is behind.
     const std::vector<Pointer>& profiles() const { return m_profiles; }

@@ -63,7 +63,8 @@ std::string ProfileImport::merge(std::string_view bytes)
 void ProfileImport::takeApis(const XMLElement& from, XMLElement& into)
 {
     for (const XMLElement* api = from.FirstChildElement("es"); api; api = api->NextSiblingElement("es")) {
-        // Only the first section decides: those behind it may come to be there twice, and a reader unites them.
+        // Only the first section decides: those behind it may come to be there twice, and a reader unites
+        // them.
         const XMLElement* const first = into.FirstChildElement("es");
         if (!first || versionOf(*first) != versionOf(*api))
             into.InsertEndChild(api->DeepClone(&m_result));

@@ -8,7 +8,9 @@
 #include <QCoreApplication>
 #include <QInputDialog>
 #include <QLineEdit>
+#include <QPushButton>
 
+#include <filesystem>
 #include <stdexcept>
 
 namespace profilesaving {
@@ -36,12 +38,32 @@ QString suggestedName(const ProfileData& profile)
     }
 }
 
-/// Empty when the user cancelled or entered nothing.
-std::string askForFileName(const ProfileData& profile, QWidget* parent)
+/// Whether the file may be written: there is none, or the user lets it go.
+bool mayReplace(const std::filesystem::path& path, QWidget* parent)
 {
-    return QInputDialog::getText(
-        owner(parent), tr("Choose a file name"), tr("File name:"), QLineEdit::Normal, suggestedName(profile))
-        .toStdString();
+    std::error_code error;
+    if (!std::filesystem::exists(path, error))
+        return true;
+    PlainMessageBox box(QMessageBox::Warning, tr("Choose a file name"),
+        tr("There is a file '%1' already.").arg(QString::fromStdString(path.filename().string())),
+        tr("Replacing it drops the profile that is in it."), owner(parent), QMessageBox::Cancel);
+    const QAbstractButton* const replace = box.addButton(tr("Replace"), QMessageBox::DestructiveRole);
+    box.setDefaultButton(QMessageBox::Cancel);
+    box.exec();
+    return box.clickedButton() == replace;
+}
+
+/// Asks again while the user does not want to replace the file of that name. Empty when they cancelled or
+/// entered nothing.
+std::string askForFileName(const ProfileData& profile, const std::string& directory, QWidget* parent)
+{
+    QString name = suggestedName(profile);
+    do {
+        name = QInputDialog::getText(
+            owner(parent), tr("Choose a file name"), tr("File name:"), QLineEdit::Normal, name);
+    } while (!name.isEmpty() && !directory.empty()
+        && !mayReplace(profilefile::pathFor(directory, name.toStdString()), parent));
+    return name.toStdString();
 }
 
 void showFailure(const profilefile::Failure& failure, const std::string& path, QWidget* parent)
@@ -73,7 +95,7 @@ bool save(ProfileData& profile, const std::string& directory, QWidget* parent)
 
 bool saveAs(ProfileData& profile, const std::string& directory, QWidget* parent)
 {
-    const std::string newName = askForFileName(profile, parent);
+    const std::string newName = askForFileName(profile, directory, parent);
     if (newName.empty())
         return false;
     const std::string oldName = profile.fileName();

@@ -12,7 +12,8 @@ namespace profilesaving {
 /// which case nothing is written, or when it failed, which a message box has said then.
 bool save(ProfileData& profile, const std::string& directory, QWidget* parent = nullptr);
 
-/// Asks for a file name in any case and saves under it. The profile keeps its old name unless it was saved.
+/// Asks for a file name in any case and saves under it, over an existing file only if the user says so. The
+/// profile keeps its old name unless it was saved.
 bool saveAs(ProfileData& profile, const std::string& directory, QWidget* parent = nullptr);
 
 } // namespace profilesaving

@@ -1,38 +1,12 @@
+#include "DialogAnswers.h"
 #include "ProfileData.h"
 #include "ProfileMetaTypes.h"
 #include "ProfileSaving.h"
 
-#include <QApplication>
 #include <QDir>
 #include <QFile>
-#include <QInputDialog>
-#include <QMessageBox>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
-
-#include <functional>
-
-namespace {
-
-/// Answers the next modal dialog as soon as it is up. One that a failed check has left open is closed.
-template <typename Dialog> void answerNext(const std::function<void(Dialog&)>& answer)
-{
-    auto* timer = new QTimer(qApp);
-    QObject::connect(timer, &QTimer::timeout, timer, [timer, answer] {
-        auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
-        if (!dialog)
-            return;
-        timer->deleteLater();
-        timer->stop();
-        answer(*dialog);
-        if (dialog->isVisible())
-            dialog->reject();
-    });
-    timer->start(10);
-}
-
-} // namespace
 
 class TestProfileSaving : public QObject {
     Q_OBJECT
@@ -79,29 +53,35 @@ void TestProfileSaving::asksForAName()
 {
     QWidget window;
     window.show();
-    const auto answer = [&](const QString& suggestion) {
-        answerNext<QInputDialog>([&window, suggestion](QInputDialog& dialog) {
-            QCOMPARE(dialog.parentWidget(), &window);
-            QCOMPARE(dialog.windowTitle(), QStringLiteral("Choose a file name"));
-            QCOMPARE(dialog.labelText(), QStringLiteral("File name:"));
-            QCOMPARE(dialog.textValue(), suggestion);
-            dialog.setTextValue(QStringLiteral("B\u00fcro.xml"));
-            dialog.accept();
-        });
-        // Armed before, so that no dialog waits for an answer when this fails.
-        window.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&window));
-    };
-    answer(QStringLiteral("Foo \u00e9.xml"));
+    window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    const QString title = QStringLiteral("Choose a file name");
+    const QString name = QStringLiteral("B\u00fcro.xml");
+    DialogAnswers answers;
+    answers.next(title, [&](QWidget& widget) {
+        auto& dialog = static_cast<QInputDialog&>(widget);
+        QCOMPARE(dialog.parentWidget(), &window);
+        QCOMPARE(dialog.labelText(), QStringLiteral("File name:"));
+        QCOMPARE(dialog.textValue(), QStringLiteral("Foo \u00e9.xml"));
+        dialog.setTextValue(name);
+        dialog.accept();
+    });
     QVERIFY(profilesaving::save(m_profile, folder()));
-    QCOMPARE(QString::fromStdString(m_profile.fileName()), QStringLiteral("B\u00fcro.xml"));
-    QCOMPARE(contentOf(QStringLiteral("B\u00fcro.xml")), m_xml);
+    QCOMPARE(QString::fromStdString(m_profile.fileName()), name);
+    QCOMPARE(contentOf(name), m_xml);
 
-    m_profile.setFileName("old.xml");
-    answer(QStringLiteral("old.xml"));
+    // A file that is there is replaced only if the user says so, and else they are asked again.
+    m_profile.setDevice("Bar");
+    answers.enter(title, name);
+    answers.press(title, QStringLiteral("Cancel"));
+    answers.enter(title, QString());
+    QVERIFY(!profilesaving::saveAs(m_profile, folder()));
+    QCOMPARE(contentOf(name), m_xml);
+    answers.enter(title, name);
+    answers.press(title, QStringLiteral("Replace"));
     QVERIFY(profilesaving::saveAs(m_profile, folder()));
-    QCOMPARE(QString::fromStdString(m_profile.fileName()), QStringLiteral("B\u00fcro.xml"));
-    QVERIFY(!QFile::exists(path(QStringLiteral("old.xml"))));
+    QCOMPARE(contentOf(name), QString::fromStdString(m_profile.toXml()));
+    QCOMPARE(answers.problems(), QStringList());
 }
 
 void TestProfileSaving::withoutANameNothingIsWritten_data()
@@ -118,7 +98,9 @@ void TestProfileSaving::withoutANameNothingIsWritten()
     QFETCH(const bool, cancels);
     QFETCH(const QString, name);
     m_profile.setFileName(name.toStdString());
-    answerNext<QInputDialog>([cancels](QInputDialog& dialog) {
+    DialogAnswers answers;
+    answers.next(QString(), [cancels](QWidget& widget) {
+        auto& dialog = static_cast<QInputDialog&>(widget);
         if (!cancels)
             dialog.setTextValue(QString());
         dialog.done(cancels ? QDialog::Rejected : QDialog::Accepted);
@@ -149,22 +131,18 @@ void TestProfileSaving::failuresAreShown()
     QFETCH(const QString, informativeText);
     m_profile.setFileName("before.xml");
     m_profile.configs()[1].push_back({element.toStdString(), "", {}});
-    bool shown = false;
-    answerNext<QInputDialog>([&](QInputDialog& dialog) {
-        answerNext<QMessageBox>([&](QMessageBox& box) {
-            shown = true;
-            QCOMPARE(box.windowTitle(), QStringLiteral("Corvale GUI"));
-            QCOMPARE(box.text(), QStringLiteral("Failed to save file"));
-            QCOMPARE(box.informativeText(), informativeText.arg(m_folder->path()));
-            QCOMPARE(box.standardButtons(), QMessageBox::Ok);
-            QCOMPARE(box.icon(), QMessageBox::Critical);
-            box.accept();
-        });
-        dialog.setTextValue(QStringLiteral("n.xml"));
-        dialog.accept();
+    DialogAnswers answers;
+    answers.enter(QString(), QStringLiteral("n.xml"));
+    answers.next(QStringLiteral("Corvale GUI"), [&](QWidget& widget) {
+        auto& box = static_cast<QMessageBox&>(widget);
+        QCOMPARE(box.text(), QStringLiteral("Failed to save file"));
+        QCOMPARE(box.informativeText(), informativeText.arg(m_folder->path()));
+        QCOMPARE(box.standardButtons(), QMessageBox::Ok);
+        QCOMPARE(box.icon(), QMessageBox::Critical);
+        box.accept();
     });
     QVERIFY(!profilesaving::saveAs(m_profile, (m_folder->path() + folder).toStdString()));
-    QVERIFY(shown);
+    QCOMPARE(answers.problems(), QStringList());
     QCOMPARE(m_profile.fileName(), std::string("before.xml"));
 }
 

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+class ProfileDataWrapper;
+
+/// What the profile panel needs of the program around it: the catalogue, and the questions that belong to the
+/// whole window.
+class ProfileController {
+public:
+    using Pointer = std::shared_ptr<ProfileDataWrapper>;
+
+    virtual ~ProfileController() = default;
+
+    /// Both add to the catalogue.
+    virtual Pointer newProfile() = 0;
+    virtual Pointer copyProfile(const ProfileDataWrapper& original) = 0;
+    /// Takes a profile that was added and never saved out of the catalogue.
+    virtual void forgetProfile(const ProfileDataWrapper& profile) = 0;
+
+    /// Whether the profile's file is another one than it was when the profile was read.
+    virtual bool changedOnDisk(const ProfileDataWrapper& profile) const = 0;
+
+    /// Where profiles are saved. Where no folder is set the user is asked for one; "" when they give none.
+    virtual std::string directoryForSaving() = 0;
+
+    /// Reads the catalogue again and shows it in the window's list.
+    virtual void reloadProfiles() = 0;
+    /// Makes the profile that was read from this file the chosen one.
+    virtual void selectProfile(const std::string& path) = 0;
+
+    /// Asks whether a copy is to be saved instead of a read-only profile. Returns the copy, none if not.
+    virtual Pointer askForCopy(const ProfileDataWrapper& readOnly) = 0;
+};

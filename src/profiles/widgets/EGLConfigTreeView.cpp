@@ -1,0 +1,68 @@
+#include "EGLConfigTreeView.h"
+
+#include "EGLConfigTreeItemDelegate.h"
+#include "KeyTables.h"
+#include "NewRowValues.h"
+#include "models/EGLConfigTree.h"
+#include "models/ProfileColumns.h"
+
+#include <QAction>
+
+namespace widgets {
+
+EGLConfigTreeView::EGLConfigTreeView(QWidget* parent)
+    : ProfileTreeView(QStringLiteral("Add Config"), QStringLiteral("Add Attribute"), parent)
+{
+    setItemDelegate(new EGLConfigTreeItemDelegate(this));
+    connect(
+        this, SIGNAL(customContextMenuRequested(const QPoint&)), SLOT(onContextMenuRequested(const QPoint&)));
+    connect(addTopAction(), SIGNAL(triggered()), SLOT(addConfigTriggered()));
+    connect(addChildAction(), SIGNAL(triggered()), SLOT(addAttribTriggered()));
+}
+
+std::set<std::int32_t> EGLConfigTreeView::unusedAttribs(models::ProfileTreeItem* config)
+{
+    std::set<std::int32_t> unused;
+    visitEGLAttribKeys([&unused](const EGLAttribKey& key) { unused.insert(key.value); });
+    for (int row = 0; row < config->children().count(); ++row) {
+        const QVariant& used = config->children().at(row)->data(models::KeyColumn);
+        if (used.userType() == QMetaType::Int)
+            unused.erase(used.toInt());
+    }
+    return unused;
+}
+
+void EGLConfigTreeView::onContextMenuRequested(const QPoint& pos)
+{
+    showMenu(pos, model() != nullptr);
+}
+
+void EGLConfigTreeView::addConfigTriggered()
+{
+    if (const auto* configs = qobject_cast<models::EGLConfigTree*>(model()))
+        addRow(configs->rowCount(), {}, configs->freeId());
+}
+
+void EGLConfigTreeView::addAttribTriggered()
+{
+    const QModelIndex config = contextTop();
+    if (!config.isValid())
+        return;
+    QStringList names;
+    EGLAttribKey key;
+    for (const std::int32_t attribute : unusedAttribs(models::ProfileTree::item(config))) {
+        if (findEGLAttribKey(attribute, &key))
+            names << QString::fromStdString(key.displayName.text);
+    }
+    const QString chosen = ask(QStringLiteral("Add Attribute"), QStringLiteral("Select an attribute"), names);
+    if (!findEGLAttribKey(EGLAttribKey::DisplayName{chosen.toStdString()}, &key))
+        return;
+    const QModelIndex value = addRow(config, key.value).siblingAtColumn(models::ValueColumn);
+    if (!value.isValid())
+        return;
+    model()->setData(value, newvalues::forAttribute(key.value));
+    setCurrentIndex(value);
+    edit(value);
+}
+
+} // namespace widgets

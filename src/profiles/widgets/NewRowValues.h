@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+/// What a row that the user has just added holds until they enter something: values that every implementation
+/// may have.
+namespace newvalues {
+
+/// For an EGL attribute by its enumerant; what the standard says of a config that was given nothing.
+QVariant forAttribute(int attribute);
+
+/// For a capability, or for each part of a compound one, by the element name; mostly the least that OpenGL
+/// ES 2.0 or 1.1 requires.
+QString forCapability(const QString& element);
+
+} // namespace newvalues

@@ -1,0 +1,175 @@
+#include "ProfileTreeView.h"
+
+#include "models/ProfileColumns.h"
+
+#include <QAction>
+#include <QInputDialog>
+#include <QMenu>
+
+#include <algorithm>
+
+namespace widgets {
+
+using models::KeyColumn;
+
+namespace {
+
+QAction* addAction(QMenu* menu, ProfileTreeView* view, const QString& text, const QKeySequence& shortcut)
+{
+    QAction* const action = menu->addAction(text);
+    action->setShortcut(shortcut);
+    action->setShortcutContext(Qt::WidgetShortcut);
+    // Without the view an action of the menu would not hear its shortcut.
+    view->addAction(action);
+    return action;
+}
+
+QString keyText(const QModelIndex& index)
+{
+    return index.data(Qt::EditRole).toString();
+}
+
+} // namespace
+
+ProfileTreeView::ProfileTreeView(const QString& addTop, const QString& addChild, QWidget* parent)
+    : QTreeView(parent)
+    , m_menu(new QMenu(this))
+    , m_addTop(addAction(m_menu, this, addTop, Qt::CTRL | Qt::Key_Insert))
+    , m_addChild(addAction(m_menu, this, addChild, Qt::Key_Insert))
+    , m_delete(addAction(m_menu, this, QStringLiteral("Delete"), QKeySequence::Delete))
+{
+    setStyleSheet(QStringLiteral("QLineEdit, QSpinBox { background-color: white; }"));
+    setSelectionMode(ExtendedSelection);
+    setUniformRowHeights(true);
+    setEditTriggers(DoubleClicked | EditKeyPressed | SelectedClicked);
+    connect(m_delete, SIGNAL(triggered()), SLOT(deleteItemTriggered()));
+    setEditable(false);
+}
+
+void ProfileTreeView::setModel(QAbstractItemModel* model)
+{
+    QTreeView::setModel(model);
+    m_contextIndex = QModelIndex();
+    if (!model)
+        return;
+    resizeToFit();
+    connect(model, SIGNAL(dataChanged(const QModelIndex&, const QModelIndex&)), this, SLOT(resizeToFit()),
+        Qt::UniqueConnection);
+    connect(this, SIGNAL(expanded(const QModelIndex&)), this, SLOT(resizeToFit()), Qt::UniqueConnection);
+}
+
+void ProfileTreeView::setEditable(bool editable)
+{
+    setContextMenuPolicy(editable ? Qt::CustomContextMenu : Qt::NoContextMenu);
+    for (QAction* action : {m_addTop, m_addChild, m_delete})
+        action->setEnabled(editable);
+}
+
+void ProfileTreeView::finishEdit()
+{
+    QWidget* const editor = state() == EditingState ? indexWidget(currentIndex()) : nullptr;
+    if (!editor)
+        return;
+    commitData(editor);
+    closeEditor(editor, QAbstractItemDelegate::NoHint);
+}
+
+QStringList ProfileTreeView::openRows() const
+{
+    QStringList keys;
+    for (int row = 0; model() && row < model()->rowCount(); ++row) {
+        const QModelIndex index = model()->index(row, KeyColumn);
+        if (isExpanded(index))
+            keys << keyText(index);
+    }
+    return keys;
+}
+
+void ProfileTreeView::reopenRows(const QStringList& keys)
+{
+    for (int row = 0; model() && row < model()->rowCount(); ++row) {
+        const QModelIndex index = model()->index(row, KeyColumn);
+        if (keys.contains(keyText(index)))
+            expand(index);
+    }
+}
+
+void ProfileTreeView::resizeToFit()
+{
+    resizeColumnToContents(KeyColumn);
+}
+
+void ProfileTreeView::currentChanged(const QModelIndex& current, const QModelIndex& previous)
+{
+    QTreeView::currentChanged(current, previous);
+    m_contextIndex = current;
+}
+
+void ProfileTreeView::showMenu(const QPoint& pos, bool canAddTop)
+{
+    m_contextIndex = indexAt(pos);
+    const bool isRow = m_contextIndex.isValid();
+    const bool isChild = isRow && m_contextIndex.parent().isValid();
+    m_addTop->setVisible(canAddTop && !isChild);
+    m_addChild->setVisible(isRow);
+    m_delete->setVisible(isRow);
+    if (m_addTop->isVisible() || isRow)
+        m_menu->exec(viewport()->mapToGlobal(pos));
+}
+
+QModelIndex ProfileTreeView::contextTop() const
+{
+    QModelIndex top = m_contextIndex;
+    while (top.parent().isValid())
+        top = top.parent();
+    return top.siblingAtColumn(KeyColumn);
+}
+
+QString ProfileTreeView::ask(const QString& title, const QString& label, const QStringList& names)
+{
+    bool accepted = false;
+    const QString name = QInputDialog::getItem(this, title, label, names, 0, false, &accepted);
+    return accepted ? name : QString();
+}
+
+QModelIndex ProfileTreeView::addRow(const QModelIndex& parent, const QVariant& key)
+{
+    QModelIndex place = m_contextIndex;
+    if (place.siblingAtColumn(KeyColumn) == parent)
+        return addRow(0, parent, key);
+    while (place.parent() != parent)
+        place = place.parent();
+    return addRow(place.row() + 1, parent, key);
+}
+
+QModelIndex ProfileTreeView::addRow(int row, const QModelIndex& parent, const QVariant& key)
+{
+    if (!model()->insertRow(row, parent))
+        return {};
+    const QModelIndex added = model()->index(row, KeyColumn, parent);
+    if (!model()->setData(added, key, Qt::EditRole)) {
+        model()->removeRow(row, parent);
+        return {};
+    }
+    expand(parent);
+    setCurrentIndex(added);
+    scrollTo(added);
+    return added;
+}
+
+void ProfileTreeView::deleteItemTriggered()
+{
+    // Removing a row takes those below it along and moves those behind it, so the rows are followed.
+    std::vector<QPersistentModelIndex> rows;
+    for (const QModelIndex& index : selectedIndexes()) {
+        const QModelIndex row = index.siblingAtColumn(KeyColumn);
+        if (std::find(rows.begin(), rows.end(), row) == rows.end())
+            rows.emplace_back(row);
+    }
+    for (const QPersistentModelIndex& row : rows) {
+        if (row.isValid())
+            model()->removeRow(row.row(), row.parent());
+    }
+}
+
+} // namespace widgets
