@@ -11,6 +11,7 @@
 
 #include <QFile>
 #include <QFileDialog>
+#include <QFont>
 #include <QWhatsThis>
 
 namespace {
@@ -64,9 +65,9 @@ void DlgPreferences::addHelpLabel()
     QFont font = m_contextModeHelp->font();
     font.setPointSize(9);
     m_contextModeHelp->setFont(font);
-    m_contextModeHelp->setText(
-        QStringLiteral("<html><img src=':/CorvaleResources/Info' width='16' height='16'> What's this?</html>"));
-    m_ui->contextModeLayout->addWidget(m_contextModeHelp);
+    m_contextModeHelp->setText(QStringLiteral(
+        "<html><img src=':/CorvaleResources/Info' width='16' height='16'> What's this?</html>"));
+    m_ui->contextModeLayout->insertWidget(m_ui->contextModeLayout->count() - 1, m_contextModeHelp);
     setTabOrder(m_ui->radioLoose, m_contextModeHelp);
 }
 
@@ -151,8 +152,8 @@ void DlgPreferences::saveImport(const ProfileImport& import, const QString& path
     if (saved)
         m_savedFiles.append(path);
     else
-        PlainMessageBox(QMessageBox::Critical, QStringLiteral("Error"),
-            QStringLiteral("Failed to save file"), QString::fromStdString(saved.reason), this)
+        PlainMessageBox(QMessageBox::Critical, QStringLiteral("Error"), QStringLiteral("Failed to save file"),
+            QString::fromStdString(saved.reason), this)
             .exec();
     m_files->clearFiles();
 }
