@@ -1,6 +1,7 @@
 #include "Controller.h"
 
 #include "Descriptors.h"
+#include "DlgPreferences.h"
 #include "LocalListener.h"
 #include "PreferenceKeys.h"
 #include "Product.h"
@@ -102,6 +103,13 @@ void Controller::endOnSignals()
             m_mainWindow.close();
             quit();
         });
+}
+
+void Controller::editPreferences()
+{
+    DlgPreferences dialog(&m_preferences, &m_mainWindow);
+    dialog.exec();
+    m_mainWindow.preferencesEdited(dialog.savedFiles(), dialog.hasUnsavedPreferences());
 }
 
 int Controller::run()

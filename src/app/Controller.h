@@ -25,6 +25,9 @@ public:
     /// Shows the main window and runs the event loop; returns its exit code.
     int run();
 
+    /// Shows the preferences dialog, and reads the profiles again when it is closed.
+    void editPreferences();
+
 private:
     /// Held while the servers are set up, so that two instances that start at once do not take each other's
     /// half-made socket for one that a crash has left behind.

@@ -3,17 +3,22 @@
 #include "AboutBox.h"
 #include "Client.h"
 #include "ClientInterface.h"
+#include "Controller.h"
 #include "ErrorListModel.h"
 #include "FileErrors.h"
 #include "LocalListener.h"
 #include "MonitorStatus.h"
+#include "PlainMessageBox.h"
 #include "PlistPreferences.h"
 #include "PreferenceKeys.h"
 #include "Product.h"
 #include "ProfileCatalogue.h"
 #include "ProfileChooser.h"
+#include "ProfileCopying.h"
+#include "RecentFilesMenu.h"
 #include "SystemReportGUIReceiver.h"
 #include "SystemReportViewer.h"
+#include "ThemeMenu.h"
 #include "ui_MainWindow.h"
 
 #include <QCloseEvent>
@@ -70,6 +75,7 @@ MainWindow::MainWindow(Controller* controller, PlistPreferences& preferences)
     setUpPages();
     setUpFonts();
     setUpActions();
+    setUpMenus();
     setUpServer();
 }
 
@@ -118,7 +124,26 @@ void MainWindow::setUpActions()
     connect(m_ui->cmbProfile, SIGNAL(currentIndexChanged(int)), SLOT(optionChanged()));
     connect(m_clientTabs, SIGNAL(tabCloseRequested(int)), SLOT(closeTab(int)));
     m_ui->actionFeedback->setEnabled(false);
-    m_ui->actionPreferences->setEnabled(false);
+}
+
+void MainWindow::setUpMenus()
+{
+    m_recentProfiles = new RecentFilesMenu(m_preferences, tr("&Recent Profiles"), this);
+    m_recentProfiles->setObjectName(QStringLiteral("menuRecentProfiles"));
+    m_ui->menuFile->insertMenu(m_ui->actionExit, m_recentProfiles);
+    m_ui->menuFile->insertSeparator(m_ui->actionExit);
+    connect(m_recentProfiles, &RecentFilesMenu::stored, this, &MainWindow::reportSave);
+    connect(m_recentProfiles, &RecentFilesMenu::fileChosen, this, &MainWindow::openRecentProfile);
+    connect(m_recentProfiles, &RecentFilesMenu::fileMissing, this, [this](const QString& path) {
+        PlainMessageBox(QMessageBox::Warning, windowTitle(), tr("The profile file is not there any more"),
+            tr("\"%1\" was taken out of the list of recent profiles.").arg(path), this)
+            .exec();
+    });
+
+    auto* view = new ThemeMenu(m_preferences, tr("&View"), this);
+    view->setObjectName(QStringLiteral("menuView"));
+    m_ui->menubar->insertMenu(m_ui->menuHelp->menuAction(), view);
+    connect(view, &ThemeMenu::stored, this, &MainWindow::reportSave);
 }
 
 void MainWindow::setUpServer()
@@ -273,6 +298,17 @@ void MainWindow::onFeedback()
 
 void MainWindow::onPreferences()
 {
+    if (m_controller != nullptr)
+        m_controller->editPreferences();
+}
+
+void MainWindow::preferencesEdited(const QStringList& savedFiles, bool saveFailed)
+{
+    reloadProfiles();
+    for (const QString& file : savedFiles)
+        addRecentProfile(file);
+    if (saveFailed)
+        reportSave(m_preferences.save(false));
 }
 
 void MainWindow::optionChanged()
@@ -286,6 +322,41 @@ void MainWindow::setCatalogue(ProfileCatalogue& catalogue)
     m_catalogue = &catalogue;
     m_profileChooser->show(catalogue);
     m_status->setSkippedProfiles(catalogue.brokenFiles());
+}
+
+void MainWindow::reloadProfiles()
+{
+    if (m_catalogue == nullptr)
+        return;
+    const std::shared_ptr<const ProfileDataWrapper> held = m_profileChooser->chosen();
+    m_catalogue->reload();
+    setCatalogue(*m_catalogue);
+}
+
+void MainWindow::addRecentProfile(const QString& path)
+{
+    m_recentProfiles->addFile(path);
+}
+
+void MainWindow::openRecentProfile(const QString& path)
+{
+    if (m_catalogue == nullptr)
+        return;
+    const auto find = [this](const QString& file) {
+        reloadProfiles();
+        return m_catalogue->findFile(QFile::encodeName(file).toStdString());
+    };
+    ProfileCatalogue::Pointer profile = find(path);
+    QString found = path;
+    if (!profile) {
+        found = profilecopying::offerCopy(path, m_catalogue->profilesDirectory(), this);
+        profile = found.isEmpty() ? nullptr : find(found);
+    }
+    if (!profile)
+        return;
+    m_profileChooser->choose(profile);
+    m_recentProfiles->addFile(found);
+    m_ui->mainTabWidget->setCurrentWidget(m_ui->tabProfileProperties);
 }
 
 void MainWindow::newProfile()

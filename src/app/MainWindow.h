@@ -17,6 +17,7 @@ class MonitorStatus;
 class PlistPreferences;
 class ProfileCatalogue;
 class ProfileChooser;
+class RecentFilesMenu;
 class QLocalServer;
 class SystemReportGUIReceiver;
 
@@ -44,6 +45,14 @@ public:
     /// longer than the window is used.
     void setCatalogue(ProfileCatalogue& catalogue);
 
+    /// Reads the profiles again and shows them. Nothing happens to a chosen profile that is still what it
+    /// was; one that has changed on disk or is gone lives until the change of choice has been announced.
+    void reloadProfiles();
+    /// Takes over what the preferences dialog has changed: the profiles, and files that were saved there.
+    void preferencesEdited(const QStringList& savedFiles, bool saveFailed);
+    /// Puts a profile file into the menu of the recent ones.
+    void addRecentProfile(const QString& path);
+
 public Q_SLOTS:
     void onAbout();
     void onFeedback();
@@ -65,6 +74,7 @@ protected:
 
 private:
     void setUpActions();
+    void setUpMenus();
     void setUpFonts();
     void setUpPages();
     void setUpServer();
@@ -73,6 +83,7 @@ private:
     void countProblems(const ClientInterface& page);
     void clientDisconnected(Client* client, const QString& text);
     void showClientCount();
+    void openRecentProfile(const QString& path);
 
     std::unique_ptr<Ui::MainWindow> m_ui;
     Controller* m_controller;
@@ -82,6 +93,7 @@ private:
     SystemReportGUIReceiver* m_reportReceiver = nullptr;
     AboutBox* m_aboutBox = nullptr;
     ProfileChooser* m_profileChooser = nullptr;
+    RecentFilesMenu* m_recentProfiles = nullptr;
     ProfileCatalogue* m_catalogue = nullptr;
     QLocalServer* m_server = nullptr;
     LocalListener* m_listener = nullptr;

@@ -8,6 +8,8 @@
 #include <QComboBox>
 #include <QSignalBlocker>
 
+#include <algorithm>
+
 namespace {
 
 /// What the list shows for a profile. Files can share a device's name, so theirs is added.
@@ -30,21 +32,51 @@ ProfileChooser::ProfileChooser(QComboBox* box)
     registerProfileMetaTypes();
     m_box->setToolTip(tr("The hardware that applications are to find; \"Host\" is this computer's own"));
     m_box->addItem(QStringLiteral("Host"));
+    connect(m_box, &QComboBox::currentIndexChanged, this, &ProfileChooser::announce);
 }
 
 void ProfileChooser::show(const ProfileCatalogue& catalogue)
 {
-    const QSignalBlocker blocker(m_box);
-    m_box->clear();
-    m_box->addItem(QStringLiteral("Host"));
-    const std::shared_ptr<ProfileDataWrapper> current = catalogue.current();
-    for (const auto* profiles : {&catalogue.builtinProfiles(), &catalogue.userProfiles()}) {
-        for (const std::shared_ptr<ProfileDataWrapper>& profile : *profiles) {
-            addProfile(profile);
-            if (profile == current)
-                m_box->setCurrentIndex(m_box->count() - 1);
+    const std::shared_ptr<const ProfileDataWrapper> before = chosen();
+    {
+        const QSignalBlocker blocker(m_box);
+        m_box->clear();
+        m_box->addItem(QStringLiteral("Host"));
+        for (const auto* profiles : {&catalogue.builtinProfiles(), &catalogue.userProfiles()}) {
+            for (const std::shared_ptr<ProfileDataWrapper>& profile : *profiles)
+                addProfile(profile);
         }
+        const int same = before ? indexOf(before.get()) : -1;
+        m_box->setCurrentIndex(std::max(same >= 0 ? same : indexOf(catalogue.current().get()), 0));
     }
+    announce();
+}
+
+void ProfileChooser::choose(const std::shared_ptr<const ProfileDataWrapper>& profile)
+{
+    const int index = indexOf(profile.get());
+    if (index >= 0)
+        m_box->setCurrentIndex(index);
+}
+
+/// -1 when it is not in the list; that of "Host" for none.
+int ProfileChooser::indexOf(const ProfileDataWrapper* profile) const
+{
+    for (int i = 0; i < m_box->count(); ++i) {
+        if (m_box->itemData(i).value<WeakProfile>().lock().get() == profile)
+            return i;
+    }
+    return -1;
+}
+
+void ProfileChooser::announce()
+{
+    const WeakProfile profile = chosen();
+    // Owners are compared, so that the end of one profile is told from another that has its place.
+    if (!profile.owner_before(m_announced) && !m_announced.owner_before(profile))
+        return;
+    m_announced = profile;
+    Q_EMIT chosenChanged(profile);
 }
 
 void ProfileChooser::addProfile(const std::shared_ptr<ProfileDataWrapper>& profile)
@@ -55,9 +87,13 @@ void ProfileChooser::addProfile(const std::shared_ptr<ProfileDataWrapper>& profi
         Qt::ToolTipRole);
 }
 
+std::shared_ptr<const ProfileDataWrapper> ProfileChooser::chosen() const
+{
+    return m_box->currentData().value<WeakProfile>().lock();
+}
+
 std::string ProfileChooser::chosenKey() const
 {
-    const std::shared_ptr<const ProfileDataWrapper> profile =
-        m_box->currentData().value<WeakProfile>().lock();
+    const std::shared_ptr<const ProfileDataWrapper> profile = chosen();
     return profile ? profile->key() : std::string();
 }

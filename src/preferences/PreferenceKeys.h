@@ -32,6 +32,8 @@ inline constexpr std::string_view strictContextMode = "/strict_context_mode";
 inline constexpr std::string_view radeonHdHack = "/radeon_hd_hack";
 /// Boolean, true where absent.
 inline constexpr std::string_view showSplash = "/About/ShowSplash";
+/// "system", "light" or "dark"; "system" where absent.
+inline constexpr std::string_view theme = "/theme";
 /// Array of strings, the most recent first.
 inline constexpr std::string_view recentFiles = "/RecentFiles";
 

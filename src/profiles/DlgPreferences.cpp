@@ -11,6 +11,7 @@
 
 #include <QFile>
 #include <QFileDialog>
+#include <QFont>
 #include <QWhatsThis>
 
 namespace {
@@ -66,7 +67,7 @@ void DlgPreferences::addHelpLabel()
     m_contextModeHelp->setFont(font);
     m_contextModeHelp->setText(QStringLiteral(
         "<html><img src=':/CorvaleResources/Info' width='16' height='16'> What's this?</html>"));
-    m_ui->contextModeLayout->addWidget(m_contextModeHelp);
+    m_ui->contextModeLayout->insertWidget(m_ui->contextModeLayout->count() - 1, m_contextModeHelp);
     setTabOrder(m_ui->radioLoose, m_contextModeHelp);
 }
 

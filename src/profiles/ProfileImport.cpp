@@ -7,6 +7,8 @@
 #include "Utf8.h"
 #include "XmlGuard.h"
 
+#include <tinyxml2.h>
+
 using tinyxml2::XMLDocument;
 using tinyxml2::XMLElement;
 
@@ -25,6 +27,13 @@ std::string tooLargeText()
 }
 
 } // namespace
+
+ProfileImport::ProfileImport()
+    : m_result(std::make_unique<XMLDocument>(true, tinyxml2::PRESERVE_WHITESPACE))
+{
+}
+
+ProfileImport::~ProfileImport() = default;
 
 std::string ProfileImport::add(const std::filesystem::path& file)
 {
@@ -50,11 +59,11 @@ std::string ProfileImport::merge(std::string_view bytes)
     XMLDocument loaded(true, tinyxml2::PRESERVE_WHITESPACE);
     if (loaded.Parse(bytes.data(), bytes.size()) != tinyxml2::XML_SUCCESS)
         return loaded.ErrorStr();
-    XMLElement* const into = m_result.FirstChildElement("profile");
+    XMLElement* const into = m_result->FirstChildElement("profile");
     const XMLElement* const from = loaded.FirstChildElement("profile");
     // A file that begins with something else, a comment for example, gives that alone.
     if (!into && loaded.FirstChild())
-        m_result.InsertEndChild(loaded.FirstChild()->DeepClone(&m_result));
+        m_result->InsertEndChild(loaded.FirstChild()->DeepClone(m_result.get()));
     else if (into && from)
         takeApis(*from, *into);
     return {};
@@ -67,13 +76,13 @@ void ProfileImport::takeApis(const XMLElement& from, XMLElement& into)
         // them.
         const XMLElement* const first = into.FirstChildElement("es");
         if (!first || versionOf(*first) != versionOf(*api))
-            into.InsertEndChild(api->DeepClone(&m_result));
+            into.InsertEndChild(api->DeepClone(m_result.get()));
     }
 }
 
 bool ProfileImport::isProfile() const
 {
-    const XMLElement* const profile = m_result.FirstChildElement("profile");
+    const XMLElement* const profile = m_result->FirstChildElement("profile");
     const XMLElement* const api = profile ? profile->FirstChildElement("es") : nullptr;
     return api && api->NextSiblingElement("egl");
 }
@@ -81,7 +90,7 @@ bool ProfileImport::isProfile() const
 std::string ProfileImport::toXml() const
 {
     ProfilePrinter printer(ProfilePrinter::Layout::Indented, ProfileData::largestFile);
-    m_result.Print(&printer);
+    m_result->Print(&printer);
     return printer.text();
 }
 

@@ -4,15 +4,24 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <memory>
 #include <string>
 #include <string_view>
 
-#include <tinyxml2.h>
+namespace tinyxml2 {
+class XMLDocument;
+class XMLElement; // NOLINT(cppcoreguidelines-virtual-class-destructor): theirs to decide
+} // namespace tinyxml2
 
 /// Makes one profile document of one or more files. The first file with a profile gives everything; of those
 /// behind it, API sections are taken and nothing else.
 class ProfileImport {
 public:
+    ProfileImport();
+    ~ProfileImport();
+    ProfileImport(const ProfileImport&) = delete;
+    ProfileImport& operator=(const ProfileImport&) = delete;
+
     /// Merges a file in. Returns why it was left out as readable text, empty when it could be read.
     std::string add(const std::filesystem::path& file);
 
@@ -29,7 +38,7 @@ private:
     std::string merge(std::string_view bytes);
     void takeApis(const tinyxml2::XMLElement& from, tinyxml2::XMLElement& into);
 
-    tinyxml2::XMLDocument m_result{true, tinyxml2::PRESERVE_WHITESPACE};
+    std::unique_ptr<tinyxml2::XMLDocument> m_result;
     /// Of all files that were read.
     std::size_t m_bytes = 0;
     bool m_tooLarge = false;

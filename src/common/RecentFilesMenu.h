@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QMenu>
+#include <QStringList>
+
+class PlistPreferences;
+
+/// A menu of the files that were used last, the most recent first. The list is kept in the preferences.
+class RecentFilesMenu : public QMenu {
+    Q_OBJECT
+
+public:
+    static constexpr qsizetype mostFiles = 10;
+
+    /// The store must live longer.
+    RecentFilesMenu(PlistPreferences& preferences, const QString& title, QWidget* parent);
+
+    /// Absolute paths.
+    QStringList files() const;
+    /// Puts a file in front.
+    void addFile(const QString& path);
+
+Q_SIGNALS:
+    void fileChosen(const QString& path);
+    /// A file was chosen that is not there any more; it has been taken out of the list.
+    void fileMissing(const QString& path);
+    /// The list was stored, and whether the preferences could be saved.
+    void stored(bool saved);
+
+private:
+    void fill();
+    void addEntry(const QString& path, int number);
+    void choose(const QString& path);
+    void store(const QStringList& files);
+
+    PlistPreferences& m_preferences;
+};

@@ -1,0 +1,93 @@
+#include "Theme.h"
+
+#include <QApplication>
+
+namespace {
+
+struct RoleColors {
+    QPalette::ColorRole role;
+    QRgb light;
+    QRgb dark;
+};
+
+constexpr RoleColors activeColors[] = {
+    {QPalette::Window, 0xffefefef, 0xff2b2d30},
+    {QPalette::WindowText, 0xff101010, 0xffe6e6e6},
+    {QPalette::Base, 0xffffffff, 0xff1e1f22},
+    {QPalette::AlternateBase, 0xfff5f6f7, 0xff26282c},
+    {QPalette::Text, 0xff101010, 0xffe6e6e6},
+    {QPalette::PlaceholderText, 0xff6a6a6a, 0xff9a9ea4},
+    {QPalette::Button, 0xffefefef, 0xff3a3d41},
+    {QPalette::ButtonText, 0xff101010, 0xffe6e6e6},
+    {QPalette::BrightText, 0xffffffff, 0xffffffff},
+    {QPalette::Light, 0xffffffff, 0xff53575d},
+    {QPalette::Midlight, 0xfff7f7f7, 0xff46494e},
+    {QPalette::Mid, 0xffb8b8b8, 0xff232528},
+    {QPalette::Dark, 0xff9f9f9f, 0xff17181a},
+    {QPalette::Shadow, 0xff767676, 0xff0b0c0d},
+    {QPalette::Highlight, 0xff2a6fb0, 0xff2f6fb0},
+    {QPalette::HighlightedText, 0xffffffff, 0xffffffff},
+    {QPalette::Link, 0xff1560b0, 0xff6cb2f7},
+    {QPalette::LinkVisited, 0xff7a3f9d, 0xffc39bf0},
+    {QPalette::ToolTipBase, 0xffffffdc, 0xff3a3d41},
+    {QPalette::ToolTipText, 0xff101010, 0xffe6e6e6},
+};
+
+constexpr RoleColors disabledColors[] = {
+    {QPalette::WindowText, 0xff8a8a8a, 0xff85898f},
+    {QPalette::Text, 0xff8a8a8a, 0xff85898f},
+    {QPalette::PlaceholderText, 0xffa0a0a0, 0xff6c7076},
+    {QPalette::ButtonText, 0xff8a8a8a, 0xff85898f},
+    {QPalette::Base, 0xfff5f5f5, 0xff26282b},
+    {QPalette::Highlight, 0xffb0b0b0, 0xff4a4e54},
+    {QPalette::HighlightedText, 0xff404040, 0xffb4b8be},
+    {QPalette::Link, 0xff8a8a8a, 0xff85898f},
+    {QPalette::LinkVisited, 0xff8a8a8a, 0xff85898f},
+};
+
+constexpr struct {
+    Theme theme;
+    std::string_view name;
+} names[] = {{Theme::System, "system"}, {Theme::Light, "light"}, {Theme::Dark, "dark"}};
+
+} // namespace
+
+namespace theme {
+
+QPalette palette(Theme theme)
+{
+    QPalette palette;
+    if (theme == Theme::System)
+        return palette;
+    const bool isDark = theme == Theme::Dark;
+    for (const RoleColors& color : activeColors)
+        palette.setColor(QPalette::All, color.role, QColor(isDark ? color.dark : color.light));
+    for (const RoleColors& color : disabledColors)
+        palette.setColor(QPalette::Disabled, color.role, QColor(isDark ? color.dark : color.light));
+    return palette;
+}
+
+void apply(Theme theme)
+{
+    QApplication::setPalette(palette(theme));
+}
+
+std::string_view name(Theme theme)
+{
+    for (const auto& entry : names) {
+        if (entry.theme == theme)
+            return entry.name;
+    }
+    return {};
+}
+
+Theme fromName(std::string_view name)
+{
+    for (const auto& entry : names) {
+        if (entry.name == name)
+            return entry.theme;
+    }
+    return Theme::System;
+}
+
+} // namespace theme
