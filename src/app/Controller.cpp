@@ -3,15 +3,20 @@
 #include "Descriptors.h"
 #include "DlgPreferences.h"
 #include "LocalListener.h"
+#include "PlainMessageBox.h"
 #include "PreferenceKeys.h"
 #include "Product.h"
 #include "Resources.h"
+#include "SaveReadOnlyProfile.h"
 #include "SocketFile.h"
 #include "TerminationSignals.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileDialog>
 #include <QLocalServer>
 #include <QLocalSocket>
+#include <QPushButton>
 #include <QSocketNotifier>
 
 #include <clocale>
@@ -100,7 +105,7 @@ void Controller::endOnSignals()
     // Closing the window tells the clients, and the end of the program removes the sockets.
     connect(new QSocketNotifier(descriptor, QSocketNotifier::Read, this), &QSocketNotifier::activated, this,
         [this] {
-            m_mainWindow.close();
+            m_mainWindow.end();
             quit();
         });
 }
@@ -110,6 +115,71 @@ void Controller::editPreferences()
     DlgPreferences dialog(&m_preferences, &m_mainWindow);
     dialog.exec();
     m_mainWindow.preferencesEdited(dialog.savedFiles(), dialog.hasUnsavedPreferences());
+}
+
+Controller::Pointer Controller::newProfile()
+{
+    return m_catalogue.newProfile();
+}
+
+Controller::Pointer Controller::copyProfile(const ProfileDataWrapper& original)
+{
+    return m_catalogue.copyProfile(original);
+}
+
+void Controller::forgetProfile(const ProfileDataWrapper& profile)
+{
+    m_catalogue.forget(profile);
+    m_mainWindow.setCatalogue(m_catalogue);
+}
+
+bool Controller::changedOnDisk(const ProfileDataWrapper& profile) const
+{
+    return m_catalogue.changedOnDisk(profile);
+}
+
+std::string Controller::directoryForSaving()
+{
+    const std::string set = m_catalogue.profilesDirectory();
+    if (!set.empty())
+        return set;
+    PlainMessageBox box(QMessageBox::Question, QStringLiteral("Corvale GUI"),
+        tr("No folder for profiles is chosen yet."),
+        tr("Choose the folder in which your profiles are kept. The preferences show it, and it can be "
+           "changed "
+           "there."),
+        &m_mainWindow, QMessageBox::Cancel);
+    const QAbstractButton* const choose = box.addButton(tr("Choose..."), QMessageBox::AcceptRole);
+    box.exec();
+    if (box.clickedButton() != choose)
+        return {};
+    const std::string chosen =
+        QFile::encodeName(QFileDialog::getExistingDirectory(&m_mainWindow, QStringLiteral("Choose directory"),
+                              QDir::homePath(), QFileDialog::ShowDirsOnly))
+            .toStdString();
+    if (chosen.empty())
+        return {};
+    const std::string key = preferencekeys::prefixed(preferencekeys::profilesDirectory);
+    const bool stored = m_preferences.setString(key, chosen) == ResultCode::Success;
+    m_mainWindow.preferencesEdited({}, !stored || !m_preferences.save(false));
+    return chosen;
+}
+
+void Controller::reloadProfiles()
+{
+    m_mainWindow.reloadProfiles();
+}
+
+void Controller::selectProfile(const std::string& path)
+{
+    m_mainWindow.chooseProfile(m_catalogue.findFile(path));
+    m_mainWindow.addRecentProfile(QFile::decodeName(QByteArray::fromStdString(path)));
+}
+
+Controller::Pointer Controller::askForCopy(const ProfileDataWrapper& readOnly)
+{
+    dialogs::SaveReadOnlyProfile question(&m_mainWindow);
+    return question.exec() == QDialog::Accepted ? copyProfile(readOnly) : nullptr;
 }
 
 int Controller::run()

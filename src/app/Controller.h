@@ -3,6 +3,7 @@
 #include "MainWindow.h"
 #include "PlistPreferences.h"
 #include "ProfileCatalogue.h"
+#include "ProfileController.h"
 
 #include <QApplication>
 #include <QLockFile>
@@ -13,7 +14,7 @@ class QLocalServer;
 
 /// The application object: makes sure that only one instance runs for a user, and owns the preference store,
 /// the main window and the profiles.
-class Controller : public QApplication {
+class Controller : public QApplication, public ProfileController {
     Q_OBJECT
 
 public:
@@ -27,6 +28,15 @@ public:
 
     /// Shows the preferences dialog, and reads the profiles again when it is closed.
     void editPreferences();
+
+    Pointer newProfile() override;
+    Pointer copyProfile(const ProfileDataWrapper& original) override;
+    void forgetProfile(const ProfileDataWrapper& profile) override;
+    bool changedOnDisk(const ProfileDataWrapper& profile) const override;
+    std::string directoryForSaving() override;
+    void reloadProfiles() override;
+    void selectProfile(const std::string& path) override;
+    Pointer askForCopy(const ProfileDataWrapper& readOnly) override;
 
 private:
     /// Held while the servers are set up, so that two instances that start at once do not take each other's

@@ -15,6 +15,7 @@
 #include "ProfileCatalogue.h"
 #include "ProfileChooser.h"
 #include "ProfileCopying.h"
+#include "ProfilePage.h"
 #include "RecentFilesMenu.h"
 #include "SystemReportGUIReceiver.h"
 #include "SystemReportViewer.h"
@@ -28,7 +29,6 @@
 #include <QFileInfo>
 #include <QFontDatabase>
 #include <QFontInfo>
-#include <QLabel>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QMessageBox>
@@ -95,12 +95,12 @@ void MainWindow::setUpPages()
         m_reportReceiver, SIGNAL(ready(const SystemReport&)), viewer, SLOT(setReport(const SystemReport&)));
     connect(m_ui->cmbFont, SIGNAL(currentFontChanged(const QFont&)), viewer, SLOT(setFont(const QFont&)));
 
-    auto* noEditor =
-        new QLabel(tr("This version lets you choose a hardware profile above, but not edit it yet."), this);
-    noEditor->setAlignment(Qt::AlignCenter);
-    m_ui->profilePropertiesTabLayout->addWidget(noEditor);
     m_profileChooser = new ProfileChooser(m_ui->cmbProfile);
-    m_ui->actionNew_Profile->setEnabled(false);
+    m_profilePage = new ProfilePage(m_controller, m_profileChooser, m_ui->tabProfileProperties);
+    m_ui->profilePropertiesTabLayout->addWidget(m_profilePage);
+    connect(m_profilePage, &ProfilePage::told, this,
+        [this](const QString& text) { statusBar()->showMessage(text, messageTime); });
+    m_ui->actionNew_Profile->setEnabled(m_controller != nullptr);
 }
 
 void MainWindow::setUpFonts()
@@ -231,8 +231,18 @@ void MainWindow::closeTab(const int index)
     m_clientTabs->closeTabAt(index);
 }
 
+void MainWindow::end()
+{
+    m_asksBeforeClosing = false;
+    close();
+}
+
 void MainWindow::closeEvent(QCloseEvent* event)
 {
+    if (m_asksBeforeClosing && !m_profilePage->mayLeave()) {
+        event->ignore();
+        return;
+    }
     // Telling a client may find that it is gone, which takes it out of the set.
     const std::set<Client*> clients = m_clients;
     for (Client* client : clients) {
@@ -333,6 +343,12 @@ void MainWindow::reloadProfiles()
     setCatalogue(*m_catalogue);
 }
 
+void MainWindow::chooseProfile(const std::shared_ptr<const ProfileDataWrapper>& profile)
+{
+    if (profile)
+        m_profileChooser->choose(profile);
+}
+
 void MainWindow::addRecentProfile(const QString& path)
 {
     m_recentProfiles->addFile(path);
@@ -361,4 +377,6 @@ void MainWindow::openRecentProfile(const QString& path)
 
 void MainWindow::newProfile()
 {
+    m_ui->mainTabWidget->setCurrentWidget(m_ui->tabProfileProperties);
+    m_profilePage->newProfile();
 }

@@ -17,6 +17,8 @@ class MonitorStatus;
 class PlistPreferences;
 class ProfileCatalogue;
 class ProfileChooser;
+class ProfileDataWrapper;
+class ProfilePage;
 class RecentFilesMenu;
 class QLocalServer;
 class SystemReportGUIReceiver;
@@ -48,10 +50,15 @@ public:
     /// Reads the profiles again and shows them. Nothing happens to a chosen profile that is still what it
     /// was; one that has changed on disk or is gone lives until the change of choice has been announced.
     void reloadProfiles();
+    /// Chooses a profile as the user would; one that is not in the list is ignored.
+    void chooseProfile(const std::shared_ptr<const ProfileDataWrapper>& profile);
     /// Takes over what the preferences dialog has changed: the profiles, and files that were saved there.
     void preferencesEdited(const QStringList& savedFiles, bool saveFailed);
     /// Puts a profile file into the menu of the recent ones.
     void addRecentProfile(const QString& path);
+
+    /// Closes the window without a question.
+    void end();
 
 public Q_SLOTS:
     void onAbout();
@@ -93,10 +100,12 @@ private:
     SystemReportGUIReceiver* m_reportReceiver = nullptr;
     AboutBox* m_aboutBox = nullptr;
     ProfileChooser* m_profileChooser = nullptr;
+    ProfilePage* m_profilePage = nullptr;
     RecentFilesMenu* m_recentProfiles = nullptr;
     ProfileCatalogue* m_catalogue = nullptr;
     QLocalServer* m_server = nullptr;
     LocalListener* m_listener = nullptr;
     std::set<Client*> m_clients;
     QString m_toldCorruptCopy;
+    bool m_asksBeforeClosing = true;
 };

@@ -52,6 +52,11 @@ void ProfileChooser::show(const ProfileCatalogue& catalogue)
     announce();
 }
 
+bool ProfileChooser::has(const std::shared_ptr<const ProfileDataWrapper>& profile) const
+{
+    return profile && indexOf(profile.get()) >= 0;
+}
+
 void ProfileChooser::choose(const std::shared_ptr<const ProfileDataWrapper>& profile)
 {
     const int index = indexOf(profile.get());

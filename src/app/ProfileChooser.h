@@ -20,7 +20,9 @@ public:
     /// Shows the catalogue's profiles. The chosen one stays chosen as long as the catalogue has it, saved or
     /// not; else it is the remembered one, and "Host" if that is not there either. What is remembered stays.
     void show(const ProfileCatalogue& catalogue);
-    /// Chooses a profile of the list, as the user would.
+    /// Whether the profile is in the list.
+    bool has(const std::shared_ptr<const ProfileDataWrapper>& profile) const;
+    /// Chooses a profile of the list, as the user would; none is "Host".
     void choose(const std::shared_ptr<const ProfileDataWrapper>& profile);
 
     /// The chosen profile, none for "Host".

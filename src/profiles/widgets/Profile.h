@@ -52,6 +52,7 @@ public:
     /// on editing, or when saving failed.
     bool mayLeave();
 
+    const WeakProfile& profile() const { return m_profile; }
     /// Whether that is the profile the panel shows.
     bool shows(const WeakProfile& profile) const;
 
