@@ -1,0 +1,23 @@
+#include "EGLConfigIDSelector.h"
+
+#include <QWheelEvent>
+
+#include <limits>
+
+namespace widgets {
+
+EGLConfigIDSelector::EGLConfigIDSelector(QWidget* parent, int current)
+    : QSpinBox(parent)
+    , m_first(current)
+{
+    setRange(std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
+    setPrefix(QStringLiteral("Config "));
+    setValue(current);
+}
+
+void EGLConfigIDSelector::wheelEvent(QWheelEvent* event)
+{
+    event->ignore();
+}
+
+} // namespace widgets

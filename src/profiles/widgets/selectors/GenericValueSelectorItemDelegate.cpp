@@ -1,0 +1,36 @@
+#include "GenericValueSelectorItemDelegate.h"
+
+#include <QPainter>
+
+namespace widgets {
+
+bool GenericValueSelectorItemDelegate::isSeparator(const QModelIndex& index)
+{
+    // The mark that QComboBox::insertSeparator() leaves.
+    return index.data(Qt::AccessibleDescriptionRole).toString() == QLatin1String("separator");
+}
+
+void GenericValueSelectorItemDelegate::paint(
+    QPainter* painter, const QStyleOptionViewItem& option, const QModelIndex& index) const
+{
+    if (!isSeparator(index)) {
+        QStyledItemDelegate::paint(painter, option, index);
+        return;
+    }
+    painter->save();
+    painter->setPen(option.palette.color(QPalette::Mid));
+    const int y = option.rect.center().y();
+    painter->drawLine(option.rect.left(), y, option.rect.right(), y);
+    painter->restore();
+}
+
+QSize GenericValueSelectorItemDelegate::sizeHint(
+    const QStyleOptionViewItem& option, const QModelIndex& index) const
+{
+    constexpr int separatorHeight = 5;
+    if (isSeparator(index))
+        return {separatorHeight, separatorHeight};
+    return QStyledItemDelegate::sizeHint(option, index);
+}
+
+} // namespace widgets
