@@ -1,12 +1,13 @@
 #pragma once
 
+#include "ProfileMetaTypes.h"
+
 #include <QObject>
 
 #include <memory>
 #include <string>
 
 class ProfileCatalogue;
-class ProfileDataWrapper;
 class QComboBox;
 
 /// Fills a combo box with the profiles to choose from: "Host", which is none, the built-in profiles, and the
@@ -34,7 +35,7 @@ Q_SIGNALS:
     /// Another profile than before is chosen, by whatever means; never emitted for a profile that stays
     /// chosen while the list is shown anew. One that the catalogue has dropped is still alive here if the
     /// caller of show() holds it.
-    void chosenChanged(const std::weak_ptr<const ProfileDataWrapper>& profile);
+    void chosenChanged(const WeakProfile& profile);
 
 private:
     int indexOf(const ProfileDataWrapper* profile) const;
@@ -43,5 +44,5 @@ private:
 
     QComboBox* m_box;
     /// What was announced last.
-    std::weak_ptr<const ProfileDataWrapper> m_announced;
+    WeakProfile m_announced;
 };

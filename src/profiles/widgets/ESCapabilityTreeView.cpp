@@ -2,6 +2,7 @@
 
 #include "ESCapabilityTreeItemDelegate.h"
 #include "NewRowValues.h"
+#include "UnusedKeys.h"
 #include "models/ProfileColumns.h"
 
 #include <QAction>
@@ -20,14 +21,7 @@ ESCapabilityTreeView::ESCapabilityTreeView(QWidget* parent)
 
 std::set<ESCapabilityKey::XMLName> ESCapabilityTreeView::unusedCapabilities(const QModelIndex& api)
 {
-    std::set<ESCapabilityKey::XMLName> unused;
-    visitESCapabilityKeyNodes(
-        [&unused](const ESCapabilityKeyNode& node) { unused.insert(node.key.xmlName); });
-    for (int row = 0; api.isValid() && row < api.model()->rowCount(api); ++row) {
-        const QModelIndex used = api.model()->index(row, models::KeyColumn, api);
-        unused.erase({used.data(Qt::EditRole).toString().toStdString()});
-    }
-    return unused;
+    return widgets::unusedCapabilities(api);
 }
 
 void ESCapabilityTreeView::onContextMenuRequested(const QPoint& pos)

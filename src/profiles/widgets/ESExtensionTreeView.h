@@ -14,10 +14,6 @@ public:
 public Q_SLOTS:
     void onContextMenuRequested(const QPoint& pos);
     void addExtensionTriggered();
-
-private:
-    /// The known extensions that the API version does not hold, in alphabetical order.
-    static QStringList unusedExtensions(const QModelIndex& api);
 };
 
 } // namespace widgets

@@ -1,19 +1,12 @@
 #include "ESTreeView.h"
 
-#include "models/ProfileColumns.h"
+#include "UnusedKeys.h"
 
 namespace widgets {
 
 std::set<esapi::API> ESTreeView::unusedAPIs(const QAbstractItemModel* model)
 {
-    std::set<esapi::API> unused;
-    esapi::visitAPIs([&unused](const esapi::API& api) { unused.insert(api); });
-    for (int row = 0; model && row < model->rowCount(); ++row) {
-        esapi::API used;
-        if (esapi::findAPI(model->index(row, models::KeyColumn).data(Qt::EditRole).toInt(), &used))
-            unused.erase(used);
-    }
-    return unused;
+    return model ? widgets::unusedAPIs(model) : std::set<esapi::API>();
 }
 
 void ESTreeView::addAPITriggered()

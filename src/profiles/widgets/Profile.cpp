@@ -93,10 +93,10 @@ void Profile::show(Field& field, const QString& text)
     field.edit->setVisible(!text.isEmpty());
 }
 
-void Profile::fillFields(const ProfileData& data)
+void Profile::fillFields(const ProfileData& document)
 {
     for (Field& field : m_fields)
-        show(field, fromUtf8((data.*field.get)()));
+        show(field, fromUtf8((document.*field.get)()));
 }
 
 void Profile::setProfile(const WeakProfile& profile)

@@ -77,7 +77,7 @@ private:
 
     void setUpViews();
     void show(Field& field, const QString& text);
-    void fillFields(const ProfileData& data);
+    void fillFields(const ProfileData& document);
     void view();
     void modify();
     void setEditable(bool editable);

@@ -14,7 +14,7 @@ using models::KeyColumn;
 
 namespace {
 
-QAction* addAction(QMenu* menu, ProfileTreeView* view, const QString& text, const QKeySequence& shortcut)
+QAction* makeAction(QMenu* menu, ProfileTreeView* view, const QString& text, const QKeySequence& shortcut)
 {
     QAction* const action = menu->addAction(text);
     action->setShortcut(shortcut);
@@ -34,9 +34,9 @@ QString keyText(const QModelIndex& index)
 ProfileTreeView::ProfileTreeView(const QString& addTop, const QString& addChild, QWidget* parent)
     : QTreeView(parent)
     , m_menu(new QMenu(this))
-    , m_addTop(addAction(m_menu, this, addTop, Qt::CTRL | Qt::Key_Insert))
-    , m_addChild(addAction(m_menu, this, addChild, Qt::Key_Insert))
-    , m_delete(addAction(m_menu, this, QStringLiteral("Delete"), QKeySequence::Delete))
+    , m_addTop(makeAction(m_menu, this, addTop, Qt::CTRL | Qt::Key_Insert))
+    , m_addChild(makeAction(m_menu, this, addChild, Qt::Key_Insert))
+    , m_delete(makeAction(m_menu, this, QStringLiteral("Delete"), QKeySequence::Delete))
 {
     setStyleSheet(QStringLiteral("QLineEdit, QSpinBox { background-color: white; }"));
     setSelectionMode(ExtendedSelection);
