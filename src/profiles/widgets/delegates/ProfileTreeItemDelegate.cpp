@@ -25,11 +25,13 @@ QModelIndex cellOf(const QWidget* editor)
     return editor->property(cellProperty).value<QPersistentModelIndex>();
 }
 
-/// The views paint entries white on any theme, so their texts must be dark on any theme too.
+/// The views paint entries white on any theme, so texts and arrows must be dark on any theme too.
 void useDarkText(QWidget* editor)
 {
     QPalette palette = editor->palette();
-    palette.setColor(QPalette::Text, Qt::black);
+    for (const QPalette::ColorRole role : {QPalette::Text, QPalette::WindowText, QPalette::ButtonText})
+        palette.setColor(role, Qt::black);
+    palette.setColor(QPalette::Button, QColor(0xe6, 0xe6, 0xe6));
     palette.setColor(QPalette::Highlight, QColor(0x1f, 0x5f, 0xa8));
     palette.setColor(QPalette::HighlightedText, Qt::white);
     editor->setPalette(palette);
@@ -90,11 +92,13 @@ void ProfileTreeItemDelegate::updateEditorGeometry(
     QStyledItemDelegate::updateEditorGeometry(editor, option, index);
     if (qobject_cast<QLineEdit*>(editor) || !editor->parentWidget())
         return;
-    // Selectors need more room than their cell may have.
+    // Selectors need more room than their cell may have, but should not hide the key beside it.
+    constexpr int least = 150;
     QRect place = editor->geometry();
     const int middle = place.center().y();
     const QRect all = editor->parentWidget()->rect();
-    place.setSize(place.size().expandedTo(editor->sizeHint()).boundedTo(all.size()));
+    const QSize room(std::max(all.right() + 1 - place.left(), least), all.height());
+    place.setSize(place.size().expandedTo(editor->sizeHint().boundedTo(room)).boundedTo(all.size()));
     place.moveTop(middle - place.height() / 2);
     place.moveLeft(std::max(0, std::min(place.left(), all.right() + 1 - place.width())));
     editor->setGeometry(place);
