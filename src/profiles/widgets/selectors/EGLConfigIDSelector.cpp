@@ -10,9 +10,15 @@ EGLConfigIDSelector::EGLConfigIDSelector(QWidget* parent, int current)
     : QSpinBox(parent)
     , m_first(current)
 {
+    setLocale(QLocale::c());
     setRange(std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
     setPrefix(QStringLiteral("Config "));
     setValue(current);
+}
+
+QString EGLConfigIDSelector::textFromValue(int value) const
+{
+    return QString::number(value);
 }
 
 void EGLConfigIDSelector::wheelEvent(QWheelEvent* event)

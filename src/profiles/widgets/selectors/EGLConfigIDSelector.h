@@ -15,6 +15,8 @@ public:
     bool isChanged() const { return value() != m_first; }
 
 protected:
+    /// As the tree shows it, without separators in any locale.
+    QString textFromValue(int value) const override;
     /// Leaves the event to the view, which scrolls.
     void wheelEvent(QWheelEvent* event) override;
 

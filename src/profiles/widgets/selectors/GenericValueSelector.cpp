@@ -69,6 +69,8 @@ void GenericValueSelector::showPopup()
         if (!GenericValueSelectorItemDelegate::isSeparator(model()->index(i, modelColumn())))
             setItemData(i, names.at(i), Qt::AccessibleTextRole);
     }
+    // The combo box has switched it off when the style it began with shows a menu.
+    view()->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     const int scrollBar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, view());
     view()->setMinimumWidth(view()->sizeHintForColumn(modelColumn()) + scrollBar + 2 * view()->frameWidth());
     QComboBox::showPopup();

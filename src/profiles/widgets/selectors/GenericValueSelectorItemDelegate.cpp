@@ -18,7 +18,9 @@ void GenericValueSelectorItemDelegate::paint(
         return;
     }
     painter->save();
-    painter->setPen(option.palette.color(QPalette::Mid));
+    QColor faint = option.palette.color(QPalette::Text);
+    faint.setAlphaF(0.4F);
+    painter->setPen(faint);
     const int y = option.rect.center().y();
     painter->drawLine(option.rect.left(), y, option.rect.right(), y);
     painter->restore();

@@ -1,0 +1,142 @@
+#include "ESCapabilityTreeItemDelegate.h"
+
+#include "ESCapabilitySelector.h"
+#include "ESTrueFalseSelector.h"
+#include "GlEnumerants.h"
+#include "ImageFormatSelector.h"
+#include "Numbers.h"
+#include "ProfileColumns.h"
+#include "ShaderBinaryFormatSelector.h"
+#include "UnusedKeys.h"
+
+#include <limits>
+
+namespace widgets {
+
+using models::KeyColumn;
+
+namespace {
+
+constexpr std::int64_t least = std::numeric_limits<std::int32_t>::min();
+constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max();
+
+std::string keyText(const QModelIndex& index)
+{
+    return index.siblingAtColumn(KeyColumn).data(Qt::EditRole).toString().toStdString();
+}
+
+std::optional<ESCapabilityKey> capability(const ESCapabilityKey::XMLName& name)
+{
+    ESCapabilityKeyNode node;
+    return findKeyNode(name, &node) ? std::optional(node.key) : std::nullopt;
+}
+
+std::set<std::string> partsOf(const ESCapabilityKey& key)
+{
+    std::set<std::string> parts;
+    for (const ESCapabilityKey& part : key.children)
+        parts.insert(part.xmlName.text);
+    return parts;
+}
+
+/// A key that has other parts would not go with those that the row has.
+QStringList keysFor(const QModelIndex& row)
+{
+    const bool isNew = keyText(row).empty();
+    std::set<std::string> parts;
+    for (int i = 0; i < row.model()->rowCount(row); ++i)
+        parts.insert(keyText(row.model()->index(i, KeyColumn, row)));
+    QStringList names;
+    for (const ESCapabilityKey::XMLName& name : unusedCapabilities(row.parent())) {
+        const std::optional<ESCapabilityKey> key = capability(name);
+        if (isNew || (key && partsOf(*key) == parts))
+            names += QString::fromStdString(name.text);
+    }
+    return names;
+}
+
+/// What a value is to be.
+enum class Kind { Anything, Integer, Real };
+
+Kind kindOf(const QModelIndex& index, int level)
+{
+    if (level == 1)
+        return capability({keyText(index)}) ? Kind::Integer : Kind::Anything;
+    const std::optional<ESCapabilityKey> whole =
+        level == 2 ? capability({keyText(index.parent())}) : std::nullopt;
+    const std::string part = keyText(index);
+    if (!whole || !partsOf(*whole).contains(part))
+        return Kind::Anything;
+    return part == "min" || part == "max" ? Kind::Real : Kind::Integer;
+}
+
+/// The number as it is stored; a null text for what is none.
+QString parsedValue(const std::string& text, Kind kind)
+{
+    const std::optional<std::int64_t> number = platform::parseInteger(text);
+    if (number && *number >= least && *number <= most)
+        return QString::number(*number);
+    if (const std::optional<std::int32_t> value = gl::enumerantValue(text))
+        return QString::number(static_cast<std::uint32_t>(*value));
+    const std::optional<double> real = kind == Kind::Real ? platform::parseReal(text) : std::nullopt;
+    return real ? QString::fromStdString(platform::formatReal(*real)) : QString();
+}
+
+QWidget* makeValueSelector(QWidget* parent, const QModelIndex& index)
+{
+    const QString current = index.data(Qt::EditRole).toString();
+    const std::string key = keyText(index);
+    using Use = ImageFormatSelector::Use;
+    if (key == "implementation_color_read_format")
+        return new ImageFormatSelector(parent, Use::ReadFormat, current);
+    if (key == "implementation_color_read_type")
+        return new ImageFormatSelector(parent, Use::ReadType, current);
+    if (key == "compressed_texture_format")
+        return new ImageFormatSelector(parent, Use::CompressedTexture, current);
+    if (key == "shader_binary_format")
+        return new ShaderBinaryFormatSelector(parent, current);
+    if (key == "shader_compiler")
+        return new ESTrueFalseSelector(parent, current);
+    return nullptr;
+}
+
+} // namespace
+
+QWidget* ESCapabilityTreeItemDelegate::makeEditor(QWidget* parent, const QModelIndex& index) const
+{
+    const int level = depth(index);
+    if (level == 0)
+        return ESTreeItemDelegate::makeEditor(parent, index);
+    if (index.column() == KeyColumn)
+        return level == 1 ? new ESCapabilitySelector(parent, keysFor(index), storedText(index)) : nullptr;
+    const std::optional<ESCapabilityKey> key = level == 1 ? capability({keyText(index)}) : std::nullopt;
+    // The value of a row with parts is its parts.
+    if (index.model()->hasChildren(keyOf(index)) || (key && !key->children.empty()))
+        return nullptr;
+    QWidget* selector = level == 1 ? makeValueSelector(parent, index) : nullptr;
+    return selector ? selector : makeLine(parent, index);
+}
+
+ProfileTreeItemDelegate::Outcome ESCapabilityTreeItemDelegate::outcomeOf(
+    const QModelIndex& index, const QVariant& entry) const
+{
+    const int level = depth(index);
+    if (level == 0)
+        return ESTreeItemDelegate::outcomeOf(index, entry);
+    const Kind kind = index.column() == KeyColumn ? Kind::Anything : kindOf(index, level);
+    if (kind == Kind::Anything)
+        return {entry, {}};
+    const QString value = parsedValue(entry.toString().trimmed().toStdString(), kind);
+    if (!value.isNull())
+        return {value, {}};
+    const QString name = keyOf(index).data().toString();
+    if (kind == Kind::Real)
+        return {{}, tr("\"%1\" takes a number such as 1 or 0.5.").arg(name)};
+    return {{},
+        tr("%1 takes a whole number from %2 to %3 or the name of a GL enumerant such as GL_RGBA.")
+            .arg(name)
+            .arg(least)
+            .arg(most)};
+}
+
+} // namespace widgets
