@@ -1,13 +1,16 @@
 #include "Client.h"
 #include "ClientInterface.h"
 #include "ClientTabWidget.h"
+#include "DialogAnswers.h"
 #include "MainWindow.h"
 #include "MetaObjects.h"
 #include "PlistPreferences.h"
 #include "PreferenceKeys.h"
 #include "ProfileCatalogue.h"
+#include "ProfileChooser.h"
 #include "ProfileMetaTypes.h"
 #include "RawClient.h"
+#include "RecentFilesMenu.h"
 #include "Resources.h"
 
 #include <QCheckBox>
@@ -89,6 +92,13 @@ public:
     std::vector<std::unique_ptr<RawClient>> applications;
 };
 
+void writeFile(const QString& path, const QByteArray& content)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(content);
+}
+
 } // namespace
 
 class TestMainWindow : public QObject {
@@ -116,6 +126,8 @@ private Q_SLOTS:
     void unreadablePreferencesAreKept_data();
     void unreadablePreferencesAreKept();
     void profileChooser();
+    void reloadDisturbsNobody();
+    void recentProfiles();
     void fatalErrorClosesTheWindow();
 };
 
@@ -365,9 +377,7 @@ void TestMainWindow::profileChooser()
 {
     const QTemporaryDir folder;
     const auto write = [&folder](const char* name, const QByteArray& content) {
-        QFile file(folder.filePath(QString::fromLatin1(name)));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
+        writeFile(folder.filePath(QString::fromLatin1(name)), content);
     };
     write("b.xml", "<profile><device>Board</device></profile>");
     write("a.xml", "<profile><device>Board</device></profile>");
@@ -405,6 +415,96 @@ void TestMainWindow::profileChooser()
     QCOMPARE(box.currentText(), QStringLiteral("Board (b.xml)"));
     box.setCurrentIndex(0);
     QCOMPARE(stored(), QString());
+}
+
+void TestMainWindow::reloadDisturbsNobody()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.xml"));
+    writeFile(path, "<profile><device>A</device></profile>");
+    qputenv("CORVALE_PROFILE_PATH", QFile::encodeName(folder.path()));
+    Session session;
+    ProfileCatalogue catalogue(session.preferences);
+    session.window.setCatalogue(catalogue);
+    auto& box = *session.window.findChild<QComboBox*>(QStringLiteral("cmbProfile"));
+    auto& chooser = *session.window.findChild<ProfileChooser*>();
+    QStringList announced;
+    connect(&chooser, &ProfileChooser::chosenChanged, this, [&](const WeakProfile& profile) {
+        announced.append(profile.expired() ? QString() : QString::fromStdString(profile.lock()->key()));
+    });
+    box.setCurrentIndex(box.count() - 1);
+    QCOMPARE(announced, QStringList("a.xml"));
+    const WeakProfile before = chooser.chosen();
+    writeFile(folder.filePath(QStringLiteral("0.xml")), "<profile><device>0</device></profile>");
+    session.window.reloadProfiles();
+    QCOMPARE(box.currentText(), QStringLiteral("A (a.xml)"));
+    QCOMPARE(chooser.chosen(), before.lock());
+    QCOMPARE(announced.size(), 1);
+
+    // A profile without a file has no key to be found by.
+    const WeakProfile unsaved = catalogue.newProfile();
+    session.window.setCatalogue(catalogue);
+    chooser.choose(unsaved.lock());
+    session.window.reloadProfiles();
+    QCOMPARE(chooser.chosen(), unsaved.lock());
+    QCOMPARE(announced, QStringList({"a.xml", ""}));
+
+    chooser.choose(before.lock());
+    writeFile(path, "<profile><device>B</device></profile>");
+    session.window.reloadProfiles();
+    QVERIFY(before.expired());
+    QCOMPARE(box.currentText(), QStringLiteral("B (a.xml)"));
+    QVERIFY(QFile::remove(path));
+    session.window.reloadProfiles();
+    QCOMPARE(box.currentText(), QStringLiteral("Host"));
+    QCOMPARE(announced, QStringList({"a.xml", "", "a.xml", "a.xml", ""}));
+    writeFile(path, "<profile><device>C</device></profile>");
+    session.window.reloadProfiles();
+    QCOMPARE(box.currentText(), QStringLiteral("C (a.xml)"));
+}
+
+void TestMainWindow::recentProfiles()
+{
+    const QTemporaryDir folder;
+    const QTemporaryDir elsewhere;
+    for (const QString& path :
+        {folder.filePath("a.xml"), elsewhere.filePath("a.xml"), elsewhere.filePath("gone.xml")})
+        writeFile(path, "<profile><device>A</device></profile>");
+    writeFile(elsewhere.filePath("broken.xml"), "<profile>");
+    qputenv("CORVALE_PROFILE_PATH", QFile::encodeName(folder.path()));
+    Session session;
+    ProfileCatalogue catalogue(session.preferences);
+    session.window.setCatalogue(catalogue);
+    auto& menu = *session.window.findChild<RecentFilesMenu*>();
+    const QStringList added{elsewhere.filePath("broken.xml"), elsewhere.filePath("gone.xml"),
+        elsewhere.filePath("a.xml"), folder.filePath("a.xml")};
+    session.window.preferencesEdited(added, false);
+    const auto choose = [&menu](int index) {
+        Q_EMIT menu.aboutToShow();
+        menu.actions().at(index)->trigger();
+    };
+    const auto& box = *session.window.findChild<QComboBox*>(QStringLiteral("cmbProfile"));
+    choose(0);
+    QCOMPARE(box.currentText(), QStringLiteral("A (a.xml)"));
+
+    DialogAnswers answers;
+    answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("Cancel"));
+    choose(1);
+    QCOMPARE(box.count(), 2 + static_cast<int>(catalogue.builtinProfiles().size()));
+    answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("Copy and Choose"));
+    choose(1);
+    QCOMPARE(box.currentText(), QStringLiteral("A (a (2).xml)"));
+
+    QVERIFY(QFile::remove(elsewhere.filePath("gone.xml")));
+    answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("OK"));
+    choose(3);
+    answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("OK"));
+    choose(3);
+    QCOMPARE(answers.problems(), QStringList());
+    QCOMPARE(menu.files(),
+        QStringList({folder.filePath("a (2).xml"), folder.filePath("a.xml"), elsewhere.filePath("a.xml"),
+            elsewhere.filePath("broken.xml")}));
+    QCOMPARE(box.currentText(), QStringLiteral("A (a (2).xml)"));
 }
 
 void TestMainWindow::fatalErrorClosesTheWindow()

@@ -45,18 +45,20 @@ const std::string one = "<profile><device>D</device>" + es("2", "a") + es("3", "
 const Merge merges[] = {
     {"one file", {one}, true, "Dab8"},
     {"only sections, and compared with the first alone",
-        {one, "<profile><device>E</device>" + es("3", "c") + es("2", "d") + es("1", "e") + egl + "</profile>"},
+        {one,
+            "<profile><device>E</device>" + es("3", "c") + es("2", "d") + es("1", "e") + egl + "</profile>"},
         true, "Dab8ce"},
     {"a version that is none counts as 0",
-        {"<profile>" + es("x", "a") + egl + "</profile>", "<profile>" + es("0", "b") + "<es/></profile>"}, true,
-        "a8"},
+        {"<profile>" + es("x", "a") + egl + "</profile>", "<profile>" + es("0", "b") + "<es/></profile>"},
+        true, "a8"},
     {"what is left out does not disturb", {"<profile>", one, "text", "\xFF<profile/>"}, true, "Dab8", 3},
-    {"a comment takes the place of its profile", {"<!--c--><profile>" + es("9", "z") + "</profile>", one}, true,
-        "Dab8"},
+    {"a comment takes the place of its profile", {"<!--c--><profile>" + es("9", "z") + "</profile>", one},
+        true, "Dab8"},
     {"a declaration as well", {"<?xml version='1.0'?>" + one}, false, ""},
     {"the first section after the configs", {"<profile>" + egl + es("2", "a") + "</profile>"}, false, "8a"},
     {"sections that come to a profile without any",
-        {"<profile>" + egl + "</profile>", "<profile>" + es("2", "a") + es("2", "b") + "</profile>"}, false, "8a"},
+        {"<profile>" + egl + "</profile>", "<profile>" + es("2", "a") + es("2", "b") + "</profile>"}, false,
+        "8a"},
     {"nothing", {}, false, ""},
 };
 
@@ -83,7 +85,8 @@ INSTANTIATE_TEST_SUITE_P(Tables, ProfileMerge, testing::ValuesIn(merges));
 TEST(ProfileImport, savesWhatItReadAndNothingThatCannotBeReadAgain)
 {
     const auto folder = freshFolder();
-    const std::string text = "<profile><device> A&amp;B \xC3\xA9&#13;</device>" + es("2", "a") + egl + "</profile>";
+    const std::string text =
+        "<profile><device> A&amp;B \xC3\xA9&#13;</device>" + es("2", "a") + egl + "</profile>";
     fill(folder / "in.xml", text);
     ProfileImport import;
     EXPECT_EQ(import.add(folder / "in.xml"), "");
