@@ -108,5 +108,6 @@ int Controller::run()
 {
     endOnSignals();
     m_mainWindow.show();
+    m_mainWindow.showSplash();
     return QApplication::exec();
 }

@@ -19,6 +19,8 @@ class ProfileCatalogue;
 class ProfileChooser;
 class QLocalServer;
 class SystemReportGUIReceiver;
+class SystemReportViewer;
+class TSRStatsInterface;
 
 namespace Ui {
 class MainWindow;
@@ -44,6 +46,9 @@ public:
     /// longer than the window is used.
     void setCatalogue(ProfileCatalogue& catalogue);
 
+    /// Shows the about box as a splash, unless the user does not want that.
+    void showSplash();
+
 public Q_SLOTS:
     void onAbout();
     void onFeedback();
@@ -66,6 +71,7 @@ protected:
 private:
     void setUpActions();
     void setUpFonts();
+    void setUpHelp();
     void setUpPages();
     void setUpServer();
     /// Tells in the status bar what a save of the preferences did beyond saving.
@@ -80,6 +86,8 @@ private:
     ClientTabWidget* m_clientTabs = nullptr;
     MonitorStatus* m_status = nullptr;
     SystemReportGUIReceiver* m_reportReceiver = nullptr;
+    SystemReportViewer* m_reportViewer = nullptr;
+    std::shared_ptr<TSRStatsInterface> m_stats;
     AboutBox* m_aboutBox = nullptr;
     ProfileChooser* m_profileChooser = nullptr;
     ProfileCatalogue* m_catalogue = nullptr;
