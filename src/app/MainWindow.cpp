@@ -286,6 +286,7 @@ void MainWindow::onFeedback()
         systemFacts(m_ui->cmbProfile->currentText()) + QLatin1Char('\n')
             + (report.isEmpty() ? tr("There is no system report.") : report),
         m_preferences);
+    dialog->setTextFont(m_ui->cmbFont->currentFont());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->open();
 }

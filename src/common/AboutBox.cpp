@@ -12,6 +12,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QWindow>
 
 namespace {
 
@@ -83,7 +84,10 @@ void AboutBox::showAtStart()
     m_starting = true;
     setAttribute(Qt::WA_ShowWithoutActivating);
     qApp->installEventFilter(this);
-    show();
+    // Before it is on the screen, the window does not know where it is, and nothing can be centred on it.
+    const QWindow* behind = windowBehind();
+    if (behind == nullptr || behind->isExposed())
+        show();
 }
 
 void AboutBox::showForced()
@@ -95,13 +99,31 @@ void AboutBox::showForced()
 
 void AboutBox::endStart()
 {
-    if (m_starting)
-        hide();
+    if (!m_starting)
+        return;
+    forgetStart();
+    hide();
+}
+
+void AboutBox::forgetStart()
+{
+    m_starting = false;
+    qApp->removeEventFilter(this);
+    setAttribute(Qt::WA_ShowWithoutActivating, false);
+}
+
+const QWindow* AboutBox::windowBehind() const
+{
+    return parentWidget() != nullptr ? parentWidget()->window()->windowHandle() : nullptr;
 }
 
 bool AboutBox::eventFilter(QObject* watched, QEvent* event)
 {
-    const bool pressed = event->type() == QEvent::KeyPress || event->type() == QEvent::MouseButtonPress;
+    if (event->type() == QEvent::Expose && watched == windowBehind() && windowBehind()->isExposed())
+        show();
+    // A shortcut takes its key away before it counts as pressed.
+    const bool pressed = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride
+        || event->type() == QEvent::MouseButtonPress;
     const auto* widget = pressed ? qobject_cast<QWidget*>(watched) : nullptr;
     if (widget != nullptr && widget->window() != this)
         endStart();
@@ -128,9 +150,7 @@ void AboutBox::mouseReleaseEvent(QMouseEvent* event)
 void AboutBox::hideEvent(QHideEvent* event)
 {
     // Also when it is only iconified: it has been seen.
-    m_starting = false;
-    qApp->removeEventFilter(this);
-    setAttribute(Qt::WA_ShowWithoutActivating, false);
+    forgetStart();
     QDialog::hideEvent(event);
 }
 

@@ -35,6 +35,8 @@ protected:
     void hideEvent(QHideEvent* event) override;
 
 private:
+    void forgetStart();
+    const QWindow* windowBehind() const;
     void readChoice();
     void storeChoice(bool show);
 

@@ -98,8 +98,8 @@ QString DocumentationOpener::remembered(const QString& document) const
 QString DocumentationOpener::ask(const QString& document, QWidget* parent) const
 {
     QMessageBox question(QMessageBox::Question, tr("Document not found"),
-        tr("\"%1\" is not where it is expected. Do you want to show where it is?").arg(document),
-        QMessageBox::Cancel, parent);
+        tr("\"%1\" was not found.").arg(document), QMessageBox::Cancel, parent);
+    question.setInformativeText(tr("If you have it somewhere else, locate it. You will not be asked again."));
     question.setDetailedText(tr("Looked for:\n%1").arg(places(document).join(QLatin1Char('\n'))));
     QPushButton* locate = question.addButton(tr("&Locate..."), QMessageBox::AcceptRole);
     question.setDefaultButton(locate);

@@ -7,7 +7,6 @@
 #include "ui_FeedbackDialog.h"
 
 #include <QDesktopServices>
-#include <QFontDatabase>
 #include <QIcon>
 #include <QPushButton>
 #include <QToolTip>
@@ -50,7 +49,6 @@ FeedbackDialog::FeedbackDialog(
     setUpLink(*m_ui->ForumURL, tr("Forum"), QStringLiteral("https://") + forum, forum);
     setUpLink(*m_ui->SupportURL, tr("Support e-mail"), QStringLiteral("mailto:") + support, support);
 
-    m_ui->RequiredText->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
     m_ui->RequiredText->clear();
     m_ui->RequiredText->appendPlainText(firstText + QLatin1Char(' ') + buildTag);
     m_ui->RequiredText->appendPlainText(secondText);
@@ -70,6 +68,11 @@ FeedbackDialog::~FeedbackDialog()
     m_preferences.setBoolean(preferencekeys::collectUsage, m_ui->usageStats_checkBox->isChecked());
 }
 
+void FeedbackDialog::setTextFont(const QFont& font)
+{
+    m_ui->RequiredText->setFont(font);
+}
+
 void FeedbackDialog::setUpTexts()
 {
     setWindowTitle(dialogText(feedbackTexts::Title));
@@ -82,6 +85,7 @@ void FeedbackDialog::setUpTexts()
         dialogText(hasCommandKey() ? feedbackTexts::CopyWithCmd : feedbackTexts::CopyWithCtrl));
     QPushButton* close = m_ui->buttonBox->button(QDialogButtonBox::Close);
     close->setText(dialogText(feedbackTexts::Ok));
+    close->setIcon(QIcon());
     close->setDefault(true);
     close->setFocus();
 }

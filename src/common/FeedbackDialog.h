@@ -23,6 +23,9 @@ public:
     /// Leaves the user's choice in the store's memory; whoever saves the store next takes it to the disk.
     ~FeedbackDialog() override;
 
+    /// The font of the text to paste, which is aligned for one of fixed width.
+    void setTextFont(const QFont& font);
+
 private:
     void setUpTexts();
     void setUpLink(QLabel& label, const QString& name, const QString& target, const QString& shown);

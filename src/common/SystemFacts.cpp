@@ -17,7 +17,8 @@ QString libraryVersions()
 QString systemFacts(const QString& profile)
 {
     return QStringLiteral("Libraries:  %1\n"
-                          "System:     %2, %3 %4, %5\n"
+                          "System:     %2\n"
+                          "Kernel:     %3 %4, %5\n"
                           "Display:    %6\n"
                           "Profile:    %7\n")
         .arg(libraryVersions(), QSysInfo::prettyProductName(), QSysInfo::kernelType(),

@@ -166,9 +166,9 @@ void TestHelp::splash()
     AboutBox box(
         QStringLiteral(":/CorvaleResources/SplashCorvale"), QStringLiteral("Corvale 1"), store, &window);
     window.show();
-    window.activateWindow();
-    entry->setFocus();
     box.showAtStart();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    entry->setFocus();
     QVERIFY(box.isVisible() && !box.isModal());
     QVERIFY(!box.findChild<QLabel*>(QStringLiteral("lblSplash"))->pixmap().isNull());
     QTest::keyClick(entry, Qt::Key_X);
