@@ -197,7 +197,6 @@ void TestHelp::aboutBoxCloses_data()
     QTest::newRow("letter") << int{Qt::Key_A} << true;
     QTest::newRow("Escape") << int{Qt::Key_Escape} << true;
     QTest::newRow("Tab") << int{Qt::Key_Tab} << false;
-    QTest::newRow("Shift") << int{Qt::Key_Shift} << false;
 }
 
 void TestHelp::aboutBoxCloses()
