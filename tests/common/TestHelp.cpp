@@ -84,6 +84,11 @@ private Q_SLOTS:
         for (const char* scheme : {"https", "mailto", "file"})
             QDesktopServices::setUrlHandler(QString::fromLatin1(scheme), this, "opened");
     }
+    void cleanupTestCase()
+    {
+        for (const char* scheme : {"https", "mailto", "file"})
+            QDesktopServices::unsetUrlHandler(QString::fromLatin1(scheme));
+    }
     void init()
     {
         m_opened.clear();
@@ -118,6 +123,9 @@ void TestHelp::feedback()
 
         label("SelectAndCopyLabel")->setFocus();
         QTest::keyClick(label("SelectAndCopyLabel"), Qt::Key_Space);
+        QCOMPARE(QGuiApplication::clipboard()->text(), text.toPlainText());
+        QGuiApplication::clipboard()->clear();
+        QTest::mouseClick(label("SelectAndCopyLabel"), Qt::LeftButton);
         QCOMPARE(QGuiApplication::clipboard()->text(), text.toPlainText());
         for (const char* name : {"ForumURL", "SupportURL"}) {
             label(name)->setFocus();
