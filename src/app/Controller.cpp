@@ -186,5 +186,6 @@ int Controller::run()
 {
     endOnSignals();
     m_mainWindow.show();
+    m_mainWindow.showSplash();
     return QApplication::exec();
 }

@@ -4,7 +4,9 @@
 #include "Client.h"
 #include "ClientInterface.h"
 #include "Controller.h"
+#include "DocumentationOpener.h"
 #include "ErrorListModel.h"
+#include "FeedbackDialog.h"
 #include "FileErrors.h"
 #include "LocalListener.h"
 #include "MonitorStatus.h"
@@ -17,33 +19,26 @@
 #include "ProfileCopying.h"
 #include "ProfilePage.h"
 #include "RecentFilesMenu.h"
+#include "SystemFacts.h"
 #include "SystemReportGUIReceiver.h"
+#include "SystemReportPage.h"
 #include "SystemReportViewer.h"
+#include "TSRStats.h"
 #include "ThemeMenu.h"
 #include "ui_MainWindow.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
-#include <QDesktopServices>
-#include <QDir>
-#include <QFileInfo>
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QMessageBox>
-#include <QUrl>
 
 namespace {
 
 /// Milliseconds that a passing message stays in the status bar.
 constexpr int messageTime = 10000;
-
-QString manualPath()
-{
-    return QDir::cleanPath(QCoreApplication::applicationDirPath()
-        + QStringLiteral("/../../Documentation/Corvale User Manual.html"));
-}
 
 /// A family of the font list, which knows no aliases such as "monospace".
 QString fixedFontFamily()
@@ -70,8 +65,7 @@ MainWindow::MainWindow(Controller* controller, PlistPreferences& preferences)
     m_clientTabs = m_ui->clienttabs;
     m_ui->mainTabWidget->setFocus();
     m_status = new MonitorStatus(m_ui->statusbar);
-    m_aboutBox =
-        new AboutBox(QStringLiteral(":/CorvaleResources/SplashCorvale"), product::nameAndVersion(), this);
+    setUpHelp();
     setUpPages();
     setUpFonts();
     setUpActions();
@@ -84,16 +78,27 @@ MainWindow::~MainWindow()
     // Sockets announce their end while they are destroyed; nobody is left here to hear it.
     for (Client* client : findChildren<Client*>(QString(), Qt::FindDirectChildrenOnly))
         delete client;
+    m_stats->finish();
+}
+
+void MainWindow::setUpHelp()
+{
+    m_stats = std::make_shared<TSRStats>(
+        product::name().toStdString(), product::version().toStdString(), m_preferences);
+    m_stats->initialise();
+    m_aboutBox = new AboutBox(
+        QStringLiteral(":/CorvaleResources/SplashCorvale"), product::nameAndVersion(), m_preferences, this);
+    connect(m_aboutBox, &AboutBox::choiceStored, this, &MainWindow::reportSave);
 }
 
 void MainWindow::setUpPages()
 {
-    auto* viewer = new SystemReportViewer(m_ui->tabSystemReport);
-    m_ui->systemReportTabLayout->addWidget(viewer);
     m_reportReceiver = new SystemReportGUIReceiver(this);
+    auto* reportPage = new SystemReportPage(m_reportReceiver, m_ui->tabSystemReport);
+    m_ui->systemReportTabLayout->addWidget(reportPage);
+    m_reportViewer = &reportPage->viewer();
     connect(
-        m_reportReceiver, SIGNAL(ready(const SystemReport&)), viewer, SLOT(setReport(const SystemReport&)));
-    connect(m_ui->cmbFont, SIGNAL(currentFontChanged(const QFont&)), viewer, SLOT(setFont(const QFont&)));
+        m_ui->cmbFont, SIGNAL(currentFontChanged(const QFont&)), m_reportViewer, SLOT(setFont(const QFont&)));
 
     m_profileChooser = new ProfileChooser(m_ui->cmbProfile);
     m_profilePage = new ProfilePage(m_controller, m_profileChooser, m_ui->tabProfileProperties);
@@ -109,6 +114,7 @@ void MainWindow::setUpFonts()
     std::string family;
     m_preferences.getString(preferencekeys::prefixed(preferencekeys::guiFont), &family, &otherwise, true);
     m_ui->cmbFont->setCurrentFont(QFont(QString::fromLatin1(family)));
+    m_reportViewer->setFont(m_ui->cmbFont->currentFont());
     // Connected last: what has just been read need not be stored.
     connect(m_ui->cmbFont, SIGNAL(currentFontChanged(const QFont&)), SLOT(fontChanged(const QFont&)));
 }
@@ -123,7 +129,6 @@ void MainWindow::setUpActions()
     connect(m_ui->actionNew_Profile, SIGNAL(triggered()), SLOT(newProfile()));
     connect(m_ui->cmbProfile, SIGNAL(currentIndexChanged(int)), SLOT(optionChanged()));
     connect(m_clientTabs, SIGNAL(tabCloseRequested(int)), SLOT(closeTab(int)));
-    m_ui->actionFeedback->setEnabled(false);
 }
 
 void MainWindow::setUpMenus()
@@ -161,6 +166,7 @@ void MainWindow::serverNewConnection()
     QLocalSocket* socket = m_server->nextPendingConnection();
     if (socket == nullptr)
         return;
+    m_aboutBox->endStart();
     auto* client = new Client(this, socket);
     connect(client, SIGNAL(setPID(Client*, PID_TYPE)), SLOT(setClientPID(Client*, PID_TYPE)));
     connect(client, SIGNAL(setName(Client*, const QString&)), SLOT(setClientName(Client*, const QString&)));
@@ -290,20 +296,34 @@ void MainWindow::fatalError(Error error)
     close();
 }
 
+void MainWindow::showSplash()
+{
+    m_aboutBox->showAtStart();
+}
+
 void MainWindow::onAbout()
 {
-    m_aboutBox->open();
+    m_aboutBox->showForced();
 }
 
 void MainWindow::onHelp()
 {
-    const QString path = manualPath();
-    if (!QFileInfo::exists(path) || !QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
-        statusBar()->showMessage(tr("The manual could not be opened: \"%1\"").arg(path), messageTime);
+    DocumentationOpener opener(m_preferences, QCoreApplication::applicationDirPath());
+    const QString problem = opener.open(QStringLiteral("Corvale User Manual.html"), this);
+    if (!problem.isEmpty())
+        statusBar()->showMessage(problem, messageTime);
 }
 
 void MainWindow::onFeedback()
 {
+    const QString report = m_reportViewer->text();
+    auto* dialog = new FeedbackDialog(this, product::nameAndVersion(),
+        systemFacts(m_ui->cmbProfile->currentText()) + QLatin1Char('\n')
+            + (report.isEmpty() ? tr("There is no system report.") : report),
+        m_preferences);
+    dialog->setTextFont(m_ui->cmbFont->currentFont());
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
 }
 
 void MainWindow::onPreferences()

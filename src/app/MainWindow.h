@@ -22,6 +22,8 @@ class ProfilePage;
 class RecentFilesMenu;
 class QLocalServer;
 class SystemReportGUIReceiver;
+class SystemReportViewer;
+class TSRStatsInterface;
 
 namespace Ui {
 class MainWindow;
@@ -59,6 +61,8 @@ public:
 
     /// Closes the window without a question.
     void end();
+    /// Shows the about box as a splash, unless the user does not want that.
+    void showSplash();
 
 public Q_SLOTS:
     void onAbout();
@@ -83,6 +87,7 @@ private:
     void setUpActions();
     void setUpMenus();
     void setUpFonts();
+    void setUpHelp();
     void setUpPages();
     void setUpServer();
     /// Tells in the status bar what a save of the preferences did beyond saving.
@@ -98,6 +103,8 @@ private:
     ClientTabWidget* m_clientTabs = nullptr;
     MonitorStatus* m_status = nullptr;
     SystemReportGUIReceiver* m_reportReceiver = nullptr;
+    SystemReportViewer* m_reportViewer = nullptr;
+    std::shared_ptr<TSRStatsInterface> m_stats;
     AboutBox* m_aboutBox = nullptr;
     ProfileChooser* m_profileChooser = nullptr;
     ProfilePage* m_profilePage = nullptr;

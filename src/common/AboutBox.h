@@ -2,10 +2,45 @@
 
 #include <QDialog>
 
-/// Shows the splash image and the product's name and version.
+class PlistPreferences;
+class QCheckBox;
+
+/// Shows the splash image, the product's name and version, and those of the libraries. It comes by itself
+/// when the program starts, unless the user does not want that, or when it is asked for. Any click or key
+/// that does nothing else in it closes it.
 class AboutBox : public QDialog {
     Q_OBJECT
 
 public:
-    AboutBox(const QString& splashImage, const QString& productText, QWidget* parent = nullptr);
+    /// The store must live longer.
+    AboutBox(const QString& splashImage, const QString& productText, PlistPreferences& preferences,
+        QWidget* parent = nullptr);
+
+    /// Shows the box, if the user wants it at start, beside what goes on: it takes no focus, and goes as soon
+    /// as a key or a mouse button is pressed anywhere in the program. Whatever that was meant for gets it.
+    void showAtStart();
+    /// Shows the box in front of its parent until it is closed.
+    void showForced();
+    /// Takes a box away that has come by itself.
+    void endStart();
+
+Q_SIGNALS:
+    /// The choice about the start has been changed, and the preferences have been saved or could not be.
+    void choiceStored(bool saved);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+private:
+    void forgetStart();
+    const QWindow* windowBehind() const;
+    void readChoice();
+    void storeChoice(bool show);
+
+    PlistPreferences& m_preferences;
+    QCheckBox* m_atStart;
+    bool m_starting = false;
 };

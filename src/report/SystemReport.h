@@ -5,6 +5,7 @@
 #include <QtGlobal>
 
 #include <map>
+#include <optional>
 #include <vector>
 
 /// What the emulation libraries report about the system after their first eglInitialize(): one leading
@@ -23,15 +24,15 @@ struct SystemReport {
         QString text;
     };
 
-    quint32 leadingNumber = 0;
+    /// Nothing where it was not sent.
+    std::optional<quint32> leadingNumber;
     std::map<quint32, quint8> flags;
     std::vector<Text> texts;
     std::vector<Detail> details;
     std::vector<KeyedText> keyedTexts;
     std::vector<KeyedText> otherKeyedTexts;
-
-    /// The report as lines of plain text.
-    QString toText() const;
+    /// How many entries came when there was no room for more.
+    quint64 dropped = 0;
 };
 
 Q_DECLARE_METATYPE(SystemReport)

@@ -1,6 +1,7 @@
 #include "SystemReportGUIReceiver.h"
 
-#include <algorithm>
+#include "RecordText.h"
+
 #include <utility>
 
 using ui::messages::Message;
@@ -10,17 +11,24 @@ namespace offset = ui::messages::offset;
 namespace {
 
 /// Entries of one kind, and characters of all texts, at most: no real report comes near it, and no client can
-/// fill the memory or stop the window with it.
+/// fill the memory or stop the window with it. Showing a line takes far more than its characters.
 constexpr std::size_t entryLimit = 4096;
 constexpr qsizetype textLimit = 1'000'000;
+constexpr qsizetype lineCost = 50;
 
-QString textAt(const Message& message, std::size_t at, std::size_t fieldEnd = ui::messages::recordSize)
+qsizetype costOf(const QString& text)
 {
-    const std::string_view bytes = message.text(at, fieldEnd);
-    QString text = QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
-    std::replace_if(
-        text.begin(), text.end(), [](QChar c) { return !c.isPrint() && !c.isSurrogate(); }, QLatin1Char(' '));
-    return text;
+    return text.size() + lineCost * text.count(QLatin1Char('\n'));
+}
+
+QString nameAt(const Message& message)
+{
+    return recordText::singleLine(message.text(offset::reportText, offset::reportTextEnd));
+}
+
+QString keyedTextAt(const Message& message)
+{
+    return recordText::multiLine(message.text(offset::reportKeyedText)).trimmed();
 }
 
 } // namespace
@@ -31,12 +39,30 @@ SystemReportGUIReceiver::SystemReportGUIReceiver(QObject* parent)
     qRegisterMetaType<SystemReport>("SystemReport");
 }
 
+void SystemReportGUIReceiver::clear()
+{
+    m_report = {};
+    m_textSize = 0;
+    m_complete = false;
+}
+
 template <typename Entry> void SystemReportGUIReceiver::append(std::vector<Entry>& entries, Entry entry)
 {
-    if (entries.size() >= entryLimit || m_textSize + entry.text.size() > textLimit)
+    const qsizetype cost = costOf(entry.text);
+    if (entries.size() >= entryLimit || m_textSize + cost > textLimit) {
+        ++m_report.dropped;
         return;
-    m_textSize += entry.text.size();
+    }
+    m_textSize += cost;
     entries.push_back(std::move(entry));
+}
+
+void SystemReportGUIReceiver::setFlag(quint32 key, quint8 flag)
+{
+    if (m_report.flags.size() < entryLimit || m_report.flags.contains(key))
+        m_report.flags[key] = flag;
+    else
+        ++m_report.dropped;
 }
 
 void SystemReportGUIReceiver::receive(const Message& message)
@@ -48,24 +74,19 @@ void SystemReportGUIReceiver::receive(const Message& message)
         m_report.leadingNumber = message.u32(offset::payload);
         break;
     case Type::ReportFlag:
-        if (m_report.flags.size() < entryLimit || m_report.flags.contains(message.u32(offset::reportKey)))
-            m_report.flags[message.u32(offset::reportKey)] = message.u8(offset::reportFlag);
+        setFlag(message.u32(offset::reportKey), message.u8(offset::reportFlag));
         break;
     case Type::ReportText:
-        append(m_report.texts,
-            {textAt(message, offset::reportText, offset::reportTextEnd), message.u8(offset::reportTextEnd)});
+        append(m_report.texts, {nameAt(message), message.u8(offset::reportTextEnd)});
         break;
     case Type::ReportDetail:
-        append(m_report.details,
-            {textAt(message, offset::reportText, offset::reportTextEnd), message.u32(offset::reportTextEnd)});
+        append(m_report.details, {nameAt(message), message.u32(offset::reportTextEnd)});
         break;
     case Type::ReportKeyedText:
-        append(
-            m_report.keyedTexts, {message.u32(offset::reportKey), textAt(message, offset::reportKeyedText)});
+        append(m_report.keyedTexts, {message.u32(offset::reportKey), keyedTextAt(message)});
         break;
     case Type::ReportOtherKeyedText:
-        append(m_report.otherKeyedTexts,
-            {message.u32(offset::reportKey), textAt(message, offset::reportKeyedText)});
+        append(m_report.otherKeyedTexts, {message.u32(offset::reportKey), keyedTextAt(message)});
         break;
     case Type::ReportComplete:
         m_complete = true;

@@ -11,7 +11,20 @@ class SystemReportViewer : public QPlainTextEdit {
 public:
     explicit SystemReportViewer(QWidget* parent = nullptr);
 
+    /// The report's text, empty while there is none.
+    const QString& text() const { return m_text; }
+
+Q_SIGNALS:
+    /// There is a report now, or none any more.
+    void reportChanged(bool exists);
+
 public Q_SLOTS:
     void setReport(const SystemReport&);
     void setFont(const QFont&);
+    void clearReport();
+
+private:
+    void showText(const QString& text);
+
+    QString m_text;
 };

@@ -1,4 +1,5 @@
 #pragma once
 
-/// Makes the compiled-in icons and images known under ":/CorvaleResources/". Calling it again does no harm.
+/// Makes the compiled-in icons and images known under ":/CorvaleResources/" and
+/// ":/CommonGUIElements/". Calling it again does no harm.
 void registerResources();

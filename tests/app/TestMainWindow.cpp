@@ -1,7 +1,9 @@
+#include "AboutBox.h"
 #include "Client.h"
 #include "ClientInterface.h"
 #include "ClientTabWidget.h"
 #include "DialogAnswers.h"
+#include "FeedbackDialog.h"
 #include "MainWindow.h"
 #include "MetaObjects.h"
 #include "PlistPreferences.h"
@@ -306,6 +308,11 @@ void TestMainWindow::statusCounts()
 void TestMainWindow::systemReport()
 {
     Session session;
+    session.window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&session.window));
+    session.window.showSplash();
+    const auto& splash = *session.window.findChild<AboutBox*>();
+    QVERIFY(splash.isVisible());
     const auto& viewer =
         *session.window.findChild<QWidget*>(QStringLiteral("tabSystemReport"))->findChild<QPlainTextEdit*>();
     QCOMPARE(viewer.toPlainText(),
@@ -318,6 +325,11 @@ void TestMainWindow::systemReport()
     session.connectApplication().send(
         bytes(entry) + bytes(make(Type::ReportComplete)) + bytes(make(Type::ReportComplete)));
     QTRY_VERIFY(viewer.toPlainText().contains(QStringLiteral("Brindlewood B300")));
+    QVERIFY2(!splash.isVisible(), "an application has come");
+    QCOMPARE(viewer.font().family(), session.window.findChild<QFontComboBox*>()->currentFont().family());
+    session.window.onFeedback();
+    const auto& feedback = *session.window.findChild<FeedbackDialog*>();
+    QVERIFY(feedback.findChild<QPlainTextEdit*>()->toPlainText().endsWith(viewer.toPlainText()));
 }
 
 void TestMainWindow::consoleFont()

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QString>
+
+/// The texts of the feedback dialog, in each language that there is.
+namespace feedbackTexts {
+
+enum Language {
+    BritishEnglish,
+    languageCount,
+};
+
+enum Text {
+    Title,
+    PostInForum,
+    Ok,
+    IncludeText,
+    CopyWithCtrl,
+    CopyWithCmd,
+    SendToSupport,
+    textCount,
+};
+
+QString text(Language language, Text index);
+
+} // namespace feedbackTexts

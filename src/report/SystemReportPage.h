@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QWidget>
+
+#include <memory>
+
+class SystemReportGUIReceiver;
+class SystemReportViewer;
+
+namespace Ui {
+class SystemReportPage;
+}
+
+/// The viewer with what can be done with a report: clear it, which readies the receiver for the next one,
+/// copy it, and save it as a text file.
+class SystemReportPage : public QWidget {
+    Q_OBJECT
+
+public:
+    /// The receiver must live longer.
+    explicit SystemReportPage(SystemReportGUIReceiver* receiver, QWidget* parent = nullptr);
+    ~SystemReportPage() override;
+
+    SystemReportViewer& viewer() const;
+
+private:
+    void copy() const;
+    void save();
+
+    std::unique_ptr<Ui::SystemReportPage> m_ui;
+};
