@@ -29,6 +29,7 @@
 
 #include <QCloseEvent>
 #include <QCoreApplication>
+#include <QFile>
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QLocalServer>
