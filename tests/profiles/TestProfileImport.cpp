@@ -2,6 +2,8 @@
 #include "ProfileData.h"
 #include "ProfileImport.h"
 
+#include <regex>
+
 using childprocess::contentOf;
 using childprocess::fill;
 using childprocess::freshFolder;
@@ -13,17 +15,10 @@ std::string es(const std::string& version, const std::string& extension)
     return "<es version='" + version + "'><extension>" + extension + "</extension></es>";
 }
 
-/// What stands in the sections of a document, one after the other: enough to see what came from where.
+/// The texts of a document, one after the other: enough to see what came from where.
 std::string summary(const std::string& xml)
 {
-    std::string kept;
-    bool isMarkup = false;
-    for (const char c : xml) {
-        isMarkup = (isMarkup || c == '<') && c != '>';
-        if (!isMarkup && c != '>' && !std::isspace(static_cast<unsigned char>(c)))
-            kept += c;
-    }
-    return kept;
+    return std::regex_replace(xml, std::regex("<[^>]*>|\\s"), "");
 }
 
 struct Merge {
