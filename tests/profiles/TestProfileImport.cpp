@@ -2,8 +2,6 @@
 #include "ProfileData.h"
 #include "ProfileImport.h"
 
-#include <regex>
-
 using childprocess::contentOf;
 using childprocess::fill;
 using childprocess::freshFolder;
@@ -18,7 +16,14 @@ std::string es(const std::string& version, const std::string& extension)
 /// The texts of a document, one after the other: enough to see what came from where.
 std::string summary(const std::string& xml)
 {
-    return std::regex_replace(xml, std::regex("<[^>]*>|\\s"), "");
+    std::string texts;
+    bool isMarkup = false;
+    for (const char c : xml) {
+        isMarkup = (isMarkup || c == '<') && c != '>';
+        if (!isMarkup && c > ' ' && c != '>')
+            texts += c;
+    }
+    return texts;
 }
 
 struct Merge {
