@@ -2,7 +2,6 @@
 #include "ProfileData.h"
 #include "ProfileImport.h"
 
-using childprocess::contentOf;
 using childprocess::fill;
 using childprocess::freshFolder;
 
