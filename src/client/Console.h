@@ -34,6 +34,8 @@ public:
 
     /// True while records come faster than they can be shown.
     bool isFlooded() const { return m_flooded; }
+    /// True when all is shown that can be; nothing more happens then until the next record.
+    bool isComplete() const { return !m_flooded && !m_refresh.isActive(); }
     ConsoleSpool& spool() { return *m_spool; }
 
 Q_SIGNALS:
