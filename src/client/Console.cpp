@@ -101,7 +101,8 @@ void Console::addEntry(std::string entry, bool backlog)
     if (m_flooded || m_document.isClosed()) {
         m_document.keep(std::move(entry));
         ++m_sinceRefresh;
-    } else if (backlog || !m_turnIsAffordable || m_atOnce >= atOnceLimit) {
+    } else if (backlog || !m_turnIsAffordable || m_atOnce >= atOnceLimit
+        || !eventLoopTurn::mayDrawAtOnce(this)) {
         m_flooded = true;
         m_sinceRefresh = 1;
         m_document.keep(std::move(entry));
@@ -140,6 +141,7 @@ void Console::addAtOnce(std::string entry)
         followEnd();
     if (m_document.isFillable() && !m_refresh.isActive())
         m_refresh.start(fillTime);
+    eventLoopTurn::addDrawing(this, time.nsecsElapsed());
     m_allowance -= time.nsecsElapsed();
 }
 
@@ -164,9 +166,10 @@ void Console::refresh()
     if (follows())
         followEnd();
     const auto cost = static_cast<int>(time.elapsed());
+    const bool isBehind = m_document.waiting() > 0 && !m_document.isClosed();
     if (over)
-        m_flooded = m_document.waiting() > 0 && !m_document.isClosed();
-    if (m_document.waiting() > 0 || (more && !m_flooded))
+        m_flooded = isBehind;
+    if (isBehind || (more && !m_flooded))
         m_refresh.start(visible ? std::max(fillTime, cost) : waitTime + cost);
     else if (m_flooded)
         m_refresh.start(std::max(refreshTime, 8 * cost));

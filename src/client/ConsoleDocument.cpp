@@ -260,14 +260,15 @@ void ConsoleDocument::fill(int weight)
         cursor.setBlockFormat(QTextBlockFormat());
         cursor.setBlockCharFormat(QTextCharFormat());
     }
+    const std::size_t end = std::exchange(m_first, first);
+    addHead();
+    cursor.setPosition(m_headLength);
     ConsoleWriter writer = m_writer.at(cursor);
     writer.setLastWasHeading(outlineAt(first).lastWasHeading());
-    for (std::size_t i = first; i < m_first; ++i)
+    for (std::size_t i = first; i < end; ++i)
         write(m_entries[i], writer);
     if (join)
         joinWithNextBlock(writer.cursor());
-    m_first = first;
-    addHead();
 }
 
 /// Takes an empty block away, so that the next one is in its place.

@@ -1,7 +1,9 @@
 #include "ConsoleSpool.h"
 
 #include "ConsoleEntry.h"
+#include "ScratchFile.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 
@@ -13,6 +15,14 @@ constexpr std::size_t blockSize = 65536;
 using Length = std::uint32_t; ///< Stands before each entry.
 
 } // namespace
+
+ConsoleSpool::ConsoleSpool(QObject* parent)
+    : QObject(parent)
+    , m_file(std::make_unique<platform::ScratchFile>())
+{
+}
+
+ConsoleSpool::~ConsoleSpool() = default;
 
 void ConsoleSpool::append(std::string_view entry)
 {
@@ -38,13 +48,13 @@ void ConsoleSpool::flush()
 {
     if (m_buffer.empty())
         return;
-    if (m_file.append(m_buffer)) {
+    if (m_file->append(m_buffer)) {
         m_lost = 0;
     } else {
         const bool isNews = m_lost == 0;
         m_lost += m_buffered;
         if (isNews)
-            Q_EMIT failed(QString::fromStdString(m_file.reason()));
+            Q_EMIT failed(QString::fromStdString(m_file->reason()));
     }
     m_buffer.clear();
     m_buffered = 0;
@@ -52,7 +62,7 @@ void ConsoleSpool::flush()
 
 void ConsoleSpool::clear()
 {
-    m_file.clear();
+    m_file->clear();
     m_buffer.clear();
     m_buffered = m_lost = 0;
     ++m_generation;
@@ -61,7 +71,7 @@ void ConsoleSpool::clear()
 ConsoleSpool::Reader::Reader(ConsoleSpool& spool)
     : m_spool(&spool)
     , m_generation(spool.m_generation)
-    , m_end(spool.m_file.size())
+    , m_end(spool.m_file->size())
     , m_tail(spool.m_buffer)
 {
 }
@@ -79,7 +89,7 @@ bool ConsoleSpool::Reader::provide(std::size_t count)
         m_at = 0;
         if (m_fetched < m_end) {
             const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(blockSize, m_end - m_fetched));
-            const std::string block = m_spool->m_file.read(m_fetched, size);
+            const std::string block = m_spool->m_file->read(m_fetched, size);
             m_broken = block.empty();
             m_fetched += block.size();
             m_buffer += block;

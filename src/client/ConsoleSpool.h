@@ -1,19 +1,23 @@
 #pragma once
 
-#include "ScratchFile.h"
-
 #include <QObject>
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
+
+namespace platform {
+class ScratchFile;
+}
 
 /// Keeps all entries of a console, in a file without a name rather than in memory.
 class ConsoleSpool : public QObject {
     Q_OBJECT
 
 public:
-    using QObject::QObject;
+    explicit ConsoleSpool(QObject* parent);
+    ~ConsoleSpool() override;
 
     /// Keeps an entry behind all others. Where the disk is full, a line that says so stands in for those that
     /// are missing.
@@ -54,7 +58,7 @@ private:
     void add(std::string_view entry);
     void flush();
 
-    platform::ScratchFile m_file;
+    std::unique_ptr<platform::ScratchFile> m_file;
     std::string m_buffer;
     std::uint64_t m_buffered = 0; ///< Entries in the buffer.
     std::uint64_t m_lost = 0;

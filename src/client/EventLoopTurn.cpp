@@ -12,11 +12,16 @@ namespace {
 /// Longest time that all clients together read in a turn.
 constexpr qint64 readingLimit = 10'000'000;
 
+/// Time that clients take for writing at once before others have to wait.
+constexpr qint64 drawingLimit = 5'000'000;
+
 struct Turn {
     bool running = false;
     quint64 number = 1;
     int readers = 0;
     int formerReaders = 1;
+    const void* drawer = nullptr; ///< The first that wrote at once.
+    qint64 drawing = 0;
     bool drawn = false;
 };
 
@@ -29,7 +34,7 @@ Turn& current()
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),
             [] {
-                turn = {false, turn.number + 1, 0, std::max(turn.readers, 1), false};
+                turn = {false, turn.number + 1, 0, std::max(turn.readers, 1), nullptr, 0, false};
             },
             Qt::QueuedConnection);
     }
@@ -45,6 +50,20 @@ qint64 readingTime(quint64& lastTurn)
         ++turn.readers;
     // Those that read first know only from the last turn how many will follow.
     return readingLimit / std::max(turn.readers, turn.formerReaders);
+}
+
+bool mayDrawAtOnce(const void* client)
+{
+    const Turn& turn = current();
+    return turn.drawer == nullptr || turn.drawer == client || turn.drawing < drawingLimit;
+}
+
+void addDrawing(const void* client, qint64 nanoseconds)
+{
+    Turn& turn = current();
+    if (turn.drawer == nullptr)
+        turn.drawer = client;
+    turn.drawing += nanoseconds;
 }
 
 bool claimDrawing()

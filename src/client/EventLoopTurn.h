@@ -10,6 +10,10 @@ namespace eventLoopTurn {
 /// the number of the turn in which it last asked, at first 0.
 qint64 readingTime(quint64& lastTurn);
 
+/// False when another client has already taken much time in this turn for writing to its document at once.
+bool mayDrawAtOnce(const void* client);
+void addDrawing(const void* client, qint64 nanoseconds);
+
 /// True once in a turn, for whoever is the first to ask: it may write to its document for a while.
 bool claimDrawing();
 
