@@ -6,10 +6,16 @@ namespace flood {
 
 /// The measurements of the program's own window throw std::runtime_error where they cannot be made.
 
+/// A time in milliseconds: by the clock, and in processor time of the window's thread.
+struct Span {
+    double clock = 0;
+    double work = 0;
+};
+
 struct Result {
     double rate = 0; ///< Records a second.
-    double flatness = 0; ///< Speed of the last tenth, compared with that of the first.
-    double longestGap = 0; ///< Milliseconds in which the event loop did not come round.
+    Span flatness; ///< Speed of the last tenth, compared with that of the first.
+    Span longestGap; ///< In which the event loop did not come round.
     double slowestClick = 0; ///< Milliseconds from a click on a tab to its painted page; 0 without clicks.
     double settled = 0; ///< Milliseconds from the last record until the console is filled up.
     int rows = 0; ///< Of the error list.
@@ -23,7 +29,7 @@ Result measureWindow(int records, bool clicks);
 struct CrowdResult {
     double rate = 0; ///< Records a second of all together.
     double fairness = 0; ///< Records of the slowest client, compared with the mean.
-    double longestGap = 0;
+    Span longestGap;
 };
 
 /// Many clients at once for some seconds.

@@ -20,6 +20,12 @@ using ui::messages::Message;
 using ui::messages::Type;
 namespace offset = ui::messages::offset;
 
+namespace {
+
+constexpr int mostContexts = 500;
+
+} // namespace
+
 ClientInterface::ClientInterface(Client* client, int index, const QFont& font, QWidget* parent)
     : QWidget(parent)
     , m_ui(std::make_unique<Ui::ClientInterface>())
@@ -157,6 +163,9 @@ void ClientInterface::receive(const Message& message)
 
 void ClientInterface::addContext(const Message& message)
 {
+    // A page costs far more than its record: an application that goes on for ever keeps its newest ones.
+    if (m_ui->tabWidget_contexts->count() >= mostContexts)
+        delete m_ui->tabWidget_contexts->widget(0);
     auto* page = new ContextInterface(message, m_ui->tabWidget_contexts);
     m_ui->tabWidget_contexts->addTab(
         page, QStringLiteral("Context ") + QString::number(message.i32(offset::contextNumber)));

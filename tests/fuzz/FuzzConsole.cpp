@@ -103,12 +103,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         }
         const Message message = someRecord(input);
         const bool isRow = message.type() >= Type::Warning && message.type() <= Type::GlError;
-        const int times =
-            input.ConsumeIntegralInRange<int>(0, 15) == 0 ? input.ConsumeIntegralInRange<int>(1, 2600) : 1;
+        const bool isContext = message.type() == Type::ContextInformation;
+        const int times = !isContext && input.ConsumeIntegralInRange<int>(0, 15) == 0
+            ? input.ConsumeIntegralInRange<int>(1, 2600)
+            : 1;
         for (int i = 0; i < times; ++i)
             page.receive(message);
         rows += isRow ? times : 0;
-        budget -= message.type() == Type::ContextInformation ? 20 * times : times;
+        budget -= isContext ? 100 : times;
     }
     demand(page.errorListModel().rowCount() == rows, "each error and warning has its row");
 

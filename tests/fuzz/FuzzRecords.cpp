@@ -5,6 +5,7 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QPointer>
 
 #include <cstdio>
 #include <cstdlib>
@@ -80,8 +81,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         if (received.size() < certain)
             received.push_back(sent[received.size()].rawType());
     });
-    bool gone = false;
-    QObject::connect(connection.socket, &QLocalSocket::disconnected, [&gone] { gone = true; });
+    // The socket goes with the connection.
+    const QPointer<QLocalSocket> socket(connection.socket);
 
     for (std::string_view rest(stream); !rest.empty();) {
         const std::size_t piece = input.remaining_bytes() > 0
@@ -93,7 +94,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     }
     connection.application->close();
     QElapsedTimer waited;
-    for (waited.start(); !gone;) {
+    for (waited.start(); socket;) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
         demand(!waited.hasExpired(10000), "the end arrives");
     }
