@@ -16,6 +16,21 @@ inline int earlierEntries(const QTextDocument& document)
     return words.value(1) == QLatin1String("earlier") ? words.first().toInt() : 0;
 }
 
+/// Where two texts begin to differ; empty where they do not.
+inline QString difference(const QString& shown, const QString& wanted)
+{
+    if (shown == wanted)
+        return {};
+    qsizetype at = 0;
+    while (at < shown.size() && at < wanted.size() && shown[at] == wanted[at])
+        ++at;
+    const auto around = [at](const QString& text) {
+        return text.mid(std::max<qsizetype>(0, at - 20), 60)
+            .replace(QLatin1Char('\n'), QStringLiteral("\\n"));
+    };
+    return QStringLiteral("at %1: \"%2\" rather than \"%3\"").arg(at).arg(around(shown), around(wanted));
+}
+
 /// Compares a document with the text of the entries that its first line does not count. The reason why they
 /// differ, or an empty text.
 inline QString whyWrong(Console& console, const QTextDocument& document)
@@ -40,14 +55,14 @@ inline QString whyWrong(Console& console, const QTextDocument& document)
     if (!shown.isEmpty() && !shown.endsWith(QLatin1Char('\n')))
         shown += QLatin1Char('\n');
     if (earlier == 0)
-        return shown == rest ? QString() : QStringLiteral("is not all text");
+        // After Clear, a heading still knows whether another one came before.
+        return shown == rest.mid(2) && rest.startsWith(QLatin1String("\n\n")) ? QString()
+                                                                              : difference(shown, rest);
     shown = shown.mid(shown.indexOf(QLatin1Char('\n')));
     // Inside of frames, the headings that opened them are shown again.
     if (!outline.openFrames().empty())
         return shown.endsWith(rest) ? QString() : QStringLiteral("is not the end of all text in its frames");
-    return shown == (outline.isLineEmpty() ? QStringLiteral("\n") : QString()) + rest
-        ? QString()
-        : QStringLiteral("is not the end of all text");
+    return difference(shown, (outline.isLineEmpty() ? QStringLiteral("\n") : QString()) + rest);
 }
 
 } // namespace consoleOracle
