@@ -7,6 +7,7 @@
 #include "ContextInterface.h"
 #include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
+#include "EventLoopTurn.h"
 #include "GlEnumerants.h"
 #include "RecordText.h"
 #include "ui_ClientInterface.h"
@@ -137,7 +138,8 @@ QString ClientInterface::title() const
 
 void ClientInterface::receive(const Message& message)
 {
-    m_console->add(message, m_client && m_client->hasBacklog());
+    const bool hurried = m_client && (m_client->hasBacklog() || !eventLoopTurn::mayDrawAtOnce(m_console));
+    m_console->add(message, hurried);
     switch (message.type()) {
     case Type::Warning:
         addErrorListRow(errorList::SeverityWarning, message, QString(),

@@ -101,8 +101,7 @@ void Console::addEntry(std::string entry, bool backlog)
     if (m_flooded || m_document.isClosed()) {
         m_document.keep(std::move(entry));
         ++m_sinceRefresh;
-    } else if (backlog || !m_turnIsAffordable || m_atOnce >= atOnceLimit
-        || !eventLoopTurn::mayDrawAtOnce(this)) {
+    } else if (backlog || !m_turnIsAffordable || m_atOnce >= atOnceLimit) {
         m_flooded = true;
         m_sinceRefresh = 1;
         m_document.keep(std::move(entry));

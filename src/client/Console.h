@@ -24,8 +24,8 @@ public:
     /// Both live at least as long.
     Console(QTextEdit* view, QAbstractButton* autoScroll, QObject* parent);
 
-    /// Shows a record of a type that writes to the console; ignores others. Backlog tells that its sender is
-    /// ahead of us.
+    /// Shows a record of a type that writes to the console; ignores others. Backlog tells that
+    /// there is no time to show it at once.
     void add(const ui::messages::Message& record, bool backlog);
     /// Ends the console with a line of the window's own.
     void addClosingLine(const QString& text);

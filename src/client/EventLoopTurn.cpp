@@ -19,7 +19,7 @@ struct Turn {
     bool running = false;
     quint64 number = 1;
     int readers = 0;
-    int formerReaders = 1;
+    int formerReaders = 1; ///< Of the last turns, of which the more recent count more.
     const void* drawer = nullptr; ///< The first that wrote at once.
     qint64 drawing = 0;
     bool drawn = false;
@@ -34,7 +34,8 @@ Turn& current()
         QMetaObject::invokeMethod(
             QCoreApplication::instance(),
             [] {
-                turn = {false, turn.number + 1, 0, std::max(turn.readers, 1), nullptr, 0, false};
+                turn = {false, turn.number + 1, 0, std::max({turn.readers, turn.formerReaders * 7 / 8, 1}),
+                    nullptr, 0, false};
             },
             Qt::QueuedConnection);
     }
