@@ -50,7 +50,9 @@ qint64 readingTime(quint64& lastTurn)
     if (std::exchange(lastTurn, turn.number) != turn.number)
         ++turn.readers;
     // Those that read first know only from the last turn how many will follow.
-    return readingLimit / std::max(turn.readers, turn.formerReaders);
+    const int readers = std::max(turn.readers, turn.formerReaders);
+    // One of many may come twice in a turn: for what it has left behind, and for what is new.
+    return readingLimit / (readers > 1 ? 2 * readers : 1);
 }
 
 bool mayDrawAtOnce(const void* client)
