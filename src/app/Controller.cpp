@@ -133,9 +133,9 @@ void Controller::forgetProfile(const ProfileDataWrapper& profile)
     m_mainWindow.setCatalogue(m_catalogue);
 }
 
-bool Controller::changedOnDisk(const ProfileDataWrapper& profile) const
+bool Controller::mayOverwrite(const ProfileDataWrapper& profile, const std::string& path) const
 {
-    return m_catalogue.changedOnDisk(profile);
+    return m_catalogue.mayOverwrite(profile, path);
 }
 
 std::string Controller::directoryForSaving()
@@ -161,7 +161,7 @@ std::string Controller::directoryForSaving()
         return {};
     const std::string key = preferencekeys::prefixed(preferencekeys::profilesDirectory);
     const bool stored = m_preferences.setString(key, chosen) == ResultCode::Success;
-    m_mainWindow.preferencesEdited({}, !stored || !m_preferences.save(false));
+    m_mainWindow.reportSave(stored && m_preferences.save(false));
     return chosen;
 }
 

@@ -32,7 +32,7 @@ public:
     Pointer newProfile() override;
     Pointer copyProfile(const ProfileDataWrapper& original) override;
     void forgetProfile(const ProfileDataWrapper& profile) override;
-    bool changedOnDisk(const ProfileDataWrapper& profile) const override;
+    bool mayOverwrite(const ProfileDataWrapper& profile, const std::string& path) const override;
     std::string directoryForSaving() override;
     void reloadProfiles() override;
     void selectProfile(const std::string& path) override;

@@ -59,6 +59,9 @@ public:
     /// Puts a profile file into the menu of the recent ones.
     void addRecentProfile(const QString& path);
 
+    /// Tells in the status bar what a save of the preferences did beyond saving.
+    void reportSave(bool saved);
+
     /// Closes the window without a question.
     void end();
     /// Shows the about box as a splash, unless the user does not want that.
@@ -90,8 +93,6 @@ private:
     void setUpHelp();
     void setUpPages();
     void setUpServer();
-    /// Tells in the status bar what a save of the preferences did beyond saving.
-    void reportSave(bool saved);
     void countProblems(const ClientInterface& page);
     void clientDisconnected(Client* client, const QString& text);
     void showClientCount();

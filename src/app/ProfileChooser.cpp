@@ -9,14 +9,25 @@
 #include <QSignalBlocker>
 
 #include <algorithm>
+#include <stdexcept>
 
 namespace {
+
+/// A profile that is being made may have no name yet.
+QString nameOf(const ProfileData& profile)
+{
+    try {
+        return QString::fromStdString(profile.displayName());
+    } catch (const std::runtime_error&) {
+        return ProfileChooser::tr("Profile without a name");
+    }
+}
 
 /// What the list shows for a profile. Files can share a device's name, so theirs is added.
 QString itemText(const ProfileDataWrapper& profile)
 {
     constexpr qsizetype longestName = 120;
-    QString name = QString::fromStdString(profile.data().displayName()).left(longestName);
+    QString name = nameOf(profile.data()).left(longestName);
     const QString file = QString::fromStdString(profile.data().fileName());
     if (!profile.isWritable() || file.isEmpty() || file == name)
         return name;

@@ -14,18 +14,19 @@ ProfilePage::ProfilePage(ProfileController* controller, ProfileChooser* chooser,
     layout->setContentsMargins({});
     layout->addWidget(m_panel);
     m_panel->clear();
-    connect(m_chooser, &ProfileChooser::chosenChanged, this, &ProfilePage::showChosen);
+    connect(m_chooser, &ProfileChooser::chosenChanged, this, &ProfilePage::choiceChanged);
+    m_panel->onNewProfileDiscarded([this] { showChosen(); });
 }
 
-void ProfilePage::showChosen(const WeakProfile& profile)
+void ProfilePage::choiceChanged(const WeakProfile& profile)
 {
-    if (m_panel->shows(profile))
+    if (m_isGoingBack)
         return;
-    if (m_panel->hasUnsavedEdits()) {
-        const std::shared_ptr<const ProfileDataWrapper> edited = m_panel->profile().lock();
-        if (!m_isLost && !m_chooser->has(edited)) {
+    if (!m_panel->shows(profile) && m_panel->hasUnsavedEdits()) {
+        if (!m_isLost && !m_panel->isUnsavedNew() && !m_chooser->has(m_panel->profile().lock())) {
             // The list has changed, not the user's mind.
             m_isLost = true;
+            m_chosen = profile;
             Q_EMIT told(
                 tr("The profile that you are changing is not in the list any more. \"Save\" keeps your "
                    "changes as a new one."));
@@ -33,13 +34,21 @@ void ProfilePage::showChosen(const WeakProfile& profile)
         }
         const std::shared_ptr<const ProfileDataWrapper> wanted = profile.lock();
         if (!m_panel->mayLeave()) {
-            m_chooser->choose(edited);
+            m_isGoingBack = true;
+            m_chooser->choose(m_chosen.lock());
+            m_isGoingBack = false;
             return;
         }
         // Saving may have chosen what was saved.
         m_chooser->choose(wanted);
     }
+    showChosen();
+}
+
+void ProfilePage::showChosen()
+{
     const std::shared_ptr<const ProfileDataWrapper> chosen = m_chooser->chosen();
+    m_chosen = chosen;
     m_isLost = false;
     if (!chosen)
         m_panel->clear();

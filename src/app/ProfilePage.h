@@ -31,10 +31,14 @@ Q_SIGNALS:
     void told(const QString& text);
 
 private:
-    void showChosen(const WeakProfile& profile);
+    void choiceChanged(const WeakProfile& profile);
+    void showChosen();
 
     ProfileChooser* m_chooser;
     widgets::Profile* m_panel;
     /// The panel still shows changes to a profile that the list has lost.
     bool m_isLost = false;
+    /// What was chosen last, to go back to.
+    WeakProfile m_chosen;
+    bool m_isGoingBack = false;
 };

@@ -46,8 +46,11 @@ public:
     /// Takes a profile that was added and never saved out again.
     void forget(const ProfileDataWrapper& profile) { m_folder.remove(profile); }
 
-    /// Whether another program has changed the profile's file since it was read.
-    bool changedOnDisk(const ProfileDataWrapper& profile) const { return m_folder.changedOnDisk(profile); }
+    /// Whether nothing is at the path, or just what the profile was read from.
+    bool mayOverwrite(const ProfileDataWrapper& profile, const std::string& path) const
+    {
+        return m_folder.mayOverwrite(profile, path);
+    }
 
     /// Stores the key of the chosen profile, or "" for none, and saves the preferences. False when that
     /// failed.

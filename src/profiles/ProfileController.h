@@ -19,10 +19,12 @@ public:
     /// Takes a profile that was added and never saved out of the catalogue.
     virtual void forgetProfile(const ProfileDataWrapper& profile) = 0;
 
-    /// Whether the profile's file is another one than it was when the profile was read.
-    virtual bool changedOnDisk(const ProfileDataWrapper& profile) const = 0;
+    /// Whether the profile can be saved there without a question: nothing is there, or just what it was read
+    /// from.
+    virtual bool mayOverwrite(const ProfileDataWrapper& profile, const std::string& path) const = 0;
 
     /// Where profiles are saved. Where no folder is set the user is asked for one; "" when they give none.
+    /// The catalogue is not read again.
     virtual std::string directoryForSaving() = 0;
 
     /// Reads the catalogue again and shows it in the window's list.

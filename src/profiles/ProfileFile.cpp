@@ -44,6 +44,9 @@ std::optional<Failure> write(const ProfileData& profile, const std::string& dire
             "Cannot write '" + name + "': no profiles directory is set, choose one in the preferences"};
     if (!isFileName(name))
         return Failure{false, "Cannot write the profile: '" + name + "' is no name for a file"};
+    if (name.starts_with('.') || name.ends_with(".tmp"))
+        return Failure{
+            false, "Cannot write '" + name + "': files that begin with '.' or end in '.tmp' are not listed"};
     const fs::path path = pathFor(directory, name);
     const std::string hazard = profile.whyNotSavable();
     if (!hazard.empty())

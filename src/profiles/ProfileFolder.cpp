@@ -149,16 +149,16 @@ void ProfileFolder::remove(const ProfileDataWrapper& profile)
     std::erase_if(m_unsaved, isIt);
 }
 
-bool ProfileFolder::changedOnDisk(const ProfileDataWrapper& profile) const
+bool ProfileFolder::mayOverwrite(const ProfileDataWrapper& profile, const fs::path& path) const
 {
-    for (const auto& [path, entry] : m_files) {
-        if (entry.profile.get() != &profile)
-            continue;
-        std::error_code error;
-        return fs::exists(path, error) && FileStamp::of(path) != entry.stamp
-            && (!entry.digest || digestOf(path) != entry.digest);
-    }
-    return false;
+    std::error_code error;
+    if (!fs::exists(fs::symlink_status(path, error)))
+        return true;
+    const auto found = m_files.find(fs::canonical(path, error).string());
+    if (error || found == m_files.end() || found->second.profile.get() != &profile)
+        return false;
+    const Entry& entry = found->second;
+    return FileStamp::of(path) == entry.stamp || (entry.digest && digestOf(path) == entry.digest);
 }
 
 ProfileFolder::Pointer ProfileFolder::findFile(const fs::path& path) const

@@ -48,9 +48,9 @@ public:
     /// Takes such a profile out again.
     void remove(const ProfileDataWrapper& profile);
 
-    /// Whether the file that the profile was read from holds something else by now. A file that is gone holds
-    /// nothing that could be lost.
-    bool changedOnDisk(const ProfileDataWrapper& profile) const;
+    /// Whether nothing is at the path, or the very file that the profile was read from, with the same
+    /// content.
+    bool mayOverwrite(const ProfileDataWrapper& profile, const std::filesystem::path& path) const;
 
     /// In the order of the file names; what was added is behind.
     const std::vector<Pointer>& profiles() const { return m_profiles; }

@@ -64,6 +64,7 @@ private Q_SLOTS:
     void anotherProfileAsksFirst();
     void newProfile();
     void otherProgramsAreNotOverwritten();
+    void linksDoNotReachOtherProfiles();
     void failedSaveKeepsTheEdits();
     void withoutAFolderOneIsChosen();
     void menusOfferWhatIsMissing();
@@ -319,9 +320,14 @@ void TestProfilePanel::newProfile()
     find<QAction>("actionNew_Profile")->trigger();
     QCOMPARE(device(), QStringLiteral("New profile"));
     QCOMPARE(chooser()->currentText(), QStringLiteral("Mine (mine.xml)"));
-    // What the panel shows must not land in the file of the profile that is still chosen.
+    // What the panel shows must not land in the file of the profile that is still chosen, nor go without a
+    // question.
     click("btnEdit");
     enterDevice(QStringLiteral("Mine 2"));
+    m_answers.press(saveTitle, QStringLiteral("Cancel"));
+    choose(QStringLiteral("Host"));
+    QCOMPARE(chooser()->currentText(), QStringLiteral("Mine (mine.xml)"));
+    QCOMPARE(device(), QStringLiteral("Mine 2"));
     m_answers.enter(fileNameTitle, QStringLiteral("2.xml"));
     click("btnSave");
     QCOMPARE(content(QStringLiteral("mine.xml")), m_xml);
@@ -351,6 +357,23 @@ void TestProfilePanel::otherProgramsAreNotOverwritten()
         QString(m_xml).replace(QStringLiteral("Mine"), QStringLiteral("Ours")));
 }
 
+void TestProfilePanel::linksDoNotReachOtherProfiles()
+{
+    write(QStringLiteral("linked.xml"), "<profile><device>Linked</device></profile>");
+    QVERIFY(QDir().mkpath(m_folder + QStringLiteral("/elsewhere")));
+    QVERIFY(QFile::rename(path(QStringLiteral("linked.xml")), path(QStringLiteral("elsewhere/mine.xml"))));
+    QVERIFY(QFile::link(path(QStringLiteral("elsewhere/mine.xml")), path(QStringLiteral("a link.xml"))));
+    m_controller.reloadProfiles();
+    choose(QStringLiteral("Linked (mine.xml)"));
+    click("btnEdit");
+    enterDevice(QStringLiteral("Ours"));
+    m_answers.press(saveTitle, QStringLiteral("Cancel"));
+    click("btnSave");
+    QCOMPARE(content(QStringLiteral("mine.xml")), m_xml);
+    click("btnDiscard");
+    QVERIFY(QDir(path(QStringLiteral("elsewhere"))).removeRecursively());
+}
+
 void TestProfilePanel::failedSaveKeepsTheEdits()
 {
     click("btnEdit");
@@ -362,9 +385,22 @@ void TestProfilePanel::failedSaveKeepsTheEdits()
     click("btnSave");
     QVERIFY(isModifying());
     QCOMPARE(device(), QStringLiteral("Ours"));
-    click("btnDiscard");
-    QCOMPARE(device(), QStringLiteral("Mine"));
+    // "Save As..." takes the edits along, and the profile itself is again what was loaded.
+    m_answers.enter(fileNameTitle, QStringLiteral("other.xml"));
+    click("btnSaveAs");
+    QVERIFY(content(QStringLiteral("other.xml")).contains(QStringLiteral(">Ours<")));
     QVERIFY(QDir(path(QStringLiteral("mine.xml"))).removeRecursively());
+
+    // An edit that was taken back after a failure does not come back with the next save.
+    QVERIFY(QDir(m_folder).mkpath(QStringLiteral("other.xml.tmp")));
+    click("btnEdit");
+    enterDevice(QStringLiteral("Failed"));
+    m_answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("OK"));
+    click("btnSave");
+    QVERIFY(QDir(m_folder).rmdir(QStringLiteral("other.xml.tmp")));
+    enterDevice(QStringLiteral("Ours"));
+    click("btnSave");
+    QVERIFY(content(QStringLiteral("other.xml")).contains(QStringLiteral(">Ours<")));
 }
 
 void TestProfilePanel::withoutAFolderOneIsChosen()
@@ -445,7 +481,7 @@ void TestProfilePanel::rowsAreAddedAndDeleted()
     add("extensionsView", index("extensionsView", {1}), "Add Extension", "GL_EXT_robustness");
     QCOMPARE(row(index("eglConfigsView", {0, 0})), QStringLiteral("EGL_MAX_PBUFFER_WIDTH=EGL_FALSE"));
     QCOMPARE(row(index("eglConfigsView", {0, 2})), QStringLiteral("EGL_CONFIG_CAVEAT=EGL_NONE"));
-    QCOMPARE(row(index("eglConfigsView", {1})), QStringLiteral("Config 1="));
+    QCOMPARE(row(index("eglConfigsView", {1})), QStringLiteral("Config 1=without attributes it is not kept"));
     QCOMPARE(row(index("capabilitiesView", {0, 1, 1})), QStringLiteral("height=GL_COMMAND_BARRIER_BIT"));
     QCOMPARE(index("extensionsView", {1, 0}).data().toString(), QStringLiteral("GL_EXT_robustness"));
 

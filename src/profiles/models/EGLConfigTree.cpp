@@ -179,6 +179,8 @@ QString EGLConfigTree::displayText(const ProfileTreeItem& item, int column) cons
     const QVariant& stored = item.data(column);
     if (column == KeyColumn && !item.parent())
         return isNumber(stored) ? QStringLiteral("Config %1").arg(stored.toInt()) : stored.toString();
+    if (column == ValueColumn && !item.parent())
+        return item.children().count() > 0 ? QString() : tr("without attributes it is not kept");
     if (!isNumber(stored))
         return stored.toString();
     if (column == ValueColumn) {

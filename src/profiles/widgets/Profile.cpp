@@ -102,6 +102,7 @@ void Profile::fillFields(const ProfileData& document)
 void Profile::setProfile(const WeakProfile& profile)
 {
     const bool isAgain = shows(profile);
+    restoreStored();
     setEnabled(true);
     m_profile = profile;
     m_isUnsavedNew = false;
@@ -130,6 +131,7 @@ void Profile::setProfile(const WeakProfile& profile)
 
 void Profile::clear()
 {
+    restoreStored();
     setEnabled(false);
     for (Field& field : m_fields)
         showText(field, field.edit == m_ui->editDevice ? QStringLiteral("None") : QString());
@@ -195,14 +197,21 @@ void Profile::editPressed()
     m_ui->editDevice->setFocus();
 }
 
-void Profile::discardPressed()
+/// Takes back what a save that failed has left in the document.
+void Profile::restoreStored()
 {
-    view();
     const auto shown = m_profile.lock();
-    // A save that failed has left its edits in the document.
     if (shown && shown->isWritable() && m_stored && !m_isUnsavedNew && !(shown->data() == *m_stored))
         *shown->edit() = *m_stored;
+}
+
+void Profile::discardPressed()
+{
+    const bool wasNew = m_isUnsavedNew;
+    view();
     setProfile(m_profile);
+    if (wasNew && m_newProfileDiscarded)
+        m_newProfileDiscarded();
 }
 
 void Profile::savePressed()
@@ -240,7 +249,7 @@ bool Profile::save()
 Profile::Pointer Profile::copyOfStored()
 {
     const Pointer copy = m_controller->newProfile();
-    *copy->edit() = *m_stored;
+    copy->edit()->setFileName(m_stored->fileName());
     return copy;
 }
 
@@ -255,30 +264,34 @@ bool Profile::saveCopy(const Pointer& copy)
         m_controller->forgetProfile(*copy);
         return false;
     }
+    restoreStored();
     saved(copy, directory);
     return true;
 }
 
 bool Profile::saveInPlace(const std::shared_ptr<const ProfileDataWrapper>& profile)
 {
-    const std::shared_ptr<ProfileData> document = profile->edit();
-    if (!mayReplaceFile(*profile) || !writeInto(*document))
-        return false;
     const std::string directory = m_controller->directoryForSaving();
-    if (directory.empty() || !profilesaving::save(*document, directory, window()))
+    if (directory.empty() || !mayReplaceFile(*profile, directory))
+        return false;
+    const std::shared_ptr<ProfileData> document = profile->edit();
+    if (!writeInto(*document) || !profilesaving::save(*document, directory, window()))
         return false;
     saved(profile, directory);
     return true;
 }
 
-bool Profile::mayReplaceFile(const ProfileDataWrapper& profile)
+bool Profile::mayReplaceFile(const ProfileDataWrapper& profile, const std::string& directory)
 {
-    if (!m_controller->changedOnDisk(profile))
+    const std::string& name = profile.data().fileName();
+    if (name.empty() || m_controller->mayOverwrite(profile, profilefile::pathFor(directory, name).string()))
         return true;
     PlainMessageBox box(QMessageBox::Warning, tr("Save changes"),
-        tr("The file '%1' was changed by another program since it was loaded.")
-            .arg(fromUtf8(profile.data().fileName())),
-        tr("Replacing it drops those changes. \"Save As...\" saves yours beside it."), window(),
+        tr("The file '%1' is not the one that was loaded: another program has changed it, or it belongs to "
+           "another "
+           "profile.")
+            .arg(fromUtf8(name)),
+        tr("Replacing it drops what is in it. \"Save As...\" saves your changes beside it."), window(),
         QMessageBox::Cancel);
     const QAbstractButton* const replace = box.addButton(tr("Replace"), QMessageBox::DestructiveRole);
     box.setDefaultButton(QMessageBox::Cancel);
@@ -286,17 +299,25 @@ bool Profile::mayReplaceFile(const ProfileDataWrapper& profile)
     return box.clickedButton() == replace;
 }
 
+/// Makes the document what the panel shows, but for its file name. Says so when that cannot be done.
 bool Profile::writeInto(ProfileData& document)
 {
-    const std::string reason = write(document);
-    if (!reason.empty())
+    const std::string fileName = document.fileName();
+    ProfileData shown = *m_stored;
+    const std::string reason = write(shown);
+    if (!reason.empty()) {
         PlainMessageBox(QMessageBox::Critical, QStringLiteral("Corvale GUI"), tr("Failed to save file"),
             fromUtf8(reason), window())
             .exec();
-    return reason.empty();
+        return false;
+    }
+    document = std::move(shown);
+    document.setFileName(fileName);
+    return true;
 }
 
-/// Puts what the panel shows into a document; returns why it cannot, as models::Profile::writeTo() does.
+/// Puts what was changed into a copy of what is stored; returns why it cannot, as models::Profile::writeTo()
+/// does.
 std::string Profile::write(ProfileData& document) const
 {
     for (const Field& field : m_fields) {

@@ -7,6 +7,7 @@
 #include <QWidget>
 
 #include <array>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -56,6 +57,15 @@ public:
     /// Whether that is the profile the panel shows.
     bool shows(const WeakProfile& profile) const;
 
+    /// Whether it shows a new profile that is in no file; profile() is another one then.
+    bool isUnsavedNew() const { return m_isUnsavedNew; }
+
+    /// Calls back when it has gone from a new profile to the one before, which need not be the chosen one.
+    void onNewProfileDiscarded(std::function<void()> callback)
+    {
+        m_newProfileDiscarded = std::move(callback);
+    }
+
 public Q_SLOTS:
     void discardPressed();
     void editPressed();
@@ -87,7 +97,8 @@ private:
     bool save();
     bool saveCopy(const Pointer& copy);
     bool saveInPlace(const std::shared_ptr<const ProfileDataWrapper>& profile);
-    bool mayReplaceFile(const ProfileDataWrapper& profile);
+    bool mayReplaceFile(const ProfileDataWrapper& profile, const std::string& directory);
+    void restoreStored();
     Pointer copyOfStored();
     bool writeInto(ProfileData& document);
     std::string write(ProfileData& document) const;
@@ -106,6 +117,7 @@ private:
     std::optional<ProfileData> m_stored;
     /// The panel shows a new profile that was not saved, while m_profile is the one before it.
     bool m_isUnsavedNew = false;
+    std::function<void()> m_newProfileDiscarded;
 };
 
 } // namespace widgets

@@ -7,9 +7,13 @@
 #include <QInputDialog>
 #include <QMenu>
 #include <QScrollBar>
+#include <QSet>
 #include <QTimer>
 
 #include <algorithm>
+#include <functional>
+#include <map>
+#include <set>
 #include <utility>
 
 namespace widgets {
@@ -160,6 +164,9 @@ void ProfileTreeView::showMenu(const QPoint& pos, bool canAddTop)
     m_delete->setVisible(isRow);
     if (m_addTop->isVisible() || isRow)
         m_menu->exec(viewport()->mapToGlobal(pos));
+    // What is hidden does not hear its shortcut.
+    for (QAction* action : {m_addTop, m_addChild, m_delete})
+        action->setVisible(true);
 }
 
 QModelIndex ProfileTreeView::contextTop() const
@@ -204,16 +211,27 @@ QModelIndex ProfileTreeView::addRow(int row, const QModelIndex& parent, const QV
 
 void ProfileTreeView::deleteItemTriggered()
 {
-    // Removing a row takes those below it along and moves those behind it, so the rows are followed.
-    std::vector<QPersistentModelIndex> rows;
-    for (const QModelIndex& index : selectedIndexes()) {
-        const QModelIndex row = index.siblingAtColumn(KeyColumn);
-        if (std::find(rows.begin(), rows.end(), row) == rows.end())
-            rows.emplace_back(row);
+    QSet<QModelIndex> selected;
+    for (const QModelIndex& index : selectedIndexes())
+        selected << index.siblingAtColumn(KeyColumn);
+    // By parent and from the last row up: removing rows moves those behind them, and takes along those below.
+    std::map<QPersistentModelIndex, std::set<int, std::greater<>>> rows;
+    for (const QModelIndex& index : selected) {
+        QModelIndex above = index.parent();
+        while (above.isValid() && !selected.contains(above))
+            above = above.parent();
+        if (!above.isValid())
+            rows[index.parent()].insert(index.row());
     }
-    for (const QPersistentModelIndex& row : rows) {
-        if (row.isValid())
-            model()->removeRow(row.row(), row.parent());
+    for (const auto& [parent, numbers] : rows) {
+        // Neighbours go together, since views take long over each removal.
+        for (auto row = numbers.begin(); row != numbers.end();) {
+            const int last = *row;
+            int first = last;
+            while (++row != numbers.end() && *row == first - 1)
+                first = *row;
+            model()->removeRows(first, last - first + 1, parent);
+        }
     }
 }
 

@@ -98,16 +98,14 @@ void ProfileTreeItemDelegate::updateEditorGeometry(
         rect.setRight(std::max(rect.left(), std::min(rect.right(), all.right())));
         return rect;
     };
-    if (qobject_cast<QLineEdit*>(editor)) {
-        editor->setGeometry(inSight(option.rect));
-        return;
-    }
-    // Selectors need more room than their cell may have, but should not hide the key beside it.
+    // Editors need more room than their cell may have, but should not hide the key beside it.
     constexpr int least = 150;
-    QRect place = inSight(editor->geometry());
+    const bool isLine = qobject_cast<QLineEdit*>(editor) != nullptr;
+    QRect place = inSight(isLine ? option.rect : editor->geometry());
     const int middle = place.center().y();
     const QSize room(std::max(all.right() + 1 - place.left(), least), all.height());
-    place.setSize(place.size().expandedTo(editor->sizeHint().boundedTo(room)).boundedTo(all.size()));
+    const QSize wanted = isLine ? QSize(least, place.height()) : editor->sizeHint();
+    place.setSize(place.size().expandedTo(wanted.boundedTo(room)).boundedTo(all.size()));
     place.moveTop(middle - place.height() / 2);
     place.moveLeft(std::max(0, std::min(place.left(), all.right() + 1 - place.width())));
     editor->setGeometry(place);
