@@ -9,25 +9,31 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QContextMenuEvent>
+#include <QCoreApplication>
+#include <QCursor>
 #include <QDialog>
+#include <QFontComboBox>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QScrollBar>
 #include <QTabWidget>
 #include <QTableView>
+#include <QTextBlock>
 #include <QTextEdit>
 #include <QTreeView>
 
 namespace {
 
-enum MainPage { ProfilePage, ProgramsPage, ReportPage };
-enum ClientPage { ConsolePage, ErrorListPage, ContextPage };
+enum class MainPage { Profile, Programs, Report };
+enum class ClientPage { Console, ErrorList, Contexts };
 
 void showPage(Stage& stage, MainPage page)
 {
-    stage.find<QTabWidget>("mainTabWidget").setCurrentIndex(page);
+    stage.find<QTabWidget>("mainTabWidget").setCurrentIndex(static_cast<int>(page));
 }
 
 /// The tab of the application that came last.
@@ -43,7 +49,7 @@ QTextEdit& console(Stage& stage)
 
 void showClientPage(Stage& stage, ClientPage page)
 {
-    stage.find<QTabWidget>("tabWidget", &client(stage)).setCurrentIndex(page);
+    stage.find<QTabWidget>("tabWidget", &client(stage)).setCurrentIndex(static_cast<int>(page));
 }
 
 /// Starts an application and waits until its console has the text.
@@ -55,7 +61,7 @@ void connectClient(Stage& stage, const QStringList& arguments, const QString& la
     stage.waitFor("the application's tab", [&] { return tabs.currentWidget() != before; });
     stage.waitFor(
         "the application's last text", [&] { return console(stage).toPlainText().contains(lastText); });
-    showClientPage(stage, ConsolePage);
+    showClientPage(stage, ClientPage::Console);
     stage.settle();
 }
 
@@ -119,10 +125,14 @@ void takeRefusal(Stage& stage, QTreeView& tree, const QModelIndex& api)
 {
     auto& line = edit<QLineEdit>(tree, child(tree, api, QStringLiteral("max_texture_size")));
     line.selectAll();
+    // The tool tip goes when the pointer enters or leaves a widget, so that comes first.
+    QCursor::setPos(line.mapToGlobal(line.rect().center()));
+    stage.settle();
     for (const QChar letter : QStringLiteral("many"))
         press(line, 0, letter);
     press(line, Qt::Key_Return);
     stage.take("profile-refusal");
+    QCursor::setPos(0, 0);
     press(line, Qt::Key_Escape);
 }
 
@@ -136,6 +146,7 @@ void takeStart(Stage& stage)
     stage.waitFor("the socket", [&] { return listening.isVisible() && !listening.toolTip().isEmpty(); });
     for (AboutBox* box : stage.window().findChildren<AboutBox*>())
         box->endStart();
+    stage.find<QFontComboBox>("cmbFont").setCurrentFont(QFont(QStringLiteral("DejaVu Sans Mono")));
     stage.take("start");
 }
 
@@ -159,16 +170,16 @@ void takeApplications(Stage& stage)
         QStringLiteral("Good-bye."));
     scrollTo(stage, QStringLiteral("Brass Heron 1.4.2"));
     stage.take("console");
-    showClientPage(stage, ErrorListPage);
+    showClientPage(stage, ClientPage::ErrorList);
     stage.find<QTableView>("tblErrorList", &client(stage)).scrollToTop();
     stage.take("error-list");
-    showClientPage(stage, ContextPage);
+    showClientPage(stage, ClientPage::Contexts);
     stage.take("context-info");
 }
 
 void takeReport(Stage& stage)
 {
-    showPage(stage, ReportPage);
+    showPage(stage, MainPage::Report);
     const auto& copy = stage.find<QPushButton>("btnCopy");
     stage.waitFor("the system report", [&copy] { return copy.isEnabled(); });
     stage.take("system-report");
@@ -176,7 +187,10 @@ void takeReport(Stage& stage)
 
 void takeProfiles(Stage& stage)
 {
-    showPage(stage, ProfilePage);
+    showPage(stage, MainPage::Profile);
+    // Wider, so that the values have room beside their keys.
+    stage.window().resize(1120, stage.window().height());
+    const auto& panel = stage.find<QWidget>("profile");
     auto& chooser = stage.find<QComboBox>("cmbProfile");
     chooser.setCurrentIndex(chooser.findText(QStringLiteral("Hadlow Tarn 10")));
     auto& capabilities = stage.find<QTreeView>("capabilitiesView");
@@ -205,7 +219,7 @@ void takeProfiles(Stage& stage)
     });
     takeSelector(stage, capabilities, api);
     takeRefusal(stage, capabilities, api);
-    stage.withOpened([&stage] { stage.find<QPushButton>("btnSave").click(); },
+    stage.withOpened([&] { stage.find<QPushButton>("btnSave", &panel).click(); },
         [&stage](QWidget& question) {
             stage.take("profile-copy", question);
             question.close();
@@ -215,7 +229,8 @@ void takeProfiles(Stage& stage)
 
 void takeDialogs(Stage& stage)
 {
-    showPage(stage, ProgramsPage);
+    showPage(stage, MainPage::Programs);
+    stage.window().resize(900, stage.window().height());
     const auto takePreferences = [&stage](QWidget& dialog) {
         // Places that stand for those of any user.
         stage.find<QLineEdit>("txtProfilesDirectory", &dialog)
@@ -231,6 +246,9 @@ void takeDialogs(Stage& stage)
     stage.withOpened([&stage] { stage.find<QAction>("actionPreferences").trigger(); }, takePreferences);
     stage.withOpened([&stage] { stage.find<QAction>("actionFeedback").trigger(); },
         [&stage](QWidget& dialog) {
+            auto& text = stage.find<QPlainTextEdit>("RequiredText", &dialog);
+            text.setPlainText(text.toPlainText().replace(QRegularExpression(QStringLiteral("(Kernel: +).*")),
+                QStringLiteral("\\1linux 6.1.0, x86_64")));
             stage.take("feedback", dialog);
             dialog.close();
         });
@@ -239,8 +257,8 @@ void takeDialogs(Stage& stage)
 void takeDark(Stage& stage)
 {
     stage.find<QAction>("actionTheme_dark").trigger();
-    showPage(stage, ProgramsPage);
-    showClientPage(stage, ConsolePage);
+    showPage(stage, MainPage::Programs);
+    showClientPage(stage, ClientPage::Console);
     stage.take("dark");
 }
 

@@ -27,6 +27,7 @@ void takeAll(const QString& demoClient, const QString& folder)
 {
     MainWindow& window = mainWindow();
     window.setGeometry(place);
+    window.activateWindow();
     QCursor::setPos(0, 0);
     Stage stage(window, demoClient, folder);
     pictures::takeStart(stage);
