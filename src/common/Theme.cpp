@@ -1,6 +1,7 @@
 #include "Theme.h"
 
 #include <QApplication>
+#include <QWidget>
 
 namespace {
 
@@ -11,13 +12,13 @@ struct RoleColors {
 };
 
 constexpr RoleColors activeColors[] = {
-    {QPalette::Window, 0xffefefef, 0xff36383c},
+    {QPalette::Window, 0xffefefef, 0xff333539},
     {QPalette::WindowText, 0xff101010, 0xffe6e6e6},
-    {QPalette::Base, 0xffffffff, 0xff1d1e20},
+    {QPalette::Base, 0xffffffff, 0xff1b1c1e},
     {QPalette::AlternateBase, 0xfff5f6f7, 0xff27292c},
     {QPalette::Text, 0xff101010, 0xffe6e6e6},
     {QPalette::PlaceholderText, 0xff6a6a6a, 0xff9a9ea4},
-    {QPalette::Button, 0xffefefef, 0xff34373b},
+    {QPalette::Button, 0xffefefef, 0xff2d3033},
     {QPalette::ButtonText, 0xff101010, 0xffe6e6e6},
     {QPalette::BrightText, 0xffffffff, 0xffffffff},
     {QPalette::Light, 0xffffffff, 0xff55585d},
@@ -50,6 +51,18 @@ constexpr struct {
     std::string_view name;
 } names[] = {{Theme::System, "system"}, {Theme::Light, "light"}, {Theme::Dark, "dark"}};
 
+/// Desktops that change while the program runs may give every widget a whole palette of its own, which no
+/// palette of the application gets through to.
+void dropPalettesOfTheDesktop()
+{
+    for (QWidget* widget : QApplication::allWidgets()) {
+        const QPalette palette = widget->palette();
+        if (widget->testAttribute(Qt::WA_SetPalette) && palette.isBrushSet(QPalette::Active, QPalette::Base)
+            && palette.isBrushSet(QPalette::Active, QPalette::Highlight))
+            widget->setPalette(QPalette());
+    }
+}
+
 } // namespace
 
 namespace theme {
@@ -69,6 +82,7 @@ QPalette palette(Theme theme)
 
 void apply(Theme theme)
 {
+    dropPalettesOfTheDesktop();
     QApplication::setPalette(palette(theme));
 }
 

@@ -4,16 +4,20 @@
 #include "PreferenceKeys.h"
 
 #include <QActionGroup>
+#include <QEvent>
 
-ThemeMenu::ThemeMenu(PlistPreferences& preferences, const QString& title, QWidget* parent)
-    : QMenu(title, parent)
+ThemeMenu::ThemeMenu(PlistPreferences& preferences, const QString& title, QWidget* window)
+    : QMenu(title, window)
     , m_preferences(preferences)
     , m_group(new QActionGroup(this))
 {
     std::string name;
     m_preferences.getString(preferencekeys::prefixed(preferencekeys::theme), &name, nullptr, false);
     m_current = theme::fromName(name);
-    theme::apply(m_current);
+    m_applyAgain.setSingleShot(true);
+    connect(&m_applyAgain, &QTimer::timeout, this, &ThemeMenu::apply);
+    apply();
+    window->installEventFilter(this);
     addTheme(Theme::System, tr("&System"), tr("Use the colors of the desktop"));
     addTheme(Theme::Light, tr("&Light"), tr("Use light colors, whatever the desktop has"));
     addTheme(Theme::Dark, tr("&Dark"), tr("Use dark colors, whatever the desktop has"));
@@ -37,7 +41,27 @@ void ThemeMenu::choose(Theme theme)
     if (theme == m_current)
         return;
     m_current = theme;
-    theme::apply(theme);
+    apply();
     m_preferences.setString(preferencekeys::prefixed(preferencekeys::theme), std::string(theme::name(theme)));
     Q_EMIT stored(m_preferences.save(false));
+}
+
+void ThemeMenu::apply()
+{
+    theme::apply(m_current);
+    m_windowColor = windowColor();
+}
+
+QColor ThemeMenu::windowColor() const
+{
+    return parentWidget()->palette().color(QPalette::Window);
+}
+
+bool ThemeMenu::eventFilter(QObject* watched, QEvent* event)
+{
+    // Later, since the desktop may not be through with all widgets yet.
+    if (event->type() == QEvent::PaletteChange && m_current != Theme::System
+        && windowColor() != m_windowColor)
+        m_applyAgain.start(0);
+    return QMenu::eventFilter(watched, event);
 }

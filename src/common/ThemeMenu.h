@@ -2,7 +2,9 @@
 
 #include "Theme.h"
 
+#include <QColor>
 #include <QMenu>
+#include <QTimer>
 
 class PlistPreferences;
 
@@ -11,8 +13,11 @@ class ThemeMenu : public QMenu {
     Q_OBJECT
 
 public:
-    /// The store must live longer.
-    ThemeMenu(PlistPreferences& preferences, const QString& title, QWidget* parent);
+    /// The store must live longer. The window is the one by which the menu notices that the desktop has put
+    /// its own colors in place of a chosen theme's.
+    ThemeMenu(PlistPreferences& preferences, const QString& title, QWidget* window);
+
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 Q_SIGNALS:
     /// A choice was stored, and whether the preferences could be saved.
@@ -21,8 +26,13 @@ Q_SIGNALS:
 private:
     void addTheme(Theme theme, const QString& text, const QString& statusTip);
     void choose(Theme theme);
+    void apply();
+    QColor windowColor() const;
 
     PlistPreferences& m_preferences;
     QActionGroup* m_group;
     Theme m_current = Theme::System;
+    /// As the theme has made it.
+    QColor m_windowColor;
+    QTimer m_applyAgain;
 };

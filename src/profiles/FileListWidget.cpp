@@ -3,6 +3,7 @@
 #include "PlainToolTip.h"
 
 #include <QKeyEvent>
+#include <QPainter>
 
 FileListWidget::FileListWidget(QWidget* parent)
     : QListWidget(parent)
@@ -43,4 +44,15 @@ void FileListWidget::keyPressEvent(QKeyEvent* event)
         return;
     qDeleteAll(selected);
     Q_EMIT itemsChanged();
+}
+
+void FileListWidget::paintEvent(QPaintEvent* event)
+{
+    QListWidget::paintEvent(event);
+    if (count() > 0)
+        return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.drawText(viewport()->rect().adjusted(8, 8, -8, -8), Qt::AlignCenter | Qt::TextWordWrap,
+        tr("Add the files of one profile with \"Browse...\". Several are merged into one."));
 }

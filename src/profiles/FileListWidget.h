@@ -20,4 +20,6 @@ Q_SIGNALS:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    /// An empty list says how files get in.
+    void paintEvent(QPaintEvent* event) override;
 };

@@ -84,7 +84,7 @@ QString offerCopy(const QString& path, const std::string& directory, QWidget* pa
     }
     if (!userAgrees(path, folder.path(), parent))
         return {};
-    const QString target = freePath(folder, QFileInfo(path));
+    QString target = freePath(folder, QFileInfo(path));
     const std::string reason = copy(path, target);
     if (reason.empty())
         return target;

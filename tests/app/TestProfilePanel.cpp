@@ -74,7 +74,10 @@ private:
     {
         return m_window.findChild<T*>(QString::fromLatin1(name));
     }
-    QPushButton* button(const char* name) const { return find<QPushButton>(name); }
+    QPushButton* button(const char* name) const
+    {
+        return find<widgets::Profile>("profile")->findChild<QPushButton*>(QString::fromLatin1(name));
+    }
     QComboBox* chooser() const { return find<QComboBox>("cmbProfile"); }
     widgets::ProfileTreeView* tree(const char* name) const { return find<widgets::ProfileTreeView>(name); }
     QString device() const { return find<QLineEdit>("editDevice")->text(); }
@@ -313,8 +316,8 @@ void TestProfilePanel::anotherProfileAsksFirst()
 void TestProfilePanel::newProfile()
 {
     m_answers.enter(fileNameTitle, QString());
-    QTest::keyClick(&m_window, Qt::Key_N, Qt::ControlModifier);
-    QTRY_COMPARE(device(), QStringLiteral("New profile"));
+    find<QAction>("actionNew_Profile")->trigger();
+    QCOMPARE(device(), QStringLiteral("New profile"));
     QCOMPARE(chooser()->currentText(), QStringLiteral("Mine (mine.xml)"));
     // What the panel shows must not land in the file of the profile that is still chosen.
     click("btnEdit");
@@ -326,8 +329,8 @@ void TestProfilePanel::newProfile()
     QCOMPARE(chooser()->currentText(), QStringLiteral("Mine 2 (2.xml)"));
 
     m_answers.enter(fileNameTitle, QStringLiteral("3.xml"));
-    QTest::keyClick(&m_window, Qt::Key_N, Qt::ControlModifier);
-    QTRY_COMPARE(chooser()->currentText(), QStringLiteral("New profile (3.xml)"));
+    find<QAction>("actionNew_Profile")->trigger();
+    QCOMPARE(chooser()->currentText(), QStringLiteral("New profile (3.xml)"));
     QVERIFY(
         content(QStringLiteral("3.xml")).contains(QStringLiteral("<renderer>Unknown renderer</renderer>")));
     QCOMPARE(chooser()->count(), 17);
@@ -370,7 +373,7 @@ void TestProfilePanel::withoutAFolderOneIsChosen()
     m_controller.reloadProfiles();
     chooser()->setCurrentIndex(1);
     click("btnEdit");
-    m_answers.enter(QStringLiteral("Corvale GUI"), QString());
+    m_answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("Cancel"));
     click("btnSaveAs");
     QVERIFY(isModifying());
     m_answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("Choose..."));
@@ -378,7 +381,7 @@ void TestProfilePanel::withoutAFolderOneIsChosen()
         auto& dialog = static_cast<QFileDialog&>(widget);
         dialog.setDirectory(m_folder);
         dialog.selectFile(m_folder);
-        dialog.accept();
+        static_cast<QDialog&>(dialog).accept();
     });
     m_answers.enter(fileNameTitle, QStringLiteral("first.xml"));
     click("btnSaveAs");
@@ -423,7 +426,6 @@ void TestProfilePanel::rowsAreAddedAndDeleted()
                 auto& dialog = static_cast<QInputDialog&>(widget);
                 dialog.setTextValue(QString::fromLatin1(name));
                 QVERIFY(!dialog.comboBoxItems().contains(QStringLiteral("EGL_RED_SIZE")));
-                QVERIFY(!dialog.comboBoxItems().contains(QStringLiteral("GL_OES_depth24")));
                 QCOMPARE(dialog.textValue(), QString::fromLatin1(name));
                 dialog.accept();
             });
@@ -444,7 +446,7 @@ void TestProfilePanel::rowsAreAddedAndDeleted()
     QCOMPARE(row(index("eglConfigsView", {0, 0})), QStringLiteral("EGL_MAX_PBUFFER_WIDTH=EGL_FALSE"));
     QCOMPARE(row(index("eglConfigsView", {0, 2})), QStringLiteral("EGL_CONFIG_CAVEAT=EGL_NONE"));
     QCOMPARE(row(index("eglConfigsView", {1})), QStringLiteral("Config 1="));
-    QCOMPARE(row(index("capabilitiesView", {0, 1, 1})), QStringLiteral("height=GL_LINE_BIT_BWD"));
+    QCOMPARE(row(index("capabilitiesView", {0, 1, 1})), QStringLiteral("height=GL_COMMAND_BARRIER_BIT"));
     QCOMPARE(index("extensionsView", {1, 0}).data().toString(), QStringLiteral("GL_EXT_robustness"));
 
     // Rows in any order, with both columns and together with what stands below them.

@@ -162,25 +162,21 @@ void TestDlgPreferences::fileListTakesDeleteAlone()
 
 void TestDlgPreferences::imports_data()
 {
+    const struct {
+        const char* chosen;
+        const char* target;
+        const char* failure;
+        int left;
+    } rows[] = {{"\"Жук.xml\"", "out.xml", "", 0}, {"\"Жук.xml\" \"b.xml\"", "out.xml", "", 0},
+        {"\"Жук.xml\"", "", "", 1}, {"\"b.xml\"", "", "Failed to import profile", 1},
+        {"\"Жук.xml\"", "sealed", "Error", 0}};
     QTest::addColumn<QString>("chosen");
     QTest::addColumn<QString>("target");
     QTest::addColumn<QString>("failure");
     QTest::addColumn<int>("left");
-    QTest::newRow("one, a copy") << "\"Жук.xml\""
-                                 << "out.xml"
-                                 << "" << 0;
-    QTest::newRow("two") << "\"Жук.xml\" \"b.xml\""
-                         << "out.xml"
-                         << "" << 0;
-    QTest::newRow("no target") << "\"Жук.xml\""
-                               << ""
-                               << "" << 1;
-    QTest::newRow("bad") << "\"b.xml\""
-                         << ""
-                         << "Failed to import profile" << 1;
-    QTest::newRow("cannot be written") << "\"Жук.xml\""
-                                       << "sealed"
-                                       << "Error" << 0;
+    for (const auto& row : rows)
+        QTest::addRow("%s to '%s'", row.chosen, row.target)
+            << QString::fromUtf8(row.chosen) << row.target << row.failure << row.left;
 }
 
 void TestDlgPreferences::imports()
@@ -190,12 +186,12 @@ void TestDlgPreferences::imports()
     QFETCH(const QString, failure);
     QFETCH(const int, left);
     const QByteArray whole = "<profile>\n    <es version=\"2\"/>\n    <egl/>\n</profile>\n";
-    for (const auto& [name, content] : {std::pair("Жук.xml", whole),
-             std::pair("b.xml", QByteArray("<profile><es version='3'/></profile>"))}) {
-        QFile file(path(QString::fromUtf8(name)));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(content);
-    }
+    const auto write = [this](const QString& name, const QByteArray& content) {
+        QFile file(path(name));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    };
+    write(QStringLiteral("Жук.xml"), whole);
+    write(QStringLiteral("b.xml"), "<profile><es version='3'/></profile>");
     Session session;
     session.find<QLineEdit>("txtProfilesDirectory").setText(m_folder->path());
     session.click("chkExpandProfilesAdvanced");

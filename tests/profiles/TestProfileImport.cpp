@@ -2,7 +2,6 @@
 #include "ProfileData.h"
 #include "ProfileImport.h"
 
-using childprocess::contentOf;
 using childprocess::fill;
 using childprocess::freshFolder;
 
@@ -13,17 +12,17 @@ std::string es(const std::string& version, const std::string& extension)
     return "<es version='" + version + "'><extension>" + extension + "</extension></es>";
 }
 
-/// What stands in the sections of a document, one after the other: enough to see what came from where.
+/// The texts of a document, one after the other: enough to see what came from where.
 std::string summary(const std::string& xml)
 {
-    std::string kept;
+    std::string texts;
     bool isMarkup = false;
     for (const char c : xml) {
         isMarkup = (isMarkup || c == '<') && c != '>';
-        if (!isMarkup && c != '>' && !std::isspace(static_cast<unsigned char>(c)))
-            kept += c;
+        if (!isMarkup && c > ' ' && c != '>')
+            texts += c;
     }
-    return kept;
+    return texts;
 }
 
 struct Merge {

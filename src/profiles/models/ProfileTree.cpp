@@ -98,9 +98,9 @@ QVariant ProfileTree::data(const QModelIndex& index, int role) const
         return displayText(row, index.column());
     if (role == Qt::ToolTipRole) {
         const QString stored = row.data(index.column()).toString();
-        const bool hidden =
-            stored != displayText(row, index.column()) && isInteger(numberOrText(row.data(index.column())));
-        return hidden ? stored : QVariant();
+        const QString shown = displayText(row, index.column());
+        const bool hidden = stored != shown && isInteger(numberOrText(row.data(index.column())));
+        return hidden ? QStringLiteral("%1 = %2").arg(shown, stored.trimmed()) : QVariant();
     }
     return {};
 }

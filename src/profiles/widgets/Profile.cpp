@@ -88,7 +88,7 @@ std::array<ProfileTreeView*, 3> Profile::views() const
     return {m_capabilitiesView, m_extensionsView, m_eglConfigsView};
 }
 
-void Profile::show(Field& field, const QString& text)
+void Profile::showText(Field& field, const QString& text)
 {
     field.edit->setText(text);
     field.edit->setCursorPosition(0);
@@ -101,7 +101,7 @@ void Profile::show(Field& field, const QString& text)
 void Profile::fillFields(const ProfileData& document)
 {
     for (Field& field : m_fields)
-        show(field, fromUtf8((document.*field.get)()));
+        showText(field, fromUtf8((document.*field.get)()));
 }
 
 void Profile::setProfile(const WeakProfile& profile)
@@ -137,7 +137,7 @@ void Profile::clear()
 {
     setEnabled(false);
     for (Field& field : m_fields)
-        show(field, field.edit == m_ui->editDevice ? QStringLiteral("None") : QString());
+        showText(field, field.edit == m_ui->editDevice ? QStringLiteral("None") : QString());
     for (ProfileTreeView* profileView : views())
         profileView->setModel(nullptr);
     m_model.reset();

@@ -76,7 +76,7 @@ private:
     };
 
     void setUpViews();
-    void show(Field& field, const QString& text);
+    void showText(Field& field, const QString& text);
     void fillFields(const ProfileData& document);
     void view();
     void modify();

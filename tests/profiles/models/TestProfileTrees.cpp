@@ -126,16 +126,16 @@ void TestProfileTrees::names_data()
         QTest::newRow(name) << section << path << QString::fromLatin1(value) << stored << toolTip;
     };
     row("unknown version", 0, {"7", "GL_MAX_TEXTURE_SIZE"}, "GL_ATOMIC_COUNTER_BARRIER_BIT", " 4096 ",
-        " 4096 ");
-    row("enumerant", 0, {api, "GL_COMPRESSED_TEXTURE_FORMATS"}, "GL_ETC1_RGB8_OES", "36196", "36196");
+        "GL_ATOMIC_COUNTER_BARRIER_BIT = 4096");
+    row("enumerant", 0, {api, "GL_COMPRESSED_TEXTURE_FORMATS"}, "GL_ETC1_RGB8_OES", "36196", "GL_ETC1_RGB8_OES = 36196");
     row("no number", 0, {api, "unknown_limit"}, "12x", "12x");
-    row("zero", 0, {api, "GL_MAX_VIEWPORT_DIMS", "height"}, "GL_NONE", "0", "0");
+    row("zero", 0, {api, "GL_MAX_VIEWPORT_DIMS", "height"}, "GL_NONE", "0", "GL_NONE = 0");
     row("part of an unknown one", 0, {api, "internal_format", "name"}, "RGBA8", "RGBA8");
-    row("symbolic", 1, {config, "EGL_CONFIG_CAVEAT"}, "EGL_NONE", 0x3038, "12344");
-    row("one", 1, {config, "EGL_SAMPLES"}, "EGL_TRUE", 1, "1");
+    row("symbolic", 1, {config, "EGL_CONFIG_CAVEAT"}, "EGL_NONE", 0x3038, "EGL_NONE = 12344");
+    row("one", 1, {config, "EGL_SAMPLES"}, "EGL_TRUE", 1, "EGL_TRUE = 1");
     row("a bit", 1, {config, "EGL_SURFACE_TYPE"}, "EGL_WINDOW_BIT", "EGL_WINDOW_BIT");
     row("first of two parts", 1, {config, "EGL_TRANSPARENT_RED"}, "7", 7);
-    row("unknown part", 1, {config, "transparency/glow", "warm"}, "EGL_TRUE", 1, "1");
+    row("unknown part", 1, {config, "transparency/glow", "warm"}, "EGL_TRUE", 1, "EGL_TRUE = 1");
     row("beyond 32 bits", 1, {config, "EGL_LEVEL"}, "99999999999", "99999999999");
 }
 
