@@ -74,6 +74,7 @@ Times measure(const std::string& xml)
     timer.restart();
     for (QTreeView* tree : panel.findChildren<QTreeView*>())
         tree->expandAll();
+    QCoreApplication::processEvents();
     panel.grab();
     times.expand = milliseconds(timer);
     for (QTreeView* tree : panel.findChildren<QTreeView*>()) {

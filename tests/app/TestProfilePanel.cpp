@@ -455,8 +455,8 @@ void TestProfilePanel::rowsAreAddedAndDeleted()
     for (const QModelIndex& cell : {index("eglConfigsView", {0, 3}, 1), index("eglConfigsView", {0, 3}),
              index("eglConfigsView", {0, 0}), index("eglConfigsView", {1})})
         selected.select(cell, QItemSelectionModel::Select);
-    QTest::keyClick(tree("eglConfigsView"), Qt::Key_Delete);
-    selected.clear();
+    m_answers.choose(QStringLiteral("Delete"));
+    menu("eglConfigsView", index("eglConfigsView", {0, 3}));
     click("btnSave");
     QCOMPARE(content(QStringLiteral("mine.xml")),
         QString(m_xml)

@@ -3,16 +3,22 @@
 #include "models/ProfileColumns.h"
 
 #include <QAction>
+#include <QHeaderView>
 #include <QInputDialog>
 #include <QMenu>
+#include <QTimer>
 
 #include <algorithm>
+#include <utility>
 
 namespace widgets {
 
 using models::KeyColumn;
 
 namespace {
+
+/// How many rows around those in sight count for the width of a column.
+constexpr int rowsMeasured = 200;
 
 QAction* makeAction(QMenu* menu, ProfileTreeView* view, const QString& text, const QKeySequence& shortcut)
 {
@@ -41,6 +47,7 @@ ProfileTreeView::ProfileTreeView(const QString& addTop, const QString& addChild,
     setStyleSheet(QStringLiteral("QLineEdit, QSpinBox { background-color: white; }"));
     setSelectionMode(ExtendedSelection);
     setUniformRowHeights(true);
+    header()->setResizeContentsPrecision(rowsMeasured);
     setEditTriggers(DoubleClicked | EditKeyPressed | SelectedClicked);
     connect(m_delete, SIGNAL(triggered()), SLOT(deleteItemTriggered()));
     setEditable(false);
@@ -96,7 +103,18 @@ void ProfileTreeView::reopenRows(const QStringList& keys)
 
 void ProfileTreeView::resizeToFit()
 {
+    // Opening all rows at once asks for it a thousand times; the first and the last count.
+    if (m_hasResized) {
+        m_resizesAgain = true;
+        return;
+    }
+    m_hasResized = true;
     resizeColumnToContents(KeyColumn);
+    QTimer::singleShot(0, this, [this] {
+        m_hasResized = false;
+        if (std::exchange(m_resizesAgain, false))
+            resizeToFit();
+    });
 }
 
 void ProfileTreeView::currentChanged(const QModelIndex& current, const QModelIndex& previous)

@@ -61,6 +61,8 @@ private:
     QAction* m_addChild;
     QAction* m_delete;
     QPersistentModelIndex m_contextIndex;
+    bool m_hasResized = false;
+    bool m_resizesAgain = false;
 };
 
 } // namespace widgets

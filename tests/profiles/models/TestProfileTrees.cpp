@@ -127,7 +127,8 @@ void TestProfileTrees::names_data()
     };
     row("unknown version", 0, {"7", "GL_MAX_TEXTURE_SIZE"}, "GL_ATOMIC_COUNTER_BARRIER_BIT", " 4096 ",
         "GL_ATOMIC_COUNTER_BARRIER_BIT = 4096");
-    row("enumerant", 0, {api, "GL_COMPRESSED_TEXTURE_FORMATS"}, "GL_ETC1_RGB8_OES", "36196", "GL_ETC1_RGB8_OES = 36196");
+    row("enumerant", 0, {api, "GL_COMPRESSED_TEXTURE_FORMATS"}, "GL_ETC1_RGB8_OES", "36196",
+        "GL_ETC1_RGB8_OES = 36196");
     row("no number", 0, {api, "unknown_limit"}, "12x", "12x");
     row("zero", 0, {api, "GL_MAX_VIEWPORT_DIMS", "height"}, "GL_NONE", "0", "GL_NONE = 0");
     row("part of an unknown one", 0, {api, "internal_format", "name"}, "RGBA8", "RGBA8");
