@@ -8,6 +8,7 @@ build_packages=(g++ cmake ninja-build qt6-base-dev qt6-svg-dev libtinyxml2-dev)
 run_packages=(libqt6svg6 fonts-dejavu-core)
 test_packages=(libgtest-dev)
 windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 googletest)
+fuzz_packages=(clang libclang-rt-14-dev)
 display_packages=(xvfb x11-utils imagemagick)
 
 # install_missing PACKAGE...: installs those that are not there, and says which.

@@ -3,6 +3,7 @@
 #include "AboutBox.h"
 #include "Client.h"
 #include "ClientInterface.h"
+#include "Console.h"
 #include "Controller.h"
 #include "DocumentationOpener.h"
 #include "ErrorListModel.h"
@@ -188,6 +189,8 @@ void MainWindow::serverNewConnection()
     connect(client, SIGNAL(cleanDisconnect(Client*)), SLOT(clientCleanDisconnect(Client*)));
     connect(client, SIGNAL(ickyDisconnect(Client*)), SLOT(clientIckyDisconnect(Client*)));
     connect(m_ui->cmbFont, SIGNAL(currentFontChanged(const QFont&)), page, SLOT(fontChanged(const QFont&)));
+    connect(&page->console(), &Console::notice, this,
+        [this](const QString& text) { statusBar()->showMessage(text, messageTime); });
     countProblems(*page);
     page->setLive();
     m_clients.insert(client);

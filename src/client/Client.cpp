@@ -1,5 +1,6 @@
 #include "Client.h"
 
+#include "EventLoopTurn.h"
 #include "RecordText.h"
 
 #include <QElapsedTimer>
@@ -15,9 +16,6 @@ using ui::messages::Type;
 namespace offset = ui::messages::offset;
 
 namespace {
-
-/// Longest time in milliseconds that one read pass works before the event loop gets its turn.
-constexpr qint64 passLimit = 10;
 
 /// Bytes that are buffered for a socket each way; what an application sends beyond them waits in the system.
 constexpr qint64 bufferLimit = 64 * static_cast<qint64>(recordSize);
@@ -61,18 +59,20 @@ void Client::readRecords(bool bounded)
         return;
     m_reading = true;
     const QPointer<Client> self(this);
+    const qint64 limit = eventLoopTurn::readingTime(m_lastTurn);
     QElapsedTimer elapsed;
     elapsed.start();
     Step step = Step::GoOn;
-    while (step == Step::GoOn) {
+    bool isCut = false;
+    while (step == Step::GoOn && !isCut) {
         step = readRecord();
         if (!self)
             return;
-        if (step == Step::GoOn && bounded && elapsed.hasExpired(passLimit)) {
-            continueLater();
-            break;
-        }
+        isCut = step == Step::GoOn && bounded && elapsed.nsecsElapsed() >= limit;
     }
+    if (isCut)
+        continueLater();
+    m_hasBacklog = isCut;
     m_reading = false;
     if (m_endPending) {
         m_endPending = false;

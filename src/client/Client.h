@@ -11,9 +11,9 @@ class QLocalSocket;
 /// control records. Works on the thread of its socket; every signal is emitted before the next record is
 /// read.
 ///
-/// A read pass lasts about ten milliseconds at most and then goes on through the event loop, so that a flood
-/// of records leaves the window alive. What an application sent before its end is always read before the end
-/// is reported.
+/// A read pass lasts about ten milliseconds at most, which all clients share, and then goes on through the
+/// event loop, so that a flood of records leaves the window alive. What an application sent before its end is
+/// always read before the end is reported.
 class Client : public QObject {
     Q_OBJECT
 
@@ -21,6 +21,9 @@ public:
     /// Watches a connected socket, which stays its server's. Bytes that arrived before are read as well, once
     /// the event loop runs again, so that whoever made the client can connect its signals first.
     Client(QObject* parent, QLocalSocket* socket);
+
+    /// True while more has arrived than could be read in the time that there is for it.
+    bool hasBacklog() const { return m_hasBacklog; }
 
 Q_SIGNALS:
     void setPID(Client*, PID_TYPE);
@@ -56,6 +59,8 @@ private:
     QPointer<QLocalSocket> m_socket;
     bool m_saidGoodbye = false;
     bool m_continuationPending = false;
+    bool m_hasBacklog = false;
+    quint64 m_lastTurn = 0;
     bool m_reading = false;
     bool m_endPending = false;
 };

@@ -2,19 +2,20 @@
 
 #include "CellContentsDialog.h"
 #include "Client.h"
+#include "Console.h"
+#include "ConsoleSaver.h"
 #include "ContextInterface.h"
 #include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
+#include "EventLoopTurn.h"
 #include "GlEnumerants.h"
 #include "RecordText.h"
 #include "ui_ClientInterface.h"
 
+#include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QTextDocument>
-
-#include <cstdlib>
-#include <utility>
 
 using ui::messages::Message;
 using ui::messages::Type;
@@ -22,15 +23,7 @@ namespace offset = ui::messages::offset;
 
 namespace {
 
-QString enumerantName(const Message& message, std::size_t at)
-{
-    return QString::fromLatin1(gl::enumerantName(message.i32(at)));
-}
-
-QString idText(const Message& message, std::size_t at)
-{
-    return QStringLiteral(" (ID: ") + QString::number(message.u32(at)) + QLatin1Char(')');
-}
+constexpr int mostContexts = 500;
 
 } // namespace
 
@@ -39,8 +32,6 @@ ClientInterface::ClientInterface(Client* client, int index, const QFont& font, Q
     , m_ui(std::make_unique<Ui::ClientInterface>())
     , m_client(client)
     , m_index(index)
-    , m_document(new QTextDocument(this))
-    , m_console(m_document)
     , m_errorListModel(new ErrorListModel(QIcon(QStringLiteral(":/CorvaleResources/Info")),
           QIcon(QStringLiteral(":/CorvaleResources/Warning")),
           QIcon(QStringLiteral(":/CorvaleResources/Error")), this))
@@ -57,8 +48,11 @@ ClientInterface::~ClientInterface() = default;
 
 void ClientInterface::setUpConsole(const QFont& font)
 {
-    m_document->setUndoRedoEnabled(false);
-    m_ui->txtConsole->setDocument(m_document);
+    // Unlike the view's own, a document that is given to it is laid out before the view is shown.
+    m_ui->txtConsole->setDocument(new QTextDocument(this));
+    m_ui->txtConsole->setUndoRedoEnabled(false);
+    m_console = new Console(m_ui->txtConsole, m_ui->chkConsoleAutoScroll, this);
+    m_saver = new ConsoleSaver(m_console, this);
     fontChanged(font);
 }
 
@@ -76,17 +70,47 @@ void ClientInterface::setUpContexts()
             : tr("No application is connected. Start a program that loads the Corvale libraries, and it "
                  "appears "
                  "here by itself."));
-    // It is to be read on the disabled page too.
-    QPalette palette = m_ui->lblNoContexts->palette();
-    palette.setColor(
-        QPalette::Disabled, QPalette::WindowText, palette.color(QPalette::Active, QPalette::WindowText));
-    m_ui->lblNoContexts->setPalette(palette);
+    colourContextsHint();
     m_ui->tabWidget_contexts->hide();
+}
+
+void ClientInterface::colourContextsHint()
+{
+    // It is to be read on the disabled page too.
+    QPalette colours;
+    colours.setColor(
+        QPalette::Disabled, QPalette::WindowText, palette().color(QPalette::Active, QPalette::WindowText));
+    if (m_ui->lblNoContexts->palette().color(QPalette::Disabled, QPalette::WindowText)
+        != colours.color(QPalette::Disabled, QPalette::WindowText))
+        m_ui->lblNoContexts->setPalette(colours);
+}
+
+void ClientInterface::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        colourContextsHint();
+}
+
+void ClientInterface::showConsoleMenu(const QPoint& position)
+{
+    // Text arrives while the menu is open, and the tab may even be closed.
+    QMenu* menu = m_ui->txtConsole->createStandardContextMenu(position);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->addSeparator();
+    QAction* save = menu->addAction(m_ui->btnSaveConsole->text());
+    save->setEnabled(!m_saver->isSaving());
+    connect(save, &QAction::triggered, m_ui->btnSaveConsole, &QPushButton::click);
+    menu->popup(m_ui->txtConsole->viewport()->mapToGlobal(position));
 }
 
 void ClientInterface::makeConnections()
 {
-    connect(m_ui->btnClear, &QPushButton::clicked, m_document, &QTextDocument::clear);
+    connect(m_ui->btnClear, &QPushButton::clicked, m_console, &Console::clear);
+    connect(m_ui->btnSaveConsole, &QPushButton::clicked, this, [this] { m_saver->ask(m_name); });
+    connect(m_saver, &ConsoleSaver::savingChanged, m_ui->btnSaveConsole, &QPushButton::setDisabled);
+    connect(
+        m_ui->txtConsole, &QTextEdit::customContextMenuRequested, this, &ClientInterface::showConsoleMenu);
     connect(m_ui->chkWireframe, SIGNAL(stateChanged(int)), SLOT(wireframeStateChanged(int)));
     connect(
         m_ui->txtConsole->verticalScrollBar(), SIGNAL(sliderMoved(int)), SLOT(uncheckConsoleAutoScroll()));
@@ -114,86 +138,36 @@ QString ClientInterface::title() const
 
 void ClientInterface::receive(const Message& message)
 {
-    {
-        const ConsoleWriter::Edit edit(m_console);
-        showRecord(message);
-    }
-    scrollConsole();
-}
-
-void ClientInterface::showRecord(const Message& message)
-{
+    const bool hurried = m_client && (m_client->hasBacklog() || !eventLoopTurn::mayDrawAtOnce(m_console));
+    m_console->add(message, hurried);
     switch (message.type()) {
-    case Type::IdentifiedMessage:
-        receiveIdentified(message);
-        break;
-    case Type::LineBreak:
-        writeLineBreak();
-        break;
-    case Type::DebugMessage:
-        receiveDebug(message);
-        break;
-    case Type::Information:
-        writePlainText(recordText::multiLine(message.text(offset::text)));
-        break;
     case Type::Warning:
-        receiveWarning(message);
+        addErrorListRow(errorList::SeverityWarning, message, QString(),
+            recordText::multiLine(message.text(offset::text)), QString());
         break;
     case Type::Error:
-        receiveError(message);
+        addErrorListRow(errorList::SeverityError, message, QString(),
+            recordText::multiLine(message.text(offset::text)), QString());
         break;
     case Type::GlError:
-        receiveGlError(message);
+        addErrorListRow(errorList::SeverityError, message,
+            QString::fromLatin1(gl::errorName(message.u32(offset::glErrorCode))),
+            recordText::multiLine(message.text(offset::glErrorDescription)),
+            recordText::singleLine(message.text(offset::glErrorFunction, offset::glErrorDescription)));
         break;
     case Type::ContextInformation:
-        receiveContext(message);
+        addContext(message);
         break;
     default:
         break;
     }
 }
 
-void ClientInterface::receiveIdentified(const Message& message)
+void ClientInterface::addContext(const Message& message)
 {
-    writeHeading(
-        recordText::singleLine(message.text(offset::identifiedText)) + idText(message, offset::identifiedId),
-        identifiedStyle());
-}
-
-void ClientInterface::receiveDebug(const Message& message)
-{
-    const QString heading = enumerantName(message, offset::debugType) + idText(message, offset::debugId)
-        + QStringLiteral("\nSeverity: ") + enumerantName(message, offset::debugSeverity);
-    writeFramed(heading, recordText::multiLine(message.text(offset::debugText)), debugStyle());
-}
-
-void ClientInterface::receiveWarning(const Message& message)
-{
-    const QString text = recordText::multiLine(message.text(offset::text));
-    writeFramed(QStringLiteral("Warning"), text, warningStyle());
-    addErrorListRow(errorList::SeverityWarning, message, QString(), text, QString());
-}
-
-void ClientInterface::receiveError(const Message& message)
-{
-    const QString text = recordText::multiLine(message.text(offset::text));
-    writeFramed(QStringLiteral("Error"), text, errorStyle());
-    addErrorListRow(errorList::SeverityError, message, QString(), text, QString());
-}
-
-void ClientInterface::receiveGlError(const Message& message)
-{
-    const QString name = QString::fromLatin1(gl::errorName(message.u32(offset::glErrorCode)));
-    const QString function =
-        recordText::singleLine(message.text(offset::glErrorFunction, offset::glErrorDescription));
-    const QString description = recordText::multiLine(message.text(offset::glErrorDescription));
-    writeFramed(
-        QStringLiteral("Error - ") + name + QStringLiteral(" in ") + function, description, errorStyle());
-    addErrorListRow(errorList::SeverityError, message, name, description, function);
-}
-
-void ClientInterface::receiveContext(const Message& message)
-{
+    // A page costs far more than its record: an application that goes on for ever keeps its newest ones.
+    if (m_ui->tabWidget_contexts->count() >= mostContexts)
+        delete m_ui->tabWidget_contexts->widget(0);
     auto* page = new ContextInterface(message, m_ui->tabWidget_contexts);
     m_ui->tabWidget_contexts->addTab(
         page, QStringLiteral("Context ") + QString::number(message.i32(offset::contextNumber)));
@@ -201,99 +175,22 @@ void ClientInterface::receiveContext(const Message& message)
     m_ui->tabWidget_contexts->show();
 }
 
-ClientInterface::HeadingStyle ClientInterface::headingStyle(const QColor& headingText,
-    const QColor& headingBackground, const QColor& bodyBackground, QTextFrameFormat::BorderStyle border) const
-{
-    QPalette palette = m_ui->txtConsole->palette();
-    palette.setColor(QPalette::WindowText, palette.color(QPalette::Text));
-    palette.setColor(QPalette::Window, bodyBackground);
-    palette.setColor(QPalette::Text, headingText);
-    palette.setColor(QPalette::Base, headingBackground);
-    return {palette, border};
-}
-
-ClientInterface::HeadingStyle ClientInterface::errorStyle() const
-{
-    const QColor base = m_ui->txtConsole->palette().color(QPalette::Base);
-    return headingStyle(QColor(255, 255, 255), QColor(255, 0, 0), base, QTextFrameFormat::BorderStyle_Solid);
-}
-
-ClientInterface::HeadingStyle ClientInterface::warningStyle() const
-{
-    const QColor base = m_ui->txtConsole->palette().color(QPalette::Base);
-    return headingStyle(QColor(0, 0, 0), QColor(255, 255, 0), base, QTextFrameFormat::BorderStyle_Solid);
-}
-
-ClientInterface::HeadingStyle ClientInterface::debugStyle() const
-{
-    const QPalette palette = m_ui->txtConsole->palette();
-    const QColor base = palette.color(QPalette::Base);
-    return headingStyle(base, palette.color(QPalette::Text), base, QTextFrameFormat::BorderStyle_Solid);
-}
-
-ClientInterface::HeadingStyle ClientInterface::identifiedStyle() const
-{
-    const QPalette palette = m_ui->txtConsole->palette();
-    const QColor base = palette.color(QPalette::Base);
-    const QColor text = palette.color(QPalette::Text);
-    const QColor difference(std::abs(base.red() - text.red()), std::abs(base.green() - text.green()),
-        std::abs(base.blue() - text.blue()));
-    return headingStyle(base, text, difference, QTextFrameFormat::BorderStyle_Dotted);
-}
-
-void ClientInterface::writeHeading(const QString& text, const HeadingStyle& style)
-{
-    m_console.heading(text, style.palette, style.border);
-    m_scrollPending = true;
-}
-
-void ClientInterface::writeFramed(const QString& heading, const QString& body, const HeadingStyle& style)
-{
-    m_console.heading(heading, style.palette, style.border);
-    m_console.body(body);
-    writeLineBreak();
-}
-
-void ClientInterface::writePlainText(const QString& text)
-{
-    m_console.plainText(text);
-    m_scrollPending = true;
-}
-
-void ClientInterface::writeLineBreak()
-{
-    m_console.lineBreak();
-    m_scrollPending = true;
-}
-
-void ClientInterface::scrollConsole()
-{
-    // Only a finished edit has been laid out and can be scrolled to.
-    if (!std::exchange(m_scrollPending, false) || !m_ui->chkConsoleAutoScroll->isChecked())
-        return;
-    m_ui->txtConsole->setTextCursor(m_console.cursor());
-    m_ui->txtConsole->ensureCursorVisible();
-}
-
 void ClientInterface::addErrorListRow(qint32 severity, const Message& message, const QString& code,
     const QString& description, const QString& function)
 {
     m_errorListModel->append(severity, message.i32(offset::frame), code, description, function);
     if (m_ui->chkErrorListAutoScroll->isChecked())
-        m_ui->tblErrorList->scrollToBottom();
+        m_ui->tblErrorList->followEnd();
 }
 
 void ClientInterface::fontChanged(const QFont& font)
 {
-    m_ui->txtConsole->setFont(font);
-    m_document->setDefaultFont(font);
+    m_console->setFont(font);
 }
 
 void ClientInterface::finish(const QString& text)
 {
-    m_console.closingLine(text);
-    m_scrollPending = true;
-    scrollConsole();
+    m_console->addClosingLine(text);
     m_state = State::Finished;
     m_ui->grpRendering->setEnabled(false);
     m_ui->grpRendering->setToolTip(tr("The application is no longer connected"));

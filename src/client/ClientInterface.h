@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ConsoleWriter.h"
 #include "MetaTypes.h"
 
 #include <QPointer>
@@ -9,9 +8,10 @@
 #include <memory>
 
 class Client;
+class Console;
+class ConsoleSaver;
 class ErrorListFilterProxyModel;
 class ErrorListModel;
-class QTextDocument;
 
 namespace Ui {
 class ClientInterface;
@@ -44,6 +44,7 @@ public:
     QString title() const;
 
     const ErrorListModel& errorListModel() const { return *m_errorListModel; }
+    Console& console() { return *m_console; }
 
 public Q_SLOTS:
     /// Shows a record of types 3 to 10; ignores any other.
@@ -59,38 +60,18 @@ public Q_SLOTS:
     /// Opens a pop-up with the whole text of a cell, counted as the filter shows them, at a global position.
     void showErrorListItemContents(int, int, QPoint);
 
-private:
-    /// A heading's colours and the border of the frame below it.
-    struct HeadingStyle {
-        QPalette palette;
-        QTextFrameFormat::BorderStyle border;
-    };
+protected:
+    void changeEvent(QEvent* event) override;
 
+private:
     void setUpConsole(const QFont& font);
     void setUpErrorList();
     void setUpContexts();
     void makeConnections();
 
-    HeadingStyle errorStyle() const;
-    HeadingStyle warningStyle() const;
-    HeadingStyle debugStyle() const;
-    HeadingStyle identifiedStyle() const;
-    HeadingStyle headingStyle(const QColor& headingText, const QColor& headingBackground,
-        const QColor& bodyBackground, QTextFrameFormat::BorderStyle border) const;
-
-    void showRecord(const ui::messages::Message& message);
-    void receiveIdentified(const ui::messages::Message& message);
-    void receiveDebug(const ui::messages::Message& message);
-    void receiveWarning(const ui::messages::Message& message);
-    void receiveError(const ui::messages::Message& message);
-    void receiveGlError(const ui::messages::Message& message);
-    void receiveContext(const ui::messages::Message& message);
-
-    void writeHeading(const QString& text, const HeadingStyle& style);
-    void writeFramed(const QString& heading, const QString& body, const HeadingStyle& style);
-    void writePlainText(const QString& text);
-    void writeLineBreak();
-    void scrollConsole();
+    void colourContextsHint();
+    void showConsoleMenu(const QPoint& position);
+    void addContext(const ui::messages::Message& message);
     void addErrorListRow(qint32 severity, const ui::messages::Message& message, const QString& code,
         const QString& description, const QString& function);
 
@@ -100,9 +81,8 @@ private:
     QString m_name;
     PID_TYPE m_pid = 0;
     State m_state = State::Fresh;
-    QTextDocument* m_document;
-    ConsoleWriter m_console;
-    bool m_scrollPending = false;
+    Console* m_console;
+    ConsoleSaver* m_saver;
     ErrorListModel* m_errorListModel;
     ErrorListFilterProxyModel* m_errorListFilter;
 };

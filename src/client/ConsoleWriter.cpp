@@ -1,13 +1,10 @@
 #include "ConsoleWriter.h"
 
-#include <QTextDocument>
 #include <QTextFrame>
 
-namespace {
+#include <cstdlib>
 
-/// Frames inside frames at most. A message that opens a frame and never leaves it puts the next one inside;
-/// each takes room from the text's width, and a document nested without end could not be laid out.
-constexpr int deepestFrame = 8;
+namespace {
 
 /// Height in pixels of the empty line that ends every frame, so that frames in a row stand close together.
 constexpr double lineAfterFrame = 4;
@@ -24,56 +21,83 @@ int frameDepth(const QTextFrame* frame)
     return depth;
 }
 
+QColor difference(const QColor& one, const QColor& other)
+{
+    return {std::abs(one.red() - other.red()), std::abs(one.green() - other.green()),
+        std::abs(one.blue() - other.blue())};
+}
+
 } // namespace
 
-ConsoleWriter::Edit::Edit(ConsoleWriter& writer)
-    : m_cursor(writer.m_cursor)
+ConsoleWriter::ConsoleWriter(const QTextCursor& cursor, const QPalette& palette)
+    : m_cursor(cursor)
+    , m_palette(palette)
 {
-    m_cursor.beginEditBlock();
 }
 
-ConsoleWriter::Edit::~Edit()
+QTextCharFormat ConsoleWriter::ownLineFormat()
 {
-    m_cursor.endEditBlock();
+    QTextCharFormat format;
+    format.setFontItalic(true);
+    return format;
 }
 
-ConsoleWriter::ConsoleWriter(QTextDocument* document)
-    : m_cursor(document)
+ConsoleWriter::Look ConsoleWriter::look(ConsoleStyle style) const
 {
-    m_cursor.movePosition(QTextCursor::End);
+    const QColor base = m_palette.color(QPalette::Base);
+    const QColor text = m_palette.color(QPalette::Text);
+    switch (style) {
+    case ConsoleStyle::Error:
+        return {QColor(255, 255, 255), QColor(255, 0, 0), base, QTextFrameFormat::BorderStyle_Solid};
+    case ConsoleStyle::Warning:
+        return {QColor(0, 0, 0), QColor(255, 255, 0), base, QTextFrameFormat::BorderStyle_Solid};
+    case ConsoleStyle::Debug:
+        return {base, text, base, QTextFrameFormat::BorderStyle_Solid};
+    case ConsoleStyle::Identified:
+        break;
+    }
+    return {base, text, difference(base, text), QTextFrameFormat::BorderStyle_Dotted};
 }
 
-void ConsoleWriter::heading(
-    const QString& text, const QPalette& palette, QTextFrameFormat::BorderStyle border)
+void ConsoleWriter::heading(const QString& text, ConsoleStyle style)
 {
-    leaveDeepFrames();
+    if (frameDepth(m_cursor.currentFrame()) >= deepestFrame) {
+        leaveFrames();
+        if (!m_cursor.block().text().isEmpty())
+            m_cursor.insertText(QStringLiteral("\n"), QTextCharFormat());
+    }
     if (!m_lastWasHeading)
         m_cursor.insertText(QStringLiteral("\n\n"), QTextCharFormat());
 
+    const Look colors = look(style);
     QTextBlockFormat headingBlock;
-    headingBlock.setBackground(palette.color(QPalette::Base));
+    headingBlock.setBackground(colors.headingBackground);
     QTextCharFormat headingCharacters;
-    headingCharacters.setForeground(palette.color(QPalette::Text));
+    headingCharacters.setForeground(colors.headingText);
     m_cursor.setBlockFormat(headingBlock);
     m_cursor.setBlockCharFormat(headingCharacters);
     m_cursor.insertText(text, headingCharacters);
     m_cursor.movePosition(QTextCursor::EndOfBlock);
     headingBlock.setLineHeight(roomForFrame, QTextBlockFormat::LineDistanceHeight);
     m_cursor.setBlockFormat(headingBlock);
+    openFrame(colors);
+    m_lastWasHeading = true;
+}
 
+void ConsoleWriter::openFrame(const Look& look)
+{
     QTextFrameFormat frame;
     frame.setTopMargin(-1);
     frame.setBorder(1);
-    frame.setBorderBrush(palette.color(QPalette::Base));
-    frame.setBorderStyle(border);
+    frame.setBorderBrush(look.headingBackground);
+    frame.setBorderStyle(look.border);
     frame.setPadding(5);
-    frame.setBackground(palette.color(QPalette::Window));
+    frame.setBackground(look.bodyBackground);
     m_cursor.insertFrame(frame);
     QTextCharFormat bodyCharacters;
-    bodyCharacters.setForeground(palette.color(QPalette::WindowText));
+    bodyCharacters.setForeground(m_palette.color(QPalette::Text));
     m_cursor.setBlockCharFormat(bodyCharacters);
     m_cursor.setCharFormat(bodyCharacters);
-    m_lastWasHeading = true;
 }
 
 void ConsoleWriter::body(const QString& text)
@@ -83,25 +107,23 @@ void ConsoleWriter::body(const QString& text)
 
 void ConsoleWriter::lineBreak()
 {
-    const QTextFrame* frameBefore = m_cursor.currentFrame();
-    m_cursor.movePosition(QTextCursor::NextBlock);
-    const bool leftFrame = m_cursor.currentFrame() != frameBefore;
-    if (leftFrame) {
+    // The cursor is always on the last line of its frame, so the next block is behind the frame.
+    const bool leavesFrame = isInFrame();
+    if (leavesFrame) {
+        m_cursor.movePosition(QTextCursor::NextBlock);
         QTextBlockFormat low;
         low.setLineHeight(lineAfterFrame, QTextBlockFormat::FixedHeight);
         m_cursor.setBlockFormat(low);
     }
     m_cursor.insertText(QStringLiteral("\n"), m_cursor.blockCharFormat());
-    if (leftFrame)
+    if (leavesFrame)
         m_cursor.setBlockFormat(QTextBlockFormat());
 }
 
 void ConsoleWriter::closingLine(const QString& text)
 {
-    moveToEnd();
-    QTextCharFormat italic;
-    italic.setFontItalic(true);
-    plainText(text, italic);
+    leaveFrames();
+    plainText(text, ownLineFormat());
 }
 
 void ConsoleWriter::plainText(const QString& text, QTextCharFormat characters)
@@ -115,21 +137,12 @@ void ConsoleWriter::plainText(const QString& text, QTextCharFormat characters)
     m_lastWasHeading = false;
 }
 
-void ConsoleWriter::moveToEnd()
-{
-    m_cursor.movePosition(QTextCursor::End);
-}
-
 bool ConsoleWriter::isInFrame() const
 {
     return frameDepth(m_cursor.currentFrame()) > 0;
 }
 
-void ConsoleWriter::leaveDeepFrames()
+void ConsoleWriter::leaveFrames()
 {
-    if (frameDepth(m_cursor.currentFrame()) < deepestFrame)
-        return;
-    moveToEnd();
-    if (!m_cursor.block().text().isEmpty())
-        m_cursor.insertText(QStringLiteral("\n"), QTextCharFormat());
+    while (isInFrame() && m_cursor.movePosition(QTextCursor::NextBlock)) { }
 }

@@ -1,56 +1,53 @@
 #pragma once
 
+#include "ConsoleSink.h"
+
 #include <QPalette>
 #include <QTextCursor>
 #include <QTextFrameFormat>
 
-class QTextDocument;
-
-/// Writes a client's console into a text document: plain lines, and headings with a framed body. Text goes in
-/// as it is, never as markup.
-class ConsoleWriter {
+/// Writes console entries into a text document: plain lines, and headings with a framed body. Text goes in as
+/// it is, never as markup. What stands behind the place where it writes is left alone.
+class ConsoleWriter : public ConsoleSink {
 public:
-    /// Writes at the end of a document, which must live longer.
-    explicit ConsoleWriter(QTextDocument* document);
+    /// Writes at a cursor's position. The palette is the console's, whose colours the headings follow.
+    ConsoleWriter(const QTextCursor& cursor, const QPalette& palette);
 
-    /// Writes a heading and opens a frame below it, where the cursor stays. The palette's roles are: Text and
-    /// Base the heading's colours, WindowText and Window those of the frame's body.
-    void heading(const QString& text, const QPalette& palette, QTextFrameFormat::BorderStyle border);
+    /// A writer like this one in another place.
+    ConsoleWriter at(const QTextCursor& cursor) const { return {cursor, m_palette}; }
 
-    /// Writes into the frame that a heading has opened.
-    void body(const QString& text);
+    void setPalette(const QPalette& palette) { m_palette = palette; }
+    /// Whether the next heading follows another one, and so needs no line before it.
+    void setLastWasHeading(bool wasHeading) { m_lastWasHeading = wasHeading; }
+    void moveToEnd() { m_cursor.movePosition(QTextCursor::End); }
 
-    /// Leaves the frame that the cursor is in, if any, and goes to a new line.
-    void lineBreak();
-
-    /// Writes on a line of its own, inside the frame if the cursor is in one.
-    void plainText(const QString& text) { plainText(text, QTextCharFormat()); }
-
-    /// Writes a line of the window's own after everything else, in italics, so that it cannot be taken for a
-    /// client's.
-    void closingLine(const QString& text);
-
-    void moveToEnd();
+    void heading(const QString& text, ConsoleStyle style) override;
+    void body(const QString& text) override;
+    void lineBreak() override;
+    void plainText(const QString& text) override { plainText(text, QTextCharFormat()); }
+    void closingLine(const QString& text) override;
 
     const QTextCursor& cursor() const { return m_cursor; }
 
-    /// Collects what is written while it lives into one change of the document.
-    class Edit {
-    public:
-        explicit Edit(ConsoleWriter& writer);
-        ~Edit();
-        Edit(const Edit&) = delete;
-        Edit& operator=(const Edit&) = delete;
-
-    private:
-        QTextCursor m_cursor;
-    };
+    /// How lines of the window's own look: in italics, so that they cannot be taken for a client's.
+    static QTextCharFormat ownLineFormat();
 
 private:
+    /// A heading's colours, the body's background, and the border of the frame between them.
+    struct Look {
+        QColor headingText;
+        QColor headingBackground;
+        QColor bodyBackground;
+        QTextFrameFormat::BorderStyle border;
+    };
+
+    Look look(ConsoleStyle style) const;
+    void openFrame(const Look& look);
     void plainText(const QString& text, QTextCharFormat characters);
     bool isInFrame() const;
-    void leaveDeepFrames();
+    void leaveFrames();
 
     QTextCursor m_cursor;
+    QPalette m_palette;
     bool m_lastWasHeading = false;
 };

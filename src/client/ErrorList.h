@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QtGlobal>
 
 /// What the error list's model, filter, view and delegate share.
 namespace errorList {
@@ -17,15 +17,6 @@ enum Column {
     CodeColumn,
     DescriptionColumn,
     ColumnCount,
-};
-
-/// One reported problem.
-struct Row {
-    qint32 severity = SeverityError;
-    qint32 frame = -1; ///< Negative where the problem belongs to no frame.
-    QString code; ///< Name of the GL error, empty where there is none.
-    QString description;
-    QString function; ///< API function that raised it, empty where none is known.
 };
 
 } // namespace errorList

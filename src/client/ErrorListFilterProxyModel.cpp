@@ -4,18 +4,26 @@
 
 void ErrorListFilterProxyModel::setShowErrors(bool show)
 {
-    if (m_showErrors == show)
-        return;
-    m_showErrors = show;
-    invalidateFilter();
+    change(m_showErrors, show);
 }
 
 void ErrorListFilterProxyModel::setShowWarnings(bool show)
 {
-    if (m_showWarnings == show)
+    change(m_showWarnings, show);
+}
+
+void ErrorListFilterProxyModel::change(bool& flag, bool value)
+{
+    if (flag == value)
         return;
-    m_showWarnings = show;
-    invalidateFilter();
+    beginResetModel();
+    flag = value;
+    {
+        // Who listens hears of the reset alone.
+        const QSignalBlocker quiet(this);
+        invalidate();
+    }
+    endResetModel();
 }
 
 bool ErrorListFilterProxyModel::filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const

@@ -3,6 +3,8 @@
 #include <QSortFilterProxyModel>
 
 /// Shows the errors, the warnings, both or none of an ErrorListModel; rows of any other severity never.
+/// Another choice resets the model: where errors and warnings take turns, telling each row's coming or going
+/// would take minutes.
 class ErrorListFilterProxyModel : public QSortFilterProxyModel {
     Q_OBJECT
 
@@ -16,6 +18,8 @@ protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
 
 private:
+    void change(bool& flag, bool value);
+
     bool m_showWarnings = true;
     bool m_showErrors = true;
 };

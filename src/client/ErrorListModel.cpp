@@ -15,13 +15,20 @@ void ErrorListModel::append(
 {
     const int row = rowCount();
     beginInsertRows(QModelIndex(), row, row);
-    m_rows.push_back({severity, frame, code, description, function});
+    m_rows.push_back({severity, frame, m_texts.add(code.toStdString()),
+        m_texts.add(description.toStdString()), m_texts.add(function.toStdString())});
     endInsertRows();
 }
 
 qint32 ErrorListModel::severity(int row) const
 {
     return m_rows.at(static_cast<std::size_t>(row)).severity;
+}
+
+QString ErrorListModel::text(TextPool::Reference reference) const
+{
+    const std::string_view bytes = m_texts.text(reference);
+    return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
 }
 
 int ErrorListModel::rowCount(const QModelIndex& parent) const
@@ -43,11 +50,11 @@ QVariant ErrorListModel::data(const QModelIndex& index, int role) const
     case FrameColumn:
         return row.frame < 0 ? QString() : QString::number(row.frame);
     case FunctionColumn:
-        return row.function;
+        return text(row.function);
     case CodeColumn:
-        return row.code;
+        return text(row.code);
     case DescriptionColumn:
-        return row.description;
+        return text(row.description);
     default:
         return {};
     }

@@ -12,6 +12,14 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <utility>
+
+namespace {
+
+/// Milliseconds between two scrolls, each of which takes one.
+constexpr int followPause = 50;
+
+} // namespace
 
 ErrorListView::ErrorListView(QWidget* parent)
     : QTableView(parent)
@@ -24,6 +32,12 @@ ErrorListView::ErrorListView(QWidget* parent)
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     setTabKeyNavigation(false);
     setUpRows();
+    m_followPause.setSingleShot(true);
+    m_followPause.setInterval(followPause);
+    connect(&m_followPause, &QTimer::timeout, this, [this] {
+        if (std::exchange(m_followsLater, false))
+            followEnd();
+    });
     connect(this, &QAbstractItemView::doubleClicked, this, &ErrorListView::requestContents);
 }
 
@@ -31,6 +45,23 @@ void ErrorListView::setModel(QAbstractItemModel* model)
 {
     QTableView::setModel(model);
     setUpColumns();
+}
+
+void ErrorListView::followEnd()
+{
+    if (!isVisible() || m_followPause.isActive()) {
+        m_followsLater = true;
+        return;
+    }
+    scrollToBottom();
+    m_followPause.start();
+}
+
+void ErrorListView::showEvent(QShowEvent* event)
+{
+    QTableView::showEvent(event);
+    if (std::exchange(m_followsLater, false))
+        followEnd();
 }
 
 void ErrorListView::setUpRows()

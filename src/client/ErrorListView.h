@@ -2,6 +2,7 @@
 
 #include <QPoint>
 #include <QTableView>
+#include <QTimer>
 
 /// The table of a client's errors and warnings. Its context menu, a double click and the Return key ask for
 /// the full contents of a cell; Ctrl+C copies the selected cells as lines of tab-separated text.
@@ -13,6 +14,10 @@ public:
 
     void setModel(QAbstractItemModel* model) override;
 
+    /// Scrolls to the last row: at once, or within a short time where that has just been done. While the view
+    /// is hidden it waits until it is shown.
+    void followEnd();
+
 Q_SIGNALS:
     void contextMenuOpened();
     /// Asks for the contents of the cell at a row and column, whose top-left corner is at a global position.
@@ -21,10 +26,14 @@ Q_SIGNALS:
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     void requestContents(const QModelIndex& index);
     void copySelection() const;
     void setUpRows();
     void setUpColumns();
+
+    QTimer m_followPause;
+    bool m_followsLater = false;
 };

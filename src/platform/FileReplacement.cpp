@@ -16,9 +16,16 @@ FileReplacement::~FileReplacement()
     abandon();
 }
 
+bool FileReplacement::append(std::string_view bytes)
+{
+    if (ready() && !writeAll(bytes))
+        abandon();
+    return ready();
+}
+
 FileResult FileReplacement::commit(std::string_view bytes)
 {
-    if (ready() && !(keepAttributes() && writeDurably(bytes) && moveIntoPlace()))
+    if (ready() && !(keepAttributes() && writeAll(bytes) && sync() && moveIntoPlace()))
         abandon();
     return FileResult{m_reason};
 }

@@ -31,6 +31,10 @@ public:
     bool ready() const { return m_descriptor >= 0; }
     const std::string& reason() const { return m_reason; }
 
+    /// Writes bytes that come before those of commit(), for content that is made piece by piece. False, with
+    /// a reason(), when they do not fit; then commit() fails as well.
+    bool append(std::string_view bytes);
+
     /// Writes the bytes out durably and puts them in place. On failure the old file is as it was. To be
     /// called once.
     FileResult commit(std::string_view bytes);
@@ -39,7 +43,8 @@ private:
     bool findTarget(const std::filesystem::path& path);
     bool claimTemporary();
     bool keepAttributes();
-    bool writeDurably(std::string_view bytes);
+    bool writeAll(std::string_view bytes);
+    bool sync();
     bool moveIntoPlace();
     bool fail(const std::string& what, int errorNumber);
     void abandon();

@@ -136,7 +136,7 @@ bool FileReplacement::keepAttributes()
     return true;
 }
 
-bool FileReplacement::writeDurably(std::string_view bytes)
+bool FileReplacement::writeAll(std::string_view bytes)
 {
     while (!bytes.empty()) {
         const ssize_t written = write(m_descriptor, bytes.data(), bytes.size());
@@ -145,6 +145,11 @@ bool FileReplacement::writeDurably(std::string_view bytes)
         if (written > 0)
             bytes.remove_prefix(static_cast<std::size_t>(written));
     }
+    return true;
+}
+
+bool FileReplacement::sync()
+{
     if (fsync(m_descriptor) != 0)
         return fail("write", errno);
     // Network file systems report late errors on close; the lock has to outlive it, so a duplicate is closed.

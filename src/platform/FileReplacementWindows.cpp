@@ -39,7 +39,7 @@ bool FileReplacement::keepAttributes()
     return true;
 }
 
-bool FileReplacement::writeDurably(std::string_view bytes)
+bool FileReplacement::writeAll(std::string_view bytes)
 {
     constexpr std::size_t largest = std::numeric_limits<int>::max();
     while (!bytes.empty()) {
@@ -49,6 +49,11 @@ bool FileReplacement::writeDurably(std::string_view bytes)
             return fail("write", written < 0 ? errno : ENOSPC);
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
+    return true;
+}
+
+bool FileReplacement::sync()
+{
     return _commit(m_descriptor) == 0 || fail("write", errno);
 }
 

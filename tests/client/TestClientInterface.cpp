@@ -216,6 +216,7 @@ void TestClientInterface::identifiedFramesStayShallow()
     for (int i = 0; i < 2000; ++i)
         page.page.receive(identified("again", 1));
     page.page.receive(text(Type::Information, "the end"));
+    QTRY_VERIFY(page.block(QStringLiteral("the end")).isValid());
     int depth = 0;
     for (const QTextFrame* frame = page.frameOf(QStringLiteral("the end")); frame != nullptr;
          frame = frame->parentFrame())

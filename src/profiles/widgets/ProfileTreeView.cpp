@@ -14,6 +14,7 @@
 namespace widgets {
 
 using models::KeyColumn;
+using models::ValueColumn;
 
 namespace {
 
@@ -48,6 +49,7 @@ ProfileTreeView::ProfileTreeView(const QString& addTop, const QString& addChild,
     setSelectionMode(ExtendedSelection);
     setUniformRowHeights(true);
     header()->setResizeContentsPrecision(rowsMeasured);
+    header()->setStretchLastSection(false);
     setEditTriggers(DoubleClicked | EditKeyPressed | SelectedClicked);
     connect(m_delete, SIGNAL(triggered()), SLOT(deleteItemTriggered()));
     setEditable(false);
@@ -81,6 +83,19 @@ void ProfileTreeView::finishEdit()
     closeEditor(editor, QAbstractItemDelegate::NoHint);
 }
 
+/// Values take what room there is, and can be scrolled to where that is too little.
+void ProfileTreeView::fitValues()
+{
+    if (header()->count() > ValueColumn)
+        setColumnWidth(ValueColumn, std::max(m_valueWidth, viewport()->width() - columnWidth(KeyColumn)));
+}
+
+void ProfileTreeView::resizeEvent(QResizeEvent* event)
+{
+    QTreeView::resizeEvent(event);
+    fitValues();
+}
+
 QStringList ProfileTreeView::openRows() const
 {
     QStringList keys;
@@ -110,6 +125,9 @@ void ProfileTreeView::resizeToFit()
     }
     m_hasResized = true;
     resizeColumnToContents(KeyColumn);
+    if (model() && model()->columnCount() > ValueColumn)
+        m_valueWidth = sizeHintForColumn(ValueColumn);
+    fitValues();
     QTimer::singleShot(0, this, [this] {
         m_hasResized = false;
         if (std::exchange(m_resizesAgain, false))

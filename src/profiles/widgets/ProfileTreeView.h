@@ -36,6 +36,7 @@ protected:
     /// The texts are those of the first two actions.
     ProfileTreeView(const QString& addTop, const QString& addChild, QWidget* parent);
 
+    void resizeEvent(QResizeEvent* event) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
     QAction* addTopAction() const { return m_addTop; }
@@ -56,11 +57,15 @@ protected:
     QModelIndex addRow(int row, const QModelIndex& parent, const QVariant& key);
 
 private:
+    void fitValues();
+
     QMenu* m_menu;
     QAction* m_addTop;
     QAction* m_addChild;
     QAction* m_delete;
     QPersistentModelIndex m_contextIndex;
+    /// What the values need, in pixels.
+    int m_valueWidth = 0;
     bool m_hasResized = false;
     bool m_resizesAgain = false;
 };

@@ -97,11 +97,20 @@ void ProfileTreeItemDelegate::updateEditorGeometry(
     QRect place = editor->geometry();
     const int middle = place.center().y();
     const QRect all = editor->parentWidget()->rect();
+    // Of a cell that reaches out of the view only what is in sight counts.
+    place.setRight(std::max(place.left(), std::min(place.right(), all.right())));
     const QSize room(std::max(all.right() + 1 - place.left(), least), all.height());
     place.setSize(place.size().expandedTo(editor->sizeHint().boundedTo(room)).boundedTo(all.size()));
     place.moveTop(middle - place.height() / 2);
     place.moveLeft(std::max(0, std::min(place.left(), all.right() + 1 - place.width())));
     editor->setGeometry(place);
+}
+
+QSize ProfileTreeItemDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const
+{
+    // Room for the frame of an editor.
+    constexpr int frame = 4;
+    return QStyledItemDelegate::sizeHint(option, index) + QSize(frame, frame);
 }
 
 bool ProfileTreeItemDelegate::eventFilter(QObject* object, QEvent* event)

@@ -24,6 +24,8 @@ public:
     void updateEditorGeometry(
         QWidget* editor, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
+    QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
+
 protected:
     /// What to store for an entry, or why it is refused.
     struct Outcome {

@@ -1,0 +1,358 @@
+#include "ConsoleDocument.h"
+
+#include <QCoreApplication>
+#include <QTextDocument>
+
+#include <algorithm>
+#include <numeric>
+#include <utility>
+
+using consoleEntry::Outline;
+
+namespace {
+
+/// Weight of all that is shown; entries of many lines count as many.
+constexpr int liveWeight = 5 * static_cast<int>(ConsoleDocument::liveEntries);
+
+/// Entries that a document takes before their formats, which it never forgets, are too many.
+constexpr std::uint64_t wornAfter = 20 * ConsoleDocument::liveEntries;
+
+QString noticeText(std::uint64_t count)
+{
+    return QCoreApplication::translate(
+        "Console", "%1 earlier entries are no longer shown. \"Save console...\" writes them all to a file.")
+        .arg(count);
+}
+
+/// Collects the changes of a document while it lives.
+class Edit {
+public:
+    explicit Edit(QTextDocument* document)
+        : m_cursor(document)
+    {
+        m_cursor.beginEditBlock();
+    }
+    ~Edit() { m_cursor.endEditBlock(); }
+    Edit(const Edit&) = delete;
+    Edit& operator=(const Edit&) = delete;
+
+private:
+    QTextCursor m_cursor;
+};
+
+int lengthOf(const QTextDocument& document)
+{
+    // A document always ends with a separator that cannot be removed.
+    return document.characterCount() - 1;
+}
+
+} // namespace
+
+ConsoleDocument::ConsoleDocument(QTextDocument* document)
+    : m_document(document)
+    , m_writer(QTextCursor(document), QPalette())
+{
+}
+
+void ConsoleDocument::setPalette(const QPalette& palette)
+{
+    m_writer.setPalette(palette);
+}
+
+void ConsoleDocument::write(Entry& entry, ConsoleWriter& writer)
+{
+    const int before = lengthOf(*m_document);
+    consoleEntry::write(entry.bytes, writer);
+    entry.length = lengthOf(*m_document) - before;
+    m_shownWeight += entry.weight;
+    ++m_written;
+}
+
+void ConsoleDocument::append(std::string entry)
+{
+    const int weight = consoleEntry::weight(entry);
+    m_entries.push_back({std::move(entry), weight, 0});
+    const Edit edit(m_document);
+    write(m_entries.back(), m_writer);
+}
+
+void ConsoleDocument::keep(std::string entry)
+{
+    const int weight = consoleEntry::weight(entry);
+    m_waiting.push_back({std::move(entry), weight, 0});
+    if (m_waiting.size() <= liveEntries)
+        return;
+    if (!m_waitingOutline)
+        m_waitingOutline = outlineAt(m_entries.size());
+    m_waitingOutline->pass(m_waiting.front().bytes);
+    m_waiting.pop_front();
+    ++m_skipped;
+}
+
+void ConsoleDocument::appendWaiting(int weight)
+{
+    const Edit edit(m_document);
+    do {
+        weight -= m_waiting.front().weight;
+        takeFromWaiting();
+        write(m_entries.back(), m_writer);
+    } while (weight > 0 && !m_waiting.empty());
+}
+
+void ConsoleDocument::takeFromWaiting()
+{
+    m_entries.push_back(std::move(m_waiting.front()));
+    m_waiting.pop_front();
+}
+
+void ConsoleDocument::takeAllWaiting()
+{
+    if (m_skipped > 0) {
+        m_forgotten += m_entries.size() + m_skipped;
+        m_outline = *m_waitingOutline;
+        m_entries.clear();
+    }
+    m_skipped = 0;
+    m_waitingOutline.reset();
+    while (!m_waiting.empty())
+        takeFromWaiting();
+    while (m_entries.size() > liveEntries)
+        forgetOldest();
+}
+
+void ConsoleDocument::forgetOldest()
+{
+    m_outline.pass(m_entries.front().bytes);
+    m_entries.pop_front();
+    ++m_forgotten;
+}
+
+Outline ConsoleDocument::outlineAt(std::size_t entry) const
+{
+    Outline outline = m_outline;
+    for (std::size_t i = 0; i < entry; ++i)
+        outline.pass(m_entries[i].bytes);
+    return outline;
+}
+
+std::size_t ConsoleDocument::firstOfNewest(int weight) const
+{
+    std::size_t first = m_entries.size();
+    while (first > 0 && (first == m_entries.size() || weight >= m_entries[first - 1].weight))
+        weight -= m_entries[--first].weight;
+    return first;
+}
+
+void ConsoleDocument::restart(int weight)
+{
+    takeAllWaiting();
+    showFrom(firstOfNewest(weight));
+}
+
+void ConsoleDocument::rewrite()
+{
+    if (!m_closed)
+        showFrom(m_first);
+}
+
+void ConsoleDocument::showFrom(std::size_t first)
+{
+    m_document->clear();
+    m_closed = false;
+    m_written = 0;
+    m_shownWeight = 0;
+    m_headLength = 0;
+    m_first = first;
+    writeFrom(first);
+}
+
+void ConsoleDocument::writeFrom(std::size_t first)
+{
+    const Edit edit(m_document);
+    addHead();
+    const Outline outline = outlineAt(first);
+    m_writer.moveToEnd();
+    m_writer.setLastWasHeading(false);
+    // What is inside of frames is shown inside of them, with the headings that opened them.
+    for (const std::string& heading : outline.openFrames())
+        consoleEntry::write(heading, m_writer);
+    m_writer.setLastWasHeading(outline.lastWasHeading());
+    m_headLength = lengthOf(*m_document);
+    for (std::size_t i = first; i < m_entries.size(); ++i)
+        write(m_entries[i], m_writer);
+}
+
+/// Writes the line about earlier entries at the start. It ends so that what follows stands as it would behind
+/// the entry before it.
+void ConsoleDocument::addHead()
+{
+    const std::uint64_t earlier = m_forgotten + m_first;
+    if (earlier == 0)
+        return;
+    const Outline outline = outlineAt(m_first);
+    QTextCursor cursor(m_document);
+    if (outline.isLineEmpty() && outline.openFrames().empty()) {
+        const QTextBlockFormat format = cursor.blockFormat();
+        cursor.insertBlock(format, cursor.blockCharFormat());
+        cursor.movePosition(QTextCursor::Start);
+    }
+    cursor.setBlockFormat(QTextBlockFormat());
+    cursor.setBlockCharFormat(QTextCharFormat());
+    const int before = lengthOf(*m_document);
+    cursor.insertText(noticeText(earlier), ConsoleWriter::ownLineFormat());
+    m_headLength =
+        lengthOf(*m_document) - before + (outline.isLineEmpty() && outline.openFrames().empty() ? 1 : 0);
+}
+
+void ConsoleDocument::removeHead()
+{
+    removeUpTo(m_headLength);
+    m_headLength = 0;
+}
+
+void ConsoleDocument::removeUpTo(int position)
+{
+    QTextCursor cursor(m_document);
+    cursor.setPosition(position);
+    const QTextBlockFormat format = cursor.blockFormat();
+    const QTextCharFormat characters = cursor.blockCharFormat();
+    cursor.movePosition(QTextCursor::Start, QTextCursor::KeepAnchor);
+    cursor.removeSelectedText();
+    // The block that is left may have taken the looks of one that went.
+    cursor.setBlockFormat(format);
+    cursor.setBlockCharFormat(characters);
+}
+
+bool ConsoleDocument::isFillable() const
+{
+    return m_first > 0 && !m_closed && isInStep() && !isOverfull() && m_entries.size() - m_first < liveEntries
+        && m_shownWeight < liveWeight;
+}
+
+void ConsoleDocument::fill(int weight)
+{
+    std::vector<std::size_t> places; // where no frame is open
+    Outline outline = m_outline;
+    for (std::size_t i = 0; i <= m_first; ++i) {
+        if (outline.openFrames().empty())
+            places.push_back(i);
+        if (i < m_first)
+            outline.pass(m_entries[i].bytes);
+    }
+    std::size_t first = m_first;
+    while (first > 0 && weight > 0)
+        weight -= m_entries[--first].weight;
+    const auto place = std::upper_bound(places.begin(), places.end(), first);
+    if (places.empty() || places.back() != m_first || place == places.begin()) {
+        // Inside of a frame nothing can be put before what is shown.
+        showFrom(0);
+        return;
+    }
+    first = *std::prev(place);
+
+    const Edit edit(m_document);
+    removeHead();
+    const bool join = outlineAt(m_first).isLineEmpty();
+    QTextCursor cursor(m_document);
+    if (join) {
+        cursor.insertBlock(cursor.blockFormat(), cursor.blockCharFormat());
+        cursor.movePosition(QTextCursor::Start);
+        cursor.setBlockFormat(QTextBlockFormat());
+        cursor.setBlockCharFormat(QTextCharFormat());
+    }
+    const std::size_t end = std::exchange(m_first, first);
+    addHead();
+    cursor.setPosition(m_headLength);
+    ConsoleWriter writer = m_writer.at(cursor);
+    writer.setLastWasHeading(outlineAt(first).lastWasHeading());
+    for (std::size_t i = first; i < end; ++i)
+        write(m_entries[i], writer);
+    if (join)
+        joinWithNextBlock(writer.cursor());
+}
+
+/// Takes an empty block away, so that the next one is in its place.
+void ConsoleDocument::joinWithNextBlock(QTextCursor cursor)
+{
+    cursor.movePosition(QTextCursor::NextBlock);
+    const QTextBlockFormat format = cursor.blockFormat();
+    const QTextCharFormat characters = cursor.blockCharFormat();
+    cursor.deletePreviousChar();
+    cursor.setBlockFormat(format);
+    cursor.setBlockCharFormat(characters);
+}
+
+bool ConsoleDocument::isOverfull() const
+{
+    return m_entries.size() - m_first > liveEntries + trimStep || m_shownWeight > liveWeight + liveWeight / 4;
+}
+
+bool ConsoleDocument::isWorn() const
+{
+    return m_written > wornAfter;
+}
+
+int ConsoleDocument::shownLength() const
+{
+    return std::accumulate(m_entries.begin() + static_cast<std::ptrdiff_t>(m_first), m_entries.end(),
+        m_headLength, [](int sum, const Entry& entry) { return sum + entry.length; });
+}
+
+/// False when somebody else has changed the document.
+bool ConsoleDocument::isInStep() const
+{
+    return shownLength() == lengthOf(*m_document);
+}
+
+bool ConsoleDocument::trim(int position)
+{
+    if (!isInStep() || !outlineAt(m_first).openFrames().empty())
+        return false;
+    Outline outline = outlineAt(m_first);
+    int end = m_headLength;
+    int weight = m_shownWeight;
+    std::size_t keptFrom = m_first;
+    int keptEnd = end;
+    int keptWeight = weight;
+    for (std::size_t i = m_first;
+         i < m_entries.size() && (m_entries.size() - i > liveEntries || weight > liveWeight)
+         && end + m_entries[i].length < position;
+         ++i) {
+        outline.pass(m_entries[i].bytes);
+        end += m_entries[i].length;
+        weight -= m_entries[i].weight;
+        if (outline.openFrames().empty()) {
+            keptFrom = i + 1;
+            keptEnd = end;
+            keptWeight = weight;
+        }
+    }
+    if (keptFrom == m_first)
+        return false;
+    const Edit edit(m_document);
+    removeUpTo(keptEnd);
+    m_shownWeight = keptWeight;
+    m_first = keptFrom;
+    m_headLength = 0;
+    for (; m_first > 0; --m_first)
+        forgetOldest();
+    addHead();
+    return !isOverfull();
+}
+
+void ConsoleDocument::close(const QString& reason)
+{
+    const Edit edit(m_document);
+    m_writer.closingLine(reason);
+    m_closed = true;
+}
+
+void ConsoleDocument::clear()
+{
+    takeAllWaiting();
+    m_outline = outlineAt(m_entries.size());
+    m_outline.clearLines();
+    m_entries.clear();
+    m_forgotten = 0;
+    showFrom(0);
+}

@@ -1,0 +1,200 @@
+#include "ConsoleEntry.h"
+
+#include "ConsoleSink.h"
+#include "GlEnumerants.h"
+#include "RecordText.h"
+
+#include <algorithm>
+
+using ui::messages::Message;
+using ui::messages::Type;
+namespace offset = ui::messages::offset;
+
+namespace consoleEntry {
+
+namespace {
+
+/// Marks lines of the window's own; no record of that type ever gets here.
+constexpr Type closingLineType = static_cast<Type>(0xFFFFFFFF);
+
+/// An entry is a record from its type on, up to the end of its text.
+constexpr std::size_t start = offset::type;
+
+/// Bytes of text that cost about as much as a line.
+constexpr std::size_t bytesPerLine = 256;
+
+std::size_t textOffset(Type type)
+{
+    switch (type) {
+    case Type::IdentifiedMessage:
+        return offset::identifiedText;
+    case Type::DebugMessage:
+        return offset::debugText;
+    case Type::GlError:
+        return offset::glErrorDescription;
+    default:
+        return offset::text;
+    }
+}
+
+Message unpack(std::string_view entry)
+{
+    Message record;
+    const std::size_t size = std::min(entry.size(), ui::messages::recordSize - start);
+    std::copy_n(entry.data(), size, record.data() + start);
+    return record;
+}
+
+Type typeOf(std::string_view entry)
+{
+    std::uint32_t type = 0;
+    for (std::size_t i = 0; i < sizeof type && i < entry.size(); ++i)
+        type |= static_cast<std::uint32_t>(static_cast<unsigned char>(entry[i])) << 8U * i;
+    return static_cast<Type>(type);
+}
+
+QString enumerantName(const Message& record, std::size_t at)
+{
+    return QString::fromLatin1(gl::enumerantName(record.i32(at)));
+}
+
+QString idText(const Message& record, std::size_t at)
+{
+    return QStringLiteral(" (ID: ") + QString::number(record.u32(at)) + QLatin1Char(')');
+}
+
+QString debugHeading(const Message& record)
+{
+    return enumerantName(record, offset::debugType) + idText(record, offset::debugId)
+        + QStringLiteral("\nSeverity: ") + enumerantName(record, offset::debugSeverity);
+}
+
+QString glErrorHeading(const Message& record)
+{
+    return QStringLiteral("Error - ") + QString::fromLatin1(gl::errorName(record.u32(offset::glErrorCode)))
+        + QStringLiteral(" in ")
+        + recordText::singleLine(record.text(offset::glErrorFunction, offset::glErrorDescription));
+}
+
+void writeFramed(ConsoleSink& sink, const QString& heading, ConsoleStyle style, const QString& body)
+{
+    sink.heading(heading, style);
+    sink.body(body);
+    sink.lineBreak();
+}
+
+} // namespace
+
+bool isShown(Type type)
+{
+    return type >= Type::IdentifiedMessage && type <= Type::GlError;
+}
+
+std::string pack(const Message& record)
+{
+    const Type type = record.type();
+    if (type == Type::LineBreak)
+        return {record.data() + start, sizeof type};
+    const std::size_t at = textOffset(type);
+    return {record.data() + start, at - start + record.text(at).size()};
+}
+
+std::string packClosingLine(std::string_view text)
+{
+    Message record = Message::make(closingLineType);
+    record.setText(offset::text, text);
+    return pack(record);
+}
+
+void write(std::string_view entry, ConsoleSink& sink)
+{
+    const Message record = unpack(entry);
+    const Type type = record.type();
+    const auto text = [&] {
+        return recordText::multiLine(record.text(textOffset(type)));
+    };
+    switch (type) {
+    case Type::IdentifiedMessage:
+        sink.heading(recordText::singleLine(record.text(offset::identifiedText))
+                + idText(record, offset::identifiedId),
+            ConsoleStyle::Identified);
+        break;
+    case Type::LineBreak:
+        sink.lineBreak();
+        break;
+    case Type::DebugMessage:
+        writeFramed(sink, debugHeading(record), ConsoleStyle::Debug, text());
+        break;
+    case Type::Information:
+        sink.plainText(text());
+        break;
+    case Type::Warning:
+        writeFramed(sink, QStringLiteral("Warning"), ConsoleStyle::Warning, text());
+        break;
+    case Type::Error:
+        writeFramed(sink, QStringLiteral("Error"), ConsoleStyle::Error, text());
+        break;
+    case Type::GlError:
+        writeFramed(sink, glErrorHeading(record), ConsoleStyle::Error, text());
+        break;
+    default:
+        if (type == closingLineType)
+            sink.closingLine(text());
+        break;
+    }
+}
+
+int weight(std::string_view entry)
+{
+    return static_cast<int>(1 + entry.size() / bytesPerLine
+        + static_cast<std::size_t>(std::count(entry.begin(), entry.end(), '\n')));
+}
+
+void Outline::pass(std::string_view entry)
+{
+    const Type type = typeOf(entry);
+    if (type == closingLineType) {
+        m_openFrames.clear();
+        passLine(entry);
+        return;
+    }
+    switch (type) {
+    case Type::IdentifiedMessage:
+        passHeading();
+        m_openFrames.emplace_back(entry);
+        break;
+    case Type::LineBreak:
+        if (!m_openFrames.empty())
+            m_openFrames.pop_back();
+        m_lineEmpty = true;
+        break;
+    case Type::Information:
+        passLine(entry);
+        break;
+    default:
+        passHeading();
+        break;
+    }
+}
+
+void Outline::clearLines()
+{
+    m_openFrames.clear();
+    m_lineEmpty = true;
+}
+
+void Outline::passLine(std::string_view entry)
+{
+    m_lastWasHeading = false;
+    m_lineEmpty = entry.size() <= offset::text - start || entry.back() == '\n' || entry.back() == '\r';
+}
+
+void Outline::passHeading()
+{
+    if (m_openFrames.size() >= ConsoleSink::deepestFrame)
+        m_openFrames.clear();
+    m_lastWasHeading = true;
+    m_lineEmpty = true;
+}
+
+} // namespace consoleEntry

@@ -1,0 +1,117 @@
+#include "ConsoleHtml.h"
+
+#include <utility>
+
+namespace {
+
+const char* const pageStart = R"(<!DOCTYPE html>
+<html>
+<head>
+<meta charset="utf-8">
+<title>%1</title>
+<style>
+:root { color-scheme: light dark; --text: #000; --base: #fff; }
+@media (prefers-color-scheme: dark) { :root { --text: #eee; --base: #1e1e1e; } }
+body { font-family: monospace; color: var(--text); background: var(--base); }
+div { white-space: pre-wrap; overflow-wrap: anywhere; }
+.line, .own { min-height: 1.2em; }
+.own { font-style: italic; }
+.frame { border: 1px solid; padding: 5px; margin-bottom: 4px; }
+.heading.error { color: #fff; background: #f00; }
+.frame.error { border-color: #f00; }
+.heading.warning { color: #000; background: #ff0; }
+.frame.warning { border-color: #ff0; }
+.heading.debug, .heading.identified { color: var(--base); background: var(--text); }
+.frame.identified { border-style: dotted; }
+</style>
+</head>
+<body>
+)";
+
+const char* className(ConsoleStyle style)
+{
+    switch (style) {
+    case ConsoleStyle::Error:
+        return "error";
+    case ConsoleStyle::Warning:
+        return "warning";
+    case ConsoleStyle::Debug:
+        return "debug";
+    case ConsoleStyle::Identified:
+        break;
+    }
+    return "identified";
+}
+
+QString division(const char* kind, const QString& text)
+{
+    return QStringLiteral("<div class=\"%1\">").arg(QLatin1String(kind)) + text.toHtmlEscaped()
+        + QStringLiteral("</div>\n");
+}
+
+} // namespace
+
+ConsoleHtml::ConsoleHtml(const QString& title)
+    : m_page(QString::fromLatin1(pageStart).arg(title.toHtmlEscaped()))
+{
+}
+
+void ConsoleHtml::heading(const QString& text, ConsoleStyle style)
+{
+    if (m_depth >= deepestFrame)
+        leaveFrames();
+    if (!m_lastWasHeading)
+        m_page += division("line", QString());
+    const QLatin1String kind(className(style));
+    m_page += QStringLiteral("<div class=\"heading %1\">").arg(kind) + text.toHtmlEscaped()
+        + QStringLiteral("</div>\n<div class=\"frame %1\">").arg(kind);
+    ++m_depth;
+    m_lineEmpty = true;
+    m_lastWasHeading = true;
+}
+
+void ConsoleHtml::body(const QString& text)
+{
+    m_page += text.toHtmlEscaped();
+}
+
+void ConsoleHtml::lineBreak()
+{
+    if (m_depth > 0) {
+        m_page += QStringLiteral("</div>\n");
+        --m_depth;
+    } else if (m_lineEmpty) {
+        m_page += division("line", QString());
+    }
+    m_lineEmpty = true;
+}
+
+void ConsoleHtml::line(const QString& text, const char* kind)
+{
+    m_page += division(kind, text);
+    m_lineEmpty = text.isEmpty() || text.endsWith(QLatin1Char('\n'));
+    m_lastWasHeading = false;
+}
+
+void ConsoleHtml::closingLine(const QString& text)
+{
+    leaveFrames();
+    line(text, "own");
+}
+
+void ConsoleHtml::leaveFrames()
+{
+    for (; m_depth > 0; --m_depth)
+        m_page += QStringLiteral("</div>\n");
+}
+
+QString ConsoleHtml::take()
+{
+    return std::exchange(m_page, QString());
+}
+
+void ConsoleHtml::finish()
+{
+    leaveFrames();
+    m_page += QStringLiteral("</body>\n</html>\n");
+}

@@ -1,0 +1,130 @@
+#include "ConsoleSaver.h"
+
+#include "Console.h"
+#include "ConsoleHtml.h"
+#include "ConsoleText.h"
+#include "FileReplacement.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QTimer>
+
+#include <algorithm>
+
+namespace {
+
+/// Milliseconds that one step of saving takes.
+constexpr int stepTime = 10;
+
+bool isHtml(const QString& path)
+{
+    const QString suffix = QFileInfo(path).suffix().toLower();
+    return suffix == QLatin1String("html") || suffix == QLatin1String("htm");
+}
+
+/// A name that is good for a file on any system.
+QString fileName(QString name)
+{
+    for (QChar& character : name) {
+        if (!character.isLetterOrNumber() && !QStringLiteral("-_.").contains(character))
+            character = QLatin1Char('-');
+    }
+    return name.isEmpty() ? QStringLiteral("console") : name + QStringLiteral("-console");
+}
+
+} // namespace
+
+struct ConsoleSaver::Job {
+    Job(const QString& filePath, ConsoleSpool& spool)
+        : path(filePath)
+        , file(QFile::encodeName(filePath).toStdString())
+        , reader(spool)
+    {
+        if (isHtml(path))
+            html.emplace(QStringLiteral("Console"));
+    }
+    ConsoleSink& sink() { return html ? static_cast<ConsoleSink&>(*html) : text; }
+    std::string take() { return (html ? html->take() : text.take()).toStdString(); }
+
+    QString path;
+    platform::FileReplacement file;
+    ConsoleSpool::Reader reader;
+    ConsoleText text;
+    std::optional<ConsoleHtml> html;
+};
+
+ConsoleSaver::ConsoleSaver(Console* console, QWidget* window)
+    : QObject(console)
+    , m_console(console)
+    , m_window(window)
+{
+}
+
+ConsoleSaver::~ConsoleSaver() = default;
+
+void ConsoleSaver::ask(const QString& name)
+{
+    // The dialog does not block: records go on arriving, and the tab may be closed below it.
+    auto* dialog = new QFileDialog(m_window, tr("Save console"), QDir::homePath());
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    const QString text = tr("Plain text (*.txt)");
+    const QString html = tr("Web page (*.html)");
+    dialog->setNameFilters({text, html});
+    dialog->setDefaultSuffix(QStringLiteral("txt"));
+    dialog->selectFile(fileName(name) + QStringLiteral(".txt"));
+    connect(dialog, &QFileDialog::filterSelected, dialog, [dialog, html](const QString& filter) {
+        dialog->setDefaultSuffix(filter == html ? QStringLiteral("html") : QStringLiteral("txt"));
+    });
+    connect(dialog, &QFileDialog::fileSelected, this, &ConsoleSaver::save);
+    dialog->open();
+}
+
+void ConsoleSaver::save(const QString& path)
+{
+    if (isSaving())
+        return;
+    m_job = std::make_unique<Job>(path, m_console->spool());
+    Q_EMIT savingChanged(true);
+    step();
+}
+
+void ConsoleSaver::step()
+{
+    if (!isSaving())
+        return;
+    QElapsedTimer time;
+    time.start();
+    std::string_view entry;
+    bool more = true;
+    while (more && !time.hasExpired(stepTime)) {
+        more = m_job->reader.next(entry);
+        if (more)
+            consoleEntry::write(entry, m_job->sink());
+    }
+    if (!m_job->reader.isValid()) {
+        finish(tr("The console was not saved: it was cleared meanwhile, or what was kept of it cannot be "
+                  "read."));
+        return;
+    }
+    if (more) {
+        if (!m_job->file.append(m_job->take()))
+            finish(tr("The console was not saved: %1").arg(QString::fromStdString(m_job->file.reason())));
+        else
+            QTimer::singleShot(0, this, &ConsoleSaver::step);
+        return;
+    }
+    m_job->html ? m_job->html->finish() : m_job->text.finish();
+    const platform::FileResult result = m_job->file.commit(m_job->take());
+    finish(result ? tr("The console was saved to \"%1\".").arg(QDir::toNativeSeparators(m_job->path))
+                  : tr("The console was not saved: %1").arg(QString::fromStdString(result.reason)));
+}
+
+void ConsoleSaver::finish(const QString& text)
+{
+    m_job.reset();
+    Q_EMIT savingChanged(false);
+    Q_EMIT m_console->notice(text);
+}

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+#include <functional>
+#include <memory>
+
+class Console;
+class QWidget;
+
+/// Saves the complete console as plain text or HTML to a file that the user chooses, bit by bit, so that the
+/// window stays alive.
+class ConsoleSaver : public QObject {
+    Q_OBJECT
+
+public:
+    /// Asks in front of a window, and saves what a console has kept.
+    ConsoleSaver(Console* console, QWidget* window);
+    ~ConsoleSaver() override;
+
+    /// Asks for a file. The name, where known, is proposed for it.
+    void ask(const QString& name);
+    /// Saves to a file, as HTML where its name ends so.
+    void save(const QString& path);
+    bool isSaving() const { return m_job != nullptr; }
+
+Q_SIGNALS:
+    /// True when saving has begun, false when it has ended.
+    void savingChanged(bool saving);
+
+private:
+    struct Job;
+
+    void step();
+    void finish(const QString& text);
+
+    Console* m_console;
+    QWidget* m_window;
+    std::unique_ptr<Job> m_job;
+};

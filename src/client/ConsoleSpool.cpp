@@ -1,0 +1,118 @@
+#include "ConsoleSpool.h"
+
+#include "ConsoleEntry.h"
+#include "ScratchFile.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+
+namespace {
+
+/// Bytes that are collected before they go to the disk, and that are read back at once.
+constexpr std::size_t blockSize = 65536;
+
+using Length = std::uint32_t; ///< Stands before each entry.
+
+} // namespace
+
+ConsoleSpool::ConsoleSpool(QObject* parent)
+    : QObject(parent)
+    , m_file(std::make_unique<platform::ScratchFile>())
+{
+}
+
+ConsoleSpool::~ConsoleSpool() = default;
+
+void ConsoleSpool::append(std::string_view entry)
+{
+    if (m_lost > 0 && m_buffer.empty())
+        add(consoleEntry::packClosingLine(tr(
+            "%n entries are missing here: there was no room on the disk.", nullptr, static_cast<int>(m_lost))
+                                              .toStdString()));
+    add(entry);
+    ++m_buffered;
+    if (m_buffer.size() >= blockSize)
+        flush();
+}
+
+void ConsoleSpool::add(std::string_view entry)
+{
+    const auto length = static_cast<Length>(entry.size());
+    std::array<char, sizeof length> bytes{};
+    std::memcpy(bytes.data(), &length, sizeof length);
+    m_buffer.append(bytes.data(), bytes.size()).append(entry);
+}
+
+void ConsoleSpool::flush()
+{
+    if (m_buffer.empty())
+        return;
+    if (m_file->append(m_buffer)) {
+        m_lost = 0;
+    } else {
+        const bool isNews = m_lost == 0;
+        m_lost += m_buffered;
+        if (isNews)
+            Q_EMIT failed(QString::fromStdString(m_file->reason()));
+    }
+    m_buffer.clear();
+    m_buffered = 0;
+}
+
+void ConsoleSpool::clear()
+{
+    m_file->clear();
+    m_buffer.clear();
+    m_buffered = m_lost = 0;
+    ++m_generation;
+}
+
+ConsoleSpool::Reader::Reader(ConsoleSpool& spool)
+    : m_spool(&spool)
+    , m_generation(spool.m_generation)
+    , m_end(spool.m_file->size())
+    , m_tail(spool.m_buffer)
+{
+}
+
+bool ConsoleSpool::Reader::isValid() const
+{
+    return !m_broken && m_generation == m_spool->m_generation;
+}
+
+/// Sees to it that so many bytes can be taken from the buffer.
+bool ConsoleSpool::Reader::provide(std::size_t count)
+{
+    while (isValid() && m_buffer.size() - m_at < count) {
+        m_buffer.erase(0, m_at);
+        m_at = 0;
+        if (m_fetched < m_end) {
+            const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(blockSize, m_end - m_fetched));
+            const std::string block = m_spool->m_file->read(m_fetched, size);
+            m_broken = block.empty();
+            m_fetched += block.size();
+            m_buffer += block;
+        } else if (m_fetched == m_end && !m_tail.empty()) {
+            m_buffer += m_tail;
+            m_fetched += m_tail.size();
+        } else {
+            return false;
+        }
+    }
+    return isValid();
+}
+
+bool ConsoleSpool::Reader::next(std::string_view& entry)
+{
+    Length length = 0;
+    if (!provide(sizeof length))
+        return false;
+    std::memcpy(&length, m_buffer.data() + m_at, sizeof length);
+    if (!provide(sizeof length + length))
+        return false;
+    entry = std::string_view(m_buffer).substr(m_at + sizeof length, length);
+    m_at += sizeof length + length;
+    m_position += sizeof length + length;
+    return true;
+}

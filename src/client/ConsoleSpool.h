@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QObject>
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace platform {
+class ScratchFile;
+}
+
+/// Keeps all entries of a console, in a file without a name rather than in memory.
+class ConsoleSpool : public QObject {
+    Q_OBJECT
+
+public:
+    explicit ConsoleSpool(QObject* parent);
+    ~ConsoleSpool() override;
+
+    /// Keeps an entry behind all others. Where the disk is full, a line that says so stands in for those that
+    /// are missing.
+    void append(std::string_view entry);
+    void clear();
+
+    /// Reads what was kept when it was made, entry by entry.
+    class Reader {
+    public:
+        explicit Reader(ConsoleSpool& spool);
+        /// The next entry; valid until the next call. False at the end.
+        bool next(std::string_view& entry);
+        /// False when the spool has been cleared since, and where it could not be read.
+        bool isValid() const;
+        /// Bytes of all, and of those that have been read.
+        std::uint64_t size() const { return m_end + m_tail.size(); }
+        std::uint64_t position() const { return m_position; }
+
+    private:
+        bool provide(std::size_t count);
+
+        const ConsoleSpool* m_spool;
+        std::uint64_t m_generation;
+        std::uint64_t m_end;
+        std::string m_tail; ///< What the disk has no room for.
+        std::uint64_t m_position = 0;
+        std::uint64_t m_fetched = 0;
+        std::string m_buffer;
+        std::size_t m_at = 0;
+        bool m_broken = false;
+    };
+
+Q_SIGNALS:
+    /// The disk takes no more; the reason is a readable text.
+    void failed(const QString& reason);
+
+private:
+    void add(std::string_view entry);
+    void flush();
+
+    std::unique_ptr<platform::ScratchFile> m_file;
+    std::string m_buffer;
+    std::uint64_t m_buffered = 0; ///< Entries in the buffer.
+    std::uint64_t m_lost = 0;
+    std::uint64_t m_generation = 0;
+};

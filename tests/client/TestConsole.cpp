@@ -1,0 +1,261 @@
+#include "Client.h"
+#include "ClientInterface.h"
+#include "ConsoleOracle.h"
+#include "ConsoleSaver.h"
+#include "Records.h"
+#include "Resources.h"
+
+#include <QCheckBox>
+#include <QDir>
+#include <QFile>
+#include <QFontDatabase>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTabWidget>
+#include <QTest>
+#include <QTextBlock>
+#include <QTextEdit>
+#include <QTextFrame>
+
+using namespace records;
+
+namespace {
+
+constexpr int live = static_cast<int>(ConsoleDocument::liveEntries);
+
+/// A shown page with its console in front.
+struct Page {
+    Page()
+        : page(nullptr, 0, QFontDatabase::systemFont(QFontDatabase::FixedFont))
+    {
+        page.findChild<QTabWidget*>(QStringLiteral("tabWidget"))->setCurrentIndex(0);
+        page.resize(600, 400);
+        page.show();
+    }
+    void receive(const QList<Message>& pattern, int count)
+    {
+        for (int i = 0; i < count; ++i, ++received)
+            page.receive(pattern.at(received % pattern.size()));
+    }
+    bool comesToRest()
+    {
+        return QTest::qWaitFor([this] { return page.console().isComplete(); }, 60000);
+    }
+    QTextDocument& document() const { return *view->document(); }
+    QString whyWrong() { return consoleOracle::whyWrong(page.console(), document()); }
+    int earlier() const { return consoleOracle::earlierEntries(document()); }
+    /// The looks of each kind of line, once each.
+    QStringList looks() const
+    {
+        QStringList looks;
+        for (QTextBlock block = document().begin(); block.isValid(); block = block.next()) {
+            const QString kind = block.text().isEmpty() ? QString() : block.text().left(5);
+            const QTextFrameFormat frame = QTextCursor(block).currentFrame()->frameFormat();
+            const QString look = kind + QLatin1Char(' ') + block.blockFormat().background().color().name()
+                + block.charFormat().foreground().color().name() + frame.borderBrush().color().name();
+            if (!kind.isEmpty() && block != document().begin() && !looks.contains(look))
+                looks.append(look);
+        }
+        looks.sort();
+        return looks;
+    }
+    bool isAtEnd() const
+    {
+        const QScrollBar& bar = *view->verticalScrollBar();
+        return bar.value() > bar.maximum() - 60;
+    }
+    /// The line at the top of the view.
+    QString topLine() const { return view->cursorForPosition(QPoint(0, 0)).block().text(); }
+
+    ClientInterface page;
+    QTextEdit* view = page.findChild<QTextEdit*>(QStringLiteral("txtConsole"));
+    QCheckBox* autoScroll = page.findChild<QCheckBox*>(QStringLiteral("chkConsoleAutoScroll"));
+    int received = 0;
+};
+
+QList<Message> numbered(int count)
+{
+    QList<Message> lines;
+    for (int i = 0; i < count; ++i)
+        lines.append(text(Type::Information, "line " + std::to_string(i)));
+    return lines;
+}
+
+} // namespace
+
+class TestConsole : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { registerResources(); }
+
+    void shownIsTheEndOfAll_data();
+    void shownIsTheEndOfAll();
+    void firstRecordsOfATurnAreShownAtOnce();
+    void readerStays();
+    void coloursFollowThePalette();
+    void savesWhatWasTrimmed();
+    void fullDiskHarmsNothing();
+};
+
+void TestConsole::shownIsTheEndOfAll_data()
+{
+    QTest::addColumn<QList<Message>>("pattern");
+    const Message info = text(Type::Information, "infoA");
+    const Message lineBreak = make(Type::LineBreak);
+    const Message error = text(Type::Error, "brokn");
+    const Message debugRecord = debug(0x824C, 1, 0x9146, "debug");
+    const Message mark = identified("mark", 7);
+    QTest::newRow("errors") << QList<Message>{error};
+    QTest::newRow("lines") << QList<Message>{info};
+    QTest::newRow("all kinds") << QList<Message>{error, debugRecord, info, error, info, info, mark, info,
+        lineBreak, text(Type::Warning, "two\nlines"), lineBreak};
+    QTest::newRow("in an open frame") << (QList<Message>{mark} + QList<Message>(6000, info));
+    QTest::newRow("frames without end") << QList<Message>{mark, info, error};
+}
+
+void TestConsole::shownIsTheEndOfAll()
+{
+    QFETCH(const QList<Message>, pattern);
+    Page page;
+    page.receive(pattern, 40);
+    QCOMPARE(page.whyWrong(), QString());
+    const QStringList looks = page.looks();
+
+    page.receive(pattern, live / 2);
+    QVERIFY(page.comesToRest());
+    QCOMPARE(page.whyWrong(), QString());
+    QCOMPARE(page.earlier(), 0);
+    page.receive(pattern, 2 * live);
+    QVERIFY(page.comesToRest());
+    QCOMPARE(page.whyWrong(), QString());
+    const int kept = page.received - page.earlier();
+    QVERIFY2(kept > live / 2 && kept < live * 5 / 4, qPrintable(QString::number(kept)));
+    QCOMPARE(page.looks(), looks);
+
+    // Slowly, so that the oldest are taken out step by step.
+    for (int i = 0; i < 30; ++i) {
+        page.receive(pattern, 20);
+        QCoreApplication::processEvents();
+    }
+    QVERIFY(page.comesToRest());
+    QCOMPARE(page.whyWrong(), QString());
+    QVERIFY(page.received - page.earlier() < live * 5 / 4);
+    QCOMPARE(page.looks(), looks);
+    QVERIFY(page.isAtEnd());
+}
+
+void TestConsole::firstRecordsOfATurnAreShownAtOnce()
+{
+    Page page;
+    for (int turn = 0; turn < 3; ++turn) {
+        page.receive(numbered(1000), 200);
+        QCOMPARE(page.whyWrong(), QString());
+        QCoreApplication::processEvents();
+    }
+}
+
+void TestConsole::readerStays()
+{
+    Page page;
+    const QList<Message> lines = numbered(100'000);
+    page.receive(lines, live);
+    QVERIFY(page.comesToRest());
+    QScrollBar& bar = *page.view->verticalScrollBar();
+    bar.triggerAction(QAbstractSlider::SliderPageStepSub);
+    QVERIFY(!page.autoScroll->isChecked());
+    const QString top = page.topLine();
+    QVERIFY(!top.isEmpty());
+    // Enough to trim above the reader, then more than the document can hold with what the reader sees.
+    for (const int more : {live / 2, 3 * live}) {
+        page.receive(lines, more);
+        QVERIFY(page.comesToRest());
+        QCOMPARE(page.topLine(), top);
+        QVERIFY(!page.isAtEnd());
+    }
+    QVERIFY(page.document().toPlainText().endsWith(QStringLiteral("Auto-scroll\" to see them.")));
+    page.autoScroll->click();
+    QVERIFY(page.comesToRest());
+    QCOMPARE(page.whyWrong(), QString());
+    QVERIFY(page.isAtEnd());
+
+    page.view->selectAll();
+    QVERIFY(!page.autoScroll->isChecked());
+    const QString selected = page.view->textCursor().selectedText();
+    page.receive(lines, 2 * live);
+    QVERIFY(page.comesToRest());
+    QCOMPARE(page.view->textCursor().selectedText().left(5000), selected.left(5000));
+}
+
+void TestConsole::coloursFollowThePalette()
+{
+    Page page;
+    page.receive({debug(0x824C, 1, 0x9146, "debug"), identified("mark", 7), make(Type::LineBreak)}, 60);
+    for (const bool following : {true, false}) {
+        page.autoScroll->setChecked(following);
+        QPalette palette = page.view->palette();
+        palette.setColor(QPalette::Base, following ? QColor(9, 9, 9) : QColor(250, 250, 250));
+        palette.setColor(QPalette::Text, following ? QColor(240, 240, 240) : QColor(4, 4, 4));
+        page.view->setPalette(palette);
+        QVERIFY(page.comesToRest());
+        QVERIFY(
+            page.looks().contains(following ? "GL_DE #f0f0f0#090909#808080" : "GL_DE #040404#fafafa#808080"));
+        QCOMPARE(page.whyWrong(), QString());
+    }
+}
+
+void TestConsole::savesWhatWasTrimmed()
+{
+    Page page;
+    page.receive({text(Type::Error, "a < b & c"), text(Type::Information, "gr\xC3\xBC\xC3\x9F")}, 3 * live);
+    const auto saved = [&page](const QString& name) {
+        const QString path = QDir::tempPath() + QLatin1Char('/') + name;
+        ConsoleSaver saver(&page.page.console(), &page.page);
+        saver.save(path);
+        if (!QTest::qWaitFor([&saver] { return !saver.isSaving(); }, 60000))
+            return QString();
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    };
+    const QString plain = saved(QStringLiteral("console.txt"));
+    QVERIFY(plain.startsWith(QStringLiteral("\n\nError\na < b & c\n\ngrüß\n\nError\n")));
+    QCOMPARE(plain.count(QStringLiteral("grüß\n")), 3 * live / 2);
+    const QString html = saved(QStringLiteral("console.html"));
+    QCOMPARE(html.count(QStringLiteral(
+                 "<div class=\"frame error\">a &lt; b &amp; c</div>\n<div class=\"line\">grüß")),
+        3 * live / 2);
+    QSignalSpy notices(&page.page.console(), &Console::notice);
+    QCOMPARE(saved(QStringLiteral("missing/console.txt")), QString());
+    QCOMPARE(notices.count(), 1);
+    QVERIFY(notices.at(0).at(0).toString().contains(QStringLiteral("not saved")));
+
+    page.page.findChild<QPushButton*>(QStringLiteral("btnClear"))->click();
+    page.receive({text(Type::Information, "after")}, 1);
+    QCOMPARE(saved(QStringLiteral("console.txt")), QStringLiteral("after\n"));
+}
+
+void TestConsole::fullDiskHarmsNothing()
+{
+    const QByteArray folder = qgetenv("TMPDIR");
+    Page page;
+    QSignalSpy notices(&page.page.console(), &Console::notice);
+    qputenv("TMPDIR", folder + "/missing");
+    page.receive({text(Type::Error, std::string(1000, 'x'))}, 500);
+    qputenv("TMPDIR", folder);
+    QVERIFY(page.comesToRest());
+    QCOMPARE(notices.count(), 1);
+    QCOMPARE(page.document().toPlainText().count(QStringLiteral("Error")), 500);
+    page.receive({text(Type::Information, "again")}, 1);
+
+    ConsoleText kept;
+    ConsoleSpool::Reader reader(page.page.console().spool());
+    for (std::string_view entry; reader.next(entry);)
+        consoleEntry::write(entry, kept);
+    const QString text = kept.take();
+    QVERIFY(text.contains(QStringLiteral("entries are missing here")));
+    QVERIFY(text.endsWith(QStringLiteral("again")));
+}
+
+QTEST_MAIN(TestConsole)
+#include "TestConsole.moc"
