@@ -20,11 +20,14 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScrollBar>
+#include <QSplitter>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTextBlock>
 #include <QTextEdit>
 #include <QTreeView>
+
+#include <utility>
 
 namespace {
 
@@ -79,6 +82,20 @@ void scrollTo(Stage& stage, const QString& text)
     bar.setValue(bar.value() + view.cursorRect(start).top() - 2);
 }
 
+/// Older entries come in above while there is time, so this waits until the document has stopped growing.
+void scrollToFirstLine(Stage& stage)
+{
+    stage.find<QCheckBox>("chkConsoleAutoScroll", &client(stage)).setChecked(false);
+    const QTextDocument& document = *console(stage).document();
+    int blocks = 0;
+    stage.waitFor("the first line of the console", [&] {
+        const int before = std::exchange(blocks, document.blockCount());
+        stage.settle();
+        return blocks == before && document.firstBlock().text().contains(QStringLiteral("no longer shown"));
+    });
+    console(stage).verticalScrollBar()->setValue(0);
+}
+
 QModelIndex child(const QTreeView& tree, const QModelIndex& parent, const QString& text)
 {
     for (int row = 0; row < tree.model()->rowCount(parent); ++row) {
@@ -105,6 +122,7 @@ template <typename Editor> Editor& edit(QTreeView& tree, const QModelIndex& row)
     tree.setFocus();
     tree.setCurrentIndex(value);
     tree.edit(value);
+    tree.horizontalScrollBar()->setValue(0);
     auto* editor = tree.viewport()->findChild<Editor*>();
     if (!editor)
         throw StageError("the value opens no editor");
@@ -158,11 +176,7 @@ void takeApplications(Stage& stage)
 
     connectClient(stage, {QStringLiteral("flood"), QStringLiteral("--count"), QStringLiteral("5000")},
         QStringLiteral("Client disconnected"));
-    stage.find<QCheckBox>("chkConsoleAutoScroll", &client(stage)).setChecked(false);
-    stage.waitFor("the first line of the console", [&] {
-        return console(stage).document()->firstBlock().text().contains(QStringLiteral("no longer shown"));
-    });
-    console(stage).verticalScrollBar()->setValue(0);
+    scrollToFirstLine(stage);
     stage.take("console-flood");
 
     connectClient(stage,
@@ -191,6 +205,7 @@ void takeProfiles(Stage& stage)
     // Wider, so that the values have room beside their keys.
     stage.window().resize(1120, stage.window().height());
     const auto& panel = stage.find<QWidget>("profile");
+    stage.find<QSplitter>("profileInfoSplitter").setSizes({640, 460});
     auto& chooser = stage.find<QComboBox>("cmbProfile");
     chooser.setCurrentIndex(chooser.findText(QStringLiteral("Hadlow Tarn 10")));
     auto& capabilities = stage.find<QTreeView>("capabilitiesView");
@@ -259,6 +274,7 @@ void takeDark(Stage& stage)
     stage.find<QAction>("actionTheme_dark").trigger();
     showPage(stage, MainPage::Programs);
     showClientPage(stage, ClientPage::Console);
+    scrollTo(stage, QStringLiteral("GL_STACK_UNDERFLOW"));
     stage.take("dark");
 }
 
