@@ -275,6 +275,9 @@ void MainWindow::closeEvent(QCloseEvent* event)
 
 void MainWindow::fontChanged(const QFont& font)
 {
+    // The list can be emptied by hand, which names no font.
+    if (font.family().trimmed().isEmpty())
+        return;
     m_preferences.setString(
         preferencekeys::prefixed(preferencekeys::guiFont), font.family().toLatin1().toStdString());
     reportSave(m_preferences.save(false));

@@ -6,6 +6,7 @@
 #include <QHeaderView>
 #include <QInputDialog>
 #include <QMenu>
+#include <QScrollBar>
 #include <QTimer>
 
 #include <algorithm>
@@ -88,6 +89,14 @@ void ProfileTreeView::fitValues()
 {
     if (header()->count() > ValueColumn)
         setColumnWidth(ValueColumn, std::max(m_valueWidth, viewport()->width() - columnWidth(KeyColumn)));
+}
+
+/// Keeps the keys in sight: values may be wider than the view.
+void ProfileTreeView::scrollTo(const QModelIndex& index, ScrollHint hint)
+{
+    const int left = horizontalScrollBar()->value();
+    QTreeView::scrollTo(index, hint);
+    horizontalScrollBar()->setValue(left);
 }
 
 void ProfileTreeView::resizeEvent(QResizeEvent* event)

@@ -17,6 +17,7 @@ class ProfileTreeView : public QTreeView {
 
 public:
     void setModel(QAbstractItemModel* model) override;
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
 
     /// Whether there is a context menu. Whether cells can be edited is the model's affair.
     void setEditable(bool editable);

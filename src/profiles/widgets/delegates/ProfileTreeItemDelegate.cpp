@@ -90,15 +90,22 @@ void ProfileTreeItemDelegate::updateEditorGeometry(
     QWidget* editor, const QStyleOptionViewItem& option, const QModelIndex& index) const
 {
     QStyledItemDelegate::updateEditorGeometry(editor, option, index);
-    if (qobject_cast<QLineEdit*>(editor) || !editor->parentWidget())
+    if (!editor->parentWidget())
         return;
-    // Selectors need more room than their cell may have, but should not hide the key beside it.
-    constexpr int least = 150;
-    QRect place = editor->geometry();
-    const int middle = place.center().y();
     const QRect all = editor->parentWidget()->rect();
     // Of a cell that reaches out of the view only what is in sight counts.
-    place.setRight(std::max(place.left(), std::min(place.right(), all.right())));
+    const auto inSight = [all](QRect rect) {
+        rect.setRight(std::max(rect.left(), std::min(rect.right(), all.right())));
+        return rect;
+    };
+    if (qobject_cast<QLineEdit*>(editor)) {
+        editor->setGeometry(inSight(option.rect));
+        return;
+    }
+    // Selectors need more room than their cell may have, but should not hide the key beside it.
+    constexpr int least = 150;
+    QRect place = inSight(editor->geometry());
+    const int middle = place.center().y();
     const QSize room(std::max(all.right() + 1 - place.left(), least), all.height());
     place.setSize(place.size().expandedTo(editor->sizeHint().boundedTo(room)).boundedTo(all.size()));
     place.moveTop(middle - place.height() / 2);
