@@ -244,7 +244,7 @@ bool Profile::save()
 
 Profile::Pointer Profile::copyOfStored()
 {
-    const Pointer copy = m_controller->newProfile();
+    Pointer copy = m_controller->newProfile();
     *copy->edit() = *m_stored;
     return copy;
 }
