@@ -8,12 +8,14 @@ namespace models {
 
 namespace {
 
-std::string whyNotWritable(const ProfileTree& tree, const std::string& what)
+std::string whyNotWritable(const ProfileTree& tree, const char* what)
 {
     for (int row = 0; row < tree.items().count(); ++row) {
         const ProfileTreeItem& item = *tree.items().at(row);
         if (item.data(KeyColumn).userType() != QMetaType::Int)
-            return "'" + item.text(KeyColumn) + "' is no " + what;
+            return QStringLiteral("'%1' is no %2")
+                .arg(item.data(KeyColumn).toString(), QString::fromLatin1(what))
+                .toStdString();
     }
     return {};
 }
