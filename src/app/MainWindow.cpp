@@ -36,6 +36,7 @@
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QMessageBox>
+#include <QShortcut>
 
 namespace {
 
@@ -151,6 +152,13 @@ void MainWindow::setUpMenus()
     view->setObjectName(QStringLiteral("menuView"));
     m_ui->menubar->insertMenu(m_ui->menuHelp->menuAction(), view);
     connect(view, &ThemeMenu::stored, this, &MainWindow::reportSave);
+
+    // The titles of these menus name no key.
+    for (QMenu* menu : {m_ui->menuEdit, m_ui->menuHelp}) {
+        auto* key = new QShortcut(QKeySequence(QStringLiteral("Alt+") + menu->title().at(0)), this);
+        connect(key, &QShortcut::activated, this,
+            [this, menu] { m_ui->menubar->setActiveAction(menu->menuAction()); });
+    }
 }
 
 void MainWindow::setUpServer()

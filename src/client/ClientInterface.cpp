@@ -98,7 +98,7 @@ void ClientInterface::showConsoleMenu(const QPoint& position)
     QMenu* menu = m_ui->txtConsole->createStandardContextMenu(position);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->addSeparator();
-    QAction* save = menu->addAction(m_ui->btnSaveConsole->text());
+    QAction* save = menu->addAction(QLatin1Char('&') + m_ui->btnSaveConsole->text());
     save->setEnabled(!m_saver->isSaving());
     connect(save, &QAction::triggered, m_ui->btnSaveConsole, &QPushButton::click);
     menu->popup(m_ui->txtConsole->viewport()->mapToGlobal(position));

@@ -101,6 +101,7 @@ void ErrorListView::contextMenuEvent(QContextMenuEvent* event)
     const QPointer<ErrorListView> self(this);
     QMenu menu;
     QAction* view = menu.addAction(QStringLiteral("View contents"));
+    view->setShortcut(Qt::Key_Return);
     view->setEnabled(cell.isValid());
     const QAction* chosen = menu.exec(viewport()->mapToGlobal(event->pos()));
     if (self && chosen == view && cell.isValid())

@@ -77,6 +77,7 @@ void DlgPreferences::addFileList()
     m_files->setObjectName(QStringLiteral("lstImportFiles"));
     m_ui->importLayout->addWidget(m_files, 1, 0);
     m_ui->lblImportFiles->setBuddy(m_files);
+    m_files->setAccessibleName(tr("Profile data files"));
     setTabOrder(m_ui->chkExpandProfilesAdvanced, m_files);
 }
 

@@ -10,6 +10,7 @@
 #include "models/Profile.h"
 #include "ui_Profile.h"
 
+#include <QLabel>
 #include <QPushButton>
 
 namespace widgets {
@@ -61,6 +62,10 @@ void Profile::setUpViews()
     m_ui->lblProfileCapabilities->setBuddy(m_capabilitiesView);
     m_ui->lblProfileExtensions->setBuddy(m_extensionsView);
     m_ui->lblProfileInfoEglConfigs->setBuddy(m_eglConfigsView);
+    // For assistive tools, views do not go by the label whose buddy they are.
+    for (const QLabel* label :
+        {m_ui->lblProfileCapabilities, m_ui->lblProfileExtensions, m_ui->lblProfileInfoEglConfigs})
+        label->buddy()->setAccessibleName(label->text());
     for (ProfileTreeView* profileView : views())
         profileView->setHeaderHidden(true);
 }
@@ -248,7 +253,7 @@ bool Profile::save()
 
 Profile::Pointer Profile::copyOfStored()
 {
-    const Pointer copy = m_controller->newProfile();
+    Pointer copy = m_controller->newProfile();
     copy->edit()->setFileName(m_stored->fileName());
     return copy;
 }
