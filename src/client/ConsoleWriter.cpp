@@ -13,6 +13,9 @@ constexpr double lineAfterFrame = 4;
 /// underscores.
 constexpr double roomForFrame = 1;
 
+/// Difference in grey levels, of 255, below which a text gets the console's background for its own.
+constexpr int leastContrast = 80;
+
 int frameDepth(const QTextFrame* frame)
 {
     int depth = 0;
@@ -95,7 +98,11 @@ void ConsoleWriter::openFrame(const Look& look)
     frame.setBackground(look.bodyBackground);
     m_cursor.insertFrame(frame);
     QTextCharFormat bodyCharacters;
-    bodyCharacters.setForeground(m_palette.color(QPalette::Text));
+    const QColor text = m_palette.color(QPalette::Text);
+    bodyCharacters.setForeground(text);
+    // Dark themes have light texts, and the frame of an identified message is light as well then.
+    if (std::abs(qGray(text.rgb()) - qGray(look.bodyBackground.rgb())) < leastContrast)
+        bodyCharacters.setBackground(m_palette.color(QPalette::Base));
     m_cursor.setBlockCharFormat(bodyCharacters);
     m_cursor.setCharFormat(bodyCharacters);
 }
