@@ -55,6 +55,7 @@ struct Times {
     double open = 0;
     double expand = 0;
     double worstScroll = 0;
+    int rows = 0;
 };
 
 /// Shows the profile, opens all its rows, and scrolls through each tree in fifty steps.
@@ -71,6 +72,8 @@ Times measure(const std::string& xml)
     panel.setProfile(profile);
     panel.grab();
     times.open = milliseconds(timer);
+    for (const QTreeView* tree : panel.findChildren<QTreeView*>())
+        times.rows += tree->model()->rowCount();
     timer.restart();
     for (QTreeView* tree : panel.findChildren<QTreeView*>())
         tree->expandAll();
@@ -94,6 +97,8 @@ bool report(QTextStream& out, const QString& name, const std::string& xml)
     Times worst;
     for (int run = 0; run < runs; ++run) {
         const Times times = measure(xml);
+        if (times.rows == 0)
+            return false;
         opened.push_back(times.open);
         worst.open = std::max(worst.open, times.open);
         worst.expand = std::max(worst.expand, times.expand);
@@ -106,7 +111,7 @@ bool report(QTextStream& out, const QString& name, const std::string& xml)
                .arg(worst.open, 9, 'f', 1)
                .arg(worst.expand, 11, 'f', 1)
                .arg(worst.worstScroll, 12, 'f', 1);
-    return worst.open > 0;
+    return true;
 }
 
 } // namespace
