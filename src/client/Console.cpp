@@ -138,7 +138,7 @@ void Console::addAtOnce(std::string entry)
     trimIfOverfull();
     if (follows())
         followEnd();
-    if (m_document.isFillable() && !m_refresh.isActive())
+    if (!m_refresh.isActive() && hasMoreToShow())
         m_refresh.start(fillTime);
     eventLoopTurn::addDrawing(this, time.nsecsElapsed());
     m_allowance -= time.nsecsElapsed();
@@ -195,8 +195,18 @@ bool Console::showMore()
         if (!following)
             place.emplace(m_view);
         m_document.fill(fillWeight);
+    } else if (following && !m_flooded && m_document.isDeepenable()) {
+        // A reader would be moved.
+        m_document.deepen();
+        // So much is laid out in more than one turn, and its end is where it stays only then.
+        return true;
     }
-    return m_document.isFillable();
+    return hasMoreToShow();
+}
+
+bool Console::hasMoreToShow() const
+{
+    return m_document.isFillable() || (follows() && (m_document.isWorn() || m_document.isDeepenable()));
 }
 
 bool Console::isFloodOver()

@@ -52,6 +52,7 @@ private:
     bool isAffordable();
     void refresh();
     bool showMore();
+    bool hasMoreToShow() const;
     bool isFloodOver();
     int restartWeight() const;
     void trimIfOverfull();

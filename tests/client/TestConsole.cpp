@@ -7,6 +7,7 @@
 
 #include <QCheckBox>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFontDatabase>
 #include <QPushButton>
@@ -93,6 +94,7 @@ private Q_SLOTS:
     void shownIsTheEndOfAll_data();
     void shownIsTheEndOfAll();
     void firstRecordsOfATurnAreShownAtOnce();
+    void heavyFrameHoldsNothingUp();
     void readerStays();
     void coloursFollowThePalette();
     void savesWhatWasTrimmed();
@@ -154,6 +156,44 @@ void TestConsole::firstRecordsOfATurnAreShownAtOnce()
         QCOMPARE(page.whyWrong(), QString());
         QCoreApplication::processEvents();
     }
+}
+
+void TestConsole::heavyFrameHoldsNothingUp()
+{
+    Page page;
+    std::string lines;
+    for (int i = 0; i < 20; ++i)
+        lines += "line\n";
+    const QList<Message> pattern =
+        QList<Message>{identified("mark", 7)} + QList<Message>(9999, text(Type::Information, lines));
+    page.receive(pattern, live + live / 20);
+    qint64 longest = 0;
+    const auto comesToRest = [&] {
+        QElapsedTimer time;
+        time.start();
+        for (qint64 end = 0; !page.page.console().isComplete() && end < 60000;) {
+            const qint64 start = time.elapsed();
+            QCoreApplication::processEvents();
+            end = time.elapsed();
+            longest = std::max(longest, end - start);
+        }
+        return page.whyWrong();
+    };
+    QCOMPARE(comesToRest(), QString());
+    QVERIFY(page.received - page.earlier() > 40);
+    for (int i = 0; i < 10; ++i) {
+        page.receive(pattern, 1);
+        QCOMPARE(comesToRest(), QString());
+    }
+    QVERIFY2(longest < 1000, qPrintable(QString::number(longest)));
+
+    // What has to be written anew to show more is left as it is for a reader.
+    page.receive(pattern, live);
+    QCoreApplication::processEvents();
+    page.autoScroll->click();
+    const int earlier = page.earlier();
+    QCOMPARE(comesToRest(), QString());
+    QCOMPARE(page.earlier(), earlier);
 }
 
 void TestConsole::readerStays()
