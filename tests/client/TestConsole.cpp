@@ -96,6 +96,8 @@ private Q_SLOTS:
     void firstRecordsOfATurnAreShownAtOnce();
     void heavyFrameHoldsNothingUp();
     void readerStays();
+    void readerStopsFollowing();
+    void steadyStreamWearsNothingOut();
     void coloursFollowThePalette();
     void savesWhatWasTrimmed();
     void fullDiskHarmsNothing();
@@ -228,6 +230,51 @@ void TestConsole::readerStays()
     QCOMPARE(page.view->textCursor().selectedText().left(5000), selected.left(5000));
 }
 
+void TestConsole::readerStopsFollowing()
+{
+    Page page;
+    const QList<Message> lines = numbered(1000);
+    page.receive(lines, 100);
+    QVERIFY(page.comesToRest());
+    for (const QKeySequence::StandardKey key :
+        {QKeySequence::MoveToStartOfDocument, QKeySequence::MoveToPreviousLine}) {
+        QVERIFY(page.autoScroll->isChecked() && page.isAtEnd());
+        QTest::keySequence(page.view, key);
+        QTRY_VERIFY(!page.autoScroll->isChecked());
+        page.autoScroll->click();
+    }
+    QTest::keyClick(page.view, Qt::Key_Control);
+    QCoreApplication::processEvents();
+    QVERIFY(page.autoScroll->isChecked());
+
+    // Records that come between a press and the drag, too many to be appended, and after a click.
+    QWidget* text = page.view->viewport();
+    QTest::mousePress(text, Qt::LeftButton, {}, {30, 100});
+    const QTextCursor anchor = page.view->textCursor();
+    page.receive(lines, live / 2);
+    QVERIFY(page.comesToRest());
+    QCOMPARE(page.view->textCursor(), anchor);
+    QTest::mouseRelease(text, Qt::LeftButton, {}, {30, 100});
+    QVERIFY(page.comesToRest());
+    QVERIFY(page.autoScroll->isChecked() && page.isAtEnd());
+    QCOMPARE(page.whyWrong(), QString());
+}
+
+void TestConsole::steadyStreamWearsNothingOut()
+{
+    Page page;
+    page.page.console().setRebuildAfter(300);
+    const QList<Message> heavy{text(Type::Error, std::string(200, '\n'))};
+    qsizetype most = 0; // of which an entry leaves two behind
+    for (int i = 0; i < 60; ++i) {
+        page.receive(heavy, 10);
+        QVERIFY(page.comesToRest());
+        most = std::max(most, page.document().allFormats().size());
+    }
+    QVERIFY2(most < 800, qPrintable(QString::number(most)));
+    QCOMPARE(page.whyWrong(), QString());
+}
+
 void TestConsole::coloursFollowThePalette()
 {
     Page page;
@@ -243,6 +290,15 @@ void TestConsole::coloursFollowThePalette()
             page.looks().contains(following ? "GL_DE #f0f0f0#090909#808080" : "GL_DE #040404#fafafa#808080"));
         QCOMPARE(page.whyWrong(), QString());
     }
+    page.receive({text(Type::Warning, "late")}, 4 * live);
+    QVERIFY(page.comesToRest());
+    const QString shown = page.document().toPlainText();
+    QVERIFY(shown.endsWith(QStringLiteral("Auto-scroll\" to see them.")));
+    QPalette palette = page.view->palette();
+    palette.setColor(QPalette::Base, QColor(9, 9, 9));
+    page.view->setPalette(palette);
+    QVERIFY(page.looks().contains("GL_DE #040404#090909#808080"));
+    QCOMPARE(page.document().toPlainText(), shown);
 }
 
 void TestConsole::savesWhatWasTrimmed()
