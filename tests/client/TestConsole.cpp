@@ -2,14 +2,16 @@
 #include "ClientInterface.h"
 #include "ConsoleOracle.h"
 #include "ConsoleSaver.h"
+#include "FileReplacement.h"
 #include "Records.h"
 #include "Resources.h"
 
 #include <QCheckBox>
 #include <QDir>
 #include <QElapsedTimer>
-#include <QFile>
+#include <QFileInfo>
 #include <QFontDatabase>
+#include <QPointer>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -100,6 +102,7 @@ private Q_SLOTS:
     void steadyStreamWearsNothingOut();
     void coloursFollowThePalette();
     void savesWhatWasTrimmed();
+    void closedPageSavesToItsEnd();
     void fullDiskHarmsNothing();
 };
 
@@ -326,9 +329,32 @@ void TestConsole::savesWhatWasTrimmed()
     QCOMPARE(notices.count(), 1);
     QVERIFY(notices.at(0).at(0).toString().contains(QStringLiteral("not saved")));
 
+    // Without waiting for a file that is being written.
+    const platform::FileReplacement other(
+        QFile::encodeName(QDir::tempPath() + QStringLiteral("/busy.txt")).toStdString());
+    QElapsedTimer time;
+    time.start();
+    QCOMPARE(saved(QStringLiteral("busy.txt")), QString());
+    QVERIFY(time.elapsed() < 2000);
+    QVERIFY(notices.at(1).at(0).toString().endsWith(QStringLiteral("it is being written already")));
+
     page.page.findChild<QPushButton*>(QStringLiteral("btnClear"))->click();
     page.receive({text(Type::Information, "after")}, 1);
     QCOMPARE(saved(QStringLiteral("console.txt")), QStringLiteral("after\n"));
+}
+
+void TestConsole::closedPageSavesToItsEnd()
+{
+    const QPointer<ClientInterface> page = new ClientInterface(nullptr, 0, QFont());
+    const int count = 50 * live;
+    for (int i = 0; i < count; ++i)
+        page->receive(text(Type::Information, "line"));
+    const QString path = QDir::tempPath() + QStringLiteral("/closed.txt");
+    page->findChild<ConsoleSaver*>()->save(path);
+    QVERIFY(page->isSaving());
+    page->closeOnceSaved();
+    QTRY_VERIFY_WITH_TIMEOUT(!page, 60000);
+    QCOMPARE(QFileInfo(path).size(), count * qint64(sizeof "line"));
 }
 
 void TestConsole::fullDiskHarmsNothing()
@@ -342,15 +368,24 @@ void TestConsole::fullDiskHarmsNothing()
     QVERIFY(page.comesToRest());
     QCOMPARE(notices.count(), 1);
     QCOMPARE(page.document().toPlainText().count(QStringLiteral("Error")), 500);
+    const auto kept = [&page] {
+        ConsoleText text;
+        ConsoleSpool::Reader reader(page.page.console().spool());
+        for (std::string_view entry; reader.next(entry);)
+            consoleEntry::write(entry, text);
+        return text.take();
+    };
     page.receive({text(Type::Information, "again")}, 1);
+    QVERIFY(kept().contains(QStringLiteral("entries are missing here")));
+    QVERIFY(kept().endsWith(QStringLiteral("again")));
 
-    ConsoleText kept;
-    ConsoleSpool::Reader reader(page.page.console().spool());
-    for (std::string_view entry; reader.next(entry);)
-        consoleEntry::write(entry, kept);
-    const QString text = kept.take();
-    QVERIFY(text.contains(QStringLiteral("entries are missing here")));
-    QVERIFY(text.endsWith(QStringLiteral("again")));
+    // Right after what was collected could not be written either.
+    qputenv("TMPDIR", folder + "/missing");
+    page.page.console().clear();
+    for (int i = 0; i < 1000 && !kept().endsWith(QStringLiteral("on the disk.")); ++i)
+        page.receive({text(Type::Error, std::string(1000, 'x'))}, 1);
+    qputenv("TMPDIR", folder);
+    QVERIFY(kept().endsWith(QStringLiteral("on the disk.")));
 }
 
 QTEST_MAIN(TestConsole)
