@@ -62,7 +62,7 @@ void ClientTabWidget::closeFinishedTabs()
     int i = 0;
     while (i < count()) {
         const ClientInterface* page = pageAt(i);
-        if (page != nullptr && page->state() == ClientInterface::State::Finished) {
+        if (page != nullptr && page->state() == ClientInterface::State::Finished && !page->isSaving()) {
             removePage(i);
             i = 0;
         } else {
@@ -91,8 +91,11 @@ void ClientTabWidget::removePage(int index)
 {
     QWidget* page = widget(index);
     removeTab(index);
-    if (qobject_cast<ClientInterface*>(page) != nullptr)
-        delete page;
+    auto* clientPage = qobject_cast<ClientInterface*>(page);
+    if (clientPage != nullptr && clientPage->isSaving())
+        clientPage->closeOnceSaved();
+    else
+        delete clientPage;
 }
 
 void ClientTabWidget::addPlaceholder()

@@ -26,10 +26,11 @@ public:
     explicit ClientTabWidget(QWidget* parent = nullptr);
 
     /// Adds a tab for a client and makes it the current one. It takes the place of the stand-in, and with
-    /// autoClose finished tabs are closed first.
+    /// autoClose finished tabs are closed first, but for those whose consoles are being saved.
     ClientInterface* addClient(Client* client, const QFont& font, bool autoClose);
 
-    /// Closes the tab at an index and destroys its page. An index that no tab has changes nothing.
+    /// Closes the tab at an index and destroys its page, as soon as its console is saved where it is being
+    /// so. An index that no tab has changes nothing.
     void closeTabAt(int index);
 
     /// The page of a client; none once its tab is closed.

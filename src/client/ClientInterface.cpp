@@ -179,6 +179,11 @@ void ClientInterface::addErrorListRow(qint32 severity, const Message& message, c
     const QString& description, const QString& function)
 {
     m_errorListModel->append(severity, message.i32(offset::frame), code, description, function);
+    followErrorList();
+}
+
+void ClientInterface::followErrorList()
+{
     if (m_ui->chkErrorListAutoScroll->isChecked())
         m_ui->tblErrorList->followEnd();
 }
@@ -194,6 +199,19 @@ void ClientInterface::finish(const QString& text)
     m_state = State::Finished;
     m_ui->grpRendering->setEnabled(false);
     m_ui->grpRendering->setToolTip(tr("The application is no longer connected"));
+}
+
+bool ClientInterface::isSaving() const
+{
+    return m_saver->isSaving();
+}
+
+void ClientInterface::closeOnceSaved()
+{
+    if (m_client)
+        m_client->disconnect(this);
+    hide();
+    connect(m_saver, &ConsoleSaver::savingChanged, this, &QObject::deleteLater);
 }
 
 void ClientInterface::wireframeStateChanged(int state)
@@ -219,11 +237,13 @@ void ClientInterface::uncheckErrorListAutoScroll()
 void ClientInterface::errorListWarningsStateChanged(int state)
 {
     m_errorListFilter->setShowWarnings(state == Qt::Checked);
+    followErrorList();
 }
 
 void ClientInterface::errorListErrorsStateChanged(int state)
 {
     m_errorListFilter->setShowErrors(state == Qt::Checked);
+    followErrorList();
 }
 
 void ClientInterface::showErrorListItemContents(int row, int column, QPoint position)

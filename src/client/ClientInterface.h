@@ -46,6 +46,11 @@ public:
     const ErrorListModel& errorListModel() const { return *m_errorListModel; }
     Console& console() { return *m_console; }
 
+    /// True while the console is being saved.
+    bool isSaving() const;
+    /// For the page of a closed tab while it is saving: takes no more, and destroys itself when that is done.
+    void closeOnceSaved();
+
 public Q_SLOTS:
     /// Shows a record of types 3 to 10; ignores any other.
     void receive(const ui::messages::Message&);
@@ -72,6 +77,7 @@ private:
     void colourContextsHint();
     void showConsoleMenu(const QPoint& position);
     void addContext(const ui::messages::Message& message);
+    void followErrorList();
     void addErrorListRow(qint32 severity, const ui::messages::Message& message, const QString& code,
         const QString& description, const QString& function);
 

@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QEvent>
+#include <QMouseEvent>
 #include <QScrollBar>
 #include <QTextEdit>
 
@@ -71,6 +72,7 @@ Console::Console(QTextEdit* view, QAbstractButton* autoScroll, QObject* parent)
     m_document.setPalette(view->palette());
     m_refresh.setSingleShot(true);
     view->installEventFilter(this);
+    view->viewport()->installEventFilter(this);
     connect(&m_refresh, &QTimer::timeout, this, &Console::refresh);
     connect(autoScroll, &QAbstractButton::toggled, this, &Console::autoScrollToggled);
     connect(view->verticalScrollBar(), &QAbstractSlider::actionTriggered, this, &Console::readerScrolled);
@@ -138,7 +140,7 @@ void Console::addAtOnce(std::string entry)
     trimIfOverfull();
     if (follows())
         followEnd();
-    if (m_document.isFillable() && !m_refresh.isActive())
+    if (!m_refresh.isActive() && hasMoreToShow())
         m_refresh.start(fillTime);
     eventLoopTurn::addDrawing(this, time.nsecsElapsed());
     m_allowance -= time.nsecsElapsed();
@@ -195,8 +197,18 @@ bool Console::showMore()
         if (!following)
             place.emplace(m_view);
         m_document.fill(fillWeight);
+    } else if (following && !m_flooded && m_document.isDeepenable()) {
+        // A reader would be moved.
+        m_document.deepen();
+        // So much is laid out in more than one turn, and its end is where it stays only then.
+        return true;
     }
-    return m_document.isFillable();
+    return hasMoreToShow();
+}
+
+bool Console::hasMoreToShow() const
+{
+    return m_document.isFillable() || (follows() && (m_document.isWorn() || m_document.isDeepenable()));
 }
 
 bool Console::isFloodOver()
@@ -249,10 +261,32 @@ void Console::setFont(const QFont& font)
 
 bool Console::eventFilter(QObject* watched, QEvent* event)
 {
-    if (watched == m_view && event->type() == QEvent::PaletteChange)
-        recolour();
-    if (watched == m_view && event->type() == QEvent::Show && m_document.waiting() > 0)
-        m_refresh.start(0);
+    switch (event->type()) {
+    case QEvent::PaletteChange:
+        if (watched == m_view)
+            recolour();
+        break;
+    case QEvent::Show:
+        if (watched == m_view && m_document.waiting() > 0)
+            m_refresh.start(0);
+        break;
+    case QEvent::KeyPress:
+        if (watched == m_view)
+            readerPressedKey();
+        break;
+    case QEvent::MouseButtonPress:
+        if (watched != m_view && static_cast<QMouseEvent*>(event)->button() == Qt::LeftButton)
+            readerHolds(true);
+        break;
+    case QEvent::MouseButtonRelease:
+    case QEvent::Leave: // where something else has taken the release
+    case QEvent::Hide:
+        if (watched != m_view)
+            readerHolds(false);
+        break;
+    default:
+        break;
+    }
     return QObject::eventFilter(watched, event);
 }
 
@@ -273,7 +307,7 @@ void Console::recolour()
 
 bool Console::follows() const
 {
-    return m_autoScroll->isChecked();
+    return m_autoScroll->isChecked() && !m_held;
 }
 
 void Console::followEnd()
@@ -286,6 +320,7 @@ void Console::autoScrollToggled(bool on)
 {
     if (!on)
         return;
+    m_held = false;
     if (m_document.isClosed() || m_document.waiting() > 0) {
         m_document.restart(restartWeight());
         m_refresh.start(fillTime);
@@ -304,4 +339,27 @@ void Console::readerSelected()
 {
     if (m_view->textCursor().hasSelection())
         m_autoScroll->setChecked(false);
+}
+
+/// Keys move the cursor, and with it the text, unlike a scroll bar.
+void Console::readerPressedKey()
+{
+    const auto distance = [this] {
+        const QScrollBar& bar = *m_view->verticalScrollBar();
+        return bar.maximum() - bar.value();
+    };
+    QMetaObject::invokeMethod(
+        this,
+        [this, distance, cursor = m_view->textCursor(), before = distance()] {
+            if (m_view->textCursor() < cursor || distance() > before)
+                m_autoScroll->setChecked(false);
+        },
+        Qt::QueuedConnection);
+}
+
+/// Between a press and the drag that selects from there, nothing may move the text or its cursor.
+void Console::readerHolds(bool holds)
+{
+    if (std::exchange(m_held, holds) && !holds)
+        autoScrollToggled(m_autoScroll->isChecked());
 }

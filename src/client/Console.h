@@ -33,6 +33,9 @@ public:
     void setFont(const QFont& font);
 
     /// True while records come faster than they can be shown.
+    /// The entries after which the document is written anew, as it never forgets their formats.
+    void setRebuildAfter(std::uint64_t entries) { m_document.setWornAfter(entries); }
+
     bool isFlooded() const { return m_flooded; }
     /// True when all is shown that can be; nothing more happens then until the next record.
     bool isComplete() const { return !m_flooded && !m_refresh.isActive(); }
@@ -52,6 +55,7 @@ private:
     bool isAffordable();
     void refresh();
     bool showMore();
+    bool hasMoreToShow() const;
     bool isFloodOver();
     int restartWeight() const;
     void trimIfOverfull();
@@ -62,6 +66,8 @@ private:
     void autoScrollToggled(bool on);
     void readerScrolled();
     void readerSelected();
+    void readerPressedKey();
+    void readerHolds(bool holds);
     int trimLimit() const;
 
     QTextEdit* m_view;
@@ -69,6 +75,7 @@ private:
     ConsoleDocument m_document;
     ConsoleSpool* m_spool;
     QTimer m_refresh;
+    bool m_held = false; ///< The reader holds the mouse button down in the text.
     bool m_flooded = false;
     bool m_backlog = false;
     bool m_turnRunning = false;

@@ -42,12 +42,17 @@ public:
 
     /// Writes anew the newest entries of all, of a given weight at most, but at least one.
     void restart(int weight);
-    /// Writes anew what is shown.
+    /// Writes anew what is shown, and the line that ended it.
     void rewrite();
     /// True when there are older entries that fill() could add.
     bool isFillable() const;
     /// Adds older entries, of a given weight or a little more, before what is shown.
     void fill(int weight);
+    /// True when there are older entries that only deepen() could add, as what is shown begins inside of a
+    /// frame or right behind a large one.
+    bool isDeepenable() const;
+    /// Writes anew what is shown with some older entries. Those before them are shown no more.
+    void deepen();
 
     /// True when the document is so large that it has to be trimmed.
     bool isOverfull() const;
@@ -55,7 +60,8 @@ public:
     /// enough.
     bool trim(int position);
     /// True after so many entries that what they left behind in the document is worth a restart.
-    bool isWorn() const;
+    bool isWorn() const { return m_written > m_wornAfter; }
+    void setWornAfter(std::uint64_t entries) { m_wornAfter = entries; }
 
     /// Ends the document with a line that says why nothing is added any more; only restart() goes on.
     void close(const QString& reason);
@@ -85,6 +91,8 @@ private:
     void joinWithNextBlock(QTextCursor cursor);
     consoleEntry::Outline outlineAt(std::size_t entry) const;
     std::size_t firstOfNewest(int weight) const;
+    std::size_t fillPlace(int weight) const;
+    bool hasRoomForOlder() const;
     bool isInStep() const;
     int shownLength() const;
 
@@ -101,5 +109,8 @@ private:
     int m_headLength = 0;
     int m_shownWeight = 0;
     std::uint64_t m_written = 0; ///< Entries written since the document was last empty.
+    /// Entries that a document takes before their formats, which it never forgets, are too many.
+    std::uint64_t m_wornAfter = 20 * liveEntries;
     bool m_closed = false;
+    QString m_closingReason;
 };

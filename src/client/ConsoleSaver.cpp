@@ -39,7 +39,7 @@ QString fileName(QString name)
 struct ConsoleSaver::Job {
     Job(const QString& filePath, ConsoleSpool& spool)
         : path(filePath)
-        , file(QFile::encodeName(filePath).toStdString())
+        , file(QFile::encodeName(filePath).toStdString(), platform::FileReplacement::Turn::Refuse)
         , reader(spool)
     {
         if (isHtml(path))

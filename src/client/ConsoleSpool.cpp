@@ -14,6 +14,21 @@ constexpr std::size_t blockSize = 65536;
 
 using Length = std::uint32_t; ///< Stands before each entry.
 
+std::string framed(std::string_view entry)
+{
+    const auto length = static_cast<Length>(entry.size());
+    std::array<char, sizeof length> bytes{};
+    std::memcpy(bytes.data(), &length, sizeof length);
+    return std::string(bytes.data(), bytes.size()).append(entry);
+}
+
+std::string missingLine(std::uint64_t entries)
+{
+    const QString text = ConsoleSpool::tr(
+        "%n entries are missing here: there was no room on the disk.", nullptr, static_cast<int>(entries));
+    return consoleEntry::packClosingLine(text.toStdString());
+}
+
 } // namespace
 
 ConsoleSpool::ConsoleSpool(QObject* parent)
@@ -27,21 +42,11 @@ ConsoleSpool::~ConsoleSpool() = default;
 void ConsoleSpool::append(std::string_view entry)
 {
     if (m_lost > 0 && m_buffer.empty())
-        add(consoleEntry::packClosingLine(tr(
-            "%n entries are missing here: there was no room on the disk.", nullptr, static_cast<int>(m_lost))
-                                              .toStdString()));
-    add(entry);
+        m_buffer = framed(missingLine(m_lost));
+    m_buffer += framed(entry);
     ++m_buffered;
     if (m_buffer.size() >= blockSize)
         flush();
-}
-
-void ConsoleSpool::add(std::string_view entry)
-{
-    const auto length = static_cast<Length>(entry.size());
-    std::array<char, sizeof length> bytes{};
-    std::memcpy(bytes.data(), &length, sizeof length);
-    m_buffer.append(bytes.data(), bytes.size()).append(entry);
 }
 
 void ConsoleSpool::flush()
@@ -74,6 +79,9 @@ ConsoleSpool::Reader::Reader(ConsoleSpool& spool)
     , m_end(spool.m_file->size())
     , m_tail(spool.m_buffer)
 {
+    // Where entries are in the buffer, the line that stands in for those before them is as well.
+    if (spool.m_lost > 0 && m_tail.empty())
+        m_tail = framed(missingLine(spool.m_lost));
 }
 
 bool ConsoleSpool::Reader::isValid() const

@@ -55,7 +55,6 @@ Q_SIGNALS:
     void failed(const QString& reason);
 
 private:
-    void add(std::string_view entry);
     void flush();
 
     std::unique_ptr<platform::ScratchFile> m_file;

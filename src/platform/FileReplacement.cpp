@@ -5,9 +5,16 @@
 // What every system does the same way; the steps themselves are in a file for each system.
 namespace platform {
 
-FileReplacement::FileReplacement(const std::filesystem::path& path)
+namespace {
+
+/// Bytes that a disk takes within some milliseconds.
+constexpr std::size_t syncStep = 4U << 20U;
+
+} // namespace
+
+FileReplacement::FileReplacement(const std::filesystem::path& path, Turn turn)
 {
-    if (findTarget(path) && !claimTemporary())
+    if (findTarget(path) && !claimTemporary(turn))
         abandon();
 }
 
@@ -18,8 +25,12 @@ FileReplacement::~FileReplacement()
 
 bool FileReplacement::append(std::string_view bytes)
 {
-    if (ready() && !writeAll(bytes))
+    m_unsynced += bytes.size();
+    const bool due = m_unsynced >= syncStep;
+    if (ready() && !(writeAll(bytes) && (!due || sync())))
         abandon();
+    if (due)
+        m_unsynced = 0;
     return ready();
 }
 

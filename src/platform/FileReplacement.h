@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -21,8 +22,11 @@ struct FileResult {
 /// and commits. Nothing is kept when the object goes without a commit.
 class FileReplacement {
 public:
-    /// Waits a few seconds at most for another process that is replacing the same file.
-    explicit FileReplacement(const std::filesystem::path& path);
+    /// What to do while somebody else is replacing the same file.
+    enum class Turn { Wait, Refuse };
+
+    /// Waits a few seconds at most for another process that is replacing the same file, or not at all.
+    explicit FileReplacement(const std::filesystem::path& path, Turn turn = Turn::Wait);
     ~FileReplacement();
     FileReplacement(const FileReplacement&) = delete;
     FileReplacement& operator=(const FileReplacement&) = delete;
@@ -31,8 +35,9 @@ public:
     bool ready() const { return m_descriptor >= 0; }
     const std::string& reason() const { return m_reason; }
 
-    /// Writes bytes that come before those of commit(), for content that is made piece by piece. False, with
-    /// a reason(), when they do not fit; then commit() fails as well.
+    /// Writes bytes that come before those of commit(), for content that is made piece by piece, and now and
+    /// then durably, so that commit() does not take long. False, with a reason(), when they do not fit; then
+    /// commit() fails as well.
     bool append(std::string_view bytes);
 
     /// Writes the bytes out durably and puts them in place. On failure the old file is as it was. To be
@@ -41,7 +46,7 @@ public:
 
 private:
     bool findTarget(const std::filesystem::path& path);
-    bool claimTemporary();
+    bool claimTemporary(Turn turn);
     bool keepAttributes();
     bool writeAll(std::string_view bytes);
     bool sync();
@@ -53,6 +58,7 @@ private:
     std::filesystem::path m_temporary;
     std::string m_reason;
     int m_descriptor = -1;
+    std::size_t m_unsynced = 0; ///< Bytes appended since they were last made durable.
     bool m_hasOld = false;
     unsigned int m_mode = 0;
     unsigned int m_owner = 0;

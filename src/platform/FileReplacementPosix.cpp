@@ -1,3 +1,4 @@
+#include "FileErrors.h"
 #include "FileReplacement.h"
 
 #include <cerrno>
@@ -21,13 +22,13 @@ constexpr mode_t permissionBits = 07777;
 
 /// Waits for the lock with limits: a process that is stopped in the middle must not stop others for ever.
 /// File systems without locks must do without.
-bool lockPatiently(int descriptor)
+bool lockPatiently(int descriptor, std::chrono::seconds patience)
 {
-    const auto deadline = std::chrono::steady_clock::now() + lockPatience;
+    const auto deadline = std::chrono::steady_clock::now() + patience;
     while (flock(descriptor, LOCK_EX | LOCK_NB) != 0) {
         if (errno != EWOULDBLOCK && errno != EINTR)
             return errno == ENOLCK || errno == ENOTSUP || errno == ENOSYS;
-        if (std::chrono::steady_clock::now() > deadline) {
+        if (std::chrono::steady_clock::now() >= deadline) {
             errno = EBUSY;
             return false;
         }
@@ -92,8 +93,9 @@ bool FileReplacement::findTarget(const std::filesystem::path& path)
 /// Opens, locks and empties the temporary file. While we waited for the lock, its former owner may have moved
 /// the file away; then the lock is on the wrong file, and it starts
 /// anew, though not for ever.
-bool FileReplacement::claimTemporary()
+bool FileReplacement::claimTemporary(Turn turn)
 {
+    const auto patience = turn == Turn::Wait ? lockPatience : std::chrono::seconds(0);
     const mode_t creationMode = m_hasOld ? 0600 : 0666;
     for (int claims = 0; claims < maximumClaims; ++claims) {
         const int descriptor = open(m_temporary.c_str(),
@@ -103,11 +105,14 @@ bool FileReplacement::claimTemporary()
         struct stat opened { };
         struct stat named { };
         const bool locked =
-            fstat(descriptor, &opened) == 0 && S_ISREG(opened.st_mode) && lockPatiently(descriptor);
+            fstat(descriptor, &opened) == 0 && S_ISREG(opened.st_mode) && lockPatiently(descriptor, patience);
         if (!locked) {
             const int errorNumber = S_ISREG(opened.st_mode) ? errno : EINVAL;
             close(descriptor);
-            return fail("write", errorNumber);
+            fail("write", errorNumber);
+            if (errorNumber == EBUSY)
+                m_reason = "Cannot write " + readablePath(m_target) + ": it is being written already";
+            return false;
         }
         if (lstat(m_temporary.c_str(), &named) == 0 && named.st_ino == opened.st_ino
             && named.st_dev == opened.st_dev) {

@@ -307,6 +307,10 @@ void TestClientInterface::autoScroll()
     fill(1);
     QTRY_COMPARE(list.verticalScrollBar()->value(), list.verticalScrollBar()->maximum());
     QVERIFY(list.verticalScrollBar()->maximum() > 0);
+    page.child<QCheckBox>("chkErrors").click();
+    page.child<QCheckBox>("chkErrors").click();
+    QTRY_COMPARE(list.verticalScrollBar()->value(), list.verticalScrollBar()->maximum());
+    QVERIFY(list.verticalScrollBar()->maximum() > 0);
     list.verticalScrollBar()->setSliderDown(true);
     list.verticalScrollBar()->setSliderPosition(0);
     QVERIFY(!page.child<QCheckBox>("chkErrorListAutoScroll").isChecked());

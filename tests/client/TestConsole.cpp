@@ -2,13 +2,16 @@
 #include "ClientInterface.h"
 #include "ConsoleOracle.h"
 #include "ConsoleSaver.h"
+#include "FileReplacement.h"
 #include "Records.h"
 #include "Resources.h"
 
 #include <QCheckBox>
 #include <QDir>
-#include <QFile>
+#include <QElapsedTimer>
+#include <QFileInfo>
 #include <QFontDatabase>
+#include <QPointer>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -93,9 +96,13 @@ private Q_SLOTS:
     void shownIsTheEndOfAll_data();
     void shownIsTheEndOfAll();
     void firstRecordsOfATurnAreShownAtOnce();
+    void heavyFrameHoldsNothingUp();
     void readerStays();
+    void readerStopsFollowing();
+    void steadyStreamWearsNothingOut();
     void coloursFollowThePalette();
     void savesWhatWasTrimmed();
+    void closedPageSavesToItsEnd();
     void fullDiskHarmsNothing();
 };
 
@@ -156,6 +163,44 @@ void TestConsole::firstRecordsOfATurnAreShownAtOnce()
     }
 }
 
+void TestConsole::heavyFrameHoldsNothingUp()
+{
+    Page page;
+    std::string lines;
+    for (int i = 0; i < 20; ++i)
+        lines += "line\n";
+    const QList<Message> pattern =
+        QList<Message>{identified("mark", 7)} + QList<Message>(9999, text(Type::Information, lines));
+    page.receive(pattern, live + live / 20);
+    qint64 longest = 0;
+    const auto comesToRest = [&] {
+        QElapsedTimer time;
+        time.start();
+        for (qint64 end = 0; !page.page.console().isComplete() && end < 60000;) {
+            const qint64 start = time.elapsed();
+            QCoreApplication::processEvents();
+            end = time.elapsed();
+            longest = std::max(longest, end - start);
+        }
+        return page.whyWrong();
+    };
+    QCOMPARE(comesToRest(), QString());
+    QVERIFY(page.received - page.earlier() > 40);
+    for (int i = 0; i < 10; ++i) {
+        page.receive(pattern, 1);
+        QCOMPARE(comesToRest(), QString());
+    }
+    QVERIFY2(longest < 1000, qPrintable(QString::number(longest)));
+
+    // What has to be written anew to show more is left as it is for a reader.
+    page.receive(pattern, live);
+    QCoreApplication::processEvents();
+    page.autoScroll->click();
+    const int earlier = page.earlier();
+    QCOMPARE(comesToRest(), QString());
+    QCOMPARE(page.earlier(), earlier);
+}
+
 void TestConsole::readerStays()
 {
     Page page;
@@ -188,6 +233,51 @@ void TestConsole::readerStays()
     QCOMPARE(page.view->textCursor().selectedText().left(5000), selected.left(5000));
 }
 
+void TestConsole::readerStopsFollowing()
+{
+    Page page;
+    const QList<Message> lines = numbered(1000);
+    page.receive(lines, 100);
+    QVERIFY(page.comesToRest());
+    for (const QKeySequence::StandardKey key :
+        {QKeySequence::MoveToStartOfDocument, QKeySequence::MoveToPreviousLine}) {
+        QVERIFY(page.autoScroll->isChecked() && page.isAtEnd());
+        QTest::keySequence(page.view, key);
+        QTRY_VERIFY(!page.autoScroll->isChecked());
+        page.autoScroll->click();
+    }
+    QTest::keyClick(page.view, Qt::Key_Control);
+    QCoreApplication::processEvents();
+    QVERIFY(page.autoScroll->isChecked());
+
+    // Records that come between a press and the drag, too many to be appended, and after a click.
+    QWidget* text = page.view->viewport();
+    QTest::mousePress(text, Qt::LeftButton, {}, {30, 100});
+    const QTextCursor anchor = page.view->textCursor();
+    page.receive(lines, live / 2);
+    QVERIFY(page.comesToRest());
+    QCOMPARE(page.view->textCursor(), anchor);
+    QTest::mouseRelease(text, Qt::LeftButton, {}, {30, 100});
+    QVERIFY(page.comesToRest());
+    QVERIFY(page.autoScroll->isChecked() && page.isAtEnd());
+    QCOMPARE(page.whyWrong(), QString());
+}
+
+void TestConsole::steadyStreamWearsNothingOut()
+{
+    Page page;
+    page.page.console().setRebuildAfter(300);
+    const QList<Message> heavy{text(Type::Error, std::string(200, '\n'))};
+    qsizetype most = 0; // of which an entry leaves two behind
+    for (int i = 0; i < 60; ++i) {
+        page.receive(heavy, 10);
+        QVERIFY(page.comesToRest());
+        most = std::max(most, page.document().allFormats().size());
+    }
+    QVERIFY2(most < 800, qPrintable(QString::number(most)));
+    QCOMPARE(page.whyWrong(), QString());
+}
+
 void TestConsole::coloursFollowThePalette()
 {
     Page page;
@@ -203,6 +293,15 @@ void TestConsole::coloursFollowThePalette()
             page.looks().contains(following ? "GL_DE #f0f0f0#090909#808080" : "GL_DE #040404#fafafa#808080"));
         QCOMPARE(page.whyWrong(), QString());
     }
+    page.receive({text(Type::Warning, "late")}, 4 * live);
+    QVERIFY(page.comesToRest());
+    const QString shown = page.document().toPlainText();
+    QVERIFY(shown.endsWith(QStringLiteral("Auto-scroll\" to see them.")));
+    QPalette palette = page.view->palette();
+    palette.setColor(QPalette::Base, QColor(9, 9, 9));
+    page.view->setPalette(palette);
+    QVERIFY(page.looks().contains("GL_DE #040404#090909#808080"));
+    QCOMPARE(page.document().toPlainText(), shown);
 }
 
 void TestConsole::savesWhatWasTrimmed()
@@ -230,9 +329,32 @@ void TestConsole::savesWhatWasTrimmed()
     QCOMPARE(notices.count(), 1);
     QVERIFY(notices.at(0).at(0).toString().contains(QStringLiteral("not saved")));
 
+    // Without waiting for a file that is being written.
+    const platform::FileReplacement other(
+        QFile::encodeName(QDir::tempPath() + QStringLiteral("/busy.txt")).toStdString());
+    QElapsedTimer time;
+    time.start();
+    QCOMPARE(saved(QStringLiteral("busy.txt")), QString());
+    QVERIFY(time.elapsed() < 2000);
+    QVERIFY(notices.at(1).at(0).toString().endsWith(QStringLiteral("it is being written already")));
+
     page.page.findChild<QPushButton*>(QStringLiteral("btnClear"))->click();
     page.receive({text(Type::Information, "after")}, 1);
     QCOMPARE(saved(QStringLiteral("console.txt")), QStringLiteral("after\n"));
+}
+
+void TestConsole::closedPageSavesToItsEnd()
+{
+    const QPointer<ClientInterface> page = new ClientInterface(nullptr, 0, QFont());
+    const int count = 50 * live;
+    for (int i = 0; i < count; ++i)
+        page->receive(text(Type::Information, "line"));
+    const QString path = QDir::tempPath() + QStringLiteral("/closed.txt");
+    page->findChild<ConsoleSaver*>()->save(path);
+    QVERIFY(page->isSaving());
+    page->closeOnceSaved();
+    QTRY_VERIFY_WITH_TIMEOUT(!page, 60000);
+    QCOMPARE(QFileInfo(path).size(), count * qint64(sizeof "line"));
 }
 
 void TestConsole::fullDiskHarmsNothing()
@@ -246,15 +368,24 @@ void TestConsole::fullDiskHarmsNothing()
     QVERIFY(page.comesToRest());
     QCOMPARE(notices.count(), 1);
     QCOMPARE(page.document().toPlainText().count(QStringLiteral("Error")), 500);
+    const auto kept = [&page] {
+        ConsoleText text;
+        ConsoleSpool::Reader reader(page.page.console().spool());
+        for (std::string_view entry; reader.next(entry);)
+            consoleEntry::write(entry, text);
+        return text.take();
+    };
     page.receive({text(Type::Information, "again")}, 1);
+    QVERIFY(kept().contains(QStringLiteral("entries are missing here")));
+    QVERIFY(kept().endsWith(QStringLiteral("again")));
 
-    ConsoleText kept;
-    ConsoleSpool::Reader reader(page.page.console().spool());
-    for (std::string_view entry; reader.next(entry);)
-        consoleEntry::write(entry, kept);
-    const QString text = kept.take();
-    QVERIFY(text.contains(QStringLiteral("entries are missing here")));
-    QVERIFY(text.endsWith(QStringLiteral("again")));
+    // Right after what was collected could not be written either.
+    qputenv("TMPDIR", folder + "/missing");
+    page.page.console().clear();
+    for (int i = 0; i < 1000 && !kept().endsWith(QStringLiteral("on the disk.")); ++i)
+        page.receive({text(Type::Error, std::string(1000, 'x'))}, 1);
+    qputenv("TMPDIR", folder);
+    QVERIFY(kept().endsWith(QStringLiteral("on the disk.")));
 }
 
 QTEST_MAIN(TestConsole)
