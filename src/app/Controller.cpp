@@ -140,7 +140,7 @@ bool Controller::mayOverwrite(const ProfileDataWrapper& profile, const std::stri
 
 std::string Controller::directoryForSaving()
 {
-    const std::string set = m_catalogue.profilesDirectory();
+    std::string set = m_catalogue.profilesDirectory();
     if (!set.empty())
         return set;
     PlainMessageBox box(QMessageBox::Question, QStringLiteral("Corvale GUI"),
@@ -153,7 +153,7 @@ std::string Controller::directoryForSaving()
     box.exec();
     if (box.clickedButton() != choose)
         return {};
-    const std::string chosen =
+    std::string chosen =
         QFile::encodeName(QFileDialog::getExistingDirectory(&m_mainWindow, QStringLiteral("Choose directory"),
                               QDir::homePath(), QFileDialog::ShowDirsOnly))
             .toStdString();

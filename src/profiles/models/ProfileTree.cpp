@@ -3,6 +3,7 @@
 #include "Numbers.h"
 #include "ProfileColumns.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace models {
@@ -139,9 +140,8 @@ bool ProfileTree::insertRows(int row, int count, const QModelIndex& parent)
 {
     if (count < 1 || row < 0 || row > rowCount(parent) || parent.column() > 0)
         return false;
-    std::vector<std::unique_ptr<ProfileTreeItem>> added;
-    for (int i = 0; i < count; ++i)
-        added.push_back(makeItem());
+    std::vector<std::unique_ptr<ProfileTreeItem>> added(static_cast<std::size_t>(count));
+    std::generate(added.begin(), added.end(), [this] { return makeItem(); });
     Q_EMIT layoutAboutToBeChanged();
     beginInsertRows(parent, row, row + count - 1);
     siblings(parent).insert(row, std::move(added));
