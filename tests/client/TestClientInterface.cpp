@@ -95,6 +95,7 @@ void TestClientInterface::initialState()
     QCOMPARE(page.child<QTabWidget>("tabWidget_contexts").currentIndex(), -1);
     QVERIFY(page.child<QTextEdit>("txtConsole").isReadOnly());
     QCOMPARE(page.page.state(), ClientInterface::State::Fresh);
+    QVERIFY2(!page.page.hasHeightForWidth(), "layouts of many pages would shape the texts of all of them");
 }
 
 void TestClientInterface::consoleText_data()
