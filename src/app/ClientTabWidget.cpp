@@ -2,12 +2,15 @@
 
 #include "Client.h"
 #include "ClientInterface.h"
+#include "ConsoleSaver.h"
 #include "PlainToolTip.h"
 
 #include <QFontDatabase>
 #include <QMouseEvent>
 #include <QShortcut>
 #include <QStyle>
+
+#include <algorithm>
 
 void ClientTabWidget::ClientTabBar::mouseReleaseEvent(QMouseEvent* event)
 {
@@ -96,6 +99,13 @@ void ClientTabWidget::removePage(int index)
         clientPage->closeOnceSaved();
     else
         delete clientPage;
+}
+
+bool ClientTabWidget::isSaving() const
+{
+    const QList<ConsoleSaver*> savers = findChildren<ConsoleSaver*>();
+    return std::any_of(
+        savers.begin(), savers.end(), [](const ConsoleSaver* saver) { return saver->isSaving(); });
 }
 
 void ClientTabWidget::addPlaceholder()

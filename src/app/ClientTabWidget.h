@@ -33,6 +33,9 @@ public:
     /// so. An index that no tab has changes nothing.
     void closeTabAt(int index);
 
+    /// True while the console of a page, also of one whose tab is closed, is being saved.
+    bool isSaving() const;
+
     /// The page of a client; none once its tab is closed.
     ClientInterface* pageOf(const Client* client) const;
 

@@ -106,7 +106,9 @@ void Controller::endOnSignals()
     connect(new QSocketNotifier(descriptor, QSocketNotifier::Read, this), &QSocketNotifier::activated, this,
         [this] {
             m_mainWindow.end();
-            quit();
+            // Where it waits for a console that is being saved, its closing is the end of the program.
+            if (!m_mainWindow.isVisible())
+                quit();
         });
 }
 

@@ -4,6 +4,7 @@
 #include "Client.h"
 #include "ClientInterface.h"
 #include "Console.h"
+#include "ConsoleSaver.h"
 #include "Controller.h"
 #include "DocumentationOpener.h"
 #include "ErrorListModel.h"
@@ -191,6 +192,8 @@ void MainWindow::serverNewConnection()
     connect(m_ui->cmbFont, SIGNAL(currentFontChanged(const QFont&)), page, SLOT(fontChanged(const QFont&)));
     connect(&page->console(), &Console::notice, this,
         [this](const QString& text) { statusBar()->showMessage(text, messageTime); });
+    // Its page is done with the save as well before the window closes.
+    connect(&page->saver(), &ConsoleSaver::ended, this, &MainWindow::consoleSaved, Qt::QueuedConnection);
     countProblems(*page);
     page->setLive();
     m_clients.insert(client);
@@ -255,8 +258,24 @@ void MainWindow::end()
     close();
 }
 
+void MainWindow::consoleSaved(bool saved)
+{
+    if (!m_closesOnceSaved)
+        return;
+    // The window stays to tell what has failed.
+    m_closesOnceSaved = saved || !m_asksBeforeClosing;
+    if (m_closesOnceSaved && !m_clientTabs->isSaving())
+        close();
+}
+
 void MainWindow::closeEvent(QCloseEvent* event)
 {
+    m_closesOnceSaved = m_clientTabs->isSaving();
+    if (m_closesOnceSaved) {
+        statusBar()->showMessage(tr("The window closes as soon as the console is saved."));
+        event->ignore();
+        return;
+    }
     if (m_asksBeforeClosing && !m_profilePage->mayLeave()) {
         event->ignore();
         return;

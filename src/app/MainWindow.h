@@ -62,7 +62,7 @@ public:
     /// Tells in the status bar what a save of the preferences did beyond saving.
     void reportSave(bool saved);
 
-    /// Closes the window without a question.
+    /// Closes the window without a question, as soon as consoles that are being saved are.
     void end();
     /// Shows the about box as a splash, unless the user does not want that.
     void showSplash();
@@ -96,6 +96,7 @@ private:
     void countProblems(const ClientInterface& page);
     void clientDisconnected(Client* client, const QString& text);
     void showClientCount();
+    void consoleSaved(bool saved);
     void openRecentProfile(const QString& path);
 
     std::unique_ptr<Ui::MainWindow> m_ui;
@@ -116,4 +117,5 @@ private:
     std::set<Client*> m_clients;
     QString m_toldCorruptCopy;
     bool m_asksBeforeClosing = true;
+    bool m_closesOnceSaved = false;
 };

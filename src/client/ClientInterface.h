@@ -45,6 +45,7 @@ public:
 
     const ErrorListModel& errorListModel() const { return *m_errorListModel; }
     Console& console() { return *m_console; }
+    const ConsoleSaver& saver() const { return *m_saver; }
 
     /// True while the console is being saved.
     bool isSaving() const;

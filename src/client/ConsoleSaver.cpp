@@ -105,26 +105,31 @@ void ConsoleSaver::step()
             consoleEntry::write(entry, m_job->sink());
     }
     if (!m_job->reader.isValid()) {
-        finish(tr("The console was not saved: it was cleared meanwhile, or what was kept of it cannot be "
-                  "read."));
+        finish(false,
+            tr("The console was not saved: it was cleared meanwhile, or what was kept of it cannot be "
+               "read."));
         return;
     }
     if (more) {
         if (!m_job->file.append(m_job->take()))
-            finish(tr("The console was not saved: %1").arg(QString::fromStdString(m_job->file.reason())));
+            finish(
+                false, tr("The console was not saved: %1").arg(QString::fromStdString(m_job->file.reason())));
         else
             QTimer::singleShot(0, this, &ConsoleSaver::step);
         return;
     }
     m_job->html ? m_job->html->finish() : m_job->text.finish();
     const platform::FileResult result = m_job->file.commit(m_job->take());
-    finish(result ? tr("The console was saved to \"%1\".").arg(QDir::toNativeSeparators(m_job->path))
-                  : tr("The console was not saved: %1").arg(QString::fromStdString(result.reason)));
+    const bool saved = static_cast<bool>(result);
+    finish(saved,
+        saved ? tr("The console was saved to \"%1\".").arg(QDir::toNativeSeparators(m_job->path))
+              : tr("The console was not saved: %1").arg(QString::fromStdString(result.reason)));
 }
 
-void ConsoleSaver::finish(const QString& text)
+void ConsoleSaver::finish(bool saved, const QString& text)
 {
     m_job.reset();
     Q_EMIT savingChanged(false);
     Q_EMIT m_console->notice(text);
+    Q_EMIT ended(saved);
 }

@@ -29,12 +29,14 @@ public:
 Q_SIGNALS:
     /// True when saving has begun, false when it has ended.
     void savingChanged(bool saving);
+    /// Comes last when saving has ended: whether the file is complete.
+    void ended(bool saved);
 
 private:
     struct Job;
 
     void step();
-    void finish(const QString& text);
+    void finish(bool saved, const QString& text);
 
     Console* m_console;
     QWidget* m_window;

@@ -2,6 +2,8 @@
 #include "Client.h"
 #include "ClientInterface.h"
 #include "ClientTabWidget.h"
+#include "Console.h"
+#include "ConsoleSaver.h"
 #include "DialogAnswers.h"
 #include "FeedbackDialog.h"
 #include "MainWindow.h"
@@ -121,6 +123,7 @@ private Q_SLOTS:
     void placeholder();
     void closedTabLeavesItsClientAlone();
     void closingTheWindowTellsEveryClient();
+    void closingWaitsForASave();
     void destructionDuringAFlood();
     void statusCounts();
     void systemReport();
@@ -277,6 +280,33 @@ void TestMainWindow::closingTheWindowTellsEveryClient()
     session.reset();
     QCOMPARE(applications[0]->receivedTypes(), QList<quint32>({11}));
     QCOMPARE(applications[1]->receivedTypes(), QList<quint32>({11}));
+}
+
+void TestMainWindow::closingWaitsForASave()
+{
+    Session session;
+    session.window.show();
+    RawClient& application = session.connectApplication();
+    ClientInterface& page = *session.window.findChild<ClientTabWidget*>()->pageAt(0);
+    const auto beginSave = [&session, &page] {
+        for (int i = 0; i < 100'000; ++i)
+            page.receive(text(Type::Information, "line"));
+        page.findChild<ConsoleSaver*>()->save(QDir::tempPath() + QStringLiteral("/closing.txt"));
+        session.window.close();
+    };
+    beginSave();
+    page.console().clear();
+    QTRY_VERIFY(!page.isSaving());
+    QTest::qWait(50);
+    QVERIFY2(session.window.isVisible(), "the reason is to be read");
+
+    beginSave();
+    session.window.closeTab(0);
+    QVERIFY(session.window.isVisible());
+    QCOMPARE(application.receivedTypes(), QList<quint32>());
+    QTRY_VERIFY(!session.window.isVisible());
+    QCOMPARE(QFileInfo(QDir::tempPath() + QStringLiteral("/closing.txt")).size(), 500'000);
+    QCOMPARE(application.receivedTypes(), QList<quint32>({11}));
 }
 
 void TestMainWindow::destructionDuringAFlood()
