@@ -65,7 +65,7 @@ void ClientTabWidget::closeFinishedTabs()
     int i = 0;
     while (i < count()) {
         const ClientInterface* page = pageAt(i);
-        if (page != nullptr && page->state() == ClientInterface::State::Finished && !page->isSaving()) {
+        if (page != nullptr && page->state() == ClientInterface::State::Finished && !page->saver().isBusy()) {
             removePage(i);
             i = 0;
         } else {
@@ -95,7 +95,7 @@ void ClientTabWidget::removePage(int index)
     QWidget* page = widget(index);
     removeTab(index);
     auto* clientPage = qobject_cast<ClientInterface*>(page);
-    if (clientPage != nullptr && clientPage->isSaving())
+    if (clientPage != nullptr && clientPage->saver().isBusy())
         clientPage->closeOnceSaved();
     else
         delete clientPage;

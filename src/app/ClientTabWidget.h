@@ -26,7 +26,8 @@ public:
     explicit ClientTabWidget(QWidget* parent = nullptr);
 
     /// Adds a tab for a client and makes it the current one. It takes the place of the stand-in, and with
-    /// autoClose finished tabs are closed first, but for those whose consoles are being saved.
+    /// autoClose finished tabs are closed first, but for those whose consoles are being saved, or are about
+    /// to be.
     ClientInterface* addClient(Client* client, const QFont& font, bool autoClose);
 
     /// Closes the tab at an index and destroys its page, as soon as its console is saved where it is being

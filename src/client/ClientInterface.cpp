@@ -99,7 +99,7 @@ void ClientInterface::showConsoleMenu(const QPoint& position)
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->addSeparator();
     QAction* save = menu->addAction(QLatin1Char('&') + m_ui->btnSaveConsole->text());
-    save->setEnabled(!m_saver->isSaving());
+    save->setEnabled(!m_saver->isBusy());
     connect(save, &QAction::triggered, m_ui->btnSaveConsole, &QPushButton::click);
     menu->popup(m_ui->txtConsole->viewport()->mapToGlobal(position));
 }
@@ -108,7 +108,7 @@ void ClientInterface::makeConnections()
 {
     connect(m_ui->btnClear, &QPushButton::clicked, m_console, &Console::clear);
     connect(m_ui->btnSaveConsole, &QPushButton::clicked, this, [this] { m_saver->ask(m_name); });
-    connect(m_saver, &ConsoleSaver::savingChanged, m_ui->btnSaveConsole, &QPushButton::setDisabled);
+    connect(m_saver, &ConsoleSaver::busyChanged, m_ui->btnSaveConsole, &QPushButton::setDisabled);
     connect(
         m_ui->txtConsole, &QTextEdit::customContextMenuRequested, this, &ClientInterface::showConsoleMenu);
     connect(m_ui->chkWireframe, SIGNAL(stateChanged(int)), SLOT(wireframeStateChanged(int)));
@@ -201,17 +201,15 @@ void ClientInterface::finish(const QString& text)
     m_ui->grpRendering->setToolTip(tr("The application is no longer connected"));
 }
 
-bool ClientInterface::isSaving() const
-{
-    return m_saver->isSaving();
-}
-
 void ClientInterface::closeOnceSaved()
 {
     if (m_client)
         m_client->disconnect(this);
     hide();
-    connect(m_saver, &ConsoleSaver::savingChanged, this, &QObject::deleteLater);
+    connect(m_saver, &ConsoleSaver::busyChanged, this, [this](bool busy) {
+        if (!busy)
+            deleteLater();
+    });
 }
 
 void ClientInterface::wireframeStateChanged(int state)

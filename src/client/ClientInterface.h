@@ -47,9 +47,8 @@ public:
     Console& console() { return *m_console; }
     const ConsoleSaver& saver() const { return *m_saver; }
 
-    /// True while the console is being saved.
-    bool isSaving() const;
-    /// For the page of a closed tab while it is saving: takes no more, and destroys itself when that is done.
+    /// For the page of a closed tab while its saver is busy: takes no more, and destroys itself when that is
+    /// done.
     void closeOnceSaved();
 
 public Q_SLOTS:

@@ -66,6 +66,8 @@ ConsoleSaver::~ConsoleSaver() = default;
 
 void ConsoleSaver::ask(const QString& name)
 {
+    if (isBusy())
+        return;
     // The dialog does not block: records go on arriving, and the tab may be closed below it.
     auto* dialog = new QFileDialog(m_window, tr("Save console"), QDir::homePath());
     dialog->setAttribute(Qt::WA_DeleteOnClose);
@@ -79,6 +81,9 @@ void ConsoleSaver::ask(const QString& name)
         dialog->setDefaultSuffix(filter == html ? QStringLiteral("html") : QStringLiteral("txt"));
     });
     connect(dialog, &QFileDialog::fileSelected, this, &ConsoleSaver::save);
+    connect(dialog, &QObject::destroyed, this, [this] { Q_EMIT busyChanged(isBusy()); });
+    m_dialog = dialog;
+    Q_EMIT busyChanged(true);
     dialog->open();
 }
 
@@ -87,7 +92,7 @@ void ConsoleSaver::save(const QString& path)
     if (isSaving())
         return;
     m_job = std::make_unique<Job>(path, m_console->spool());
-    Q_EMIT savingChanged(true);
+    Q_EMIT busyChanged(true);
     step();
 }
 
@@ -105,9 +110,7 @@ void ConsoleSaver::step()
             consoleEntry::write(entry, m_job->sink());
     }
     if (!m_job->reader.isValid()) {
-        finish(false,
-            tr("The console was not saved: it was cleared meanwhile, or what was kept of it cannot be "
-               "read."));
+        finish(false, tr("The console was not saved: what was kept of it cannot be read."));
         return;
     }
     if (more) {
@@ -129,7 +132,7 @@ void ConsoleSaver::step()
 void ConsoleSaver::finish(bool saved, const QString& text)
 {
     m_job.reset();
-    Q_EMIT savingChanged(false);
+    Q_EMIT busyChanged(isBusy());
     Q_EMIT m_console->notice(text);
     Q_EMIT ended(saved);
 }

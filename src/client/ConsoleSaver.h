@@ -25,10 +25,11 @@ public:
     /// Saves to a file, as HTML where its name ends so.
     void save(const QString& path);
     bool isSaving() const { return m_job != nullptr; }
+    /// True from the question for a file until that is saved.
+    bool isBusy() const { return isSaving() || m_dialog; }
 
 Q_SIGNALS:
-    /// True when saving has begun, false when it has ended.
-    void savingChanged(bool saving);
+    void busyChanged(bool busy);
     /// Comes last when saving has ended: whether the file is complete.
     void ended(bool saved);
 
@@ -40,5 +41,6 @@ private:
 
     Console* m_console;
     QWidget* m_window;
+    QPointer<QObject> m_dialog; ///< The question for a file.
     std::unique_ptr<Job> m_job;
 };

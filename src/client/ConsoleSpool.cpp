@@ -33,7 +33,7 @@ std::string missingLine(std::uint64_t entries)
 
 ConsoleSpool::ConsoleSpool(QObject* parent)
     : QObject(parent)
-    , m_file(std::make_unique<platform::ScratchFile>())
+    , m_file(std::make_shared<platform::ScratchFile>())
 {
 }
 
@@ -67,26 +67,19 @@ void ConsoleSpool::flush()
 
 void ConsoleSpool::clear()
 {
-    m_file->clear();
+    m_file = std::make_shared<platform::ScratchFile>();
     m_buffer.clear();
     m_buffered = m_lost = 0;
-    ++m_generation;
 }
 
 ConsoleSpool::Reader::Reader(ConsoleSpool& spool)
-    : m_spool(&spool)
-    , m_generation(spool.m_generation)
+    : m_file(spool.m_file)
     , m_end(spool.m_file->size())
     , m_tail(spool.m_buffer)
 {
     // Where entries are in the buffer, the line that stands in for those before them is as well.
     if (spool.m_lost > 0 && m_tail.empty())
         m_tail = framed(missingLine(spool.m_lost));
-}
-
-bool ConsoleSpool::Reader::isValid() const
-{
-    return !m_broken && m_generation == m_spool->m_generation;
 }
 
 /// Sees to it that so many bytes can be taken from the buffer.
@@ -97,7 +90,7 @@ bool ConsoleSpool::Reader::provide(std::size_t count)
         m_at = 0;
         if (m_fetched < m_end) {
             const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(blockSize, m_end - m_fetched));
-            const std::string block = m_spool->m_file->read(m_fetched, size);
+            const std::string block = m_file->read(m_fetched, size);
             m_broken = block.empty();
             m_fetched += block.size();
             m_buffer += block;

@@ -24,14 +24,14 @@ public:
     void append(std::string_view entry);
     void clear();
 
-    /// Reads what was kept when it was made, entry by entry.
+    /// Reads what was kept when it was made, entry by entry, also when the spool is cleared meanwhile.
     class Reader {
     public:
         explicit Reader(ConsoleSpool& spool);
         /// The next entry; valid until the next call. False at the end.
         bool next(std::string_view& entry);
-        /// False when the spool has been cleared since, and where it could not be read.
-        bool isValid() const;
+        /// False where it could not be read.
+        bool isValid() const { return !m_broken; }
         /// Bytes of all, and of those that have been read.
         std::uint64_t size() const { return m_end + m_tail.size(); }
         std::uint64_t position() const { return m_position; }
@@ -39,8 +39,7 @@ public:
     private:
         bool provide(std::size_t count);
 
-        const ConsoleSpool* m_spool;
-        std::uint64_t m_generation;
+        std::shared_ptr<platform::ScratchFile> m_file;
         std::uint64_t m_end;
         std::string m_tail; ///< What the disk has no room for.
         std::uint64_t m_position = 0;
@@ -57,9 +56,8 @@ Q_SIGNALS:
 private:
     void flush();
 
-    std::unique_ptr<platform::ScratchFile> m_file;
+    std::shared_ptr<platform::ScratchFile> m_file;
     std::string m_buffer;
     std::uint64_t m_buffered = 0; ///< Entries in the buffer.
     std::uint64_t m_lost = 0;
-    std::uint64_t m_generation = 0;
 };

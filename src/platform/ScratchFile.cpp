@@ -97,13 +97,6 @@ std::string ScratchFile::read(std::uint64_t offset, std::size_t count) const
     return bytes;
 }
 
-void ScratchFile::clear()
-{
-    m_stream.reset();
-    m_size = 0;
-    m_reason.clear();
-}
-
 bool ScratchFile::fail()
 {
     m_reason = errorText(errno);

@@ -18,9 +18,6 @@ public:
     /// Up to `count` bytes from an offset; fewer where the file ends or cannot be read.
     std::string read(std::uint64_t offset, std::size_t count) const;
 
-    /// Gives the space back.
-    void clear();
-
     /// Bytes in the file.
     std::uint64_t size() const { return m_size; }
     const std::string& reason() const { return m_reason; }

@@ -19,11 +19,13 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QFontComboBox>
 #include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QStatusBar>
 #include <QTest>
 #include <QTextEdit>
@@ -123,6 +125,7 @@ private Q_SLOTS:
     void placeholder();
     void closedTabLeavesItsClientAlone();
     void closingTheWindowTellsEveryClient();
+    void questionForAFileKeepsItsTab();
     void closingWaitsForASave();
     void destructionDuringAFlood();
     void statusCounts();
@@ -282,21 +285,43 @@ void TestMainWindow::closingTheWindowTellsEveryClient()
     QCOMPARE(applications[1]->receivedTypes(), QList<quint32>({11}));
 }
 
+void TestMainWindow::questionForAFileKeepsItsTab()
+{
+    Session session;
+    session.window.show();
+    session.window.findChild<QCheckBox*>(QStringLiteral("chkAutoClose"))->setChecked(true);
+    session.connectApplication().close();
+    const QPointer<QWidget> page = session.tabs().widget(0);
+    QTRY_COMPARE(session.console(0), QStringLiteral("Lost connection to client"));
+    page->findChild<QPushButton*>(QStringLiteral("btnSaveConsole"))->click();
+    const QPointer<QFileDialog> question = page->findChild<QFileDialog*>();
+    QVERIFY(question);
+    session.connectApplication();
+    QCOMPARE(session.tabs().count(), 2);
+    QVERIFY(question && question->isVisible());
+    question->reject();
+    QTRY_VERIFY(!question);
+    session.connectApplication();
+    QVERIFY(!page);
+}
+
 void TestMainWindow::closingWaitsForASave()
 {
     Session session;
     session.window.show();
     RawClient& application = session.connectApplication();
     ClientInterface& page = *session.window.findChild<ClientTabWidget*>()->pageAt(0);
-    const auto beginSave = [&session, &page] {
+    QDir folder(QDir::tempPath() + QStringLiteral("/saved"));
+    const auto beginSave = [&session, &page, &folder] {
+        folder.mkpath(QStringLiteral("."));
         for (int i = 0; i < 100'000; ++i)
             page.receive(text(Type::Information, "line"));
-        page.findChild<ConsoleSaver*>()->save(QDir::tempPath() + QStringLiteral("/closing.txt"));
+        page.findChild<ConsoleSaver*>()->save(folder.filePath(QStringLiteral("console.txt")));
         session.window.close();
     };
     beginSave();
-    page.console().clear();
-    QTRY_VERIFY(!page.isSaving());
+    QVERIFY(folder.removeRecursively());
+    QTRY_VERIFY(!page.saver().isBusy());
     QTest::qWait(50);
     QVERIFY2(session.window.isVisible(), "the reason is to be read");
 
@@ -305,7 +330,7 @@ void TestMainWindow::closingWaitsForASave()
     QVERIFY(session.window.isVisible());
     QCOMPARE(application.receivedTypes(), QList<quint32>());
     QTRY_VERIFY(!session.window.isVisible());
-    QCOMPARE(QFileInfo(QDir::tempPath() + QStringLiteral("/closing.txt")).size(), 500'000);
+    QCOMPARE(QFileInfo(folder.filePath(QStringLiteral("console.txt"))).size(), 1'000'000);
     QCOMPARE(application.receivedTypes(), QList<quint32>({11}));
 }
 
