@@ -35,8 +35,49 @@ constexpr std::size_t mostAppended = 250;
 /// Records between two refreshes that are no flood any more.
 constexpr int fewRecords = 3;
 
-/// Keeps the text that is at the top of a view where it is, while the document changes above it.
-class PlaceKeeper {
+/// Keeps what is selected in a view while the document changes before and behind it: a cursor alone takes in
+/// what is inserted at its ends.
+class SelectionKeeper {
+public:
+    explicit SelectionKeeper(QTextEdit* view)
+        : m_view(view)
+    {
+        const QTextCursor cursor = view->textCursor();
+        if (!cursor.hasSelection())
+            return;
+        m_first = m_last = QTextCursor(view->document());
+        m_first.setPosition(cursor.selectionStart());
+        m_last.setPosition(cursor.selectionEnd());
+        m_last.setKeepPositionOnInsert(true);
+    }
+    ~SelectionKeeper()
+    {
+        QTextCursor cursor = m_view->textCursor();
+        const bool isKept =
+            cursor.selectionStart() == m_first.position() && cursor.selectionEnd() == m_last.position();
+        if (m_first.isNull() || isKept)
+            return;
+        const bool backwards = cursor.position() < cursor.anchor();
+        cursor.setPosition((backwards ? m_last : m_first).position());
+        cursor.setPosition((backwards ? m_first : m_last).position(), QTextCursor::KeepAnchor);
+        const int place = m_view->verticalScrollBar()->value();
+        m_view->setTextCursor(cursor);
+        m_view->verticalScrollBar()->setValue(place);
+    }
+    SelectionKeeper(const SelectionKeeper&) = delete;
+    SelectionKeeper& operator=(const SelectionKeeper&) = delete;
+
+private:
+    QTextEdit* m_view;
+    QTextCursor m_first; ///< None where nothing is selected.
+    QTextCursor m_last;
+};
+
+} // namespace
+
+/// Keeps the text that is at the top of a view where it is, while the document changes above it or is laid
+/// out anew.
+class Console::PlaceKeeper {
 public:
     explicit PlaceKeeper(QTextEdit* view)
         : m_view(view)
@@ -44,21 +85,17 @@ public:
         , m_y(view->cursorRect(m_top).top())
     {
     }
-    ~PlaceKeeper()
+    void restore() const
     {
         QScrollBar& bar = *m_view->verticalScrollBar();
         bar.setValue(bar.value() + m_view->cursorRect(m_top).top() - m_y);
     }
-    PlaceKeeper(const PlaceKeeper&) = delete;
-    PlaceKeeper& operator=(const PlaceKeeper&) = delete;
 
 private:
     QTextEdit* m_view;
     QTextCursor m_top;
     int m_y;
 };
-
-} // namespace
 
 Console::Console(QTextEdit* view, QAbstractButton* autoScroll, QObject* parent)
     : QObject(parent)
@@ -76,6 +113,11 @@ Console::Console(QTextEdit* view, QAbstractButton* autoScroll, QObject* parent)
     connect(&m_refresh, &QTimer::timeout, this, &Console::refresh);
     connect(autoScroll, &QAbstractButton::toggled, this, &Console::autoScrollToggled);
     connect(view->verticalScrollBar(), &QAbstractSlider::actionTriggered, this, &Console::readerScrolled);
+    connect(view->verticalScrollBar(), &QAbstractSlider::rangeChanged, this, [this](int, int end) {
+        // Text that is laid out anew, in other widths or another font, is so bit by bit.
+        if (follows())
+            m_view->verticalScrollBar()->setValue(end);
+    });
     connect(view, &QTextEdit::selectionChanged, this, &Console::readerSelected);
     connect(m_spool, &ConsoleSpool::failed, this, [this](const QString& reason) {
         Q_EMIT notice(
@@ -83,6 +125,8 @@ Console::Console(QTextEdit* view, QAbstractButton* autoScroll, QObject* parent)
                 .arg(reason));
     });
 }
+
+Console::~Console() = default;
 
 void Console::add(const ui::messages::Message& record, bool backlog)
 {
@@ -136,8 +180,11 @@ void Console::addAtOnce(std::string entry)
     QElapsedTimer time;
     time.start();
     ++m_atOnce;
-    m_document.append(std::move(entry));
-    trimIfOverfull();
+    {
+        const SelectionKeeper selection(m_view);
+        m_document.append(std::move(entry));
+        trimIfOverfull();
+    }
     if (follows())
         followEnd();
     if (!m_refresh.isActive() && hasMoreToShow())
@@ -182,6 +229,7 @@ bool Console::showMore()
     if (m_document.isClosed())
         return false;
     const bool following = follows();
+    const SelectionKeeper selection(m_view);
     if (m_document.waiting() > 0) {
         if (!following && m_document.hasGap())
             m_document.close(tr("Newer entries have arrived. Tick \"Auto-scroll\" to see them."));
@@ -197,6 +245,8 @@ bool Console::showMore()
         if (!following)
             place.emplace(m_view);
         m_document.fill(fillWeight);
+        if (place)
+            place->restore();
     } else if (following && !m_flooded && m_document.isDeepenable()) {
         // A reader would be moved.
         m_document.deepen();
@@ -237,6 +287,7 @@ void Console::trimIfOverfull()
     const PlaceKeeper place(m_view);
     if (!m_document.trim(trimLimit()))
         m_document.close(tr("Newer entries have arrived. Tick \"Auto-scroll\" to see them."));
+    place.restore();
 }
 
 /// The position from which on the reader sees the text or has selected it.
@@ -265,6 +316,11 @@ bool Console::eventFilter(QObject* watched, QEvent* event)
     case QEvent::PaletteChange:
         if (watched == m_view)
             recolour();
+        break;
+    case QEvent::FontChange:
+    case QEvent::Resize:
+        if (!follows())
+            keepPlace();
         break;
     case QEvent::Show:
         if (watched == m_view && m_document.waiting() > 0)
@@ -301,8 +357,28 @@ void Console::recolour()
     }
     // The same text takes the same room.
     const int place = m_view->verticalScrollBar()->value();
+    QTextCursor cursor = m_view->textCursor();
+    const auto [anchor, position] = std::pair(cursor.anchor(), cursor.position());
     m_document.rewrite();
+    cursor.setPosition(anchor);
+    cursor.setPosition(position, QTextCursor::KeepAnchor);
+    m_view->setTextCursor(cursor);
     m_view->verticalScrollBar()->setValue(place);
+}
+
+/// Keeps what the reader sees in its place while the view lays its text out anew, before which it is told.
+void Console::keepPlace()
+{
+    if (m_place)
+        return;
+    m_place = std::make_unique<PlaceKeeper>(m_view);
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            m_place->restore();
+            m_place.reset();
+        },
+        Qt::QueuedConnection);
 }
 
 bool Console::follows() const

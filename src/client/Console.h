@@ -8,6 +8,8 @@
 #include <QObject>
 #include <QTimer>
 
+#include <memory>
+
 class QAbstractButton;
 class QTextEdit;
 
@@ -23,6 +25,7 @@ public:
     /// Shows in a view, whose document must be empty, and follows the end as long as the button is checked.
     /// Both live at least as long.
     Console(QTextEdit* view, QAbstractButton* autoScroll, QObject* parent);
+    ~Console() override;
 
     /// Shows a record of a type that writes to the console; ignores others. Backlog tells that
     /// there is no time to show it at once.
@@ -49,6 +52,8 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    class PlaceKeeper;
+
     void addEntry(std::string entry, bool backlog);
     void addAtOnce(std::string entry);
     void beginTurn();
@@ -60,6 +65,7 @@ private:
     int restartWeight() const;
     void trimIfOverfull();
     void recolour();
+    void keepPlace();
 
     bool follows() const;
     void followEnd();
@@ -75,6 +81,7 @@ private:
     ConsoleDocument m_document;
     ConsoleSpool* m_spool;
     QTimer m_refresh;
+    std::unique_ptr<PlaceKeeper> m_place; ///< While the view lays its text out anew.
     bool m_held = false; ///< The reader holds the mouse button down in the text.
     bool m_flooded = false;
     bool m_backlog = false;

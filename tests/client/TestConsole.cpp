@@ -98,6 +98,7 @@ private Q_SLOTS:
     void firstRecordsOfATurnAreShownAtOnce();
     void heavyFrameHoldsNothingUp();
     void readerStays();
+    void newLayoutMovesNobody();
     void readerStopsFollowing();
     void steadyStreamWearsNothingOut();
     void coloursFollowThePalette();
@@ -230,7 +231,51 @@ void TestConsole::readerStays()
     const QString selected = page.view->textCursor().selectedText();
     page.receive(lines, 2 * live);
     QVERIFY(page.comesToRest());
-    QCOMPARE(page.view->textCursor().selectedText().left(5000), selected.left(5000));
+    QCOMPARE(page.view->textCursor().selectedText(), selected);
+
+    // From the end upwards.
+    page.autoScroll->click();
+    QVERIFY(page.comesToRest());
+    QTextCursor cursor(&page.document());
+    cursor.movePosition(QTextCursor::End);
+    cursor.movePosition(QTextCursor::Up, QTextCursor::KeepAnchor, 3);
+    page.view->setTextCursor(cursor);
+    const QString lastLines = cursor.selectedText();
+    page.receive(lines, live / 2);
+    QVERIFY(page.comesToRest());
+    page.view->setPalette(QPalette(Qt::darkGray));
+    const QTextCursor now = page.view->textCursor();
+    QCOMPARE(now.selectedText(), lastLines);
+    QVERIFY(now.position() < now.anchor());
+}
+
+void TestConsole::newLayoutMovesNobody()
+{
+    Page page;
+    const std::string words = " of many words that take more than one line of the view, in any width or font";
+    for (int i = 0; i < 500; ++i)
+        page.receive({text(Type::Information, std::to_string(i) + words)}, 1);
+    QVERIFY(page.comesToRest());
+    const auto layOutAnew = [&page](int width, int pointSize) {
+        page.page.resize(width, 300 + width / 10);
+        QFont font = page.view->font();
+        font.setPointSize(pointSize);
+        page.page.fontChanged(font);
+        QTest::qWait(100);
+    };
+    layOutAnew(350, 9);
+    QVERIFY(page.isAtEnd());
+    layOutAnew(600, 16);
+    QVERIFY(page.isAtEnd());
+
+    for (int i = 0; i < 20; ++i)
+        page.view->verticalScrollBar()->triggerAction(QAbstractSlider::SliderPageStepSub);
+    const QString top = page.topLine();
+    layOutAnew(700, 8);
+    QCOMPARE(page.topLine(), top);
+    page.page.resize(400, 500);
+    QTest::qWait(100);
+    QCOMPARE(page.topLine(), top);
 }
 
 void TestConsole::readerStopsFollowing()
