@@ -7,6 +7,10 @@ namespace {
 constexpr char16_t controlPictures = 0x2400; ///< U+2400 + n depicts control character n.
 constexpr char16_t deletePicture = 0x2421;
 
+/// Combining marks that one character bears; shaping takes quadratic time in them.
+constexpr int mostMarks = 16;
+constexpr char16_t firstMark = 0x300;
+
 bool isDirectionControl(char16_t unit)
 {
     return (unit >= 0x202A && unit <= 0x202E) || (unit >= 0x2066 && unit <= 0x2069) || unit == 0x200E
@@ -43,8 +47,13 @@ QString multiLine(std::string_view bytes)
         text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
         text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
     }
-    for (QChar& character : text)
+    int marks = 0;
+    for (QChar& character : text) {
         character = shown(character);
+        marks = character.unicode() >= firstMark && character.isMark() ? marks + 1 : 0;
+        if (marks > mostMarks)
+            character = QChar::ReplacementCharacter;
+    }
     return text;
 }
 

@@ -39,6 +39,11 @@ void TestRecordText::decode_data()
     QTest::newRow("direction overrides")
         << "\xE2\x80\xAE\x31\xE2\x81\xA6"sv << QStringLiteral(u"\uFFFD1\uFFFD")
         << QStringLiteral(u"\uFFFD1\uFFFD");
+    const QString piled = QLatin1Char('e') + QString(16, QChar(0x301)) + QString(3, QChar(0xFFFD));
+    QTest::newRow("piled marks")
+        << "e\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC"
+           "\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81"sv
+        << piled << piled;
 }
 
 void TestRecordText::decode()
