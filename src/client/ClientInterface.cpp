@@ -17,13 +17,18 @@
 #include <QScrollBar>
 #include <QTextDocument>
 
+#include <algorithm>
+
 using ui::messages::Message;
 using ui::messages::Type;
 namespace offset = ui::messages::offset;
 
 namespace {
 
+/// Context pages of a client, and how many of the oldest go at once beyond that: each time that the page in
+/// front goes costs as much as there are pages.
 constexpr int mostContexts = 500;
+constexpr int contextStep = 50;
 
 } // namespace
 
@@ -167,12 +172,20 @@ void ClientInterface::addContext(const Message& message)
 {
     // A page costs far more than its record: an application that goes on for ever keeps its newest ones.
     if (m_ui->tabWidget_contexts->count() >= mostContexts)
-        delete m_ui->tabWidget_contexts->widget(0);
+        removeOldestContexts();
     auto* page = new ContextInterface(message, m_ui->tabWidget_contexts);
     m_ui->tabWidget_contexts->addTab(
         page, QStringLiteral("Context ") + QString::number(message.i32(offset::contextNumber)));
     m_ui->lblNoContexts->hide();
     m_ui->tabWidget_contexts->show();
+}
+
+void ClientInterface::removeOldestContexts()
+{
+    QTabWidget& pages = *m_ui->tabWidget_contexts;
+    pages.setCurrentIndex(std::max(pages.currentIndex(), contextStep));
+    for (int i = 0; i < contextStep; ++i)
+        delete pages.widget(0);
 }
 
 void ClientInterface::addErrorListRow(qint32 severity, const Message& message, const QString& code,

@@ -77,6 +77,7 @@ private:
     void colourContextsHint();
     void showConsoleMenu(const QPoint& position);
     void addContext(const ui::messages::Message& message);
+    void removeOldestContexts();
     void followErrorList();
     void addErrorListRow(qint32 severity, const ui::messages::Message& message, const QString& code,
         const QString& description, const QString& function);

@@ -325,6 +325,13 @@ void TestClientInterface::contexts()
     QCOMPARE(tabs.count(), 3);
     QCOMPARE(tabs.tabText(0), QStringLiteral("Context 3"));
     QCOMPARE(tabs.tabText(1), QStringLiteral("Context -2"));
+
+    // An application that goes on for ever keeps its newest ones.
+    for (std::uint32_t i = 0; i < 600; ++i)
+        page.receive({context(i)});
+    QVERIFY(tabs.count() <= 500 && tabs.count() >= 400);
+    QCOMPARE(tabs.tabText(0), QStringLiteral("Context %1").arg(600 - tabs.count()));
+    QCOMPARE(tabs.tabText(tabs.count() - 1), QStringLiteral("Context 599"));
 }
 
 void TestClientInterface::cellContents()
