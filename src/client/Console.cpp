@@ -108,6 +108,8 @@ Console::Console(QTextEdit* view, QAbstractButton* autoScroll, QObject* parent)
     m_sinceAllowance.start();
     m_document.setPalette(view->palette());
     m_refresh.setSingleShot(true);
+    // One that came and went would have all text laid out for another width, twice in each restart.
+    view->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     view->installEventFilter(this);
     view->viewport()->installEventFilter(this);
     connect(&m_refresh, &QTimer::timeout, this, &Console::refresh);

@@ -21,7 +21,7 @@ constexpr Type closingLineType = static_cast<Type>(0xFFFFFFFF);
 constexpr std::size_t start = offset::type;
 
 /// Bytes of text that cost about as much as a line.
-constexpr std::size_t bytesPerLine = 256;
+constexpr std::size_t bytesPerLine = 128;
 
 std::size_t textOffset(Type type)
 {
