@@ -80,11 +80,18 @@ void ConsoleDocument::keep(std::string entry)
 {
     const int weight = consoleEntry::weight(entry);
     m_waiting.push_back({std::move(entry), weight, 0});
-    if (m_waiting.size() <= liveEntries)
-        return;
+    m_waitingWeight += weight;
+    // What could never be shown only takes memory.
+    while (m_waiting.size() > liveEntries || (m_waitingWeight > liveWeight && m_waiting.size() > 1))
+        skipOldest();
+}
+
+void ConsoleDocument::skipOldest()
+{
     if (!m_waitingOutline)
         m_waitingOutline = outlineAt(m_entries.size());
     m_waitingOutline->pass(m_waiting.front().bytes);
+    m_waitingWeight -= m_waiting.front().weight;
     m_waiting.pop_front();
     ++m_skipped;
 }
@@ -101,6 +108,7 @@ void ConsoleDocument::appendWaiting(int weight)
 
 void ConsoleDocument::takeFromWaiting()
 {
+    m_waitingWeight -= m_waiting.front().weight;
     m_entries.push_back(std::move(m_waiting.front()));
     m_waiting.pop_front();
 }

@@ -80,6 +80,7 @@ private:
     using Entries = std::deque<Entry>;
 
     void write(Entry& entry, ConsoleWriter& writer);
+    void skipOldest();
     void takeFromWaiting();
     void takeAllWaiting();
     void forgetOldest();
@@ -103,6 +104,7 @@ private:
     consoleEntry::Outline m_outline; ///< Where the first of m_entries begins.
     std::uint64_t m_forgotten = 0; ///< Entries before the first of m_entries.
     Entries m_waiting;
+    int m_waitingWeight = 0;
     std::uint64_t m_skipped = 0; ///< Entries between m_entries and m_waiting.
     std::optional<consoleEntry::Outline>
         m_waitingOutline; ///< Where the first that waits begins, after a gap.

@@ -97,6 +97,7 @@ private Q_SLOTS:
     void shownIsTheEndOfAll();
     void firstRecordsOfATurnAreShownAtOnce();
     void heavyFrameHoldsNothingUp();
+    void heavyEntriesDoNotPileUp();
     void readerStays();
     void newLayoutMovesNobody();
     void readerStopsFollowing();
@@ -200,6 +201,18 @@ void TestConsole::heavyFrameHoldsNothingUp()
     const int earlier = page.earlier();
     QCOMPARE(comesToRest(), QString());
     QCOMPARE(page.earlier(), earlier);
+}
+
+void TestConsole::heavyEntriesDoNotPileUp()
+{
+    QTextDocument text;
+    ConsoleDocument document(&text);
+    const std::string entry = consoleEntry::pack(records::text(Type::Information, std::string(8000, 'x')));
+    for (int i = 0; i < live; ++i)
+        document.keep(entry);
+    QVERIFY(document.waiting() * entry.size() < 2'000'000);
+    document.restart(1);
+    QCOMPARE(consoleOracle::earlierEntries(text), live - 1);
 }
 
 void TestConsole::readerStays()
