@@ -54,7 +54,7 @@ void play(ClientInterface& page, FuzzedDataProvider& input)
 {
     static constexpr std::array boxes{
         "chkConsoleAutoScroll", "chkErrors", "chkWarnings", "chkErrorListAutoScroll"};
-    switch (input.ConsumeIntegralInRange<int>(0, 5)) {
+    switch (input.ConsumeIntegralInRange<int>(0, 6)) {
     case 0:
         child<QPushButton>(page, "btnClear").click();
         break;
@@ -72,6 +72,9 @@ void play(ClientInterface& page, FuzzedDataProvider& input)
         break;
     case 4:
         page.finish(QStringLiteral("end"));
+        break;
+    case 5:
+        page.resize(input.ConsumeIntegralInRange<int>(200, 900), input.ConsumeIntegralInRange<int>(100, 700));
         break;
     default:
         QCoreApplication::processEvents();
