@@ -1,3 +1,4 @@
+#include "ErrorListDelegate.h"
 #include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
 #include "ErrorListView.h"
@@ -7,10 +8,12 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QGuiApplication>
+#include <QHelpEvent>
 #include <QMenu>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <QToolTip>
 
 using namespace errorList;
 
@@ -60,6 +63,7 @@ private Q_SLOTS:
     void contextMenuWithoutSelection();
     void viewMayGoWhileItsMenuIsOpen();
     void keys();
+    void longTexts();
 };
 
 void TestErrorList::cellsAndHeaders()
@@ -202,6 +206,36 @@ void TestErrorList::keys()
     QTest::keySequence(&view, QKeySequence::Copy);
     QCOMPARE(QGuiApplication::clipboard()->text(),
         QStringLiteral("0\tglEnable\tGL_INVALID_ENUM\tbad cap\n7\t\t\tslow\n\t\t\ttwo\nlines"));
+}
+
+void TestErrorList::longTexts()
+{
+    List list;
+    const QString log = QString(8000, QLatin1Char('i')); // a narrow letter
+    list.model.append(SeverityError, 1, QString(), log, QString());
+    ErrorListView view;
+    view.setModel(&list.proxy);
+    view.resize(900, 200);
+    view.show();
+    const QModelIndex cell = list.proxy.index(3, DescriptionColumn);
+    QCOMPARE(cell.data().toString(), log);
+    QVERIFY2(ErrorListDelegate().displayText(log, QLocale()).size() < 3000, "shaping takes 60 ns a letter");
+
+    QStyleOptionViewItem option;
+    option.initFrom(&view);
+    for (const int width : {150, 3500}) {
+        option.rect = QRect(0, 0, width, 20);
+        const int hint = view.itemDelegate()->sizeHint(option, cell).width();
+        QVERIFY2(hint > width && hint < 3 * width, qPrintable(QString::number(hint)));
+    }
+
+    // Letters without a width would let a text that is cut seem to fit.
+    list.model.append(
+        SeverityError, 2, QString(), QString(8000, QChar(0x200B)) + QLatin1Char('!'), QString());
+    const QRect place = view.visualRect(list.proxy.index(4, DescriptionColumn));
+    QHelpEvent help(QEvent::ToolTip, place.center(), view.viewport()->mapToGlobal(place.center()));
+    QCoreApplication::sendEvent(view.viewport(), &help);
+    QVERIFY(!QToolTip::text().isEmpty());
 }
 
 QTEST_MAIN(TestErrorList)
