@@ -3,6 +3,7 @@
 #include "ErrorList.h"
 #include "ErrorListDelegate.h"
 
+#include <QAbstractButton>
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QFontMetrics>
@@ -45,6 +46,17 @@ void ErrorListView::setModel(QAbstractItemModel* model)
 {
     QTableView::setModel(model);
     setUpColumns();
+}
+
+void ErrorListView::setFollowButton(QAbstractButton* button)
+{
+    connect(button, &QAbstractButton::toggled, this, &ErrorListView::followToggled);
+}
+
+void ErrorListView::followToggled(bool on)
+{
+    if (!on)
+        m_followsLater = false;
 }
 
 void ErrorListView::followEnd()

@@ -4,6 +4,8 @@
 #include <QTableView>
 #include <QTimer>
 
+class QAbstractButton;
+
 /// The table of a client's errors and warnings. Its context menu, a double click and the Return key ask for
 /// the full contents of a cell; Ctrl+C copies the selected cells as lines of tab-separated text.
 class ErrorListView : public QTableView {
@@ -14,6 +16,8 @@ public:
 
     void setModel(QAbstractItemModel* model) override;
 
+    /// The button that is checked as long as the view is to follow its last row.
+    void setFollowButton(QAbstractButton* button);
     /// Scrolls to the last row: at once, or within a short time where that has just been done. While the view
     /// is hidden it waits until it is shown.
     void followEnd();
@@ -29,6 +33,7 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    void followToggled(bool on);
     void requestContents(const QModelIndex& index);
     void copySelection() const;
     void setUpRows();

@@ -54,6 +54,24 @@ struct Page {
     ClientInterface page;
 };
 
+/// A page that shows its error list.
+struct ErrorListPage : Page {
+    ErrorListPage()
+    {
+        child<QTabWidget>("tabWidget").setCurrentIndex(1);
+        page.show();
+    }
+    void fill(int count)
+    {
+        for (int i = 0; i < count; ++i)
+            page.receive(text(Type::Error, "line"));
+    }
+
+    QTableView& list = child<QTableView>("tblErrorList");
+    QScrollBar& bar = *list.verticalScrollBar();
+    QCheckBox& box = child<QCheckBox>("chkErrorListAutoScroll");
+};
+
 } // namespace
 
 class TestClientInterface : public QObject {
@@ -74,6 +92,7 @@ private Q_SLOTS:
     void clearAndFinish();
     void errorListRowsAndFilter();
     void autoScroll();
+    void errorListFollowsTheBoxAtOnce();
     void contexts();
     void cellContents();
     void wireframe();
@@ -315,6 +334,18 @@ void TestClientInterface::autoScroll()
     list.verticalScrollBar()->setSliderDown(true);
     list.verticalScrollBar()->setSliderPosition(0);
     QVERIFY(!page.child<QCheckBox>("chkErrorListAutoScroll").isChecked());
+}
+
+void TestClientInterface::errorListFollowsTheBoxAtOnce()
+{
+    ErrorListPage page;
+    page.fill(50);
+    QTRY_COMPARE(page.bar.value(), page.bar.maximum());
+    page.fill(2); // one to start the pause, one to wait for its end
+    page.box.click();
+    page.bar.setValue(0);
+    QTest::qWait(100);
+    QVERIFY2(page.bar.value() == 0, "the list has jumped to its end with the box off");
 }
 
 void TestClientInterface::contexts()
