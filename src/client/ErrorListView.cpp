@@ -55,8 +55,10 @@ void ErrorListView::setFollowButton(QAbstractButton* button)
 
 void ErrorListView::followToggled(bool on)
 {
-    if (!on)
-        m_followsLater = false;
+    m_followPause.stop();
+    m_followsLater = false;
+    if (on)
+        followEnd();
 }
 
 void ErrorListView::followEnd()

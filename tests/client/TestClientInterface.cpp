@@ -346,6 +346,9 @@ void TestClientInterface::errorListFollowsTheBoxAtOnce()
     page.bar.setValue(0);
     QTest::qWait(100);
     QVERIFY2(page.bar.value() == 0, "the list has jumped to its end with the box off");
+
+    page.box.click();
+    QCOMPARE(page.bar.value(), page.bar.maximum());
 }
 
 void TestClientInterface::contexts()
