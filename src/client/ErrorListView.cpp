@@ -10,7 +10,8 @@
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QMenu>
-#include <QPointer>
+#include <QMouseEvent>
+#include <QScrollBar>
 
 #include <algorithm>
 #include <utility>
@@ -39,6 +40,8 @@ ErrorListView::ErrorListView(QWidget* parent)
         if (std::exchange(m_followsLater, false))
             followEnd();
     });
+    connect(verticalScrollBar(), &QAbstractSlider::actionTriggered, this, &ErrorListView::readerScrolled);
+    connect(verticalHeader(), &QHeaderView::sectionPressed, this, &ErrorListView::stopFollowing);
     connect(this, &QAbstractItemView::doubleClicked, this, &ErrorListView::requestContents);
 }
 
@@ -50,6 +53,7 @@ void ErrorListView::setModel(QAbstractItemModel* model)
 
 void ErrorListView::setFollowButton(QAbstractButton* button)
 {
+    m_followButton = button;
     connect(button, &QAbstractButton::toggled, this, &ErrorListView::followToggled);
 }
 
@@ -59,6 +63,24 @@ void ErrorListView::followToggled(bool on)
     m_followsLater = false;
     if (on)
         followEnd();
+}
+
+void ErrorListView::stopFollowing()
+{
+    if (m_followButton)
+        m_followButton->setChecked(false);
+}
+
+/// Only up: who scrolls down does not leave the end, even where it has just moved on.
+void ErrorListView::readerScrolled()
+{
+    if (verticalScrollBar()->sliderPosition() < verticalScrollBar()->value())
+        stopFollowing();
+}
+
+int ErrorListView::distanceToEnd() const
+{
+    return verticalScrollBar()->maximum() - verticalScrollBar()->value();
 }
 
 void ErrorListView::followEnd()
@@ -142,7 +164,21 @@ void ErrorListView::keyPressEvent(QKeyEvent* event)
         event->accept();
         return;
     }
+    // Rows that are still to be laid out would seem to be the key's doing.
+    executeDelayedItemsLayout();
+    const QModelIndex cell = currentIndex();
+    const int distance = distanceToEnd();
     QTableView::keyPressEvent(event);
+    const bool isLast = !currentIndex().siblingAtRow(currentIndex().row() + 1).isValid();
+    if (distanceToEnd() > distance || (currentIndex() != cell && !isLast))
+        stopFollowing();
+}
+
+void ErrorListView::mousePressEvent(QMouseEvent* event)
+{
+    if (indexAt(event->position().toPoint()).isValid())
+        stopFollowing();
+    QTableView::mousePressEvent(event);
 }
 
 void ErrorListView::copySelection() const

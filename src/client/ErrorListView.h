@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPoint>
+#include <QPointer>
 #include <QTableView>
 #include <QTimer>
 
@@ -16,7 +17,8 @@ public:
 
     void setModel(QAbstractItemModel* model) override;
 
-    /// The button that is checked as long as the view is to follow its last row.
+    /// The button that is checked as long as the view is to follow its last row. A reader who scrolls up, or
+    /// who selects a row, unchecks it.
     void setFollowButton(QAbstractButton* button);
     /// Scrolls to the last row: at once, or within a short time where that has just been done. While the view
     /// is hidden it waits until it is shown.
@@ -30,15 +32,20 @@ Q_SIGNALS:
 protected:
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
     void followToggled(bool on);
+    void stopFollowing();
+    void readerScrolled();
+    int distanceToEnd() const;
     void requestContents(const QModelIndex& index);
     void copySelection() const;
     void setUpRows();
     void setUpColumns();
 
+    QPointer<QAbstractButton> m_followButton;
     QTimer m_followPause;
     bool m_followsLater = false;
 };

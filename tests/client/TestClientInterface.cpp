@@ -8,6 +8,7 @@
 #include <QContextMenuEvent>
 #include <QFontDatabase>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
@@ -16,6 +17,8 @@
 #include <QTextBlock>
 #include <QTextEdit>
 #include <QTextFrame>
+
+#include <functional>
 
 using namespace records;
 
@@ -66,6 +69,7 @@ struct ErrorListPage : Page {
         for (int i = 0; i < count; ++i)
             page.receive(text(Type::Error, "line"));
     }
+    bool isAtEnd() const { return bar.maximum() > 0 && bar.value() == bar.maximum(); }
 
     QTableView& list = child<QTableView>("tblErrorList");
     QScrollBar& bar = *list.verticalScrollBar();
@@ -93,6 +97,8 @@ private Q_SLOTS:
     void errorListRowsAndFilter();
     void autoScroll();
     void errorListFollowsTheBoxAtOnce();
+    void errorListLeavesTheEndToTheReader_data();
+    void errorListLeavesTheEndToTheReader();
     void contexts();
     void cellContents();
     void wireframe();
@@ -340,7 +346,7 @@ void TestClientInterface::errorListFollowsTheBoxAtOnce()
 {
     ErrorListPage page;
     page.fill(50);
-    QTRY_COMPARE(page.bar.value(), page.bar.maximum());
+    QTRY_VERIFY(page.isAtEnd());
     page.fill(2); // one to start the pause, one to wait for its end
     page.box.click();
     page.bar.setValue(0);
@@ -348,7 +354,55 @@ void TestClientInterface::errorListFollowsTheBoxAtOnce()
     QVERIFY2(page.bar.value() == 0, "the list has jumped to its end with the box off");
 
     page.box.click();
-    QCOMPARE(page.bar.value(), page.bar.maximum());
+    QVERIFY(page.isAtEnd());
+}
+
+void TestClientInterface::errorListLeavesTheEndToTheReader_data()
+{
+    using Act = std::function<void(QTableView&)>;
+    QTest::addColumn<Act>("act");
+    QTest::addColumn<bool>("follows");
+    const auto key = [](int code, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        return Act([=](QTableView& list) { QTest::keyClick(&list, Qt::Key(code), modifiers); });
+    };
+    const auto wheel = [](int delta) {
+        return Act([=](QTableView& list) {
+            QWidget* viewport = list.viewport();
+            QWheelEvent event(QPointF(5, 5), viewport->mapToGlobal(QPointF(5, 5)), QPoint(), QPoint(0, delta),
+                Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(viewport, &event);
+        });
+    };
+    const auto click = [](int x, int y) {
+        return Act([=](QTableView& list) {
+            QTest::mouseClick(list.viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(x, y));
+        });
+    };
+    QTest::newRow("wheel up") << wheel(120) << false;
+    QTest::newRow("wheel down to rows still to come") << wheel(-120) << true;
+    QTest::newRow("page up") << key(Qt::Key_PageUp) << false;
+    QTest::newRow("first row") << key(Qt::Key_Home, Qt::ControlModifier) << false;
+    QTest::newRow("row above") << key(Qt::Key_Up) << false;
+    QTest::newRow("last row") << key(Qt::Key_End, Qt::ControlModifier) << true;
+    QTest::newRow("a key that does nothing") << key(Qt::Key_F5) << true;
+    QTest::newRow("a row is selected") << click(20, 30) << false;
+    QTest::newRow("a row's icon is pressed") << Act([](QTableView& list) {
+        QTest::mouseClick(list.verticalHeader()->viewport(), Qt::LeftButton, Qt::NoModifier, QPoint(5, 30));
+    }) << false;
+}
+
+void TestClientInterface::errorListLeavesTheEndToTheReader()
+{
+    QFETCH(const std::function<void(QTableView&)>, act);
+    ErrorListPage page;
+    page.fill(50);
+    QTRY_VERIFY(page.isAtEnd());
+    page.list.setCurrentIndex(page.list.model()->index(49, 0));
+    page.fill(2); // the pause is on, and the list a row behind
+    act(page.list);
+    QTEST(page.box.isChecked(), "follows");
+    if (page.box.isChecked())
+        QTRY_VERIFY(page.isAtEnd());
 }
 
 void TestClientInterface::contexts()
