@@ -10,6 +10,8 @@
 #include <QGuiApplication>
 #include <QHelpEvent>
 #include <QMenu>
+#include <QScrollBar>
+#include <QSet>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
@@ -64,6 +66,7 @@ private Q_SLOTS:
     void viewMayGoWhileItsMenuIsOpen();
     void keys();
     void longTexts();
+    void filterKeepsTheReadersPlace();
 };
 
 void TestErrorList::cellsAndHeaders()
@@ -236,6 +239,58 @@ void TestErrorList::longTexts()
     QHelpEvent help(QEvent::ToolTip, place.center(), view.viewport()->mapToGlobal(place.center()));
     QCoreApplication::sendEvent(view.viewport(), &help);
     QVERIFY(!QToolTip::text().isEmpty());
+}
+
+void TestErrorList::filterKeepsTheReadersPlace()
+{
+    ErrorListModel model{QIcon(), QIcon(), QIcon()};
+    for (int i = 0; i < 3000; ++i)
+        model.append(i % 3 == 0 ? SeverityWarning : SeverityError, i, QString(), QString(), QString());
+    ErrorListFilterProxyModel proxy;
+    proxy.setSourceModel(&model);
+    ErrorListView view;
+    view.setModel(&proxy);
+    view.resize(600, 200);
+    view.show();
+    const auto frames = [](const QModelIndexList& cells) {
+        QSet<int> numbers;
+        for (const QModelIndex& cell : cells)
+            numbers.insert(cell.siblingAtColumn(FrameColumn).data().toInt());
+        return numbers;
+    };
+    const auto topFrame = [&] {
+        return proxy.index(view.rowAt(0), FrameColumn).data().toInt();
+    };
+    view.setCurrentIndex(proxy.index(200, CodeColumn));
+    view.selectionModel()->select(QItemSelection(proxy.index(196, CodeColumn), proxy.index(200, CodeColumn)),
+        QItemSelectionModel::ClearAndSelect);
+    QVERIFY(view.verticalScrollBar()->maximum() > 0);
+    view.verticalScrollBar()->setValue(view.rowHeight(0) * 100 + 5);
+    QCOMPARE(topFrame(), 100);
+    const int offset = view.rowViewportPosition(100);
+
+    proxy.setShowWarnings(false);
+    QCOMPARE(topFrame(), 100);
+    QCOMPARE(view.rowViewportPosition(view.rowAt(0)), offset);
+    QCOMPARE(view.currentIndex().column(), int(CodeColumn));
+    QCOMPARE(frames({view.currentIndex()}), QSet<int>({200}));
+    QCOMPARE(frames(view.selectionModel()->selectedIndexes()), QSet<int>({196, 197, 199, 200}));
+    proxy.setShowWarnings(true);
+    QCOMPARE(topFrame(), 100);
+    QCOMPARE(frames(view.selectionModel()->selectedIndexes()), QSet<int>({196, 197, 199, 200}));
+
+    proxy.setShowErrors(false);
+    QCOMPARE(topFrame(), 99); // the nearest warning
+    QVERIFY(view.selectionModel()->selectedIndexes().isEmpty());
+    QVERIFY(!view.currentIndex().isValid());
+    proxy.setShowWarnings(false); // nothing is left for a while
+    proxy.setShowErrors(true);
+    QCOMPARE(topFrame(), 100);
+
+    // Each range would make each row that arrives dearer.
+    view.selectAll();
+    proxy.setShowWarnings(true);
+    QVERIFY(view.selectionModel()->selection().size() < 1000);
 }
 
 QTEST_MAIN(TestErrorList)
