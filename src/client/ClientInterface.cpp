@@ -65,6 +65,7 @@ void ClientInterface::setUpErrorList()
 {
     m_errorListFilter->setSourceModel(m_errorListModel);
     m_ui->tblErrorList->setModel(m_errorListFilter);
+    m_ui->tblErrorList->setFollowButton(m_ui->chkErrorListAutoScroll);
 }
 
 void ClientInterface::setUpContexts()

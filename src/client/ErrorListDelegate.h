@@ -2,7 +2,7 @@
 
 #include <QStyledItemDelegate>
 
-/// Shows a cell's text on one line, and the whole of it as a tool tip where it does not fit.
+/// Shows as much of a cell's text as one line can, and more of it as a tool tip where it does not fit.
 class ErrorListDelegate : public QStyledItemDelegate {
     Q_OBJECT
 
@@ -12,4 +12,7 @@ public:
     QString displayText(const QVariant& value, const QLocale& locale) const override;
     bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
         const QModelIndex& index) override;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
 };

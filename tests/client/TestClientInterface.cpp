@@ -8,6 +8,7 @@
 #include <QContextMenuEvent>
 #include <QFontDatabase>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
@@ -16,6 +17,10 @@
 #include <QTextBlock>
 #include <QTextEdit>
 #include <QTextFrame>
+
+#include <functional>
+#include <utility>
+#include <vector>
 
 using namespace records;
 
@@ -54,6 +59,25 @@ struct Page {
     ClientInterface page;
 };
 
+/// A page that shows its error list.
+struct ErrorListPage : Page {
+    ErrorListPage()
+    {
+        child<QTabWidget>("tabWidget").setCurrentIndex(1);
+        page.show();
+    }
+    void fill(int count)
+    {
+        for (int i = 0; i < count; ++i)
+            page.receive(text(Type::Error, "line"));
+    }
+    bool isAtEnd() const { return bar.maximum() > 0 && bar.value() == bar.maximum(); }
+
+    QTableView& list = child<QTableView>("tblErrorList");
+    QScrollBar& bar = *list.verticalScrollBar();
+    QCheckBox& box = child<QCheckBox>("chkErrorListAutoScroll");
+};
+
 } // namespace
 
 class TestClientInterface : public QObject {
@@ -74,6 +98,8 @@ private Q_SLOTS:
     void clearAndFinish();
     void errorListRowsAndFilter();
     void autoScroll();
+    void errorListFollowsTheBoxAtOnce();
+    void errorListLeavesTheEndToTheReader();
     void contexts();
     void cellContents();
     void wireframe();
@@ -315,6 +341,57 @@ void TestClientInterface::autoScroll()
     list.verticalScrollBar()->setSliderDown(true);
     list.verticalScrollBar()->setSliderPosition(0);
     QVERIFY(!page.child<QCheckBox>("chkErrorListAutoScroll").isChecked());
+}
+
+void TestClientInterface::errorListFollowsTheBoxAtOnce()
+{
+    ErrorListPage page;
+    page.fill(50);
+    QTRY_VERIFY(page.isAtEnd());
+    page.fill(2); // one to start the pause, one to wait for its end
+    page.box.click();
+    page.bar.setValue(0);
+    QTest::qWait(100);
+    QVERIFY2(page.bar.value() == 0, "the list has jumped to its end with the box off");
+
+    page.box.click();
+    QVERIFY(page.isAtEnd());
+}
+
+void TestClientInterface::errorListLeavesTheEndToTheReader()
+{
+    ErrorListPage page;
+    QWidget* rows = page.list.viewport();
+    const auto key = [&](Qt::Key code, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        return [=, &page] {
+            QTest::keyClick(&page.list, code, modifiers);
+        };
+    };
+    const auto wheel = [&](int delta) {
+        return [=] {
+            QWheelEvent event(QPointF(5, 5), rows->mapToGlobal(QPointF(5, 5)), QPoint(), QPoint(0, delta),
+                Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+            QCoreApplication::sendEvent(rows, &event);
+        };
+    };
+    const auto press = [](QWidget* on) {
+        return [=] {
+            QTest::mouseClick(on, Qt::LeftButton, Qt::NoModifier, QPoint(5, 30));
+        };
+    };
+    const std::vector<std::pair<std::function<void()>, bool>> acts = {{wheel(120), false},
+        {wheel(-120), true}, {key(Qt::Key_PageUp), false}, {key(Qt::Key_Home, Qt::ControlModifier), false},
+        {key(Qt::Key_Up), false}, {key(Qt::Key_End, Qt::ControlModifier), true}, {key(Qt::Key_F5), true},
+        {press(rows), false}, {press(page.list.verticalHeader()->viewport()), false}};
+    page.fill(50);
+    for (std::size_t i = 0; i < acts.size(); ++i) {
+        page.box.setChecked(true);
+        QTRY_VERIFY(page.isAtEnd());
+        page.list.setCurrentIndex(page.list.model()->index(page.list.model()->rowCount() - 1, 0));
+        page.fill(2); // the pause is on, and the list a row behind
+        acts[i].first();
+        QVERIFY2(page.box.isChecked() == acts[i].second, qPrintable(QString::number(i)));
+    }
 }
 
 void TestClientInterface::contexts()

@@ -1,3 +1,4 @@
+#include "ErrorListDelegate.h"
 #include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
 #include "ErrorListView.h"
@@ -7,10 +8,13 @@
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QGuiApplication>
+#include <QHelpEvent>
 #include <QMenu>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <QToolTip>
 
 using namespace errorList;
 
@@ -60,6 +64,8 @@ private Q_SLOTS:
     void contextMenuWithoutSelection();
     void viewMayGoWhileItsMenuIsOpen();
     void keys();
+    void longTexts();
+    void filterKeepsTheReadersPlace();
 };
 
 void TestErrorList::cellsAndHeaders()
@@ -202,6 +208,79 @@ void TestErrorList::keys()
     QTest::keySequence(&view, QKeySequence::Copy);
     QCOMPARE(QGuiApplication::clipboard()->text(),
         QStringLiteral("0\tglEnable\tGL_INVALID_ENUM\tbad cap\n7\t\t\tslow\n\t\t\ttwo\nlines"));
+}
+
+void TestErrorList::longTexts()
+{
+    List list;
+    const QString log = QString(8000, QLatin1Char('i')); // a narrow letter
+    list.model.append(SeverityError, 1, QString(), log, QString());
+    ErrorListView view;
+    view.setModel(&list.proxy);
+    view.resize(900, 200);
+    view.show();
+    const QModelIndex cell = list.proxy.index(3, DescriptionColumn);
+    QCOMPARE(cell.data().toString(), log);
+    QVERIFY2(ErrorListDelegate().displayText(log, QLocale()).size() < 3000, "shaping takes 60 ns a letter");
+
+    QStyleOptionViewItem option;
+    option.initFrom(&view);
+    for (const int width : {150, 3500}) {
+        option.rect = QRect(0, 0, width, 20);
+        const int hint = view.itemDelegate()->sizeHint(option, cell).width();
+        QVERIFY2(hint > width && hint < 3 * width, qPrintable(QString::number(hint)));
+    }
+
+    // Letters without a width would let a text that is cut seem to fit.
+    list.model.append(
+        SeverityError, 2, QString(), QString(8000, QChar(0x200B)) + QLatin1Char('!'), QString());
+    const QRect place = view.visualRect(list.proxy.index(4, DescriptionColumn));
+    QHelpEvent help(QEvent::ToolTip, place.center(), view.viewport()->mapToGlobal(place.center()));
+    QCoreApplication::sendEvent(view.viewport(), &help);
+    QVERIFY(!QToolTip::text().isEmpty());
+}
+
+void TestErrorList::filterKeepsTheReadersPlace()
+{
+    ErrorListModel model{QIcon(), QIcon(), QIcon()};
+    for (int i = 0; i < 3000; ++i)
+        model.append(i % 3 == 0 ? SeverityWarning : SeverityError, i, QString(), QString(), QString());
+    ErrorListFilterProxyModel proxy;
+    proxy.setSourceModel(&model);
+    ErrorListView view;
+    view.setModel(&proxy);
+    view.resize(600, 200);
+    view.show();
+    const QItemSelectionModel& selection = *view.selectionModel();
+    /// The frames at the top, of the current cell and of those that are selected.
+    const auto place = [&] {
+        QStringList frames;
+        const QModelIndexList selected = selection.selectedIndexes();
+        for (const QModelIndex& cell :
+            QModelIndexList{view.indexAt(QPoint(1, 0)), view.currentIndex()} + selected)
+            frames.append(cell.siblingAtColumn(FrameColumn).data().toString());
+        return frames.join(QLatin1Char(' '));
+    };
+    view.selectionModel()->select(QItemSelection(proxy.index(196, CodeColumn), proxy.index(200, CodeColumn)),
+        QItemSelectionModel::ClearAndSelect);
+    view.selectionModel()->setCurrentIndex(proxy.index(200, CodeColumn), QItemSelectionModel::NoUpdate);
+    view.verticalScrollBar()->setValue(view.rowHeight(0) * 100 + 5);
+
+    proxy.setShowWarnings(false);
+    QCOMPARE(place(), QStringLiteral("100 200 196 197 199 200"));
+    QCOMPARE(view.rowViewportPosition(view.rowAt(0)), -5);
+    proxy.setShowWarnings(true);
+    QCOMPARE(place(), QStringLiteral("100 200 196 197 199 200"));
+    proxy.setShowErrors(false);
+    QCOMPARE(place(), QStringLiteral("99 ")); // the nearest warning
+    proxy.setShowWarnings(false);
+    proxy.setShowErrors(true);
+    QCOMPARE(place(), QStringLiteral("100 "));
+
+    // Each range makes each row that arrives dearer.
+    view.selectAll();
+    proxy.setShowWarnings(true);
+    QVERIFY(selection.selection().size() < 1000);
 }
 
 QTEST_MAIN(TestErrorList)
