@@ -142,11 +142,11 @@ template <typename Test> int runOnProgram(int argc, char** argv)
     const QTemporaryDir folder;
     setenv("CORVALE_PROFILE_PATH", folder.path().toLocal8Bit().constData(), 1);
     Controller controller(argc, argv);
-    MainWindow* window = nullptr;
     for (QWidget* widget : QApplication::topLevelWidgets()) {
-        if (auto* found = qobject_cast<MainWindow*>(widget))
-            window = found;
+        if (auto* window = qobject_cast<MainWindow*>(widget)) {
+            Test test(controller, *window, folder.path());
+            return QTest::qExec(&test, argc, argv);
+        }
     }
-    Test test(controller, *window, folder.path());
-    return QTest::qExec(&test, argc, argv);
+    return EXIT_FAILURE;
 }
