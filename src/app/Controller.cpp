@@ -147,11 +147,10 @@ std::string Controller::directoryForSaving()
         return set;
     PlainMessageBox box(QMessageBox::Question, QStringLiteral("Corvale GUI"),
         tr("No folder for profiles is chosen yet."),
-        tr("Choose the folder in which your profiles are kept. The preferences show it, and it can be "
-           "changed "
-           "there."),
+        tr("Choose the folder in which your profiles are kept. \"Edit > Preferences...\" changes it later."),
         &m_mainWindow, QMessageBox::Cancel);
-    const QAbstractButton* const choose = box.addButton(tr("Choose..."), QMessageBox::AcceptRole);
+    QPushButton* const choose = box.addButton(tr("&Choose..."), QMessageBox::AcceptRole);
+    box.setDefaultButton(choose);
     box.exec();
     if (box.clickedButton() != choose)
         return {};

@@ -117,6 +117,8 @@ void ClientInterface::makeConnections()
     connect(m_saver, &ConsoleSaver::busyChanged, m_ui->btnSaveConsole, &QPushButton::setDisabled);
     connect(
         m_ui->txtConsole, &QTextEdit::customContextMenuRequested, this, &ClientInterface::showConsoleMenu);
+    // The button is disabled while it saves. By itself the focus would go on to "Clear".
+    connect(m_ui->btnSaveConsole, &QPushButton::clicked, m_ui->txtConsole, qOverload<>(&QWidget::setFocus));
     connect(m_ui->chkWireframe, SIGNAL(stateChanged(int)), SLOT(wireframeStateChanged(int)));
     connect(
         m_ui->txtConsole->verticalScrollBar(), SIGNAL(sliderMoved(int)), SLOT(uncheckConsoleAutoScroll()));

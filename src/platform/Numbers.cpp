@@ -45,6 +45,11 @@ std::optional<std::int64_t> parseInteger(std::string_view text)
     return parseWhole<std::int64_t>(text);
 }
 
+std::optional<std::int32_t> parseInt32(std::string_view text)
+{
+    return parseWhole<std::int32_t>(text);
+}
+
 std::optional<double> parseReal(std::string_view text)
 {
     const std::optional<double> value = parseWhole<double>(text);

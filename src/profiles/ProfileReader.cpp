@@ -7,7 +7,6 @@
 #include "XmlGuard.h"
 
 #include <algorithm>
-#include <limits>
 #include <optional>
 
 using propertylist::textOf;
@@ -48,10 +47,7 @@ std::string textOfChild(const XMLElement& parent, const char* name)
 std::optional<int> number(const XMLElement& element, const char* attribute)
 {
     const char* const text = element.Attribute(attribute);
-    const std::optional<std::int64_t> value = text ? platform::parseInteger(text) : std::nullopt;
-    if (!value || *value < std::numeric_limits<int>::min() || *value > std::numeric_limits<int>::max())
-        return std::nullopt;
-    return static_cast<int>(*value);
+    return text ? platform::parseInt32(text) : std::nullopt;
 }
 
 ProfileNode readNode(const XMLElement& element)

@@ -7,7 +7,6 @@
 #include <QApplication>
 #include <QCoreApplication>
 #include <QInputDialog>
-#include <QLineEdit>
 #include <QPushButton>
 
 #include <filesystem>
@@ -46,11 +45,26 @@ bool mayReplace(const std::filesystem::path& path, QWidget* parent)
         return true;
     PlainMessageBox box(QMessageBox::Warning, tr("Choose a file name"),
         tr("There is a file '%1' already.").arg(QString::fromStdString(path.filename().string())),
-        tr("Replacing it drops the profile that is in it."), owner(parent), QMessageBox::Cancel);
-    const QAbstractButton* const replace = box.addButton(tr("Replace"), QMessageBox::DestructiveRole);
+        tr("Replacing it drops the profile that is in it. Cancel to enter another name."), owner(parent),
+        QMessageBox::Cancel);
+    const QAbstractButton* const replace = box.addButton(tr("&Replace"), QMessageBox::DestructiveRole);
     box.setDefaultButton(QMessageBox::Cancel);
     box.exec();
     return box.clickedButton() == replace;
+}
+
+/// The name that the user settles on; empty when they cancelled.
+QString enteredName(const QString& suggested, QWidget* parent)
+{
+    QInputDialog dialog(parent);
+    dialog.setWindowTitle(tr("Choose a file name"));
+    dialog.setLabelText(tr("File name:"));
+    dialog.setTextValue(suggested);
+    dialog.setOkButtonText(tr("&Save"));
+    // By itself it would be too narrow for most names, and for its title.
+    constexpr int characters = 50;
+    dialog.resize(dialog.fontMetrics().averageCharWidth() * characters, dialog.sizeHint().height());
+    return dialog.exec() == QDialog::Accepted ? dialog.textValue() : QString();
 }
 
 /// Asks again while the user does not want to replace the file of that name. Empty when they cancelled or
@@ -59,8 +73,7 @@ std::string askForFileName(const ProfileData& profile, const std::string& direct
 {
     QString name = suggestedName(profile);
     do {
-        name = QInputDialog::getText(
-            owner(parent), tr("Choose a file name"), tr("File name:"), QLineEdit::Normal, name);
+        name = enteredName(name, owner(parent));
     } while (!name.isEmpty() && !directory.empty()
         && !mayReplace(profilefile::pathFor(directory, name.toStdString()), parent));
     return name.toStdString();

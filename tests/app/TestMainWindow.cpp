@@ -1,111 +1,23 @@
 #include "AboutBox.h"
-#include "Client.h"
 #include "ClientInterface.h"
-#include "ClientTabWidget.h"
 #include "Console.h"
 #include "ConsoleSaver.h"
 #include "DialogAnswers.h"
 #include "FeedbackDialog.h"
-#include "MainWindow.h"
 #include "MetaObjects.h"
-#include "PlistPreferences.h"
-#include "PreferenceKeys.h"
-#include "ProfileCatalogue.h"
-#include "ProfileChooser.h"
-#include "ProfileMetaTypes.h"
-#include "RawClient.h"
-#include "RecentFilesMenu.h"
 #include "Resources.h"
+#include "Session.h"
 
-#include <QCheckBox>
-#include <QComboBox>
 #include <QFileDialog>
 #include <QFontComboBox>
-#include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QStatusBar>
-#include <QTest>
-#include <QTextEdit>
-#include <QTimer>
 
 #include <thread>
 
 using namespace records;
-
-namespace {
-
-/// A window and the applications that are connected to it, through its real socket.
-class Session {
-public:
-    Session()
-        : preferences("Corvale", TSRPreferencesImpl::perUser)
-        , window(nullptr, loaded(preferences))
-    {
-        window.resize(900, 600);
-    }
-    static PlistPreferences& loaded(PlistPreferences& store)
-    {
-        std::string error;
-        store.load(error, true);
-        return store;
-    }
-
-    /// Connects one more application and waits for its tab.
-    RawClient& connectApplication()
-    {
-        const int before = clientCount();
-        applications.push_back(std::make_unique<RawClient>(QStringLiteral("Corvale")));
-        [this, before] {
-            QTRY_COMPARE(clientCount(), before + 1);
-        }();
-        return *applications.back();
-    }
-    int clientCount() const { return static_cast<int>(window.findChildren<Client*>().size()); }
-    ClientTabWidget& tabs() const
-    {
-        return *window.findChild<ClientTabWidget*>(QStringLiteral("clienttabs"));
-    }
-    QStringList titles() const
-    {
-        QStringList titles;
-        for (int i = 0; i < tabs().count(); ++i)
-            titles.append(tabs().tabText(i));
-        return titles;
-    }
-    QString console(int index) const
-    {
-        return tabs().widget(index)->findChild<QTextEdit*>(QStringLiteral("txtConsole"))->toPlainText();
-    }
-    QString status(const char* label) const
-    {
-        return window.findChild<QLabel*>(QString::fromLatin1(label))->text();
-    }
-    QCheckBox& autoClose() const { return *window.findChild<QCheckBox*>(QStringLiteral("chkAutoClose")); }
-    QWidget* closeButton(int index) const
-    {
-        for (const auto side : {QTabBar::LeftSide, QTabBar::RightSide}) {
-            if (QWidget* button = tabs().tabBar()->tabButton(index, side))
-                return button;
-        }
-        return nullptr;
-    }
-
-    PlistPreferences preferences;
-    MainWindow window;
-    std::vector<std::unique_ptr<RawClient>> applications;
-};
-
-void writeFile(const QString& path, const QByteArray& content)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
-}
-
-} // namespace
 
 class TestMainWindow : public QObject {
     Q_OBJECT
@@ -130,12 +42,6 @@ private Q_SLOTS:
     void destructionDuringAFlood();
     void statusCounts();
     void systemReport();
-    void consoleFont();
-    void unreadablePreferencesAreKept_data();
-    void unreadablePreferencesAreKept();
-    void profileChooser();
-    void reloadDisturbsNobody();
-    void recentProfiles();
     void fatalErrorClosesTheWindow();
 };
 
@@ -387,203 +293,20 @@ void TestMainWindow::systemReport()
     QVERIFY(feedback.findChild<QPlainTextEdit*>()->toPlainText().endsWith(viewer.toPlainText()));
 }
 
-void TestMainWindow::consoleFont()
-{
-    Session session;
-    session.connectApplication();
-    auto& combo = *session.window.findChild<QFontComboBox*>(QStringLiteral("cmbFont"));
-    const auto consoleFamily = [&session](int index) {
-        return session.tabs()
-            .widget(index)
-            ->findChild<QTextEdit*>(QStringLiteral("txtConsole"))
-            ->font()
-            .family();
-    };
-    QCOMPARE(consoleFamily(0), combo.currentFont().family());
-    const QString other = combo.itemText(combo.currentIndex() == 0 ? 1 : 0);
-    combo.setCurrentFont(QFont(other));
-    QCOMPARE(consoleFamily(0), other);
-    session.connectApplication();
-    QCOMPARE(consoleFamily(1), other);
-
-    const Session next;
-    QCOMPARE(next.window.findChild<QFontComboBox*>(QStringLiteral("cmbFont"))->currentFont().family(), other);
-}
-
-void TestMainWindow::unreadablePreferencesAreKept_data()
-{
-    QTest::addColumn<bool>("chooseProfile");
-    QTest::newRow("the font is saved first") << false;
-    QTest::newRow("the profile is saved first") << true;
-}
-
-void TestMainWindow::unreadablePreferencesAreKept()
-{
-    QFETCH(const bool, chooseProfile);
-    QFile file(qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/Brindlewood/Corvale.plist"));
-    QVERIFY(QDir().mkpath(QFileInfo(file).path()));
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write("my notes, no property list");
-    file.close();
-    Session session;
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), QByteArray("my notes, no property list"));
-    ProfileCatalogue catalogue(session.preferences);
-    session.window.setCatalogue(catalogue);
-    auto& combo =
-        *session.window.findChild<QComboBox*>(QLatin1String(chooseProfile ? "cmbProfile" : "cmbFont"));
-    combo.setCurrentIndex(combo.currentIndex() == 0 ? 1 : 0);
-    const QString message = session.window.statusBar()->currentMessage();
-    QVERIFY2(message.contains(QStringLiteral("Corvale.plist.corrupt")), qPrintable(message));
-    QFile copy(file.fileName() + QStringLiteral(".corrupt"));
-    QVERIFY(copy.open(QIODevice::ReadOnly));
-    QCOMPARE(copy.readAll(), QByteArray("my notes, no property list"));
-}
-
-void TestMainWindow::profileChooser()
-{
-    const QTemporaryDir folder;
-    const auto write = [&folder](const char* name, const QByteArray& content) {
-        writeFile(folder.filePath(QString::fromLatin1(name)), content);
-    };
-    write("b.xml", "<profile><device>Board</device></profile>");
-    write("a.xml", "<profile><device>Board</device></profile>");
-    write("broken.xml", "<profile>");
-    qputenv("CORVALE_PROFILE_PATH", QFile::encodeName(folder.path()));
-
-    Session session;
-    ProfileCatalogue catalogue(session.preferences);
-    session.window.setCatalogue(catalogue);
-    auto& box = *session.window.findChild<QComboBox*>(QStringLiteral("cmbProfile"));
-    QStringList texts;
-    for (int i = 0; i < box.count(); ++i)
-        texts.append(box.itemText(i));
-    const auto builtins = static_cast<qsizetype>(catalogue.builtinProfiles().size());
-    QCOMPARE(texts.first(), QStringLiteral("Host"));
-    QCOMPARE(texts.mid(builtins + 1), QStringList({"Board (a.xml)", "Board (b.xml)"}));
-    QCOMPARE(box.currentIndex(), 0);
-    QCOMPARE(box.itemData(1).value<WeakProfile>().lock(), catalogue.builtinProfiles().front());
-    const QString skipped = session.status("lblSkippedProfiles");
-    QVERIFY2(skipped.startsWith(QStringLiteral("Skipped profile broken.xml: ")), qPrintable(skipped));
-
-    const auto stored = [] {
-        PlistPreferences onDisk("Corvale", TSRPreferencesImpl::perUser);
-        std::string key = "nothing";
-        Session::loaded(onDisk).getString(
-            preferencekeys::prefixed(preferencekeys::currentProfile), &key, nullptr, false);
-        return QString::fromStdString(key);
-    };
-    QCOMPARE(stored(), QStringLiteral("nothing"));
-    box.setCurrentIndex(1);
-    QCOMPARE(stored(), texts.at(1));
-    box.setCurrentIndex(box.count() - 1);
-    QCOMPARE(stored(), QStringLiteral("b.xml"));
-    session.window.setCatalogue(catalogue);
-    QCOMPARE(box.currentText(), QStringLiteral("Board (b.xml)"));
-    box.setCurrentIndex(0);
-    QCOMPARE(stored(), QString());
-}
-
-void TestMainWindow::reloadDisturbsNobody()
-{
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("a.xml"));
-    writeFile(path, "<profile><device>A</device></profile>");
-    qputenv("CORVALE_PROFILE_PATH", QFile::encodeName(folder.path()));
-    Session session;
-    ProfileCatalogue catalogue(session.preferences);
-    session.window.setCatalogue(catalogue);
-    auto& box = *session.window.findChild<QComboBox*>(QStringLiteral("cmbProfile"));
-    auto& chooser = *session.window.findChild<ProfileChooser*>();
-    QStringList announced;
-    connect(&chooser, &ProfileChooser::chosenChanged, this, [&](const WeakProfile& profile) {
-        announced.append(profile.expired() ? QString() : QString::fromStdString(profile.lock()->key()));
-    });
-    box.setCurrentIndex(box.count() - 1);
-    QCOMPARE(announced, QStringList("a.xml"));
-    const WeakProfile before = chooser.chosen();
-    writeFile(folder.filePath(QStringLiteral("0.xml")), "<profile><device>0</device></profile>");
-    session.window.reloadProfiles();
-    QCOMPARE(chooser.chosen(), before.lock());
-    QCOMPARE(announced.size(), 1);
-
-    // A profile without a file has no key to be found by.
-    const WeakProfile unsaved = catalogue.newProfile();
-    session.window.setCatalogue(catalogue);
-    chooser.choose(unsaved.lock());
-    session.window.reloadProfiles();
-    QCOMPARE(chooser.chosen(), unsaved.lock());
-    QCOMPARE(announced, QStringList({"a.xml", ""}));
-
-    chooser.choose(before.lock());
-    writeFile(path, "<profile><device>B</device></profile>");
-    session.window.reloadProfiles();
-    QVERIFY(before.expired());
-    QCOMPARE(box.currentText(), QStringLiteral("B (a.xml)"));
-    QVERIFY(QFile::remove(path));
-    session.window.reloadProfiles();
-    QCOMPARE(box.currentText(), QStringLiteral("Host"));
-    QCOMPARE(announced, QStringList({"a.xml", "", "a.xml", "a.xml", ""}));
-}
-
-void TestMainWindow::recentProfiles()
-{
-    const QTemporaryDir folder;
-    const QTemporaryDir elsewhere;
-    for (const QString& path :
-        {folder.filePath("a.xml"), elsewhere.filePath("a.xml"), elsewhere.filePath("gone.xml")})
-        writeFile(path, "<profile><device>A</device></profile>");
-    writeFile(elsewhere.filePath("broken.xml"), "<profile>");
-    qputenv("CORVALE_PROFILE_PATH", QFile::encodeName(folder.path()));
-    Session session;
-    ProfileCatalogue catalogue(session.preferences);
-    session.window.setCatalogue(catalogue);
-    auto& menu = *session.window.findChild<RecentFilesMenu*>();
-    const QStringList added{elsewhere.filePath("broken.xml"), elsewhere.filePath("gone.xml"),
-        elsewhere.filePath("a.xml"), folder.filePath("a.xml")};
-    session.window.preferencesEdited(added, false);
-    const auto choose = [&menu](int index) {
-        Q_EMIT menu.aboutToShow();
-        menu.actions().at(index)->trigger();
-    };
-    const auto& box = *session.window.findChild<QComboBox*>(QStringLiteral("cmbProfile"));
-    choose(0);
-    QCOMPARE(box.currentText(), QStringLiteral("A (a.xml)"));
-
-    DialogAnswers answers;
-    answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("Cancel"));
-    choose(1);
-    QCOMPARE(box.count(), 2 + static_cast<int>(catalogue.builtinProfiles().size()));
-    answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("Copy and Choose"));
-    choose(1);
-    QCOMPARE(box.currentText(), QStringLiteral("A (a (2).xml)"));
-
-    QVERIFY(QFile::remove(elsewhere.filePath("gone.xml")));
-    answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("OK"));
-    choose(3);
-    answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("OK"));
-    choose(3);
-    QCOMPARE(answers.problems(), QStringList());
-    QCOMPARE(menu.files(),
-        QStringList({folder.filePath("a (2).xml"), folder.filePath("a.xml"), elsewhere.filePath("a.xml"),
-            elsewhere.filePath("broken.xml")}));
-    QCOMPARE(box.currentText(), QStringLiteral("A (a (2).xml)"));
-}
-
 void TestMainWindow::fatalErrorClosesTheWindow()
 {
     Session session;
     session.window.show();
-    QTimer::singleShot(0, &session.window, [] {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        QVERIFY(box != nullptr);
-        QCOMPARE(box->icon(), QMessageBox::Critical);
-        QCOMPARE(box->windowTitle(), QStringLiteral("Fatal error"));
-        QCOMPARE(box->text(),
-            QStringLiteral("Failed to create a socket. Cannot listen for incoming connections."));
-        box->accept();
+    DialogAnswers answers;
+    answers.next(QStringLiteral("Fatal error"), [](QWidget& widget) {
+        auto& box = static_cast<QMessageBox&>(widget);
+        QCOMPARE(box.icon(), QMessageBox::Critical);
+        QCOMPARE(
+            box.text(), QStringLiteral("Failed to create a socket. Cannot listen for incoming connections."));
+        box.accept();
     });
     QVERIFY(QMetaObject::invokeMethod(&session.window, "fatalError", Q_ARG(Error, Error::SocketNotCreated)));
+    QCOMPARE(answers.problems(), QStringList());
     QVERIFY(!session.window.isVisible());
 }
 

@@ -399,6 +399,8 @@ void TestConsole::savesWhatWasTrimmed()
     page.page.findChild<QPushButton*>(QStringLiteral("btnClear"))->click();
     page.receive({text(Type::Information, "after")}, 1);
     QCOMPARE(saved(QStringLiteral("console.txt")), QStringLiteral("after\n"));
+    page.page.findChild<QPushButton*>(QStringLiteral("btnSaveConsole"))->click();
+    QVERIFY2(qobject_cast<QTextEdit*>(page.page.focusWidget()), "and not \"Clear\"");
 }
 
 void TestConsole::closedPageSavesToItsEnd()

@@ -13,11 +13,6 @@ namespace {
 
 constexpr int columns = 2;
 
-bool isNumber(const QVariant& value)
-{
-    return value.userType() == QMetaType::Int;
-}
-
 /// Names of the values that all attributes share become their numbers.
 QVariant attributeValue(const QVariant& value)
 {
@@ -82,14 +77,14 @@ void EGLConfigTreeItem::appendAttribute(
 
 std::optional<int> EGLConfigTreeItem::id() const
 {
-    const QVariant& key = data(KeyColumn);
-    return isNumber(key) ? std::optional(key.toInt()) : std::nullopt;
+    return storedNumber(data(KeyColumn));
 }
 
 std::deque<std::string> EGLConfigTreeItem::path() const
 {
     EGLAttribKey key;
-    if (isNumber(data(KeyColumn)) && findEGLAttribKey(data(KeyColumn).toInt(), &key))
+    const std::optional<int> number = storedNumber(data(KeyColumn));
+    if (number && findEGLAttribKey(*number, &key))
         return key.xmlPath;
     const std::string name = text(KeyColumn);
     const std::size_t slash = name.find('/');
@@ -101,9 +96,9 @@ std::deque<std::string> EGLConfigTreeItem::path() const
 ProfileNode EGLConfigTreeItem::node(const std::string& name) const
 {
     ProfileNode node{name, text(ValueColumn), {}};
-    const QVariant& value = data(ValueColumn);
-    if (!written(ValueColumn) && isNumber(value) && *egl::symbolicName(value.toInt()) != '\0')
-        node.value = egl::symbolicName(value.toInt());
+    const std::optional<int> value = storedNumber(data(ValueColumn));
+    if (!written(ValueColumn) && value && *egl::symbolicName(*value) != '\0')
+        node.value = egl::symbolicName(*value);
     for (int row = 0; row < children().count(); ++row) {
         const auto* part = static_cast<const EGLConfigTreeItem*>(children().at(row));
         node.children.push_back(part->node(part->text(KeyColumn)));
@@ -177,19 +172,19 @@ std::unique_ptr<ProfileTreeItem> EGLConfigTree::makeItem() const
 QString EGLConfigTree::displayText(const ProfileTreeItem& item, int column) const
 {
     const QVariant& stored = item.data(column);
+    const std::optional<int> number = storedNumber(stored);
     if (column == KeyColumn && !item.parent())
-        return isNumber(stored) ? QStringLiteral("Config %1").arg(stored.toInt()) : stored.toString();
+        return number ? QStringLiteral("Config %1").arg(*number) : stored.toString();
     if (column == ValueColumn && !item.parent())
         return item.children().count() > 0 ? QString() : tr("without attributes it is not kept");
-    if (!isNumber(stored))
+    if (!number)
         return stored.toString();
     if (column == ValueColumn) {
-        const char* const name = egl::symbolicName(stored.toInt());
-        return *name == '\0' ? QString::number(stored.toInt()) : QString::fromLatin1(name);
+        const char* const name = egl::symbolicName(*number);
+        return *name == '\0' ? QString::number(*number) : QString::fromLatin1(name);
     }
     EGLAttribKey key;
-    const bool known = findEGLAttribKey(stored.toInt(), &key);
-    return known ? QString::fromStdString(key.displayName.text) : stored.toString();
+    return findEGLAttribKey(*number, &key) ? QString::fromStdString(key.displayName.text) : stored.toString();
 }
 
 QVariant EGLConfigTree::storedValue(const ProfileTreeItem& item, int column, const QVariant& value) const

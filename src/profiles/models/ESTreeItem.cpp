@@ -13,14 +13,14 @@ ESTreeItem::ESTreeItem(int columns, int version)
 
 std::optional<int> ESTreeItem::version() const
 {
-    const QVariant& key = data(KeyColumn);
-    return key.userType() == QMetaType::Int ? std::optional(key.toInt()) : std::nullopt;
+    return storedNumber(data(KeyColumn));
 }
 
 QString ESTreeItem::versionName(const QVariant& version)
 {
     esapi::API api;
-    if (version.userType() == QMetaType::Int && esapi::findAPI(version.toInt(), &api))
+    const std::optional<int> number = storedNumber(version);
+    if (number && esapi::findAPI(*number, &api))
         return QString::fromStdString(api.displayName);
     return version.toString();
 }

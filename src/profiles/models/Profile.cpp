@@ -12,7 +12,7 @@ std::string whyNotWritable(const ProfileTree& tree, const char* what)
 {
     for (int row = 0; row < tree.items().count(); ++row) {
         const ProfileTreeItem& item = *tree.items().at(row);
-        if (item.data(KeyColumn).userType() != QMetaType::Int)
+        if (!storedNumber(item.data(KeyColumn)))
             return QStringLiteral("'%1' is no %2")
                 .arg(item.data(KeyColumn).toString(), QString::fromLatin1(what))
                 .toStdString();

@@ -4,28 +4,15 @@
 #include "ProfileColumns.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace models {
 
-namespace {
-
-bool isInteger(const QVariant& value)
-{
-    return value.userType() == QMetaType::Int;
-}
-
-} // namespace
-
 QVariant numberOrText(const QVariant& value)
 {
-    if (isInteger(value))
+    if (storedNumber(value))
         return value;
-    const std::optional<std::int64_t> number = platform::parseInteger(value.toString().toStdString());
-    using Limits = std::numeric_limits<int>;
-    if (!number || *number < Limits::min() || *number > Limits::max())
-        return value.toString();
-    return static_cast<int>(*number);
+    const std::optional<std::int32_t> number = platform::parseInt32(value.toString().toStdString());
+    return number ? QVariant(*number) : value.toString();
 }
 
 ProfileTree::ProfileTree(int columns, QObject* parent)
@@ -100,7 +87,7 @@ QVariant ProfileTree::data(const QModelIndex& index, int role) const
     if (role == Qt::ToolTipRole) {
         const QString stored = row.data(index.column()).toString();
         const QString shown = displayText(row, index.column());
-        const bool hidden = stored != shown && isInteger(numberOrText(row.data(index.column())));
+        const bool hidden = stored != shown && storedNumber(numberOrText(row.data(index.column())));
         return hidden ? QStringLiteral("%1 = %2").arg(shown, stored.trimmed()) : QVariant();
     }
     return {};

@@ -4,6 +4,11 @@
 
 namespace models {
 
+std::optional<int> storedNumber(const QVariant& value)
+{
+    return value.userType() == QMetaType::Int ? std::optional(value.toInt()) : std::nullopt;
+}
+
 void ProfileTreeItems::insert(int row, std::vector<std::unique_ptr<ProfileTreeItem>> items)
 {
     for (const std::unique_ptr<ProfileTreeItem>& item : items)

@@ -11,6 +11,9 @@ namespace models {
 
 class ProfileTreeItem;
 
+/// The number that a cell holds; nothing for a text, even one with digits.
+std::optional<int> storedNumber(const QVariant& value);
+
 /// Sibling rows; knows nothing of models. Every item is told its row and its parent.
 class ProfileTreeItems {
 public:

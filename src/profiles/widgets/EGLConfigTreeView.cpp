@@ -3,6 +3,7 @@
 #include "EGLConfigTreeItemDelegate.h"
 #include "KeyTables.h"
 #include "NewRowValues.h"
+#include "UnusedKeys.h"
 #include "models/EGLConfigTree.h"
 #include "models/ProfileColumns.h"
 
@@ -22,14 +23,10 @@ EGLConfigTreeView::EGLConfigTreeView(QWidget* parent)
 
 std::set<std::int32_t> EGLConfigTreeView::unusedAttribs(models::ProfileTreeItem* config)
 {
-    std::set<std::int32_t> unused;
-    visitEGLAttribKeys([&unused](const EGLAttribKey& key) { unused.insert(key.value); });
-    for (int row = 0; row < config->children().count(); ++row) {
-        const QVariant& used = config->children().at(row)->data(models::KeyColumn);
-        if (used.userType() == QMetaType::Int)
-            unused.erase(used.toInt());
-    }
-    return unused;
+    QSet<QString> used;
+    for (int row = 0; row < config->children().count(); ++row)
+        used += config->children().at(row)->data(models::KeyColumn).toString();
+    return widgets::unusedAttribs(used);
 }
 
 void EGLConfigTreeView::onContextMenuRequested(const QPoint& pos)

@@ -38,6 +38,8 @@ Profile::Profile(ProfileController* controller, QWidget* parent)
         {m_ui->lblRenderer, m_ui->editRenderer, &ProfileData::renderer, &ProfileData::setRenderer, {}},
         {m_ui->lblVendor, m_ui->editVendor, &ProfileData::vendor, &ProfileData::setVendor, {}},
     }};
+    for (const Field& field : m_fields)
+        field.edit->installEventFilter(this);
     setUpViews();
     retranslateUi();
     if (parent)
@@ -81,6 +83,15 @@ void Profile::retranslateUi()
     for (QPushButton* button : {m_ui->btnEdit, m_ui->btnSave, m_ui->btnSaveAs, m_ui->btnDiscard})
         button->setToolTip(QStringLiteral("%1 (%2)").arg(
             button->toolTip(), button->shortcut().toString(QKeySequence::NativeText)));
+}
+
+bool Profile::eventFilter(QObject* watched, QEvent* event)
+{
+    // To move its cursor, a line takes keys that belong to buttons, such as Ctrl+E, also when it is
+    // read-only.
+    const auto* edit = qobject_cast<const QLineEdit*>(watched);
+    const bool isTaken = edit && edit->isReadOnly() && event->type() == QEvent::ShortcutOverride;
+    return isTaken || QWidget::eventFilter(watched, event);
 }
 
 std::array<ProfileTreeView*, 3> Profile::views() const
@@ -296,9 +307,10 @@ bool Profile::mayReplaceFile(const ProfileDataWrapper& profile, const std::strin
            "another "
            "profile.")
             .arg(fromUtf8(name)),
-        tr("Replacing it drops what is in it. \"Save As...\" saves your changes beside it."), window(),
-        QMessageBox::Cancel);
-    const QAbstractButton* const replace = box.addButton(tr("Replace"), QMessageBox::DestructiveRole);
+        tr("Replacing it drops what is in it. To keep both, cancel and save your changes with \"Save "
+           "As...\"."),
+        window(), QMessageBox::Cancel);
+    const QAbstractButton* const replace = box.addButton(tr("&Replace"), QMessageBox::DestructiveRole);
     box.setDefaultButton(QMessageBox::Cancel);
     box.exec();
     return box.clickedButton() == replace;

@@ -72,6 +72,9 @@ public Q_SLOTS:
     void savePressed();
     void saveAsPressed();
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     enum class Mode : std::uint32_t { Modifying = 0, Viewing = 1 };
     using Pointer = ProfileController::Pointer;

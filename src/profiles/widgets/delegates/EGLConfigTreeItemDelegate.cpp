@@ -56,10 +56,8 @@ QVariant parsedValue(const std::string& text, const EGLAttribKey& key)
 {
     if (const std::optional<std::int32_t> symbol = egl::symbolicValue(text))
         return *symbol;
-    const std::optional<std::int64_t> number = platform::parseInteger(text);
-    if (number && *number >= std::numeric_limits<std::int32_t>::min()
-        && *number <= std::numeric_limits<std::int32_t>::max())
-        return static_cast<int>(*number);
+    if (const std::optional<std::int32_t> number = platform::parseInt32(text))
+        return *number;
     if (!key.single && text.ends_with("_BIT") && egl::enumerantValue(text))
         return QString::fromStdString(text);
     return {};
@@ -82,7 +80,7 @@ QWidget* EGLConfigTreeItemDelegate::makeEditor(QWidget* parent, const QModelInde
         return new EGLConfigIDSelector(parent, index.data(Qt::EditRole).toInt());
     if (level > 1)
         return nullptr;
-    const std::set<std::int32_t> unused = unusedAttribs(index.parent());
+    const std::set<std::int32_t> unused = unusedAttribs(keysBelow(index.model(), index.parent()));
     return new EGLAttribSelector(parent, {unused.begin(), unused.end()}, storedText(index));
 }
 

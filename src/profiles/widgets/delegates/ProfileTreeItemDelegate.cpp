@@ -8,6 +8,7 @@
 #include <QItemEditorFactory>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QSignalBlocker>
 #include <QToolTip>
 
 #include <algorithm>
@@ -165,6 +166,9 @@ QWidget* ProfileTreeItemDelegate::makeLine(QWidget* parent, const QModelIndex& i
     if (auto* line = qobject_cast<QLineEdit*>(editor)) {
         // The usual limit would cut off a long text.
         line->setMaxLength(std::numeric_limits<int>::max());
+        // It would take the width that it has now for its least, and shrink to that when something is
+        // entered.
+        const QSignalBlocker blocker(line);
         line->setText(storedText(index));
     }
     return editor;

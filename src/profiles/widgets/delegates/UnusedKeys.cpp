@@ -3,13 +3,9 @@
 #include "ExtensionCatalogue.h"
 #include "ProfileColumns.h"
 
-#include <QSet>
-
 #include <algorithm>
 
 namespace widgets {
-
-namespace {
 
 QSet<QString> keysBelow(const QAbstractItemModel* model, const QModelIndex& parent)
 {
@@ -19,11 +15,8 @@ QSet<QString> keysBelow(const QAbstractItemModel* model, const QModelIndex& pare
     return keys;
 }
 
-} // namespace
-
-std::set<std::int32_t> unusedAttribs(const QModelIndex& config)
+std::set<std::int32_t> unusedAttribs(const QSet<QString>& used)
 {
-    const QSet<QString> used = keysBelow(config.model(), config);
     std::set<std::int32_t> unused;
     visitEGLAttribKeys([&](const EGLAttribKey& key) {
         if (!used.contains(QString::number(key.value)))

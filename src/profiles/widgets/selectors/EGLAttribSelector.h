@@ -1,27 +1,22 @@
 #pragma once
 
-#include "GenericValueSelector.h"
-#include "GenericValueSelectorItemDelegate.h"
+#include "NamedValueSelector.h"
 
 namespace widgets {
 
-class AttribSelectorItemDelegate : public GenericValueSelectorItemDelegate {
+class AttribSelectorItemDelegate : public NamedValueSelectorItemDelegate<eglAttribName> {
     Q_OBJECT
 
 public:
-    using GenericValueSelectorItemDelegate::GenericValueSelectorItemDelegate;
-
-    QString displayText(const QVariant& value, const QLocale& locale) const override;
+    using NamedValueSelectorItemDelegate::NamedValueSelectorItemDelegate;
 };
 
 /// Keys of EGL attributes.
-class EGLAttribSelector : public GenericValueSelector {
+class EGLAttribSelector : public NamedValueSelector<eglAttribName, AttribSelectorItemDelegate> {
     Q_OBJECT
 
 public:
     EGLAttribSelector(QWidget* parent, const QList<std::int32_t>& attribs, const QString& current);
-
-    QString displayText(const QString& value) const override;
 };
 
 } // namespace widgets

@@ -1,27 +1,22 @@
 #pragma once
 
-#include "GenericValueSelector.h"
-#include "GenericValueSelectorItemDelegate.h"
+#include "NamedValueSelector.h"
 
 namespace widgets {
 
-class APISelectorItemDelegate : public GenericValueSelectorItemDelegate {
+class APISelectorItemDelegate : public NamedValueSelectorItemDelegate<apiName> {
     Q_OBJECT
 
 public:
-    using GenericValueSelectorItemDelegate::GenericValueSelectorItemDelegate;
-
-    QString displayText(const QVariant& value, const QLocale& locale) const override;
+    using NamedValueSelectorItemDelegate::NamedValueSelectorItemDelegate;
 };
 
 /// Versions of OpenGL ES.
-class ESAPISelector : public GenericValueSelector {
+class ESAPISelector : public NamedValueSelector<apiName, APISelectorItemDelegate> {
     Q_OBJECT
 
 public:
     ESAPISelector(QWidget* parent, const QList<std::int32_t>& versions, const QString& current);
-
-    QString displayText(const QString& value) const override;
 };
 
 } // namespace widgets

@@ -1,27 +1,22 @@
 #pragma once
 
-#include "GenericValueSelector.h"
-#include "GenericValueSelectorItemDelegate.h"
+#include "NamedValueSelector.h"
 
 namespace widgets {
 
-class CapabilitySelectorItemDelegate : public GenericValueSelectorItemDelegate {
+class CapabilitySelectorItemDelegate : public NamedValueSelectorItemDelegate<capabilityName> {
     Q_OBJECT
 
 public:
-    using GenericValueSelectorItemDelegate::GenericValueSelectorItemDelegate;
-
-    QString displayText(const QVariant& value, const QLocale& locale) const override;
+    using NamedValueSelectorItemDelegate::NamedValueSelectorItemDelegate;
 };
 
 /// Keys of capabilities, by their element names.
-class ESCapabilitySelector : public GenericValueSelector {
+class ESCapabilitySelector : public NamedValueSelector<capabilityName, CapabilitySelectorItemDelegate> {
     Q_OBJECT
 
 public:
     ESCapabilitySelector(QWidget* parent, const QStringList& xmlNames, const QString& current);
-
-    QString displayText(const QString& value) const override;
 };
 
 } // namespace widgets

@@ -1,27 +1,22 @@
 #pragma once
 
-#include "GenericValueSelector.h"
-#include "GenericValueSelectorItemDelegate.h"
+#include "NamedValueSelector.h"
 
 namespace widgets {
 
-class ESTrueFalseSelectorItemDelegate : public GenericValueSelectorItemDelegate {
+class ESTrueFalseSelectorItemDelegate : public NamedValueSelectorItemDelegate<glTruthName> {
     Q_OBJECT
 
 public:
-    using GenericValueSelectorItemDelegate::GenericValueSelectorItemDelegate;
-
-    QString displayText(const QVariant& value, const QLocale& locale) const override;
+    using NamedValueSelectorItemDelegate::NamedValueSelectorItemDelegate;
 };
 
 /// Yes or no as the GL says it, stored as 1 or 0.
-class ESTrueFalseSelector : public GenericValueSelector {
+class ESTrueFalseSelector : public NamedValueSelector<glTruthName, ESTrueFalseSelectorItemDelegate> {
     Q_OBJECT
 
 public:
     ESTrueFalseSelector(QWidget* parent, const QString& current);
-
-    QString displayText(const QString& value) const override;
 };
 
 } // namespace widgets

@@ -18,7 +18,8 @@ void GenericValueSelectorItemDelegate::paint(
         return;
     }
     painter->save();
-    QColor faint = option.palette.color(QPalette::Text);
+    // A separator is disabled, and the text of what is disabled is faint already.
+    QColor faint = option.palette.color(QPalette::Active, QPalette::Text);
     faint.setAlphaF(0.4F);
     painter->setPen(faint);
     const int y = option.rect.center().y();

@@ -1,7 +1,5 @@
 #include "ImageFormatSelector.h"
 
-#include "ValueNames.h"
-
 namespace widgets {
 
 namespace {
@@ -127,15 +125,9 @@ const QList<const char*>& compressedTextures()
 
 } // namespace
 
-QString ImageFormatSelectorItemDelegate::displayText(const QVariant& value, const QLocale& /*locale*/) const
-{
-    return glValueName(value.toString());
-}
-
 ImageFormatSelector::ImageFormatSelector(QWidget* parent, Use use, const QString& current)
-    : GenericValueSelector(parent, glDecimals(candidateNames(use)), current)
+    : NamedValueSelector(parent, glDecimals(candidateNames(use)), current)
 {
-    setItemDelegate(new ImageFormatSelectorItemDelegate(this));
 }
 
 QList<const char*> ImageFormatSelector::candidateNames(Use use)
@@ -149,11 +141,6 @@ QList<const char*> ImageFormatSelector::candidateNames(Use use)
         break;
     }
     return compressedTextures();
-}
-
-QString ImageFormatSelector::displayText(const QString& value) const
-{
-    return glValueName(value);
 }
 
 } // namespace widgets

@@ -1,21 +1,18 @@
 #pragma once
 
-#include "GenericValueSelector.h"
-#include "GenericValueSelectorItemDelegate.h"
+#include "NamedValueSelector.h"
 
 namespace widgets {
 
-class ImageFormatSelectorItemDelegate : public GenericValueSelectorItemDelegate {
+class ImageFormatSelectorItemDelegate : public NamedValueSelectorItemDelegate<glValueName> {
     Q_OBJECT
 
 public:
-    using GenericValueSelectorItemDelegate::GenericValueSelectorItemDelegate;
-
-    QString displayText(const QVariant& value, const QLocale& locale) const override;
+    using NamedValueSelectorItemDelegate::NamedValueSelectorItemDelegate;
 };
 
 /// Formats and types of images, by their enumerants.
-class ImageFormatSelector : public GenericValueSelector {
+class ImageFormatSelector : public NamedValueSelector<glValueName, ImageFormatSelectorItemDelegate> {
     Q_OBJECT
 
 public:
@@ -26,8 +23,6 @@ public:
 
     /// The names of the choices; every name has a value.
     static QList<const char*> candidateNames(Use use);
-
-    QString displayText(const QString& value) const override;
 };
 
 } // namespace widgets

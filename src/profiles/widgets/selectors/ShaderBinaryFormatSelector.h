@@ -1,21 +1,19 @@
 #pragma once
 
-#include "GenericValueSelector.h"
-#include "GenericValueSelectorItemDelegate.h"
+#include "NamedValueSelector.h"
 
 namespace widgets {
 
-class ShaderBinaryFormatSelectorItemDelegate : public GenericValueSelectorItemDelegate {
+class ShaderBinaryFormatSelectorItemDelegate : public NamedValueSelectorItemDelegate<glValueName> {
     Q_OBJECT
 
 public:
-    using GenericValueSelectorItemDelegate::GenericValueSelectorItemDelegate;
-
-    QString displayText(const QVariant& value, const QLocale& locale) const override;
+    using NamedValueSelectorItemDelegate::NamedValueSelectorItemDelegate;
 };
 
 /// Formats of compiled shaders, by their enumerants.
-class ShaderBinaryFormatSelector : public GenericValueSelector {
+class ShaderBinaryFormatSelector
+    : public NamedValueSelector<glValueName, ShaderBinaryFormatSelectorItemDelegate> {
     Q_OBJECT
 
 public:
@@ -23,8 +21,6 @@ public:
 
     /// The names of the choices; every name has a value.
     static QList<const char*> candidateNames();
-
-    QString displayText(const QString& value) const override;
 };
 
 } // namespace widgets

@@ -218,8 +218,10 @@ void TestTreeItemDelegates::entersText()
     const QVariant before = index.data(Qt::EditRole);
     QPointer<QWidget> editor = edit(index);
     QVERIFY(qobject_cast<QLineEdit*>(editor));
+    const int width = editor->width();
     QTest::keyClick(editor, Qt::Key_Delete);
     QTest::keyClicks(editor, typed);
+    QVERIFY2(editor->width() >= width, "else the old value shows beside it");
     QTest::keyClick(editor, Qt::Key_Return);
     if (stored.isValid()) {
         QTRY_VERIFY(!editor);

@@ -1,0 +1,231 @@
+#include "ProfilePanelDriver.h"
+
+#include <QFileDialog>
+
+namespace {
+
+const QString fileNameTitle = QStringLiteral("Choose a file name");
+const QString saveTitle = QStringLiteral("Save changes");
+
+} // namespace
+
+/// What becomes of edits, and the questions about it.
+class TestProfilePanelSaving : public QObject, private ProfilePanelDriver {
+    Q_OBJECT
+
+public:
+    using ProfilePanelDriver::ProfilePanelDriver;
+
+private Q_SLOTS:
+    void initTestCase() { showPanel(); }
+    void init() { chooseMine(); }
+    void cleanup() { leavePanel(); }
+
+    void readOnlyIsSavedAsACopy();
+    void saveAsLeavesTheOriginal();
+    void anotherProfileAsksFirst();
+    void newProfile();
+    void otherProgramsAreNotOverwritten();
+    void linksDoNotReachOtherProfiles();
+    void failedSaveKeepsTheEdits();
+    void withoutAFolderOneIsChosen();
+};
+
+void TestProfilePanelSaving::readOnlyIsSavedAsACopy()
+{
+    chooser()->setCurrentIndex(1);
+    const QString name = chooser()->currentText();
+    click("btnEdit");
+    enterDevice(QStringLiteral("My own"));
+    m_answers.press(saveTitle, QStringLiteral("Cancel"));
+    click("btnSave");
+    QVERIFY(isModifying());
+    QCOMPARE(device(), QStringLiteral("My own"));
+    QCOMPARE(files(), QStringList{QStringLiteral("mine.xml")});
+
+    m_answers.press(saveTitle, QStringLiteral("Copy"));
+    m_answers.next(fileNameTitle, [name](QWidget& widget) {
+        auto& dialog = static_cast<QInputDialog&>(widget);
+        QCOMPARE(dialog.textValue(), name + QStringLiteral(" (copy).xml"));
+        dialog.accept();
+    });
+    click("btnSave");
+    QVERIFY(!isModifying());
+    const QString file = name + QStringLiteral(" (copy).xml");
+    QVERIFY(content(file).contains(QStringLiteral("<device>My own</device>")));
+    QCOMPARE(chooser()->currentText(), QStringLiteral("My own (%1)").arg(file));
+    chooser()->setCurrentIndex(1);
+    QCOMPARE(device(), name);
+}
+
+void TestProfilePanelSaving::saveAsLeavesTheOriginal()
+{
+    click("btnEdit");
+    enterDevice(QStringLiteral("Other"));
+    m_answers.enter(fileNameTitle, QString());
+    click("btnSaveAs");
+    QVERIFY(isModifying());
+    QCOMPARE(chooser()->count(), 15);
+
+    m_answers.enter(fileNameTitle, QStringLiteral("other.xml"));
+    click("btnSaveAs");
+    QVERIFY(!isModifying());
+    QCOMPARE(content(QStringLiteral("mine.xml")), m_xml);
+    QCOMPARE(content(QStringLiteral("other.xml")),
+        QString(m_xml).replace(QStringLiteral("Mine"), QStringLiteral("Other")));
+    QCOMPARE(chooser()->currentText(), QStringLiteral("Other (other.xml)"));
+    QCOMPARE(chooser()->count(), 16);
+}
+
+void TestProfilePanelSaving::anotherProfileAsksFirst()
+{
+    click("btnEdit");
+    chooser()->setCurrentIndex(1);
+    QVERIFY(isModifying());
+    choose(QStringLiteral("Mine (mine.xml)"));
+
+    enterDevice(QStringLiteral("Kept"));
+    m_answers.press(saveTitle, QStringLiteral("Cancel"));
+    chooser()->setCurrentIndex(2);
+    QCOMPARE(chooser()->currentText(), QStringLiteral("Mine (mine.xml)"));
+    QCOMPARE(device(), QStringLiteral("Kept"));
+    m_answers.press(saveTitle, QStringLiteral("Cancel"));
+    m_window.close();
+    QVERIFY(m_window.isVisible());
+
+    // A look at the profiles changes nothing, even when the file is gone.
+    QFile::remove(path(QStringLiteral("mine.xml")));
+    m_controller.reloadProfiles();
+    QCOMPARE(device(), QStringLiteral("Kept"));
+    m_answers.enter(fileNameTitle, QStringLiteral("mine.xml"));
+    click("btnSave");
+    QCOMPARE(content(QStringLiteral("mine.xml")),
+        QString(m_xml).replace(QStringLiteral("Mine"), QStringLiteral("Kept")));
+
+    click("btnEdit");
+    enterDevice(QStringLiteral("Saved"));
+    m_answers.press(saveTitle, QStringLiteral("Save"));
+    chooser()->setCurrentIndex(2);
+    QCOMPARE(chooser()->currentIndex(), 2);
+    QCOMPARE(device(), chooser()->currentText());
+    QVERIFY(content(QStringLiteral("mine.xml")).contains(QStringLiteral(">Saved<")));
+}
+
+void TestProfilePanelSaving::newProfile()
+{
+    m_answers.enter(fileNameTitle, QString());
+    find<QAction>("actionNew_Profile")->trigger();
+    QCOMPARE(device(), QStringLiteral("New profile"));
+    QCOMPARE(chooser()->currentText(), QStringLiteral("Mine (mine.xml)"));
+    // What the panel shows must not land in the file of the profile that is still chosen, nor go without a
+    // question.
+    click("btnEdit");
+    enterDevice(QStringLiteral("Mine 2"));
+    m_answers.press(saveTitle, QStringLiteral("Cancel"));
+    choose(QStringLiteral("Host"));
+    QCOMPARE(chooser()->currentText(), QStringLiteral("Mine (mine.xml)"));
+    QCOMPARE(device(), QStringLiteral("Mine 2"));
+    m_answers.enter(fileNameTitle, QStringLiteral("2.xml"));
+    click("btnSave");
+    QCOMPARE(content(QStringLiteral("mine.xml")), m_xml);
+    QVERIFY(content(QStringLiteral("2.xml")).contains(QStringLiteral("<device>Mine 2</device>")));
+    QCOMPARE(chooser()->currentText(), QStringLiteral("Mine 2 (2.xml)"));
+
+    m_answers.enter(fileNameTitle, QStringLiteral("3.xml"));
+    find<QAction>("actionNew_Profile")->trigger();
+    QCOMPARE(chooser()->currentText(), QStringLiteral("New profile (3.xml)"));
+    QVERIFY(
+        content(QStringLiteral("3.xml")).contains(QStringLiteral("<renderer>Unknown renderer</renderer>")));
+    QCOMPARE(chooser()->count(), 17);
+}
+
+void TestProfilePanelSaving::otherProgramsAreNotOverwritten()
+{
+    click("btnEdit");
+    enterDevice(QStringLiteral("Ours"));
+    write(QStringLiteral("mine.xml"), "<profile><device>Theirs</device></profile>");
+    m_answers.press(saveTitle, QStringLiteral("Cancel"));
+    click("btnSave");
+    QVERIFY(isModifying());
+    QVERIFY(content(QStringLiteral("mine.xml")).contains(QStringLiteral("Theirs")));
+    m_answers.press(saveTitle, QStringLiteral("Replace"));
+    click("btnSave");
+    QCOMPARE(content(QStringLiteral("mine.xml")),
+        QString(m_xml).replace(QStringLiteral("Mine"), QStringLiteral("Ours")));
+}
+
+void TestProfilePanelSaving::linksDoNotReachOtherProfiles()
+{
+    write(QStringLiteral("linked.xml"), "<profile><device>Linked</device></profile>");
+    QVERIFY(QDir().mkpath(m_folder + QStringLiteral("/elsewhere")));
+    QVERIFY(QFile::rename(path(QStringLiteral("linked.xml")), path(QStringLiteral("elsewhere/mine.xml"))));
+    QVERIFY(QFile::link(path(QStringLiteral("elsewhere/mine.xml")), path(QStringLiteral("a link.xml"))));
+    m_controller.reloadProfiles();
+    choose(QStringLiteral("Linked (mine.xml)"));
+    click("btnEdit");
+    enterDevice(QStringLiteral("Ours"));
+    m_answers.press(saveTitle, QStringLiteral("Cancel"));
+    click("btnSave");
+    QCOMPARE(content(QStringLiteral("mine.xml")), m_xml);
+    click("btnDiscard");
+    QVERIFY(QDir(path(QStringLiteral("elsewhere"))).removeRecursively());
+}
+
+void TestProfilePanelSaving::failedSaveKeepsTheEdits()
+{
+    click("btnEdit");
+    enterDevice(QStringLiteral("Ours"));
+    QFile::remove(path(QStringLiteral("mine.xml")));
+    QVERIFY(QDir(m_folder).mkpath(QStringLiteral("mine.xml/in the way")));
+    m_answers.press(saveTitle, QStringLiteral("Replace"));
+    m_answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("OK"));
+    click("btnSave");
+    QVERIFY(isModifying());
+    QCOMPARE(device(), QStringLiteral("Ours"));
+    // "Save As..." takes the edits along, and the profile itself is again what was loaded.
+    m_answers.enter(fileNameTitle, QStringLiteral("other.xml"));
+    click("btnSaveAs");
+    QVERIFY(content(QStringLiteral("other.xml")).contains(QStringLiteral(">Ours<")));
+    QVERIFY(QDir(path(QStringLiteral("mine.xml"))).removeRecursively());
+
+    // An edit that was taken back after a failure does not come back with the next save.
+    QVERIFY(QDir(m_folder).mkpath(QStringLiteral("other.xml.tmp")));
+    click("btnEdit");
+    enterDevice(QStringLiteral("Failed"));
+    m_answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("OK"));
+    click("btnSave");
+    QVERIFY(QDir(m_folder).rmdir(QStringLiteral("other.xml.tmp")));
+    enterDevice(QStringLiteral("Ours"));
+    click("btnSave");
+    QVERIFY(content(QStringLiteral("other.xml")).contains(QStringLiteral(">Ours<")));
+}
+
+void TestProfilePanelSaving::withoutAFolderOneIsChosen()
+{
+    unsetenv("CORVALE_PROFILE_PATH");
+    m_controller.reloadProfiles();
+    chooser()->setCurrentIndex(1);
+    click("btnEdit");
+    m_answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("Cancel"));
+    click("btnSaveAs");
+    QVERIFY(isModifying());
+    m_answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("Choose..."));
+    m_answers.next(QStringLiteral("Choose directory"), [this](QWidget& widget) {
+        auto& dialog = static_cast<QFileDialog&>(widget);
+        dialog.setDirectory(m_folder);
+        dialog.selectFile(m_folder);
+        static_cast<QDialog&>(dialog).accept();
+    });
+    m_answers.enter(fileNameTitle, QStringLiteral("first.xml"));
+    click("btnSaveAs");
+    QVERIFY(!isModifying());
+    QCOMPARE(files(), QStringList({QStringLiteral("first.xml"), QStringLiteral("mine.xml")}));
+    QVERIFY(chooser()->currentText().endsWith(QStringLiteral("(first.xml)")));
+}
+
+int main(int argc, char** argv)
+{
+    return runOnProgram<TestProfilePanelSaving>(argc, argv);
+}
+
+#include "TestProfilePanelSaving.moc"

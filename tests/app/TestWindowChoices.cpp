@@ -1,0 +1,230 @@
+#include "DialogAnswers.h"
+#include "PreferenceKeys.h"
+#include "ProfileCatalogue.h"
+#include "ProfileChooser.h"
+#include "ProfileMetaTypes.h"
+#include "RecentFilesMenu.h"
+#include "Resources.h"
+#include "Session.h"
+
+#include <QComboBox>
+#include <QFontComboBox>
+#include <QMenu>
+#include <QStatusBar>
+
+namespace {
+
+void writeFile(const QString& path, const QByteArray& content)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(content);
+}
+
+} // namespace
+
+/// What the window lets the user choose and keeps in the preferences.
+class TestWindowChoices : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { registerResources(); }
+    void init()
+    {
+        QTest::failOnWarning(QRegularExpression(QStringLiteral("^(?!This plugin)")));
+        QDir(qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/Brindlewood")).removeRecursively();
+    }
+
+    void consoleFont();
+    void unreadablePreferencesAreKept_data();
+    void unreadablePreferencesAreKept();
+    void profileChooser();
+    void reloadDisturbsNobody();
+    void recentProfiles();
+};
+
+void TestWindowChoices::consoleFont()
+{
+    Session session;
+    session.connectApplication();
+    auto& combo = *session.window.findChild<QFontComboBox*>(QStringLiteral("cmbFont"));
+    const auto consoleFamily = [&session](int index) {
+        return session.tabs()
+            .widget(index)
+            ->findChild<QTextEdit*>(QStringLiteral("txtConsole"))
+            ->font()
+            .family();
+    };
+    QCOMPARE(consoleFamily(0), combo.currentFont().family());
+    const QString other = combo.itemText(combo.currentIndex() == 0 ? 1 : 0);
+    combo.setCurrentFont(QFont(other));
+    QCOMPARE(consoleFamily(0), other);
+    session.connectApplication();
+    QCOMPARE(consoleFamily(1), other);
+
+    const Session next;
+    QCOMPARE(next.window.findChild<QFontComboBox*>(QStringLiteral("cmbFont"))->currentFont().family(), other);
+}
+
+void TestWindowChoices::unreadablePreferencesAreKept_data()
+{
+    QTest::addColumn<bool>("chooseProfile");
+    QTest::newRow("the font is saved first") << false;
+    QTest::newRow("the profile is saved first") << true;
+}
+
+void TestWindowChoices::unreadablePreferencesAreKept()
+{
+    QFETCH(const bool, chooseProfile);
+    QFile file(qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/Brindlewood/Corvale.plist"));
+    QVERIFY(QDir().mkpath(QFileInfo(file).path()));
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write("my notes, no property list");
+    file.close();
+    Session session;
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("my notes, no property list"));
+    ProfileCatalogue catalogue(session.preferences);
+    session.window.setCatalogue(catalogue);
+    auto& combo =
+        *session.window.findChild<QComboBox*>(QLatin1String(chooseProfile ? "cmbProfile" : "cmbFont"));
+    combo.setCurrentIndex(combo.currentIndex() == 0 ? 1 : 0);
+    const QString message = session.window.statusBar()->currentMessage();
+    QVERIFY2(message.contains(QStringLiteral("Corvale.plist.corrupt")), qPrintable(message));
+    QFile copy(file.fileName() + QStringLiteral(".corrupt"));
+    QVERIFY(copy.open(QIODevice::ReadOnly));
+    QCOMPARE(copy.readAll(), QByteArray("my notes, no property list"));
+}
+
+void TestWindowChoices::profileChooser()
+{
+    const QTemporaryDir folder;
+    const auto write = [&folder](const char* name, const QByteArray& content) {
+        writeFile(folder.filePath(QString::fromLatin1(name)), content);
+    };
+    write("b.xml", "<profile><device>Board</device></profile>");
+    write("a.xml", "<profile><device>Board</device></profile>");
+    write("broken.xml", "<profile>");
+    qputenv("CORVALE_PROFILE_PATH", QFile::encodeName(folder.path()));
+
+    Session session;
+    ProfileCatalogue catalogue(session.preferences);
+    session.window.setCatalogue(catalogue);
+    auto& box = *session.window.findChild<QComboBox*>(QStringLiteral("cmbProfile"));
+    QStringList texts;
+    for (int i = 0; i < box.count(); ++i)
+        texts.append(box.itemText(i));
+    const auto builtins = static_cast<qsizetype>(catalogue.builtinProfiles().size());
+    QCOMPARE(texts.first(), QStringLiteral("Host"));
+    QCOMPARE(texts.mid(builtins + 1), QStringList({"Board (a.xml)", "Board (b.xml)"}));
+    QCOMPARE(box.currentIndex(), 0);
+    QCOMPARE(box.itemData(1).value<WeakProfile>().lock(), catalogue.builtinProfiles().front());
+    const QString skipped = session.status("lblSkippedProfiles");
+    QVERIFY2(skipped.startsWith(QStringLiteral("Skipped profile broken.xml: ")), qPrintable(skipped));
+
+    const auto stored = [] {
+        PlistPreferences onDisk("Corvale", TSRPreferencesImpl::perUser);
+        std::string key = "nothing";
+        Session::loaded(onDisk).getString(
+            preferencekeys::prefixed(preferencekeys::currentProfile), &key, nullptr, false);
+        return QString::fromStdString(key);
+    };
+    QCOMPARE(stored(), QStringLiteral("nothing"));
+    box.setCurrentIndex(1);
+    QCOMPARE(stored(), texts.at(1));
+    box.setCurrentIndex(box.count() - 1);
+    QCOMPARE(stored(), QStringLiteral("b.xml"));
+    session.window.setCatalogue(catalogue);
+    QCOMPARE(box.currentText(), QStringLiteral("Board (b.xml)"));
+    box.setCurrentIndex(0);
+    QCOMPARE(stored(), QString());
+}
+
+void TestWindowChoices::reloadDisturbsNobody()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("a.xml"));
+    writeFile(path, "<profile><device>A</device></profile>");
+    qputenv("CORVALE_PROFILE_PATH", QFile::encodeName(folder.path()));
+    Session session;
+    ProfileCatalogue catalogue(session.preferences);
+    session.window.setCatalogue(catalogue);
+    auto& box = *session.window.findChild<QComboBox*>(QStringLiteral("cmbProfile"));
+    auto& chooser = *session.window.findChild<ProfileChooser*>();
+    QStringList announced;
+    connect(&chooser, &ProfileChooser::chosenChanged, this, [&](const WeakProfile& profile) {
+        announced.append(profile.expired() ? QString() : QString::fromStdString(profile.lock()->key()));
+    });
+    box.setCurrentIndex(box.count() - 1);
+    QCOMPARE(announced, QStringList("a.xml"));
+    const WeakProfile before = chooser.chosen();
+    writeFile(folder.filePath(QStringLiteral("0.xml")), "<profile><device>0</device></profile>");
+    session.window.reloadProfiles();
+    QCOMPARE(chooser.chosen(), before.lock());
+    QCOMPARE(announced.size(), 1);
+
+    // A profile without a file has no key to be found by.
+    const WeakProfile unsaved = catalogue.newProfile();
+    session.window.setCatalogue(catalogue);
+    chooser.choose(unsaved.lock());
+    session.window.reloadProfiles();
+    QCOMPARE(chooser.chosen(), unsaved.lock());
+    QCOMPARE(announced, QStringList({"a.xml", ""}));
+
+    chooser.choose(before.lock());
+    writeFile(path, "<profile><device>B</device></profile>");
+    session.window.reloadProfiles();
+    QVERIFY(before.expired());
+    QCOMPARE(box.currentText(), QStringLiteral("B (a.xml)"));
+    QVERIFY(QFile::remove(path));
+    session.window.reloadProfiles();
+    QCOMPARE(box.currentText(), QStringLiteral("Host"));
+    QCOMPARE(announced, QStringList({"a.xml", "", "a.xml", "a.xml", ""}));
+}
+
+void TestWindowChoices::recentProfiles()
+{
+    const QTemporaryDir folder;
+    const QTemporaryDir elsewhere;
+    for (const QString& path :
+        {folder.filePath("a.xml"), elsewhere.filePath("a.xml"), elsewhere.filePath("gone.xml")})
+        writeFile(path, "<profile><device>A</device></profile>");
+    writeFile(elsewhere.filePath("broken.xml"), "<profile>");
+    qputenv("CORVALE_PROFILE_PATH", QFile::encodeName(folder.path()));
+    Session session;
+    ProfileCatalogue catalogue(session.preferences);
+    session.window.setCatalogue(catalogue);
+    auto& menu = *session.window.findChild<RecentFilesMenu*>();
+    const QStringList added{elsewhere.filePath("broken.xml"), elsewhere.filePath("gone.xml"),
+        elsewhere.filePath("a.xml"), folder.filePath("a.xml")};
+    session.window.preferencesEdited(added, false);
+    const auto choose = [&menu](int index) {
+        Q_EMIT menu.aboutToShow();
+        menu.actions().at(index)->trigger();
+    };
+    const auto& box = *session.window.findChild<QComboBox*>(QStringLiteral("cmbProfile"));
+    choose(0);
+    QCOMPARE(box.currentText(), QStringLiteral("A (a.xml)"));
+
+    DialogAnswers answers;
+    answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("Cancel"));
+    choose(1);
+    QCOMPARE(box.count(), 2 + static_cast<int>(catalogue.builtinProfiles().size()));
+    answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("Copy and Choose"));
+    choose(1);
+    QCOMPARE(box.currentText(), QStringLiteral("A (a (2).xml)"));
+
+    QVERIFY(QFile::remove(elsewhere.filePath("gone.xml")));
+    answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("OK"));
+    choose(3);
+    answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("OK"));
+    choose(3);
+    QCOMPARE(answers.problems(), QStringList());
+    QCOMPARE(menu.files(),
+        QStringList({folder.filePath("a (2).xml"), folder.filePath("a.xml"), elsewhere.filePath("a.xml"),
+            elsewhere.filePath("broken.xml")}));
+    QCOMPARE(box.currentText(), QStringLiteral("A (a (2).xml)"));
+}
+
+QTEST_MAIN(TestWindowChoices)
+#include "TestWindowChoices.moc"
