@@ -32,10 +32,10 @@ public:
     void clear();
     void setFont(const QFont& font);
 
-    /// True while records come faster than they can be shown.
     /// The entries after which the document is written anew, as it never forgets their formats.
     void setRebuildAfter(std::uint64_t entries) { m_document.setWornAfter(entries); }
 
+    /// True while records come faster than they can be shown.
     bool isFlooded() const { return m_flooded; }
     /// True when all is shown that can be; nothing more happens then until the next record.
     bool isComplete() const { return !m_flooded && !m_refresh.isActive(); }
