@@ -2,7 +2,9 @@
 #include "Client.h"
 #include "ClientInterface.h"
 #include "ClientTabWidget.h"
+#include "ConsoleSaver.h"
 #include "DialogAnswers.h"
+#include "ErrorListModel.h"
 #include "FeedbackDialog.h"
 #include "MainWindow.h"
 #include "MetaObjects.h"
@@ -22,6 +24,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QPlainTextEdit>
+#include <QSignalSpy>
 #include <QStatusBar>
 #include <QTest>
 #include <QTextEdit>
@@ -122,6 +125,7 @@ private Q_SLOTS:
     void closedTabLeavesItsClientAlone();
     void closingTheWindowTellsEveryClient();
     void destructionDuringAFlood();
+    void savingTabIsCompleted();
     void statusCounts();
     void systemReport();
     void consoleFont();
@@ -282,16 +286,46 @@ void TestMainWindow::closingTheWindowTellsEveryClient()
 void TestMainWindow::destructionDuringAFlood()
 {
     auto session = std::make_unique<Session>();
-    RawClient& application = session->connectApplication();
-    session->connectApplication();
-    std::thread flood([&application] {
+    RawClient& one = session->connectApplication();
+    RawClient& other = session->connectApplication();
+    std::thread flood([&one, &other] {
         const std::string record = bytes(glError(1280, "glEnable", "again"));
-        while (application.send(record)) { }
+        while (one.send(record) && other.send(record)) { }
     });
-    QTRY_VERIFY(session->console(0).size() > 1000);
+    const QPointer<ClientInterface> page = session->tabs().pageAt(0);
+    QTRY_VERIFY(page->errorListModel().rowCount() > 100);
+    QTest::mousePress(page->findChild<QTextEdit*>(QStringLiteral("txtConsole"))->viewport(), Qt::LeftButton);
+    page->receive(text(Type::Error, "in this very turn"));
+    session->window.closeTab(0);
+    QVERIFY(!page);
+    QTest::qWait(50);
+    QCOMPARE(session->status("lblClients"), QStringLiteral("2 clients connected"));
     const auto applications = std::move(session->applications);
     session.reset();
     flood.join();
+}
+
+void TestMainWindow::savingTabIsCompleted()
+{
+    Session session;
+    RawClient& application = session.connectApplication();
+    const QPointer<ClientInterface> page = session.tabs().pageAt(0);
+    constexpr int count = 50'000;
+    for (int i = 0; i < count; ++i)
+        page->receive(text(Type::Information, "line"));
+    const QString path = QDir::tempPath() + QStringLiteral("/console.txt");
+    page->findChild<ConsoleSaver*>()->save(path);
+    session.tabs().finish(page->client(), QStringLiteral("end"));
+    session.tabs().addClient(nullptr, QFont(), true);
+    QCOMPARE(session.tabs().count(), 2);
+    session.window.closeTab(0);
+    QVERIFY(page && page->isSaving());
+    QSignalSpy rows(&page->errorListModel(), &QAbstractItemModel::rowsInserted);
+    application.send(text(Type::Error, "shown nowhere"));
+    QTRY_VERIFY(!page);
+    QCOMPARE(QFileInfo(path).size(), count * qint64(sizeof "line"));
+    QVERIFY(session.window.statusBar()->currentMessage().contains(QStringLiteral("was saved to")));
+    QCOMPARE(rows.count(), 0);
 }
 
 void TestMainWindow::statusCounts()
