@@ -235,7 +235,8 @@ bool Console::showMore()
     if (m_document.waiting() > 0) {
         if (!following && m_document.hasGap())
             m_document.close(tr("Newer entries have arrived. Tick \"Auto-scroll\" to see them."));
-        else if (following && (m_document.waiting() > mostAppended || m_document.hasGap()))
+        else if (following
+            && (m_document.waiting() > mostAppended || m_document.hasGap() || m_document.isWorn()))
             m_document.restart(restartWeight());
         else
             m_document.appendWaiting(restartWeight());

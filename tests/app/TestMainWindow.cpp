@@ -1,8 +1,10 @@
 #include "AboutBox.h"
 #include "ClientInterface.h"
+#include "ClientTabWidget.h"
 #include "Console.h"
 #include "ConsoleSaver.h"
 #include "DialogAnswers.h"
+#include "ErrorListModel.h"
 #include "FeedbackDialog.h"
 #include "MetaObjects.h"
 #include "Resources.h"
@@ -14,6 +16,8 @@
 #include <QMessageBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QSignalSpy>
+#include <QStatusBar>
 
 #include <thread>
 
@@ -40,6 +44,7 @@ private Q_SLOTS:
     void questionForAFileKeepsItsTab();
     void closingWaitsForASave();
     void destructionDuringAFlood();
+    void savingTabIsCompleted();
     void statusCounts();
     void systemReport();
     void fatalErrorClosesTheWindow();
@@ -216,7 +221,7 @@ void TestMainWindow::closingWaitsForASave()
     Session session;
     session.window.show();
     RawClient& application = session.connectApplication();
-    ClientInterface& page = *session.window.findChild<ClientTabWidget*>()->pageAt(0);
+    ClientInterface& page = *session.tabs().pageAt(0);
     QDir folder(QDir::tempPath() + QStringLiteral("/saved"));
     const auto beginSave = [&session, &page, &folder] {
         folder.mkpath(QStringLiteral("."));
@@ -243,16 +248,47 @@ void TestMainWindow::closingWaitsForASave()
 void TestMainWindow::destructionDuringAFlood()
 {
     auto session = std::make_unique<Session>();
-    RawClient& application = session->connectApplication();
-    session->connectApplication();
-    std::thread flood([&application] {
+    RawClient& one = session->connectApplication();
+    RawClient& other = session->connectApplication();
+    std::thread flood([&one, &other] {
         const std::string record = bytes(glError(1280, "glEnable", "again"));
-        while (application.send(record)) { }
+        while (one.send(record) && other.send(record)) { }
     });
-    QTRY_VERIFY(session->console(0).size() > 1000);
+    const QPointer<ClientInterface> page = session->tabs().pageAt(0);
+    QTRY_VERIFY(page->errorListModel().rowCount() > 100);
+    QTest::mousePress(page->findChild<QTextEdit*>(QStringLiteral("txtConsole"))->viewport(), Qt::LeftButton);
+    page->receive(text(Type::Error, "in this very turn"));
+    session->window.closeTab(0);
+    QVERIFY(!page);
+    QTest::qWait(50);
+    QCOMPARE(session->status("lblClients"), QStringLiteral("2 clients connected"));
     const auto applications = std::move(session->applications);
     session.reset();
     flood.join();
+}
+
+void TestMainWindow::savingTabIsCompleted()
+{
+    Session session;
+    RawClient& application = session.connectApplication();
+    const QPointer<ClientInterface> page = session.tabs().pageAt(0);
+    constexpr int count = 50'000;
+    for (int i = 0; i < count; ++i)
+        page->receive(text(Type::Information, "line"));
+    const QString path = QDir::tempPath() + QStringLiteral("/console.txt");
+    page->findChild<ConsoleSaver*>()->save(path);
+    session.tabs().finish(page->client(), QStringLiteral("end"));
+    session.tabs().addClient(nullptr, QFont(), true);
+    QCOMPARE(session.tabs().count(), 2);
+    session.window.closeTab(0);
+    QVERIFY(page && page->saver().isBusy());
+    page->console().clear();
+    QSignalSpy rows(&page->errorListModel(), &QAbstractItemModel::rowsInserted);
+    application.send(text(Type::Error, "shown nowhere"));
+    QTRY_VERIFY(!page);
+    QCOMPARE(QFileInfo(path).size(), count * qint64(sizeof "line"));
+    QVERIFY(session.window.statusBar()->currentMessage().contains(QStringLiteral("was saved to")));
+    QCOMPARE(rows.count(), 0);
 }
 
 void TestMainWindow::statusCounts()

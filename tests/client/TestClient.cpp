@@ -1,9 +1,11 @@
 #include "ConnectedClient.h"
+#include "EventLoopTurn.h"
 #include "MetaObjects.h"
 
 #include <QSignalSpy>
 #include <QThread>
 
+#include <array>
 #include <thread>
 
 using namespace records;
@@ -60,6 +62,7 @@ private Q_SLOTS:
     void endDuringAPassWaitsForIt();
     void writingToAGoneApplicationDrainsFirst();
     void passesLetTheEventLoopRun();
+    void clientsShareATurn();
     void failedReadIsABadRead();
     void controlRecordsArrive();
     void deletionWhileReading();
@@ -250,6 +253,23 @@ void TestClient::passesLetTheEventLoopRun()
     QTRY_COMPARE(read, count);
     application.join();
     QVERIFY2(readWhenServed < count / 2, qPrintable(QString::number(readWhenServed)));
+}
+
+void TestClient::clientsShareATurn()
+{
+    constexpr qint64 all = 10'000'000;
+    std::array<quint64, 8> clients{};
+    for (const bool isKnown : {false, true}) {
+        QCoreApplication::processEvents();
+        qint64 given = 0;
+        for (quint64& client : clients)
+            given += eventLoopTurn::readingTime(client);
+        QVERIFY2(given <= (isKnown ? all : 3 * all), qPrintable(QString::number(given)));
+        QVERIFY(eventLoopTurn::claimDrawing() && !eventLoopTurn::claimDrawing());
+        QVERIFY(eventLoopTurn::mayDrawAtOnce(&clients[0]) && eventLoopTurn::mayDrawAtOnce(&clients[1]));
+        eventLoopTurn::addDrawing(&clients[0], all);
+        QVERIFY(eventLoopTurn::mayDrawAtOnce(&clients[0]) && !eventLoopTurn::mayDrawAtOnce(&clients[1]));
+    }
 }
 
 void TestClient::failedReadIsABadRead()

@@ -314,7 +314,7 @@ void TestClientInterface::autoScroll()
     auto& console = page.child<QTextEdit>("txtConsole");
     const auto fill = [&page](int count) {
         for (int i = 0; i < count; ++i)
-            page.page.receive(text(Type::Error, "line"));
+            page.page.receive(text(i % 2 == 0 ? Type::Error : Type::Warning, "line"));
     };
     fill(50);
     QScrollBar& bar = *console.verticalScrollBar();
@@ -332,15 +332,28 @@ void TestClientInterface::autoScroll()
     auto& list = page.child<QTableView>("tblErrorList");
     QCoreApplication::processEvents();
     fill(1);
-    QTRY_COMPARE(list.verticalScrollBar()->value(), list.verticalScrollBar()->maximum());
-    QVERIFY(list.verticalScrollBar()->maximum() > 0);
-    page.child<QCheckBox>("chkErrors").click();
-    page.child<QCheckBox>("chkErrors").click();
-    QTRY_COMPARE(list.verticalScrollBar()->value(), list.verticalScrollBar()->maximum());
-    QVERIFY(list.verticalScrollBar()->maximum() > 0);
-    list.verticalScrollBar()->setSliderDown(true);
-    list.verticalScrollBar()->setSliderPosition(0);
+    QScrollBar& listBar = *list.verticalScrollBar();
+    QTRY_VERIFY(list.visualRect(list.model()->index(70, 0)).bottom() < list.viewport()->height());
+    const int end = listBar.maximum();
+    QVERIFY(end > 100);
+    const auto filterAndBack = [&](const char* box) {
+        page.child<QCheckBox>(box).click();
+        QTRY_VERIFY(listBar.maximum() < end);
+        page.child<QCheckBox>(box).click();
+        QTRY_COMPARE(listBar.maximum(), end);
+    };
+    for (const char* box : {"chkErrors", "chkWarnings"}) {
+        filterAndBack(box);
+        QTRY_COMPARE(listBar.value(), end);
+    }
+    listBar.setSliderDown(true);
+    listBar.setSliderPosition(end / 4);
+    listBar.setSliderDown(false);
     QVERIFY(!page.child<QCheckBox>("chkErrorListAutoScroll").isChecked());
+    filterAndBack("chkWarnings");
+    QTest::qWait(100); // longer than it takes to follow
+    // Where the row at the top was hidden, its neighbour has taken its place.
+    QVERIFY(std::abs(listBar.value() - end / 4) <= list.rowHeight(0));
 }
 
 void TestClientInterface::errorListFollowsTheBoxAtOnce()

@@ -61,6 +61,15 @@ TEST_F(FileReplacement, contentIsDurableBeforeItMoves)
     EXPECT_EQ(filefaults::trace(), "open ftruncate fchmod write fsync rename open fsync ");
 }
 
+TEST_F(FileReplacement, muchContentBecomesDurableOnTheWay)
+{
+    platform::FileReplacement replacement(file);
+    filefaults::clear();
+    for (int i = 0; i < 8; ++i)
+        EXPECT_TRUE(replacement.append(std::string(1U << 20U, 'n')));
+    EXPECT_EQ(filefaults::trace(), "write write write write fsync write write write write fsync ");
+}
+
 TEST_F(FileReplacement, shortWritesAreCompleted)
 {
     filefaults::shortWrites(7);
