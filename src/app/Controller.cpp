@@ -105,9 +105,8 @@ void Controller::endOnSignals()
     // Closing the window tells the clients, and the end of the program removes the sockets.
     connect(new QSocketNotifier(descriptor, QSocketNotifier::Read, this), &QSocketNotifier::activated, this,
         [this] {
-            m_mainWindow.end();
-            // Where it waits for a console that is being saved, its closing is the end of the program.
-            if (!m_mainWindow.isVisible())
+            // Where the window waits for a console that is being saved, its closing ends the program.
+            if (m_mainWindow.end())
                 quit();
         });
 }

@@ -29,6 +29,7 @@
 #include "ThemeMenu.h"
 #include "ui_MainWindow.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QFile>
@@ -252,18 +253,20 @@ void MainWindow::closeTab(const int index)
     m_clientTabs->closeTabAt(index);
 }
 
-void MainWindow::end()
+bool MainWindow::end()
 {
     m_asksBeforeClosing = false;
     close();
+    return !m_closesOnceSaved;
 }
 
 void MainWindow::consoleSaved(bool saved)
 {
     if (!m_closesOnceSaved)
         return;
-    // The window stays to tell what has failed.
-    m_closesOnceSaved = saved || !m_asksBeforeClosing;
+    // The window stays to tell what has failed, and where the user has gone on to a dialog.
+    const bool mayClose = saved && QApplication::activeModalWidget() == nullptr;
+    m_closesOnceSaved = mayClose || !m_asksBeforeClosing;
     if (m_closesOnceSaved && !m_clientTabs->isSaving())
         close();
 }

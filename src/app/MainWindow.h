@@ -62,8 +62,8 @@ public:
     /// Tells in the status bar what a save of the preferences did beyond saving.
     void reportSave(bool saved);
 
-    /// Closes the window without a question, as soon as consoles that are being saved are.
-    void end();
+    /// Closes the window without a question. False where that has to wait until a console is saved.
+    bool end();
     /// Shows the about box as a splash, unless the user does not want that.
     void showSplash();
 

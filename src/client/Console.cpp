@@ -57,6 +57,9 @@ public:
             cursor.selectionStart() == m_first.position() && cursor.selectionEnd() == m_last.position();
         if (m_first.isNull() || isKept)
             return;
+        // What was selected is gone where the two have changed places.
+        if (m_first > m_last)
+            m_first = m_last;
         const bool backwards = cursor.position() < cursor.anchor();
         cursor.setPosition((backwards ? m_last : m_first).position());
         cursor.setPosition((backwards ? m_first : m_last).position(), QTextCursor::KeepAnchor);
@@ -90,6 +93,9 @@ public:
         QScrollBar& bar = *m_view->verticalScrollBar();
         bar.setValue(bar.value() + m_view->cursorRect(m_top).top() - m_y);
     }
+    int position() const { return m_top.position(); }
+    /// Follows a text that was written anew, the same as before.
+    void setPosition(int position) { m_top.setPosition(position); }
 
 private:
     QTextEdit* m_view;
@@ -362,7 +368,10 @@ void Console::recolour()
     const int place = m_view->verticalScrollBar()->value();
     QTextCursor cursor = m_view->textCursor();
     const auto [anchor, position] = std::pair(cursor.anchor(), cursor.position());
+    const int top = m_place ? m_place->position() : 0;
     m_document.rewrite();
+    if (m_place)
+        m_place->setPosition(top);
     cursor.setPosition(anchor);
     cursor.setPosition(position, QTextCursor::KeepAnchor);
     m_view->setTextCursor(cursor);

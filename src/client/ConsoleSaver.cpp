@@ -81,7 +81,10 @@ void ConsoleSaver::ask(const QString& name)
         dialog->setDefaultSuffix(filter == html ? QStringLiteral("html") : QStringLiteral("txt"));
     });
     connect(dialog, &QFileDialog::fileSelected, this, &ConsoleSaver::save);
-    connect(dialog, &QObject::destroyed, this, [this] { Q_EMIT busyChanged(isBusy()); });
+    connect(dialog, &QObject::destroyed, this, [this] {
+        m_dialog = nullptr; // which has not noticed yet
+        Q_EMIT busyChanged(isBusy());
+    });
     m_dialog = dialog;
     Q_EMIT busyChanged(true);
     dialog->open();

@@ -9,7 +9,7 @@ constexpr char16_t deletePicture = 0x2421;
 
 /// Combining marks that one character bears; shaping takes quadratic time in them.
 constexpr int mostMarks = 16;
-constexpr char16_t firstMark = 0x300;
+constexpr char16_t firstMark = 0x300; ///< None comes before it.
 
 bool isDirectionControl(char16_t unit)
 {
@@ -38,6 +38,32 @@ QChar shown(QChar character)
     return character;
 }
 
+/// Counts marks over the joiners and other characters of formats between them, which are no end of a pile.
+void boundMarks(QString& text)
+{
+    int marks = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        char32_t point = text[i].unicode();
+        if (point < firstMark) {
+            marks = 0;
+            continue;
+        }
+        const bool isPair = text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
+        if (isPair)
+            point = QChar::surrogateToUcs4(text[i], text[i + 1]);
+        if (QChar::isMark(point))
+            ++marks;
+        else if (QChar::category(point) != QChar::Other_Format)
+            marks = 0;
+        if (marks > mostMarks && QChar::isMark(point)) {
+            text[i] = QChar::ReplacementCharacter;
+            if (isPair)
+                text[i + 1] = QChar::ReplacementCharacter;
+        }
+        i += isPair ? 1 : 0;
+    }
+}
+
 } // namespace
 
 QString multiLine(std::string_view bytes)
@@ -47,13 +73,9 @@ QString multiLine(std::string_view bytes)
         text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
         text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
     }
-    int marks = 0;
-    for (QChar& character : text) {
+    for (QChar& character : text)
         character = shown(character);
-        marks = character.unicode() >= firstMark && character.isMark() ? marks + 1 : 0;
-        if (marks > mostMarks)
-            character = QChar::ReplacementCharacter;
-    }
+    boundMarks(text);
     return text;
 }
 

@@ -204,16 +204,28 @@ void TestMainWindow::questionForAFileKeepsItsTab()
     session.connectApplication().close();
     const QPointer<QWidget> page = session.tabs().widget(0);
     QTRY_COMPARE(session.console(0), QStringLiteral("Lost connection to client"));
-    page->findChild<QPushButton*>(QStringLiteral("btnSaveConsole"))->click();
-    const QPointer<QFileDialog> question = page->findChild<QFileDialog*>();
+    auto& save = *page->findChild<QPushButton*>(QStringLiteral("btnSaveConsole"));
+    save.click();
+    QPointer<QFileDialog> question = page->findChild<QFileDialog*>();
     QVERIFY(question);
     session.connectApplication();
     QCOMPARE(session.tabs().count(), 2);
-    QVERIFY(question && question->isVisible());
+    QVERIFY(question && question->isVisible() && !save.isEnabled());
     question->reject();
-    QTRY_VERIFY(!question);
-    session.connectApplication();
-    QVERIFY(!page);
+    QTRY_VERIFY(save.isEnabled());
+
+    save.click();
+    question = page->findChild<QFileDialog*>();
+    const QString path = QDir::tempPath() + QStringLiteral("/small.txt");
+    Q_EMIT question->fileSelected(path);
+    static_cast<QDialog&>(*question).done(QDialog::Accepted);
+    QTRY_VERIFY(save.isEnabled());
+    QVERIFY(QFile::exists(path));
+
+    save.click();
+    session.window.closeTab(0);
+    page->findChild<QFileDialog*>()->reject();
+    QTRY_VERIFY(!page);
 }
 
 void TestMainWindow::closingWaitsForASave()
@@ -236,12 +248,22 @@ void TestMainWindow::closingWaitsForASave()
     QTest::qWait(50);
     QVERIFY2(session.window.isVisible(), "the reason is to be read");
 
+    {
+        beginSave();
+        QDialog dialog(&session.window);
+        dialog.open();
+        QTRY_VERIFY(!page.saver().isBusy());
+        QTest::qWait(50);
+        QVERIFY2(session.window.isVisible() && dialog.isVisible(), "what is entered there is not to be lost");
+    }
     beginSave();
+    QVERIFY(!session.window.end());
     session.window.closeTab(0);
     QVERIFY(session.window.isVisible());
     QCOMPARE(application.receivedTypes(), QList<quint32>());
     QTRY_VERIFY(!session.window.isVisible());
-    QCOMPARE(QFileInfo(folder.filePath(QStringLiteral("console.txt"))).size(), 1'000'000);
+    QCOMPARE(QFileInfo(folder.filePath(QStringLiteral("console.txt"))).size(), 1'500'000);
+    QVERIFY(session.window.end());
     QCOMPARE(application.receivedTypes(), QList<quint32>({11}));
 }
 

@@ -103,6 +103,7 @@ private Q_SLOTS:
     void heavyEntriesDoNotPileUp();
     void readerStays();
     void newLayoutMovesNobody();
+    void selectionOfTheFirstLineDoesNotGrow();
     void readerStopsFollowing();
     void steadyStreamWearsNothingOut_data();
     void steadyStreamWearsNothingOut();
@@ -333,6 +334,23 @@ void TestConsole::newLayoutMovesNobody()
     page.page.resize(400, 500);
     QTest::qWait(100);
     QCOMPARE(page.topLine(), top);
+    page.page.resize(500, 450);
+    page.view->setPalette(QPalette(Qt::darkGray));
+    QTest::qWait(100);
+    QCOMPARE(page.topLine(), top);
+}
+
+void TestConsole::selectionOfTheFirstLineDoesNotGrow()
+{
+    Page page;
+    page.receive(numbered(5000), 5000);
+    QVERIFY(QTest::qWaitFor([&page] { return !page.page.console().isFlooded(); }, 60000));
+    QVERIFY(!page.page.console().isComplete());
+    QTextCursor cursor(&page.document());
+    cursor.setPosition(4, QTextCursor::KeepAnchor);
+    page.view->setTextCursor(cursor);
+    QVERIFY(page.comesToRest());
+    QVERIFY(page.view->textCursor().selectedText().size() <= 4);
 }
 
 void TestConsole::readerStopsFollowing()

@@ -44,6 +44,13 @@ void TestRecordText::decode_data()
         << "e\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC"
            "\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81\xCC\x81"sv
         << piled << piled;
+    std::string mixed = "e"; // also with a mark of two units and a joiner in between
+    for (int i = 0; i < 8; ++i)
+        mixed += "\xCC\x81\xF3\xA0\x84\x80\xE2\x80\x8C";
+    const std::string mixedBeyond = mixed + "\xCC\x81\xF3\xA0\x84\x80x";
+    const QString mixedShown = QString::fromStdString(mixed) + QString(3, QChar(0xFFFD)) + QLatin1Char('x');
+    static const std::string kept = mixedBeyond;
+    QTest::newRow("piled marks of all kinds") << std::string_view(kept) << mixedShown << mixedShown;
 }
 
 void TestRecordText::decode()
