@@ -73,9 +73,13 @@ QString multiLine(std::string_view bytes)
         text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
         text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
     }
-    for (QChar& character : text)
+    bool mayHaveMarks = false;
+    for (QChar& character : text) {
         character = shown(character);
-    boundMarks(text);
+        mayHaveMarks |= character.unicode() >= firstMark;
+    }
+    if (mayHaveMarks)
+        boundMarks(text);
     return text;
 }
 
