@@ -312,6 +312,9 @@ void TestStartUp::vanishedSocketComesBack()
 
 void TestStartUp::runsOutOfDescriptors()
 {
+#ifdef __SANITIZE_ADDRESS__
+    QSKIP("the sanitizer needs descriptors of its own to look at objects, and takes their want for a fault");
+#endif
     Instance instance(60);
     std::vector<std::unique_ptr<RawClient>> flood;
     for (int i = 0; i < 100; ++i)
