@@ -45,6 +45,16 @@ function(corvale_add_room target)
     target_link_libraries(${target} PRIVATE corvale_warnings corvale_sanitizers)
 endfunction()
 
+# Lets those who link a room include its headers behind the room's name as well, such as "models/Profile.h": for rooms
+# that name a class alike.
+function(corvale_prefix_headers target)
+    get_filename_component(room ${CMAKE_CURRENT_SOURCE_DIR} NAME)
+    set(headers ${CMAKE_CURRENT_BINARY_DIR}/headers)
+    file(MAKE_DIRECTORY ${headers})
+    file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR} ${headers}/${room} SYMBOLIC)
+    target_include_directories(${target} PUBLIC ${headers})
+endfunction()
+
 # Adds a table, made from a data file at build time, to a target: corvale_add_table(<target> <inc> <data> <kind> ...)
 # where kind and what follows are arguments of tools/make-tables.
 function(corvale_add_table target output data kind)

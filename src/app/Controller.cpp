@@ -6,6 +6,7 @@
 #include "PlainMessageBox.h"
 #include "PreferenceKeys.h"
 #include "Product.h"
+#include "ProfileSaving.h"
 #include "Resources.h"
 #include "SaveReadOnlyProfile.h"
 #include "SocketFile.h"
@@ -163,6 +164,16 @@ std::string Controller::directoryForSaving()
     const bool stored = m_preferences.setString(key, chosen) == ResultCode::Success;
     m_mainWindow.reportSave(stored && m_preferences.save(false));
     return chosen;
+}
+
+bool Controller::save(ProfileData& profile, const std::string& directory)
+{
+    return profilesaving::save(profile, directory, &m_mainWindow);
+}
+
+bool Controller::saveAs(ProfileData& profile, const std::string& directory)
+{
+    return profilesaving::saveAs(profile, directory, &m_mainWindow);
 }
 
 void Controller::reloadProfiles()

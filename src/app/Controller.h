@@ -34,6 +34,8 @@ public:
     void forgetProfile(const ProfileDataWrapper& profile) override;
     bool mayOverwrite(const ProfileDataWrapper& profile, const std::string& path) const override;
     std::string directoryForSaving() override;
+    bool save(ProfileData& profile, const std::string& directory) override;
+    bool saveAs(ProfileData& profile, const std::string& directory) override;
     void reloadProfiles() override;
     void selectProfile(const std::string& path) override;
     Pointer askForCopy(const ProfileDataWrapper& readOnly) override;

@@ -5,7 +5,7 @@
 #include "NewRowValues.h"
 #include "UnusedKeys.h"
 #include "models/EGLConfigTree.h"
-#include "models/ProfileColumns.h"
+#include "ProfileColumns.h"
 
 #include <QAction>
 

@@ -3,7 +3,7 @@
 #include "ESCapabilityTreeItemDelegate.h"
 #include "NewRowValues.h"
 #include "UnusedKeys.h"
-#include "models/ProfileColumns.h"
+#include "ProfileColumns.h"
 
 #include <QAction>
 

@@ -6,7 +6,6 @@
 #include "PlainMessageBox.h"
 #include "ProfileDataWrapper.h"
 #include "ProfileFile.h"
-#include "ProfileSaving.h"
 #include "models/Profile.h"
 #include "ui_Profile.h"
 
@@ -276,7 +275,7 @@ bool Profile::saveCopy(const Pointer& copy)
     const std::shared_ptr<ProfileData> document = copy->edit();
     const bool ready = writeInto(*document);
     const std::string directory = ready ? m_controller->directoryForSaving() : std::string();
-    if (directory.empty() || !profilesaving::saveAs(*document, directory, window())) {
+    if (directory.empty() || !m_controller->saveAs(*document, directory)) {
         m_controller->forgetProfile(*copy);
         return false;
     }
@@ -291,7 +290,7 @@ bool Profile::saveInPlace(const std::shared_ptr<const ProfileDataWrapper>& profi
     if (directory.empty() || !mayReplaceFile(*profile, directory))
         return false;
     const std::shared_ptr<ProfileData> document = profile->edit();
-    if (!writeInto(*document) || !profilesaving::save(*document, directory, window()))
+    if (!writeInto(*document) || !m_controller->save(*document, directory))
         return false;
     saved(profile, directory);
     return true;
@@ -362,7 +361,7 @@ void Profile::newProfile()
     const Pointer added = m_controller->newProfile();
     setProfile(added);
     const std::string directory = m_controller->directoryForSaving();
-    if (!directory.empty() && profilesaving::saveAs(*added->edit(), directory, window())) {
+    if (!directory.empty() && m_controller->saveAs(*added->edit(), directory)) {
         saved(added, directory);
         return;
     }

@@ -1,6 +1,6 @@
 #include "ProfileTreeView.h"
 
-#include "models/ProfileColumns.h"
+#include "ProfileColumns.h"
 
 #include <QAction>
 #include <QHeaderView>

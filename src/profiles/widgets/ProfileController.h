@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+class ProfileData;
 class ProfileDataWrapper;
 
 /// What the profile panel needs of the program around it: the catalogue, and the questions that belong to the
@@ -26,6 +27,11 @@ public:
     /// Where profiles are saved. Where no folder is set the user is asked for one; "" when they give none.
     /// The catalogue is not read again.
     virtual std::string directoryForSaving() = 0;
+
+    /// Save with their dialogs: under the profile's file name, and under one that the user is asked for.
+    /// False when nothing was written, which the user knows then.
+    virtual bool save(ProfileData& profile, const std::string& directory) = 0;
+    virtual bool saveAs(ProfileData& profile, const std::string& directory) = 0;
 
     /// Reads the catalogue again and shows it in the window's list.
     virtual void reloadProfiles() = 0;
