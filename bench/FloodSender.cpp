@@ -18,7 +18,7 @@ namespace flood {
 
 namespace {
 
-const char* const senderOption = "--send";
+constexpr const char* senderOption = "--send";
 
 /// Bytes that go out at once, so that the sender is never what is measured.
 constexpr std::size_t batchSize = 16 * ui::messages::recordSize;

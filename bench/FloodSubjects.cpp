@@ -63,7 +63,7 @@ double readRecords(int records, const std::function<void(const Message&)>& consu
     QElapsedTimer waited;
     waited.start();
     while (count < records) {
-        const bool isLeft = socket != nullptr && socket->bytesAvailable() >= static_cast<qint64>(recordSize);
+        const bool isLeft = socket && socket->bytesAvailable() >= static_cast<qint64>(recordSize);
         QCoreApplication::processEvents(isLeft ? QEventLoop::AllEvents : QEventLoop::WaitForMoreEvents);
         if (isLeft)
             read();

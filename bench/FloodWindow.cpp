@@ -118,7 +118,7 @@ public:
         m_window.resize(900, 640);
         m_window.show();
         auto* server = m_window.findChild<QLocalServer*>();
-        if (server == nullptr || !server->isListening())
+        if (!server || !server->isListening())
             throw std::runtime_error("the window does not listen");
         // Behind the window's own slot, and before anything is read.
         QObject::connect(server, &QLocalServer::newConnection, &m_window, [this] { watchNewClients(); });
@@ -141,7 +141,7 @@ public:
     ClientInterface& page() const
     {
         for (auto* page : m_window.findChildren<ClientInterface*>()) {
-            if (page->client() != nullptr)
+            if (page->client())
                 return *page;
         }
         throw std::runtime_error("there is no client");

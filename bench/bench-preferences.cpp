@@ -75,7 +75,7 @@ int main(int argc, char** argv)
     const std::int64_t keys = argc > 1 ? platform::parseInteger(argv[1]).value_or(0) : 10000;
     require(keys > 0, "usage: bench-preferences [keys]");
     std::string folder = (std::filesystem::temp_directory_path() / "corvale-bench-XXXXXX").native();
-    require(mkdtemp(folder.data()) != nullptr, "cannot make a folder");
+    require(mkdtemp(folder.data()), "cannot make a folder");
     setenv("XDG_CONFIG_HOME", folder.c_str(), 1);
     measure("Grouped", keys, 10);
     measure("Flat", keys, 1);

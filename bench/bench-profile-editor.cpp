@@ -23,7 +23,7 @@ constexpr int runs = 11;
 std::string largestBuiltin()
 {
     std::string_view largest;
-    for (const builtinprofiles::TextEntry& entry : builtinprofiles::documents()) {
+    for (const builtin_profiles::TextEntry& entry : builtin_profiles::documents()) {
         if (entry.xml.size() > largest.size())
             largest = entry.xml;
     }

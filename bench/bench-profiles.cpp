@@ -69,13 +69,13 @@ void measure(const std::string& folder, std::int64_t profiles, std::int64_t conf
     PlistPreferences preferences("Bench", TSRPreferencesImpl::perUser);
     std::string error;
     require(preferences.load(error, false), error.c_str());
-    preferences.setString(preferencekeys::prefixed(preferencekeys::profilesDirectory), folder);
+    preferences.setString(preference_keys::prefixed(preference_keys::profilesDirectory), folder);
     ProfileData profile = fullProfile(configs);
     std::printf("%jd profiles of %zu bytes\n", static_cast<std::intmax_t>(profiles), profile.toXml().size());
     report("save all", 1, [&] {
         for (std::int64_t i = 0; i < profiles; ++i) {
             profile.setFileName(std::to_string(i) + ".xml");
-            require(!profilefile::write(profile, folder), "cannot save");
+            require(!profile_file::write(profile, folder), "cannot save");
         }
     });
     std::optional<ProfileCatalogue> catalogue;
@@ -85,7 +85,7 @@ void measure(const std::string& folder, std::int64_t profiles, std::int64_t conf
     const auto changed = catalogue->userProfiles().front()->edit();
     report("save one and reload", rounds, [&] {
         changed->setDevice(changed->device() + "+");
-        require(!profilefile::write(*changed, folder), "cannot save");
+        require(!profile_file::write(*changed, folder), "cannot save");
         catalogue->reload();
     });
 }
@@ -98,7 +98,7 @@ int main(int argc, char** argv)
     const std::int64_t configs = argc > 2 ? platform::parseInteger(argv[2]).value_or(-1) : 20;
     require(profiles > 0 && configs >= 0, "usage: bench-profiles [profiles] [configs in each]");
     std::string folder = (std::filesystem::temp_directory_path() / "corvale-bench-XXXXXX").native();
-    require(mkdtemp(folder.data()) != nullptr, "cannot make a folder");
+    require(mkdtemp(folder.data()), "cannot make a folder");
     setenv("XDG_CONFIG_HOME", folder.c_str(), 1);
     // Where the preferences are is a subfolder, which the catalogue does not look into.
     measure(folder, profiles, configs);

@@ -34,8 +34,7 @@ public:
 
     bool eventFilter(QObject* watched, QEvent* event) override
     {
-        if (event->type() == QEvent::Paint && qobject_cast<QMainWindow*>(watched) != nullptr
-            && m_shown == 0) {
+        if (event->type() == QEvent::Paint && qobject_cast<QMainWindow*>(watched) && m_shown == 0) {
             m_shown = now();
             QTextStream(stdout) << m_shown << Qt::endl;
             QTimer::singleShot(0, qApp, &QCoreApplication::quit);

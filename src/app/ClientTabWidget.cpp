@@ -39,11 +39,11 @@ ClientInterface* ClientTabWidget::pageAt(int index) const
 
 ClientInterface* ClientTabWidget::pageOf(const Client* client) const
 {
-    if (client == nullptr)
+    if (!client)
         return nullptr;
     for (int i = 0; i < count(); ++i) {
         ClientInterface* page = pageAt(i);
-        if (page != nullptr && page->client() == client)
+        if (page && page->client() == client)
             return page;
     }
     return nullptr;
@@ -65,7 +65,7 @@ void ClientTabWidget::closeFinishedTabs()
     int i = 0;
     while (i < count()) {
         const ClientInterface* page = pageAt(i);
-        if (page != nullptr && page->state() == ClientInterface::State::Finished && !page->saver().isBusy()) {
+        if (page && page->state() == ClientInterface::State::Finished && !page->saver().isBusy()) {
             removePage(i);
             i = 0;
         } else {
@@ -77,7 +77,7 @@ void ClientTabWidget::closeFinishedTabs()
 void ClientTabWidget::closePlaceholder()
 {
     const ClientInterface* only = count() == 1 ? pageAt(0) : nullptr;
-    if (only != nullptr && only->state() == ClientInterface::State::Fresh)
+    if (only && only->state() == ClientInterface::State::Fresh)
         removePage(0);
 }
 
@@ -95,7 +95,7 @@ void ClientTabWidget::removePage(int index)
     QWidget* page = widget(index);
     removeTab(index);
     auto* clientPage = qobject_cast<ClientInterface*>(page);
-    if (clientPage != nullptr && clientPage->saver().isBusy())
+    if (clientPage && clientPage->saver().isBusy())
         clientPage->closeOnceSaved();
     else
         delete clientPage;

@@ -58,7 +58,7 @@ Controller::StartUpLock::StartUpLock()
 
 Controller::Controller(int& argc, char** argv)
     : QApplication(prepareProcess(argc), argv)
-    , m_preferences(preferencekeys::storeName, TSRPreferencesImpl::perUser)
+    , m_preferences(preference_keys::storeName, TSRPreferencesImpl::perUser)
     , m_mainWindow(this, load(m_preferences))
     , m_catalogue(m_preferences)
     , m_instanceServer(new QLocalServer(this))
@@ -149,7 +149,7 @@ std::string Controller::directoryForSaving()
         tr("No folder for profiles is chosen yet."),
         tr("Choose the folder in which your profiles are kept. \"Edit > Preferences...\" changes it later."),
         &m_mainWindow, QMessageBox::Cancel);
-    QPushButton* const choose = box.addButton(tr("&Choose..."), QMessageBox::AcceptRole);
+    QPushButton* choose = box.addButton(tr("&Choose..."), QMessageBox::AcceptRole);
     box.setDefaultButton(choose);
     box.exec();
     if (box.clickedButton() != choose)
@@ -160,7 +160,7 @@ std::string Controller::directoryForSaving()
             .toStdString();
     if (chosen.empty())
         return {};
-    const std::string key = preferencekeys::prefixed(preferencekeys::profilesDirectory);
+    const std::string key = preference_keys::prefixed(preference_keys::profilesDirectory);
     const bool stored = m_preferences.setString(key, chosen) == ResultCode::Success;
     m_mainWindow.reportSave(stored && m_preferences.save(false));
     return chosen;
@@ -168,12 +168,12 @@ std::string Controller::directoryForSaving()
 
 bool Controller::save(ProfileData& profile, const std::string& directory)
 {
-    return profilesaving::save(profile, directory, &m_mainWindow);
+    return profile_saving::save(profile, directory, &m_mainWindow);
 }
 
 bool Controller::saveAs(ProfileData& profile, const std::string& directory)
 {
-    return profilesaving::saveAs(profile, directory, &m_mainWindow);
+    return profile_saving::saveAs(profile, directory, &m_mainWindow);
 }
 
 void Controller::reloadProfiles()

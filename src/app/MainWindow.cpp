@@ -117,7 +117,7 @@ void MainWindow::setUpFonts()
 {
     const std::string otherwise = fixedFontFamily().toLatin1().toStdString();
     std::string family;
-    m_preferences.getString(preferencekeys::prefixed(preferencekeys::guiFont), &family, &otherwise, true);
+    m_preferences.getString(preference_keys::prefixed(preference_keys::guiFont), &family, &otherwise, true);
     m_ui->cmbFont->setCurrentFont(QFont(QString::fromLatin1(family)));
     m_reportViewer->setFont(m_ui->cmbFont->currentFont());
     // Connected last: what has just been read need not be stored.
@@ -176,7 +176,7 @@ void MainWindow::setUpServer()
 void MainWindow::serverNewConnection()
 {
     QLocalSocket* socket = m_server->nextPendingConnection();
-    if (socket == nullptr)
+    if (!socket)
         return;
     m_aboutBox->endStart();
     auto* client = new Client(this, socket);
@@ -207,7 +207,7 @@ void MainWindow::countProblems(const ClientInterface& page)
     connect(&model, &QAbstractItemModel::rowsInserted, m_status,
         [this, &model](const QModelIndex&, int first, int last) {
             for (int row = first; row <= last; ++row) {
-                if (model.severity(row) == errorList::SeverityWarning)
+                if (model.severity(row) == error_list::SeverityWarning)
                     m_status->addWarnings(1);
                 else
                     m_status->addErrors(1);
@@ -265,7 +265,7 @@ void MainWindow::consoleSaved(bool saved)
     if (!m_closesOnceSaved)
         return;
     // The window stays to tell what has failed, and where the user has gone on to a dialog.
-    const bool mayClose = saved && QApplication::activeModalWidget() == nullptr;
+    const bool mayClose = saved && !QApplication::activeModalWidget();
     m_closesOnceSaved = mayClose || !m_asksBeforeClosing;
     if (m_closesOnceSaved && !m_clientTabs->isSaving())
         close();
@@ -301,7 +301,7 @@ void MainWindow::fontChanged(const QFont& font)
     if (font.family().trimmed().isEmpty())
         return;
     m_preferences.setString(
-        preferencekeys::prefixed(preferencekeys::guiFont), font.family().toLatin1().toStdString());
+        preference_keys::prefixed(preference_keys::guiFont), font.family().toLatin1().toStdString());
     reportSave(m_preferences.save(false));
 }
 
@@ -365,7 +365,7 @@ void MainWindow::onFeedback()
 
 void MainWindow::onPreferences()
 {
-    if (m_controller != nullptr)
+    if (m_controller)
         m_controller->editPreferences();
 }
 
@@ -380,7 +380,7 @@ void MainWindow::preferencesEdited(const QStringList& savedFiles, bool saveFaile
 
 void MainWindow::optionChanged()
 {
-    if (m_catalogue != nullptr)
+    if (m_catalogue)
         reportSave(m_catalogue->rememberCurrent(m_profileChooser->chosenKey()));
 }
 
@@ -393,7 +393,7 @@ void MainWindow::setCatalogue(ProfileCatalogue& catalogue)
 
 void MainWindow::reloadProfiles()
 {
-    if (m_catalogue == nullptr)
+    if (!m_catalogue)
         return;
     const std::shared_ptr<const ProfileDataWrapper> held = m_profileChooser->chosen();
     m_catalogue->reload();
@@ -413,7 +413,7 @@ void MainWindow::addRecentProfile(const QString& path)
 
 void MainWindow::openRecentProfile(const QString& path)
 {
-    if (m_catalogue == nullptr)
+    if (!m_catalogue)
         return;
     const auto find = [this](const QString& file) {
         reloadProfiles();
@@ -422,7 +422,7 @@ void MainWindow::openRecentProfile(const QString& path)
     ProfileCatalogue::Pointer profile = find(path);
     QString found = path;
     if (!profile) {
-        found = profilecopying::offerCopy(path, m_catalogue->profilesDirectory(), this);
+        found = profile_copying::offerCopy(path, m_catalogue->profilesDirectory(), this);
         profile = found.isEmpty() ? nullptr : find(found);
     }
     if (!profile)

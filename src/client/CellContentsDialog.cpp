@@ -40,7 +40,7 @@ QSize CellContentsDialog::sizeFor(const QString& text, const QSize& available) c
 void CellContentsDialog::showAt(const QPoint& position)
 {
     const QScreen* screen = QGuiApplication::screenAt(position);
-    if (screen == nullptr)
+    if (!screen)
         screen = QGuiApplication::primaryScreen();
     constexpr int distance = 4;
     const QRect available = screen->availableGeometry().adjusted(distance, distance, -distance, -distance);

@@ -59,7 +59,7 @@ void Client::readRecords(bool bounded)
         return;
     m_reading = true;
     const QPointer<Client> self(this);
-    const qint64 limit = eventLoopTurn::readingTime(m_lastTurn);
+    const qint64 limit = event_loop_turn::readingTime(m_lastTurn);
     QElapsedTimer elapsed;
     elapsed.start();
     Step step = Step::GoOn;
@@ -108,7 +108,7 @@ Client::Step Client::dispatch(const Message& message)
         Q_EMIT cleanDisconnect(this);
         return Step::Stop;
     case Type::SetName:
-        Q_EMIT setName(this, recordText::singleLine(message.text(offset::text)));
+        Q_EMIT setName(this, record_text::singleLine(message.text(offset::text)));
         return Step::GoOn;
     case Type::IdentifiedMessage:
     case Type::LineBreak:

@@ -146,22 +146,22 @@ QString ClientInterface::title() const
 
 void ClientInterface::receive(const Message& message)
 {
-    const bool hurried = m_client && (m_client->hasBacklog() || !eventLoopTurn::mayDrawAtOnce(m_console));
+    const bool hurried = m_client && (m_client->hasBacklog() || !event_loop_turn::mayDrawAtOnce(m_console));
     m_console->add(message, hurried);
     switch (message.type()) {
     case Type::Warning:
-        addErrorListRow(errorList::SeverityWarning, message, QString(),
-            recordText::multiLine(message.text(offset::text)), QString());
+        addErrorListRow(error_list::SeverityWarning, message, QString(),
+            record_text::multiLine(message.text(offset::text)), QString());
         break;
     case Type::Error:
-        addErrorListRow(errorList::SeverityError, message, QString(),
-            recordText::multiLine(message.text(offset::text)), QString());
+        addErrorListRow(error_list::SeverityError, message, QString(),
+            record_text::multiLine(message.text(offset::text)), QString());
         break;
     case Type::GlError:
-        addErrorListRow(errorList::SeverityError, message,
+        addErrorListRow(error_list::SeverityError, message,
             QString::fromLatin1(gl::errorName(message.u32(offset::glErrorCode))),
-            recordText::multiLine(message.text(offset::glErrorDescription)),
-            recordText::singleLine(message.text(offset::glErrorFunction, offset::glErrorDescription)));
+            record_text::multiLine(message.text(offset::glErrorDescription)),
+            record_text::singleLine(message.text(offset::glErrorFunction, offset::glErrorDescription)));
         break;
     case Type::ContextInformation:
         addContext(message);

@@ -138,13 +138,13 @@ Console::~Console() = default;
 
 void Console::add(const ui::messages::Message& record, bool backlog)
 {
-    if (consoleEntry::isShown(record.type()))
-        addEntry(consoleEntry::pack(record), backlog);
+    if (console_entry::isShown(record.type()))
+        addEntry(console_entry::pack(record), backlog);
 }
 
 void Console::addClosingLine(const QString& text)
 {
-    addEntry(consoleEntry::packClosingLine(text.toStdString()), false);
+    addEntry(console_entry::packClosingLine(text.toStdString()), false);
 }
 
 void Console::addEntry(std::string entry, bool backlog)
@@ -197,7 +197,7 @@ void Console::addAtOnce(std::string entry)
         followEnd();
     if (!m_refresh.isActive() && hasMoreToShow())
         m_refresh.start(fillTime);
-    eventLoopTurn::addDrawing(this, time.nsecsElapsed());
+    event_loop_turn::addDrawing(this, time.nsecsElapsed());
     m_allowance -= time.nsecsElapsed();
 }
 
@@ -206,7 +206,7 @@ void Console::refresh()
     const bool visible = m_view->isVisible();
     const bool over = !m_flooded || isFloodOver();
     // One view at a time, and first the one that is looked at.
-    if ((visible || over) && !eventLoopTurn::claimDrawing()) {
+    if ((visible || over) && !event_loop_turn::claimDrawing()) {
         m_refresh.start(visible ? 0 : waitTime);
         return;
     }

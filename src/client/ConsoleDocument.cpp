@@ -7,7 +7,7 @@
 #include <numeric>
 #include <utility>
 
-using consoleEntry::Outline;
+using console_entry::Outline;
 
 namespace {
 
@@ -62,7 +62,7 @@ void ConsoleDocument::setPalette(const QPalette& palette)
 void ConsoleDocument::write(Entry& entry, ConsoleWriter& writer)
 {
     const int before = lengthOf(*m_document);
-    consoleEntry::write(entry.bytes, writer);
+    console_entry::write(entry.bytes, writer);
     entry.length = lengthOf(*m_document) - before;
     m_shownWeight += entry.weight;
     ++m_written;
@@ -70,7 +70,7 @@ void ConsoleDocument::write(Entry& entry, ConsoleWriter& writer)
 
 void ConsoleDocument::append(std::string entry)
 {
-    const int weight = consoleEntry::weight(entry);
+    const int weight = console_entry::weight(entry);
     m_entries.push_back({std::move(entry), weight, 0});
     const Edit edit(m_document);
     write(m_entries.back(), m_writer);
@@ -78,7 +78,7 @@ void ConsoleDocument::append(std::string entry)
 
 void ConsoleDocument::keep(std::string entry)
 {
-    const int weight = consoleEntry::weight(entry);
+    const int weight = console_entry::weight(entry);
     m_waiting.push_back({std::move(entry), weight, 0});
     m_waitingWeight += weight;
     // What could never be shown only takes memory.
@@ -185,7 +185,7 @@ void ConsoleDocument::writeFrom(std::size_t first)
     m_writer.setLastWasHeading(false);
     // What is inside of frames is shown inside of them, with the headings that opened them.
     for (const std::string& heading : outline.openFrames())
-        consoleEntry::write(heading, m_writer);
+        console_entry::write(heading, m_writer);
     m_writer.setLastWasHeading(outline.lastWasHeading());
     m_headLength = lengthOf(*m_document);
     for (std::size_t i = first; i < m_entries.size(); ++i)

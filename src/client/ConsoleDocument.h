@@ -90,7 +90,7 @@ private:
     void removeHead();
     void removeUpTo(int position);
     void joinWithNextBlock(QTextCursor cursor);
-    consoleEntry::Outline outlineAt(std::size_t entry) const;
+    console_entry::Outline outlineAt(std::size_t entry) const;
     std::size_t firstOfNewest(int weight) const;
     std::size_t fillPlace(int weight) const;
     bool hasRoomForOlder() const;
@@ -101,12 +101,12 @@ private:
     ConsoleWriter m_writer;
     Entries m_entries; ///< In order without a gap; those from m_first on are in the document.
     std::size_t m_first = 0;
-    consoleEntry::Outline m_outline; ///< Where the first of m_entries begins.
+    console_entry::Outline m_outline; ///< Where the first of m_entries begins.
     std::uint64_t m_forgotten = 0; ///< Entries before the first of m_entries.
     Entries m_waiting;
     int m_waitingWeight = 0;
     std::uint64_t m_skipped = 0; ///< Entries between m_entries and m_waiting.
-    std::optional<consoleEntry::Outline>
+    std::optional<console_entry::Outline>
         m_waitingOutline; ///< Where the first that waits begins, after a gap.
     int m_headLength = 0;
     int m_shownWeight = 0;

@@ -10,7 +10,7 @@ using ui::messages::Message;
 using ui::messages::Type;
 namespace offset = ui::messages::offset;
 
-namespace consoleEntry {
+namespace console_entry {
 
 namespace {
 
@@ -73,7 +73,7 @@ QString glErrorHeading(const Message& record)
 {
     return QStringLiteral("Error - ") + QString::fromLatin1(gl::errorName(record.u32(offset::glErrorCode)))
         + QStringLiteral(" in ")
-        + recordText::singleLine(record.text(offset::glErrorFunction, offset::glErrorDescription));
+        + record_text::singleLine(record.text(offset::glErrorFunction, offset::glErrorDescription));
 }
 
 void writeFramed(ConsoleSink& sink, const QString& heading, ConsoleStyle style, const QString& body)
@@ -111,11 +111,11 @@ void write(std::string_view entry, ConsoleSink& sink)
     const Message record = unpack(entry);
     const Type type = record.type();
     const auto text = [&] {
-        return recordText::multiLine(record.text(textOffset(type)));
+        return record_text::multiLine(record.text(textOffset(type)));
     };
     switch (type) {
     case Type::IdentifiedMessage:
-        sink.heading(recordText::singleLine(record.text(offset::identifiedText))
+        sink.heading(record_text::singleLine(record.text(offset::identifiedText))
                 + idText(record, offset::identifiedId),
             ConsoleStyle::Identified);
         break;
@@ -197,4 +197,4 @@ void Outline::passHeading()
     m_lineEmpty = true;
 }
 
-} // namespace consoleEntry
+} // namespace console_entry

@@ -10,7 +10,7 @@ class ConsoleSink;
 
 /// A record that the console shows, in as few bytes as it needs: what is kept of each for drawing it again
 /// and for saving.
-namespace consoleEntry {
+namespace console_entry {
 
 /// True for records of types that write to the console.
 bool isShown(ui::messages::Type type);
@@ -50,4 +50,4 @@ private:
     bool m_lineEmpty = true;
 };
 
-} // namespace consoleEntry
+} // namespace console_entry

@@ -4,7 +4,7 @@
 
 namespace {
 
-const char* const pageStart = R"(<!DOCTYPE html>
+constexpr const char* pageStart = R"(<!DOCTYPE html>
 <html>
 <head>
 <meta charset="utf-8">

@@ -110,7 +110,7 @@ void ConsoleSaver::step()
     while (more && !time.hasExpired(stepTime)) {
         more = m_job->reader.next(entry);
         if (more)
-            consoleEntry::write(entry, m_job->sink());
+            console_entry::write(entry, m_job->sink());
     }
     if (!m_job->reader.isValid()) {
         finish(false, tr("The console was not saved: what was kept of it cannot be read."));

@@ -26,7 +26,7 @@ std::string missingLine(std::uint64_t entries)
 {
     const QString text = ConsoleSpool::tr(
         "%n entries are missing here: there was no room on the disk.", nullptr, static_cast<int>(entries));
-    return consoleEntry::packClosingLine(text.toStdString());
+    return console_entry::packClosingLine(text.toStdString());
 }
 
 } // namespace

@@ -19,7 +19,7 @@ constexpr int leastContrast = 80;
 int frameDepth(const QTextFrame* frame)
 {
     int depth = 0;
-    for (; frame != nullptr && frame->parentFrame() != nullptr; frame = frame->parentFrame())
+    for (; frame && frame->parentFrame(); frame = frame->parentFrame())
         ++depth;
     return depth;
 }

@@ -3,7 +3,7 @@
 #include <QtGlobal>
 
 /// What the error list's model, filter, view and delegate share.
-namespace errorList {
+namespace error_list {
 
 /// Severities by number; the list shows no others.
 enum Severity : qint32 {
@@ -19,4 +19,4 @@ enum Column {
     ColumnCount,
 };
 
-} // namespace errorList
+} // namespace error_list

@@ -30,12 +30,12 @@ bool ErrorListFilterProxyModel::filterAcceptsRow(int sourceRow, const QModelInde
 {
     Q_UNUSED(sourceParent)
     const auto* errors = qobject_cast<const ErrorListModel*>(sourceModel());
-    if (errors == nullptr)
+    if (!errors)
         return false;
     switch (errors->severity(sourceRow)) {
-    case errorList::SeverityError:
+    case error_list::SeverityError:
         return m_showErrors;
-    case errorList::SeverityWarning:
+    case error_list::SeverityWarning:
         return m_showWarnings;
     default:
         return false;

@@ -1,6 +1,6 @@
 #include "ErrorListModel.h"
 
-using namespace errorList;
+using namespace error_list;
 
 ErrorListModel::ErrorListModel(const QIcon& info, const QIcon& warning, const QIcon& error, QObject* parent)
     : QAbstractTableModel(parent)

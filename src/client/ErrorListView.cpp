@@ -59,7 +59,7 @@ void ErrorListView::setModel(QAbstractItemModel* model)
     }
     QTableView::setModel(model);
     setUpColumns();
-    if (model == nullptr)
+    if (!model)
         return;
     connect(model, &QAbstractItemModel::modelAboutToBeReset, this, &ErrorListView::keepPlace);
     // Connected after the selection, which the reset clears.
@@ -147,7 +147,7 @@ int ErrorListView::sourceRow(int row) const
 {
     const QModelIndex index = model()->index(row, 0);
     const auto* filter = qobject_cast<const QAbstractProxyModel*>(model());
-    return filter != nullptr ? filter->mapToSource(index).row() : row;
+    return filter ? filter->mapToSource(index).row() : row;
 }
 
 /// The first row that shows a source row or a later one; the number of rows where none does.
@@ -227,15 +227,15 @@ void ErrorListView::setUpRows()
 
 void ErrorListView::setUpColumns()
 {
-    if (model() == nullptr || model()->columnCount() < errorList::ColumnCount)
+    if (!model() || model()->columnCount() < error_list::ColumnCount)
         return;
     const QFontMetrics metrics(font());
     const int margin = 4 * metrics.horizontalAdvance(QLatin1Char(' '));
-    setColumnWidth(errorList::FrameColumn, metrics.horizontalAdvance(QStringLiteral("0000000")) + margin);
-    setColumnWidth(errorList::FunctionColumn,
+    setColumnWidth(error_list::FrameColumn, metrics.horizontalAdvance(QStringLiteral("0000000")) + margin);
+    setColumnWidth(error_list::FunctionColumn,
         metrics.horizontalAdvance(QStringLiteral("glFramebufferTexture2D")) + margin);
     setColumnWidth(
-        errorList::CodeColumn, metrics.horizontalAdvance(QStringLiteral("GL_INVALID_OPERATION")) + margin);
+        error_list::CodeColumn, metrics.horizontalAdvance(QStringLiteral("GL_INVALID_OPERATION")) + margin);
     horizontalHeader()->setStretchLastSection(true);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
@@ -244,7 +244,7 @@ void ErrorListView::setUpColumns()
 void ErrorListView::contextMenuEvent(QContextMenuEvent* event)
 {
     Q_EMIT contextMenuOpened();
-    const QModelIndexList selected = selectionModel() != nullptr ? selectedIndexes() : QModelIndexList();
+    const QModelIndexList selected = selectionModel() ? selectedIndexes() : QModelIndexList();
     const QPersistentModelIndex cell = selected.value(0);
 
     // Rows arrive while the menu is open, and the tab may even be closed.
@@ -297,7 +297,7 @@ void ErrorListView::mousePressEvent(QMouseEvent* event)
 
 void ErrorListView::copySelection() const
 {
-    QModelIndexList cells = selectionModel() != nullptr ? selectedIndexes() : QModelIndexList();
+    QModelIndexList cells = selectionModel() ? selectedIndexes() : QModelIndexList();
     if (cells.isEmpty())
         return;
     std::sort(cells.begin(), cells.end());

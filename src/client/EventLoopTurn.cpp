@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace eventLoopTurn {
+namespace event_loop_turn {
 
 namespace {
 
@@ -28,7 +28,7 @@ struct Turn {
 Turn& current()
 {
     static Turn turn;
-    if (!turn.running && QCoreApplication::instance() != nullptr) {
+    if (!turn.running && QCoreApplication::instance()) {
         turn.running = true;
         // What is posted now is delivered when the next turn begins.
         QMetaObject::invokeMethod(
@@ -58,13 +58,13 @@ qint64 readingTime(quint64& lastTurn)
 bool mayDrawAtOnce(const void* client)
 {
     const Turn& turn = current();
-    return turn.drawer == nullptr || turn.drawer == client || turn.drawing < drawingLimit;
+    return !turn.drawer || turn.drawer == client || turn.drawing < drawingLimit;
 }
 
 void addDrawing(const void* client, qint64 nanoseconds)
 {
     Turn& turn = current();
-    if (turn.drawer == nullptr)
+    if (!turn.drawer)
         turn.drawer = client;
     turn.drawing += nanoseconds;
 }
@@ -74,4 +74,4 @@ bool claimDrawing()
     return !std::exchange(current().drawn, true);
 }
 
-} // namespace eventLoopTurn
+} // namespace event_loop_turn

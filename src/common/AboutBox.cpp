@@ -86,7 +86,7 @@ void AboutBox::showAtStart()
     qApp->installEventFilter(this);
     // Before it is on the screen, the window does not know where it is, and nothing can be centred on it.
     const QWindow* behind = windowBehind();
-    if (behind == nullptr || behind->isExposed())
+    if (!behind || behind->isExposed())
         show();
 }
 
@@ -114,7 +114,7 @@ void AboutBox::forgetStart()
 
 const QWindow* AboutBox::windowBehind() const
 {
-    return parentWidget() != nullptr ? parentWidget()->window()->windowHandle() : nullptr;
+    return parentWidget() ? parentWidget()->window()->windowHandle() : nullptr;
 }
 
 bool AboutBox::eventFilter(QObject* watched, QEvent* event)
@@ -125,7 +125,7 @@ bool AboutBox::eventFilter(QObject* watched, QEvent* event)
     const bool pressed = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride
         || event->type() == QEvent::MouseButtonPress;
     const auto* widget = pressed ? qobject_cast<QWidget*>(watched) : nullptr;
-    if (widget != nullptr && widget->window() != this)
+    if (widget && widget->window() != this)
         endStart();
     return QDialog::eventFilter(watched, event);
 }
@@ -158,12 +158,12 @@ void AboutBox::readChoice()
 {
     bool show = true;
     const bool otherwise = true;
-    m_preferences.getBoolean(preferencekeys::prefixed(preferencekeys::showSplash), &show, &otherwise, true);
+    m_preferences.getBoolean(preference_keys::prefixed(preference_keys::showSplash), &show, &otherwise, true);
     m_atStart->setChecked(show);
 }
 
 void AboutBox::storeChoice(bool show)
 {
-    m_preferences.setBoolean(preferencekeys::prefixed(preferencekeys::showSplash), show);
+    m_preferences.setBoolean(preference_keys::prefixed(preference_keys::showSplash), show);
     Q_EMIT choiceStored(m_preferences.save(false));
 }

@@ -36,7 +36,7 @@ private:
 QAccessibleInterface* makeAccessible(const QString&, QObject* object)
 {
     auto* label = qobject_cast<ClickableLabel*>(object);
-    return label != nullptr ? new AccessibleClickableLabel(label) : nullptr;
+    return label ? new AccessibleClickableLabel(label) : nullptr;
 }
 
 } // namespace

@@ -27,7 +27,7 @@ constexpr const char* documentFolders[] = {
 
 std::string preferenceKey(const QString& document)
 {
-    return std::string(preferencekeys::openDocsPrefix) + document.toStdString();
+    return std::string(preference_keys::openDocsPrefix) + document.toStdString();
 }
 
 bool canRead(const QString& path)

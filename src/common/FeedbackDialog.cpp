@@ -12,7 +12,7 @@
 #include <QToolTip>
 #include <QUrl>
 
-using feedbackTexts::Text;
+using feedback_texts::Text;
 
 namespace {
 
@@ -23,7 +23,7 @@ const auto support = QStringLiteral("corvale-support@tessaric.example");
 
 QString dialogText(Text index)
 {
-    return feedbackTexts::text(feedbackTexts::BritishEnglish, index);
+    return feedback_texts::text(feedback_texts::BritishEnglish, index);
 }
 
 constexpr bool hasCommandKey()
@@ -56,7 +56,7 @@ FeedbackDialog::FeedbackDialog(
 
     bool collects = true;
     const bool otherwise = true;
-    m_preferences.getBoolean(preferencekeys::collectUsage, &collects, &otherwise, true);
+    m_preferences.getBoolean(preference_keys::collectUsage, &collects, &otherwise, true);
     m_ui->usageStats_checkBox->setChecked(collects);
 
     connect(m_ui->SelectAndCopyLabel, &ClickableLabel::clicked, this, &FeedbackDialog::copyRequiredText);
@@ -65,7 +65,7 @@ FeedbackDialog::FeedbackDialog(
 
 FeedbackDialog::~FeedbackDialog()
 {
-    m_preferences.setBoolean(preferencekeys::collectUsage, m_ui->usageStats_checkBox->isChecked());
+    m_preferences.setBoolean(preference_keys::collectUsage, m_ui->usageStats_checkBox->isChecked());
 }
 
 void FeedbackDialog::setTextFont(const QFont& font)
@@ -75,16 +75,16 @@ void FeedbackDialog::setTextFont(const QFont& font)
 
 void FeedbackDialog::setUpTexts()
 {
-    setWindowTitle(dialogText(feedbackTexts::Title));
+    setWindowTitle(dialogText(feedback_texts::Title));
     m_ui->imageLabel->setPixmap(QIcon(QStringLiteral(":/CommonGUIElements/Feedback.svg"))
                                     .pixmap(QSize(imageSize, imageSize), devicePixelRatioF()));
-    m_ui->ForumLabel->setText(dialogText(feedbackTexts::PostInForum));
-    m_ui->SupportEmailLabel->setText(dialogText(feedbackTexts::SendToSupport));
-    m_ui->RequiredTextLabel->setText(dialogText(feedbackTexts::IncludeText));
+    m_ui->ForumLabel->setText(dialogText(feedback_texts::PostInForum));
+    m_ui->SupportEmailLabel->setText(dialogText(feedback_texts::SendToSupport));
+    m_ui->RequiredTextLabel->setText(dialogText(feedback_texts::IncludeText));
     m_ui->SelectAndCopyLabel->setText(
-        dialogText(hasCommandKey() ? feedbackTexts::CopyWithCmd : feedbackTexts::CopyWithCtrl));
+        dialogText(hasCommandKey() ? feedback_texts::CopyWithCmd : feedback_texts::CopyWithCtrl));
     QPushButton* close = m_ui->buttonBox->button(QDialogButtonBox::Close);
-    close->setText(dialogText(feedbackTexts::Ok));
+    close->setText(dialogText(feedback_texts::Ok));
     close->setIcon(QIcon());
     close->setDefault(true);
     close->setFocus();

@@ -2,7 +2,7 @@
 
 #include <array>
 
-namespace feedbackTexts {
+namespace feedback_texts {
 
 QString text(Language language, Text index)
 {
@@ -18,4 +18,4 @@ QString text(Language language, Text index)
     return table.at(std::size_t{language} * textCount + index);
 }
 
-} // namespace feedbackTexts
+} // namespace feedback_texts

@@ -3,7 +3,7 @@
 #include <QString>
 
 /// The texts of the feedback dialog, in each language that there is.
-namespace feedbackTexts {
+namespace feedback_texts {
 
 enum Language {
     BritishEnglish,
@@ -23,4 +23,4 @@ enum Text {
 
 QString text(Language language, Text index);
 
-} // namespace feedbackTexts
+} // namespace feedback_texts

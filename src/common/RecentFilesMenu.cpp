@@ -33,8 +33,8 @@ RecentFilesMenu::RecentFilesMenu(PlistPreferences& preferences, const QString& t
 
 QStringList RecentFilesMenu::files() const
 {
-    propertylist::List stored;
-    m_preferences.getList(preferencekeys::prefixed(preferencekeys::recentFiles), &stored, nullptr, false);
+    property_list::List stored;
+    m_preferences.getList(preference_keys::prefixed(preference_keys::recentFiles), &stored, nullptr, false);
     QStringList files;
     for (const std::string& path : stored) {
         // The file may have been written by hand.
@@ -55,10 +55,10 @@ void RecentFilesMenu::addFile(const QString& path)
 
 void RecentFilesMenu::store(const QStringList& files)
 {
-    propertylist::List list;
+    property_list::List list;
     for (const QString& file : files)
         list.push_back(file.toStdString());
-    m_preferences.setList(preferencekeys::prefixed(preferencekeys::recentFiles), list);
+    m_preferences.setList(preference_keys::prefixed(preference_keys::recentFiles), list);
     const bool saved = m_preferences.save(false);
     menuAction()->setEnabled(!files.isEmpty());
     Q_EMIT stored(saved);

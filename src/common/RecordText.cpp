@@ -1,6 +1,6 @@
 #include "RecordText.h"
 
-namespace recordText {
+namespace record_text {
 
 namespace {
 
@@ -93,4 +93,4 @@ QString singleLine(std::string_view bytes)
     return text;
 }
 
-} // namespace recordText
+} // namespace record_text

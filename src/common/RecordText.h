@@ -8,7 +8,7 @@
 /// Characters that could pass for more than one text do not get through: an application's text can neither
 /// end its line or frame in the console nor turn the writing direction of what stands beside it. Marks that
 /// pile up on one character become U+FFFD, too.
-namespace recordText {
+namespace record_text {
 
 /// For a place that is one line: line breaks and tabs become blanks.
 QString singleLine(std::string_view bytes);
@@ -16,4 +16,4 @@ QString singleLine(std::string_view bytes);
 /// For a place that may have several lines: line feeds (also CR LF and CR) and tabs are kept.
 QString multiLine(std::string_view bytes);
 
-} // namespace recordText
+} // namespace record_text

@@ -11,7 +11,7 @@ TSRStats::TSRStats(std::string name, std::string version, const PlistPreferences
     , m_version(std::move(version))
 {
     const bool otherwise = true;
-    preferences.getBoolean(preferencekeys::collectUsage, &m_collects, &otherwise, true);
+    preferences.getBoolean(preference_keys::collectUsage, &m_collects, &otherwise, true);
 }
 
 void TSRStats::addBackEnd(const std::string& name, std::unique_ptr<TSRStatsInterface> backEnd)

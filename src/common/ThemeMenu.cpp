@@ -12,7 +12,7 @@ ThemeMenu::ThemeMenu(PlistPreferences& preferences, const QString& title, QWidge
     , m_group(new QActionGroup(this))
 {
     std::string name;
-    m_preferences.getString(preferencekeys::prefixed(preferencekeys::theme), &name, nullptr, false);
+    m_preferences.getString(preference_keys::prefixed(preference_keys::theme), &name, nullptr, false);
     m_current = theme::fromName(name);
     m_applyAgain.setSingleShot(true);
     connect(&m_applyAgain, &QTimer::timeout, this, &ThemeMenu::apply);
@@ -42,7 +42,8 @@ void ThemeMenu::choose(Theme theme)
         return;
     m_current = theme;
     apply();
-    m_preferences.setString(preferencekeys::prefixed(preferencekeys::theme), std::string(theme::name(theme)));
+    m_preferences.setString(
+        preference_keys::prefixed(preference_keys::theme), std::string(theme::name(theme)));
     Q_EMIT stored(m_preferences.save(false));
 }
 

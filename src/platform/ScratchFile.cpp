@@ -37,7 +37,7 @@ std::FILE* openNamelessIn(const std::string& folder)
         return nullptr;
     unlink(path.c_str());
     std::FILE* stream = fdopen(descriptor, "w+b");
-    if (stream == nullptr)
+    if (!stream)
         close(descriptor);
     return stream;
 }
@@ -46,10 +46,10 @@ std::FILE* openNamelessIn(const std::string& folder)
 std::FILE* openNameless()
 {
     const char* chosen = std::getenv("TMPDIR");
-    if (chosen != nullptr && *chosen != '\0')
+    if (chosen && *chosen != '\0')
         return openNamelessIn(chosen);
     std::FILE* stream = openNamelessIn("/var/tmp");
-    return stream != nullptr ? stream : openNamelessIn("/tmp");
+    return stream ? stream : openNamelessIn("/tmp");
 }
 
 bool seek(std::FILE* stream, std::uint64_t offset)

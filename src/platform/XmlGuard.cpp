@@ -123,7 +123,7 @@ private:
             const bool hexadecimal = text.substr(at + 2, 1) == "x";
             const std::size_t start = at + (hexadecimal ? 3 : 2);
             std::uint32_t codePoint = 0;
-            const char* const last = text.data() + text.size();
+            const char* last = text.data() + text.size();
             const auto [end, error] =
                 std::from_chars(text.data() + start, last, codePoint, hexadecimal ? 16 : 10);
             const bool isNumber = error == std::errc() && end != last && *end == ';';

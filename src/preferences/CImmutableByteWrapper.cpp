@@ -4,6 +4,6 @@ CImmutableByteWrapper::CImmutableByteWrapper(std::string_view bytes)
 {
     // A get area wants pointers to non-const; without an overridden pbackfail nothing is ever stored through
     // them.
-    char* const first = const_cast<char*>(bytes.data());
+    char* first = const_cast<char*>(bytes.data());
     setg(first, first, first + bytes.size());
 }

@@ -18,7 +18,7 @@ platform::FileResult keepCorruptCopy(
     for (int number = 1; number <= mostCopies; ++number) {
         candidate = file;
         candidate += number == 1 ? ".corrupt" : ".corrupt." + std::to_string(number);
-        const platform::FileBytes there = platform::readFile(candidate, propertylist::largestFile);
+        const platform::FileBytes there = platform::readFile(candidate, property_list::largestFile);
         if (there.ok && there.bytes == content) {
             copy = candidate;
             return {};

@@ -50,7 +50,7 @@ std::optional<std::string> PlistPreferences::readFile(std::string& error)
     auto file = m_layer->open(m_storeName, TSRPreferencesImpl::Mode::Read, m_folderKind, false, error);
     std::optional<std::string> bytes;
     if (file->stream) {
-        platform::FileBytes read = platform::readStream(file->stream, propertylist::largestFile);
+        platform::FileBytes read = platform::readStream(file->stream, property_list::largestFile);
         if (read.ok)
             bytes = std::move(read.bytes);
     }
@@ -70,13 +70,13 @@ bool PlistPreferences::readDocument(std::string& error)
     m_changed = false;
     m_pending.clear();
     std::string parserError;
-    const bool parsed = propertylist::parse(*m_document, *bytes, parserError);
+    const bool parsed = property_list::parse(*m_document, *bytes, parserError);
     m_unreadable = !parsed;
     m_onDisk = std::move(*bytes);
-    if (propertylist::repair(*m_document, error))
+    if (property_list::repair(*m_document, error))
         return true;
     if (!parsed)
-        propertylist::appendFormatted(error, parserError.c_str());
+        property_list::appendFormatted(error, parserError.c_str());
     return false;
 }
 
@@ -114,8 +114,8 @@ bool PlistPreferences::writeTo(const TSRPreferencesFile& file, std::string& text
 {
     if ((m_watching && !takeOverOtherWriters()) || !keepUnreadable(file.path))
         return false;
-    text = propertylist::print(*m_document);
-    if (text.size() > propertylist::largestFile)
+    text = property_list::print(*m_document);
+    if (text.size() > property_list::largestFile)
         m_saveError = "The preferences have become too large to be saved.";
     else if (std::fwrite(text.data(), 1, text.size(), file.stream) != text.size()
         || std::fflush(file.stream) != 0)
@@ -167,7 +167,7 @@ void PlistPreferences::takeOver(std::string bytes)
     std::string ignored;
     auto document = std::make_unique<XMLDocument>();
     m_unreadable =
-        !propertylist::parse(*document, bytes, ignored) || !propertylist::repair(*document, ignored);
+        !property_list::parse(*document, bytes, ignored) || !property_list::repair(*document, ignored);
     m_onDisk = std::move(bytes);
     if (!m_unreadable) {
         m_document = std::move(document);
@@ -189,35 +189,35 @@ void PlistPreferences::setPending()
 {
     // Also those of a save without a stream, although they do not count as changes.
     for (const auto& [path, value] : m_pending)
-        propertylist::write(*m_document, path, value);
+        property_list::write(*m_document, path, value);
 }
 
 /// A later value makes those obsolete that it replaces: the same path, what is below it, and what is in its
 /// way.
-void PlistPreferences::remember(const propertylist::KeyPath& path, propertylist::Value value)
+void PlistPreferences::remember(const property_list::KeyPath& path, property_list::Value value)
 {
-    const auto isBelow = [&path](const propertylist::KeyPath& other) {
+    const auto isBelow = [&path](const property_list::KeyPath& other) {
         return other.size() >= path.size() && std::equal(path.begin(), path.end(), other.begin());
     };
     for (auto entry = m_pending.lower_bound(path); entry != m_pending.end() && isBelow(entry->first);)
         entry = m_pending.erase(entry);
-    for (propertylist::KeyPath above = path; !above.empty(); above.pop_back())
+    for (property_list::KeyPath above = path; !above.empty(); above.pop_back())
         m_pending.erase(above);
     m_pending.emplace(path, std::move(value));
 }
 
-ResultCode PlistPreferences::set(std::string_view keyPath, propertylist::Value value)
+ResultCode PlistPreferences::set(std::string_view keyPath, property_list::Value value)
 {
     if (!m_document)
         return ResultCode::NoDocument;
-    const propertylist::KeyPath path = propertylist::splitKeyPath(keyPath);
+    const property_list::KeyPath path = property_list::splitKeyPath(keyPath);
     if (path.empty())
         return ResultCode::EmptyKeyPath;
-    if (keyPath.find('\0') != std::string_view::npos || path.size() > propertylist::deepestKeyPath
-        || !propertylist::isStorable(value))
+    if (keyPath.find('\0') != std::string_view::npos || path.size() > property_list::deepestKeyPath
+        || !property_list::isStorable(value))
         return ResultCode::WrongType;
     noticeOtherWriters();
-    propertylist::write(*m_document, path, value);
+    property_list::write(*m_document, path, value);
     remember(path, std::move(value));
     m_changed = true;
     return ResultCode::Success;
@@ -230,10 +230,10 @@ ResultCode PlistPreferences::get(
     ResultCode code = ResultCode::NoDocument;
     T value{};
     if (m_document) {
-        const propertylist::Found found =
-            propertylist::find(*m_document, propertylist::splitKeyPath(keyPath));
+        const property_list::Found found =
+            property_list::find(*m_document, property_list::splitKeyPath(keyPath));
         code = found.code;
-        if (code == ResultCode::Success && !propertylist::read(*found.value, value))
+        if (code == ResultCode::Success && !property_list::read(*found.value, value))
             code = ResultCode::WrongType;
     }
     if (code == ResultCode::Success && result)
@@ -255,8 +255,8 @@ ResultCode PlistPreferences::getString(
     return get(keyPath, result, defaultValue, useDefault);
 }
 
-ResultCode PlistPreferences::getList(std::string_view keyPath, propertylist::List* result,
-    const propertylist::List* defaultValue, bool useDefault) const
+ResultCode PlistPreferences::getList(std::string_view keyPath, property_list::List* result,
+    const property_list::List* defaultValue, bool useDefault) const
 {
     return get(keyPath, result, defaultValue, useDefault);
 }
@@ -273,8 +273,8 @@ ResultCode PlistPreferences::getReal(
     return get(keyPath, result, defaultValue, useDefault);
 }
 
-ResultCode PlistPreferences::getData(std::string_view keyPath, propertylist::Data* result,
-    const propertylist::Data* defaultValue, bool useDefault) const
+ResultCode PlistPreferences::getData(std::string_view keyPath, property_list::Data* result,
+    const property_list::Data* defaultValue, bool useDefault) const
 {
     return get(keyPath, result, defaultValue, useDefault);
 }
@@ -289,7 +289,7 @@ ResultCode PlistPreferences::setString(std::string_view keyPath, const std::stri
     return set(keyPath, value);
 }
 
-ResultCode PlistPreferences::setList(std::string_view keyPath, const propertylist::List& value)
+ResultCode PlistPreferences::setList(std::string_view keyPath, const property_list::List& value)
 {
     return set(keyPath, value);
 }
@@ -304,7 +304,7 @@ ResultCode PlistPreferences::setReal(std::string_view keyPath, double value)
     return set(keyPath, value);
 }
 
-ResultCode PlistPreferences::setData(std::string_view keyPath, const propertylist::Data& value)
+ResultCode PlistPreferences::setData(std::string_view keyPath, const property_list::Data& value)
 {
     return set(keyPath, value);
 }

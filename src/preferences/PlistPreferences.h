@@ -45,24 +45,24 @@ public:
         std::string_view keyPath, bool* result, const bool* defaultValue, bool useDefault) const;
     ResultCode getString(std::string_view keyPath, std::string* result, const std::string* defaultValue,
         bool useDefault) const;
-    ResultCode getList(std::string_view keyPath, propertylist::List* result,
-        const propertylist::List* defaultValue, bool useDefault) const;
+    ResultCode getList(std::string_view keyPath, property_list::List* result,
+        const property_list::List* defaultValue, bool useDefault) const;
     ResultCode getInteger(std::string_view keyPath, std::int64_t* result, const std::int64_t* defaultValue,
         bool useDefault) const;
     ResultCode getReal(
         std::string_view keyPath, double* result, const double* defaultValue, bool useDefault) const;
-    ResultCode getData(std::string_view keyPath, propertylist::Data* result,
-        const propertylist::Data* defaultValue, bool useDefault) const;
+    ResultCode getData(std::string_view keyPath, property_list::Data* result,
+        const property_list::Data* defaultValue, bool useDefault) const;
 
     // Setters. What is in the way of the path or has another type is replaced. A value that a file cannot
     // hold (text or a key with a NUL, a real that is not finite, a path of more than
-    // propertylist::deepestKeyPath components) is refused with ResultCode::WrongType.
+    // property_list::deepestKeyPath components) is refused with ResultCode::WrongType.
     ResultCode setBoolean(std::string_view keyPath, bool value);
     ResultCode setString(std::string_view keyPath, const std::string& value);
-    ResultCode setList(std::string_view keyPath, const propertylist::List& value);
+    ResultCode setList(std::string_view keyPath, const property_list::List& value);
     ResultCode setInteger(std::string_view keyPath, std::int64_t value);
     ResultCode setReal(std::string_view keyPath, double value);
-    ResultCode setData(std::string_view keyPath, const propertylist::Data& value);
+    ResultCode setData(std::string_view keyPath, const property_list::Data& value);
 
     /// Where the copy of a file is that could not be read as preferences and that a save has replaced; empty
     /// when there was none.
@@ -74,8 +74,8 @@ public:
 private:
     template <typename T>
     ResultCode get(std::string_view keyPath, T* result, const T* defaultValue, bool useDefault) const;
-    ResultCode set(std::string_view keyPath, propertylist::Value value);
-    void remember(const propertylist::KeyPath& path, propertylist::Value value);
+    ResultCode set(std::string_view keyPath, property_list::Value value);
+    void remember(const property_list::KeyPath& path, property_list::Value value);
     void setPending();
 
     bool readDocument(std::string& error);
@@ -101,7 +101,7 @@ private:
     /// m_onDisk could not be parsed or taken over, and there is no copy of it yet.
     bool m_unreadable = false;
     /// What was set and has not reached the disk.
-    std::map<propertylist::KeyPath, propertylist::Value> m_pending;
+    std::map<property_list::KeyPath, property_list::Value> m_pending;
     std::filesystem::path m_corruptCopy;
     std::string m_saveError;
 };

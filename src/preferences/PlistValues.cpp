@@ -17,7 +17,7 @@
 
 using tinyxml2::XMLElement;
 
-namespace propertylist {
+namespace property_list {
 
 namespace {
 
@@ -161,4 +161,4 @@ void write(tinyxml2::XMLDocument& document, const KeyPath& path, const Value& va
         std::visit(Writer{*element}, value);
 }
 
-} // namespace propertylist
+} // namespace property_list

@@ -8,7 +8,7 @@
 #include <vector>
 
 /// Values of a property list as the program knows them, and how they stand in elements.
-namespace propertylist {
+namespace property_list {
 
 using List = std::vector<std::string>;
 using Data = std::vector<char>;
@@ -29,4 +29,4 @@ bool isStorable(const Value& value);
 /// element, one of another kind is replaced.
 void write(tinyxml2::XMLDocument& document, const KeyPath& path, const Value& value);
 
-} // namespace propertylist
+} // namespace property_list

@@ -4,7 +4,7 @@
 #include <string_view>
 
 /// The key paths under which the program keeps its preferences, all in one place.
-namespace preferencekeys {
+namespace preference_keys {
 
 /// "Corvale" and the version, the top-level dict of everything that a new version starts afresh.
 inline const std::string& productPrefix()
@@ -43,4 +43,4 @@ inline constexpr std::string_view collectUsage = "Stats/CollectUsage";
 /// Followed by a document's name; where the user found that document.
 inline constexpr std::string_view openDocsPrefix = "OpenDocs/";
 
-} // namespace preferencekeys
+} // namespace preference_keys

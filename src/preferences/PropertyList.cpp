@@ -16,7 +16,7 @@ using tinyxml2::XMLDocument;
 using tinyxml2::XMLElement;
 using tinyxml2::XMLNode;
 
-namespace propertylist {
+namespace property_list {
 
 namespace {
 
@@ -43,7 +43,7 @@ const NameEntry& entryOf(ElementName name)
 
 std::uint32_t nameHash(const XMLElement& element)
 {
-    const char* const name = element.Name();
+    const char* name = element.Name();
     return name ? platform::fnv1(name) : 0;
 }
 
@@ -56,7 +56,7 @@ bool isHashOf(std::uint32_t hash, ElementName name)
 XMLElement* newElement(XMLDocument& document, const char* name, bool withVersion)
 {
     try {
-        XMLElement* const element = document.NewElement(name);
+        XMLElement* element = document.NewElement(name);
         if (withVersion)
             element->SetAttribute("version", "1.0");
         return element;
@@ -69,7 +69,7 @@ XMLElement* newElement(XMLDocument& document, const char* name, bool withVersion
 XMLElement* appendRepaired(
     XMLDocument& document, XMLNode& parent, const std::string& name, std::string& error)
 {
-    XMLElement* const element = newElement(document, name.c_str(), name == rootName);
+    XMLElement* element = newElement(document, name.c_str(), name == rootName);
     if (!element)
         error += "ERROR: Failed to recreate <" + name + "> tag. Out of memory!\n";
     else if (!parent.InsertEndChild(element))
@@ -107,7 +107,7 @@ Searched search(XMLElement* firstKey, std::string_view component)
     Searched result;
     XMLElement* key = firstKey;
     while (key) {
-        XMLElement* const value = key->NextSiblingElement();
+        XMLElement* value = key->NextSiblingElement();
         result.oddElement = !value;
         if (!value)
             return result;
@@ -126,9 +126,9 @@ Searched search(XMLElement* firstKey, std::string_view component)
 XMLElement* appendPair(XMLDocument& document, XMLElement& container, const Searched& searched,
     const std::string& text, ElementName name)
 {
-    XMLElement* const key = document.NewElement(nameText(ElementName::Key));
+    XMLElement* key = document.NewElement(nameText(ElementName::Key));
     key->InsertEndChild(document.NewText(text.c_str()));
-    XMLElement* const value = document.NewElement(nameText(name));
+    XMLElement* value = document.NewElement(nameText(name));
     if (!searched.oddElement)
         container.InsertEndChild(key);
     else if (searched.lastValue)
@@ -291,11 +291,11 @@ XMLElement* place(XMLDocument& document, const KeyPath& path, ElementName name)
 
 XMLElement* replaceElement(XMLElement& element, ElementName name)
 {
-    XMLElement* const replacement = element.GetDocument()->NewElement(nameText(name));
-    XMLNode* const parent = element.Parent();
+    XMLElement* replacement = element.GetDocument()->NewElement(nameText(name));
+    XMLNode* parent = element.Parent();
     parent->InsertAfterChild(&element, replacement);
     parent->DeleteChild(&element);
     return replacement;
 }
 
-} // namespace propertylist
+} // namespace property_list

@@ -16,7 +16,7 @@ class XMLElement; // NOLINT(cppcoreguidelines-virtual-class-destructor): theirs 
 /// The property-list format: what its elements are called, what a sound document looks like, and how a key
 /// path leads through it. A document is <plist> with one <dict> in which <key> elements and their values take
 /// turns.
-namespace propertylist {
+namespace property_list {
 
 /// What a file is before anything was stored in it, written byte for byte.
 inline constexpr std::string_view emptyFile =
@@ -86,4 +86,4 @@ tinyxml2::XMLElement* place(tinyxml2::XMLDocument& document, const KeyPath& path
 /// Puts a new, empty element of another name where the given one was.
 tinyxml2::XMLElement* replaceElement(tinyxml2::XMLElement& element, ElementName name);
 
-} // namespace propertylist
+} // namespace property_list

@@ -43,7 +43,7 @@ struct PosixFile : TSRPreferencesFile {
 
 std::string_view environment(const char* variable)
 {
-    const char* const value = std::getenv(variable);
+    const char* value = std::getenv(variable);
     return value ? value : "";
 }
 
@@ -78,7 +78,7 @@ std::FILE* openInPlace(const fs::path& path)
     if (descriptor < 0)
         return nullptr;
     if (fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) && ftruncate(descriptor, 0) == 0) {
-        if (std::FILE* const stream = fdopen(descriptor, "wb"))
+        if (std::FILE* stream = fdopen(descriptor, "wb"))
             return stream;
     }
     ::close(descriptor);
@@ -119,10 +119,10 @@ std::unique_ptr<TSRPreferencesFile> TSRPreferencesPosix::open(
 
 std::FILE* TSRPreferencesPosix::openForReading(const fs::path& path, int folderKind)
 {
-    platform::OpenedFile opened = platform::openForReading(path, propertylist::largestFile);
+    platform::OpenedFile opened = platform::openForReading(path, property_list::largestFile);
     if (opened.absent && !m_replacing) {
         createFile(path, folderKind);
-        opened = platform::openForReading(path, propertylist::largestFile);
+        opened = platform::openForReading(path, property_list::largestFile);
     }
     return opened.stream.release();
 }
@@ -137,8 +137,8 @@ void TSRPreferencesPosix::createFile(const fs::path& path, int folderKind) const
     mkdir(path.parent_path().c_str(), folderKind == allUsers ? 0755 : 0700);
     platform::FileReplacement replacement(path);
     // Another process may have made the file, and filled it, while we waited for our turn.
-    if (replacement.ready() && platform::openForReading(path, propertylist::largestFile).absent)
-        replacement.commit(propertylist::emptyFile);
+    if (replacement.ready() && platform::openForReading(path, property_list::largestFile).absent)
+        replacement.commit(property_list::emptyFile);
 }
 
 void TSRPreferencesPosix::close(std::unique_ptr<TSRPreferencesFile> file, bool commit)

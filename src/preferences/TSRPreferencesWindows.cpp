@@ -41,15 +41,15 @@ void createFile(const std::filesystem::path& path)
     const bool known = GetFileAttributesExW(folder.c_str(), GetFileExInfoStandard, &attributes) != 0;
     if (!known || (attributes.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0)
         CreateDirectoryW(folder.c_str(), nullptr);
-    if (std::FILE* const stream = _wfopen(path.c_str(), L"wb")) {
-        std::fwrite(propertylist::emptyFile.data(), 1, propertylist::emptyFile.size(), stream);
+    if (std::FILE* stream = _wfopen(path.c_str(), L"wb")) {
+        std::fwrite(property_list::emptyFile.data(), 1, property_list::emptyFile.size(), stream);
         std::fclose(stream);
     }
 }
 
 std::FILE* openForReading(const std::filesystem::path& path)
 {
-    if (std::FILE* const probe = _wfopen(path.c_str(), L"r"))
+    if (std::FILE* probe = _wfopen(path.c_str(), L"r"))
         std::fclose(probe);
     else
         createFile(path);

@@ -23,12 +23,12 @@ qsizetype costOf(const QString& text)
 
 QString nameAt(const Message& message)
 {
-    return recordText::singleLine(message.text(offset::reportText, offset::reportTextEnd));
+    return record_text::singleLine(message.text(offset::reportText, offset::reportTextEnd));
 }
 
 QString keyedTextAt(const Message& message)
 {
-    return recordText::multiLine(message.text(offset::reportKeyedText)).trimmed();
+    return record_text::multiLine(message.text(offset::reportKeyedText)).trimmed();
 }
 
 } // namespace

@@ -92,7 +92,7 @@ protected:
     {
         tree(view)->setCurrentIndex(cell);
         tree(view)->edit(cell);
-        auto* const line = tree(view)->viewport()->findChild<QLineEdit*>();
+        auto* line = tree(view)->viewport()->findChild<QLineEdit*>();
         QVERIFY(line);
         line->selectAll();
         QTest::keyClicks(line, text);

@@ -162,7 +162,7 @@ void TestMainWindow::placeholder()
     session.window.show();
     QCOMPARE(session.titles(), QStringList("Disconnected"));
     QVERIFY(!session.tabs().widget(0)->isEnabled());
-    QVERIFY(session.closeButton(0) == nullptr || session.closeButton(0)->size().isEmpty());
+    QVERIFY(!session.closeButton(0) || session.closeButton(0)->size().isEmpty());
     const auto middleClick = [&session] {
         QTest::mouseClick(session.tabs().tabBar(), Qt::MiddleButton, Qt::NoModifier,
             session.tabs().tabBar()->tabRect(0).center());

@@ -117,10 +117,10 @@ QString startUpFailure;
 void answerStartUpFailure()
 {
     QTimer::singleShot(0, QCoreApplication::instance(), [] {
-        if (qobject_cast<QApplication*>(QCoreApplication::instance()) == nullptr)
+        if (!qobject_cast<QApplication*>(QCoreApplication::instance()))
             return;
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (box == nullptr)
+        if (!box)
             return;
         startUpFailure = box->text();
         if (box->icon() == QMessageBox::Critical)

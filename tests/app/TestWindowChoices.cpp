@@ -126,7 +126,7 @@ void TestWindowChoices::profileChooser()
         PlistPreferences onDisk("Corvale", TSRPreferencesImpl::perUser);
         std::string key = "nothing";
         Session::loaded(onDisk).getString(
-            preferencekeys::prefixed(preferencekeys::currentProfile), &key, nullptr, false);
+            preference_keys::prefixed(preference_keys::currentProfile), &key, nullptr, false);
         return QString::fromStdString(key);
     };
     QCOMPARE(stored(), QStringLiteral("nothing"));

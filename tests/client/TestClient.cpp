@@ -263,12 +263,12 @@ void TestClient::clientsShareATurn()
         QCoreApplication::processEvents();
         qint64 given = 0;
         for (quint64& client : clients)
-            given += eventLoopTurn::readingTime(client);
+            given += event_loop_turn::readingTime(client);
         QVERIFY2(given <= (isKnown ? all : 3 * all), qPrintable(QString::number(given)));
-        QVERIFY(eventLoopTurn::claimDrawing() && !eventLoopTurn::claimDrawing());
-        QVERIFY(eventLoopTurn::mayDrawAtOnce(&clients[0]) && eventLoopTurn::mayDrawAtOnce(&clients[1]));
-        eventLoopTurn::addDrawing(&clients[0], all);
-        QVERIFY(eventLoopTurn::mayDrawAtOnce(&clients[0]) && !eventLoopTurn::mayDrawAtOnce(&clients[1]));
+        QVERIFY(event_loop_turn::claimDrawing() && !event_loop_turn::claimDrawing());
+        QVERIFY(event_loop_turn::mayDrawAtOnce(&clients[0]) && event_loop_turn::mayDrawAtOnce(&clients[1]));
+        event_loop_turn::addDrawing(&clients[0], all);
+        QVERIFY(event_loop_turn::mayDrawAtOnce(&clients[0]) && !event_loop_turn::mayDrawAtOnce(&clients[1]));
     }
 }
 

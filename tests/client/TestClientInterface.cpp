@@ -245,7 +245,7 @@ void TestClientInterface::identifiedFramesStayShallow()
     page.page.receive(text(Type::Information, "the end"));
     QTRY_VERIFY(page.block(QStringLiteral("the end")).isValid());
     int depth = 0;
-    for (const QTextFrame* frame = page.frameOf(QStringLiteral("the end")); frame != nullptr;
+    for (const QTextFrame* frame = page.frameOf(QStringLiteral("the end")); frame;
          frame = frame->parentFrame())
         ++depth;
     QVERIFY2(depth < 12, qPrintable(QString::number(depth)));
@@ -432,7 +432,7 @@ void TestClientInterface::cellContents()
     page.child<QCheckBox>("chkWarnings").click();
     page.page.showErrorListItemContents(0, 3, QPoint(100000, 10));
     auto* contents = page.page.findChild<QPlainTextEdit*>(QStringLiteral("txtContents"));
-    QVERIFY(contents != nullptr);
+    QVERIFY(contents);
     QCOMPARE(contents->toPlainText(), QStringLiteral("one\ntwo"));
     QVERIFY(contents->isReadOnly());
     QVERIFY(contents->window()->windowFlags().testFlag(Qt::Popup));

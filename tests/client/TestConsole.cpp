@@ -48,8 +48,8 @@ struct Page {
         return QTest::qWaitFor([this] { return page.console().isComplete(); }, 60000);
     }
     QTextDocument& document() const { return *view->document(); }
-    QString whyWrong() { return consoleOracle::whyWrong(page.console(), document()); }
-    int earlier() const { return consoleOracle::earlierEntries(document()); }
+    QString whyWrong() { return console_oracle::whyWrong(page.console(), document()); }
+    int earlier() const { return console_oracle::earlierEntries(document()); }
     /// The looks of each kind of line, once each.
     QStringList looks() const
     {
@@ -242,12 +242,12 @@ void TestConsole::heavyEntriesDoNotPileUp()
 {
     QTextDocument text;
     ConsoleDocument document(&text);
-    const std::string entry = consoleEntry::pack(records::text(Type::Information, std::string(8000, 'x')));
+    const std::string entry = console_entry::pack(records::text(Type::Information, std::string(8000, 'x')));
     for (int i = 0; i < live; ++i)
         document.keep(entry);
     QVERIFY(document.waiting() * entry.size() < 2'000'000);
     document.restart(1);
-    QCOMPARE(consoleOracle::earlierEntries(text), live - 1);
+    QCOMPARE(console_oracle::earlierEntries(text), live - 1);
 }
 
 void TestConsole::readerStays()
@@ -501,7 +501,7 @@ void TestConsole::fullDiskHarmsNothing()
         ConsoleText text;
         ConsoleSpool::Reader reader(page.page.console().spool());
         for (std::string_view entry; reader.next(entry);)
-            consoleEntry::write(entry, text);
+            console_entry::write(entry, text);
         return text.take();
     };
     QList<Message> lines;

@@ -16,7 +16,7 @@
 #include <QTimer>
 #include <QToolTip>
 
-using namespace errorList;
+using namespace error_list;
 
 namespace {
 
@@ -133,7 +133,7 @@ void TestErrorList::contextMenuAsksForTheSelectedCell()
     QStringList entries;
     QTimer::singleShot(0, &view, [&] {
         auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        QVERIFY(menu != nullptr);
+        QVERIFY(menu);
         for (const QAction* action : menu->actions())
             entries.append(action->text());
         QCOMPARE(requested.count(), 0);

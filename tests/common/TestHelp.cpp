@@ -27,7 +27,7 @@ namespace {
 class Store : public PlistPreferences {
 public:
     Store()
-        : PlistPreferences(preferencekeys::storeName, TSRPreferencesImpl::perUser)
+        : PlistPreferences(preference_keys::storeName, TSRPreferencesImpl::perUser)
     {
         std::string error;
         load(error, true);
@@ -141,12 +141,12 @@ void TestHelp::feedback()
         choice.click();
         dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Close)->click();
         QVERIFY(!dialog.isVisible());
-        QVERIFY2(store.flag(preferencekeys::collectUsage), "the choice is stored when the dialog goes");
+        QVERIFY2(store.flag(preference_keys::collectUsage), "the choice is stored when the dialog goes");
     }
-    QVERIFY(!store.flag(preferencekeys::collectUsage));
-    QVERIFY2(Store().flag(preferencekeys::collectUsage), "nothing has reached the disk");
+    QVERIFY(!store.flag(preference_keys::collectUsage));
+    QVERIFY2(Store().flag(preference_keys::collectUsage), "nothing has reached the disk");
     QVERIFY(store.save(false));
-    QVERIFY(!Store().flag(preferencekeys::collectUsage));
+    QVERIFY(!Store().flag(preference_keys::collectUsage));
     FeedbackDialog again(nullptr, {}, {}, store);
     QVERIFY(!again.findChild<QCheckBox*>()->isChecked());
     QVERIFY(!TSRStats("Corvale", "1", store).collects());
@@ -191,7 +191,7 @@ void TestHelp::splash()
     QTest::keyClick(box.findChild<QCheckBox*>(), Qt::Key_Space);
     QVERIFY(box.isVisible());
     QVERIFY2(
-        !Store().flag(preferencekeys::prefixed(preferencekeys::showSplash)), "the choice is saved at once");
+        !Store().flag(preference_keys::prefixed(preference_keys::showSplash)), "the choice is saved at once");
     box.close();
     box.showAtStart();
     QVERIFY(!box.isVisible());

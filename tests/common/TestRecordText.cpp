@@ -56,8 +56,8 @@ void TestRecordText::decode_data()
 void TestRecordText::decode()
 {
     QFETCH(const std::string_view, bytes);
-    QTEST(recordText::multiLine(bytes), "lines");
-    QTEST(recordText::singleLine(bytes), "line");
+    QTEST(record_text::multiLine(bytes), "lines");
+    QTEST(record_text::singleLine(bytes), "line");
 }
 
 QTEST_GUILESS_MAIN(TestRecordText)

@@ -124,7 +124,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         demand(!waited.hasExpired(120000), "the console comes to rest");
     }
     const QString wrong =
-        consoleOracle::whyWrong(page.console(), *child<QTextEdit>(page, "txtConsole").document());
+        console_oracle::whyWrong(page.console(), *child<QTextEdit>(page, "txtConsole").document());
     demand(wrong.isEmpty(), "the console shows what it has kept, but it", wrong);
     return 0;
 }

@@ -13,7 +13,7 @@
 #include <fuzzer/FuzzedDataProvider.h>
 #include <tinyxml2.h>
 
-using propertylist::KeyPath;
+using property_list::KeyPath;
 using tinyxml2::XMLDocument;
 using tinyxml2::XMLElement;
 using tinyxml2::XMLNode;
@@ -44,7 +44,7 @@ bool sameTree(const XMLNode* before, const XMLNode* after)
 XMLElement* keyIn(XMLElement* container, const std::string& text)
 {
     XMLElement* key = container->FirstChildElement();
-    while (key && key->NextSiblingElement() && propertylist::textOf(*key) != text)
+    while (key && key->NextSiblingElement() && property_list::textOf(*key) != text)
         key = key->NextSiblingElement()->NextSiblingElement();
     return key && key->NextSiblingElement() ? key : nullptr;
 }
@@ -55,12 +55,12 @@ bool takeOut(XMLDocument& before, XMLDocument& after, const KeyPath& path)
     XMLElement* left = before.RootElement()->FirstChildElement();
     XMLElement* right = after.RootElement()->FirstChildElement();
     for (std::size_t depth = 0; right; ++depth) {
-        XMLElement* const oldKey = keyIn(left, path[depth]);
-        XMLElement* const newKey = keyIn(right, path[depth]);
+        XMLElement* oldKey = keyIn(left, path[depth]);
+        XMLElement* newKey = keyIn(right, path[depth]);
         if (!newKey)
             return false;
-        XMLElement* const oldValue = oldKey ? oldKey->NextSiblingElement() : nullptr;
-        XMLElement* const newValue = newKey->NextSiblingElement();
+        XMLElement* oldValue = oldKey ? oldKey->NextSiblingElement() : nullptr;
+        XMLElement* newValue = newKey->NextSiblingElement();
         if (oldValue && depth + 1 < path.size() && std::strcmp(oldValue->Name(), "dict") == 0) {
             left = oldValue;
             right = newValue;
@@ -79,7 +79,7 @@ bool takeOut(XMLDocument& before, XMLDocument& after, const KeyPath& path)
 void collectPaths(const XMLElement* key, const std::string& prefix, std::vector<std::string>& paths)
 {
     for (; key && key->NextSiblingElement(); key = key->NextSiblingElement()->NextSiblingElement()) {
-        const std::string path = prefix + '/' + propertylist::textOf(*key);
+        const std::string path = prefix + '/' + property_list::textOf(*key);
         paths.push_back(path);
         collectPaths(key->NextSiblingElement()->FirstChildElement(), path, paths);
     }
@@ -93,7 +93,7 @@ std::string somePath(FuzzedDataProvider& input, const XMLDocument& document)
     return known + input.ConsumeRandomLengthString(40);
 }
 
-propertylist::Value someValue(FuzzedDataProvider& input)
+property_list::Value someValue(FuzzedDataProvider& input)
 {
     switch (input.ConsumeIntegralInRange(0, 5)) {
     case 0:
@@ -101,14 +101,14 @@ propertylist::Value someValue(FuzzedDataProvider& input)
     case 1:
         return input.ConsumeRandomLengthString(60);
     case 2:
-        return propertylist::List{input.ConsumeRandomLengthString(20), input.ConsumeRandomLengthString(20)};
+        return property_list::List{input.ConsumeRandomLengthString(20), input.ConsumeRandomLengthString(20)};
     case 3:
         return input.ConsumeIntegral<std::int64_t>();
     case 4:
         return input.ConsumeFloatingPoint<double>();
     default: {
         const std::string bytes = input.ConsumeRandomLengthString(40);
-        return propertylist::Data(bytes.begin(), bytes.end());
+        return property_list::Data(bytes.begin(), bytes.end());
     }
     }
 }
@@ -119,10 +119,10 @@ struct Setter {
     const std::string& path;
     ResultCode operator()(bool value) const { return store.setBoolean(path, value); }
     ResultCode operator()(const std::string& value) const { return store.setString(path, value); }
-    ResultCode operator()(const propertylist::List& value) const { return store.setList(path, value); }
+    ResultCode operator()(const property_list::List& value) const { return store.setList(path, value); }
     ResultCode operator()(std::int64_t value) const { return store.setInteger(path, value); }
     ResultCode operator()(double value) const { return store.setReal(path, value); }
-    ResultCode operator()(const propertylist::Data& value) const { return store.setData(path, value); }
+    ResultCode operator()(const property_list::Data& value) const { return store.setData(path, value); }
 };
 
 struct IsStored {
@@ -136,13 +136,13 @@ struct IsStored {
     }
     bool operator()(bool value) const { return equals(value, &PlistPreferences::getBoolean); }
     bool operator()(const std::string& value) const { return equals(value, &PlistPreferences::getString); }
-    bool operator()(const propertylist::List& value) const
+    bool operator()(const property_list::List& value) const
     {
         return equals(value, &PlistPreferences::getList);
     }
     bool operator()(std::int64_t value) const { return equals(value, &PlistPreferences::getInteger); }
     bool operator()(double value) const { return equals(value, &PlistPreferences::getReal); }
-    bool operator()(const propertylist::Data& value) const
+    bool operator()(const property_list::Data& value) const
     {
         return equals(value, &PlistPreferences::getData);
     }
@@ -164,20 +164,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     XMLDocument before;
     XMLDocument after;
     // A document that cannot be parsed would be kept aside on the real disk.
-    if (!propertylist::parse(before, document, error) || !propertylist::repair(before, error)) {
+    if (!property_list::parse(before, document, error) || !property_list::repair(before, error)) {
         demand(
             store.getString("a", nullptr, nullptr, false) != ResultCode::Success, "nothing was found in it");
         return 0;
     }
     demand(loaded, "a sound document is loaded");
     const std::string path = somePath(input, before);
-    const propertylist::Value value = someValue(input);
+    const property_list::Value value = someValue(input);
     if (std::visit(Setter{store, path}, value) != ResultCode::Success)
         return 0;
     demand(std::visit(IsStored{store, path}, value), "the value is in memory");
     demand(store.save(false), "it can be saved");
-    demand(propertylist::parse(after, disk.content, error), "what was saved can be parsed");
-    demand(takeOut(before, after, propertylist::splitKeyPath(path)), "the value is where it belongs");
+    demand(property_list::parse(after, disk.content, error), "what was saved can be parsed");
+    demand(takeOut(before, after, property_list::splitKeyPath(path)), "the value is where it belongs");
     demand(sameTree(&before, &after), "all else is as it was");
 
     PlistPreferences again("Store", 0, std::make_unique<MemoryLayer>(disk));

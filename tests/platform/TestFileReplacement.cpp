@@ -16,8 +16,8 @@
 #include <unistd.h>
 
 namespace fs = std::filesystem;
-using childprocess::contentOf;
-using childprocess::fill;
+using child_process::contentOf;
+using child_process::fill;
 
 namespace {
 
@@ -30,7 +30,7 @@ protected:
 
     bool isWhole() const { return contentOf(file) == oldContent || contentOf(file) == newContent; }
 
-    fs::path folder = childprocess::freshFolder();
+    fs::path folder = child_process::freshFolder();
     fs::path file = folder / "file";
     fs::path temporary = folder / "file.tmp";
 };
@@ -42,9 +42,9 @@ TEST_F(FileReplacement, everyStepMayFail)
     int number = 1;
     for (bool cameUp = true; cameUp; ++number) {
         fill(file, oldContent);
-        filefaults::failCall(number, ENOSPC);
+        file_faults::failCall(number, ENOSPC);
         const platform::FileResult result = platform::replaceFile(file, newContent);
-        cameUp = filefaults::clear();
+        cameUp = file_faults::clear();
         EXPECT_TRUE(isWhole()) << "step " << number;
         EXPECT_EQ(result.reason.empty(), !cameUp) << "step " << number;
         EXPECT_EQ(contentOf(file) == newContent,
@@ -56,31 +56,31 @@ TEST_F(FileReplacement, everyStepMayFail)
 
 TEST_F(FileReplacement, contentIsDurableBeforeItMoves)
 {
-    filefaults::clear();
+    file_faults::clear();
     EXPECT_TRUE(platform::replaceFile(file, newContent));
-    EXPECT_EQ(filefaults::trace(), "open ftruncate fchmod write fsync rename open fsync ");
+    EXPECT_EQ(file_faults::trace(), "open ftruncate fchmod write fsync rename open fsync ");
 }
 
 TEST_F(FileReplacement, muchContentBecomesDurableOnTheWay)
 {
     platform::FileReplacement replacement(file);
-    filefaults::clear();
+    file_faults::clear();
     for (int i = 0; i < 8; ++i)
         EXPECT_TRUE(replacement.append(std::string(1U << 20U, 'n')));
-    EXPECT_EQ(filefaults::trace(), "write write write write fsync write write write write fsync ");
+    EXPECT_EQ(file_faults::trace(), "write write write write fsync write write write write fsync ");
 }
 
 TEST_F(FileReplacement, shortWritesAreCompleted)
 {
-    filefaults::shortWrites(7);
+    file_faults::shortWrites(7);
     EXPECT_EQ(platform::replaceFile(file, newContent).reason, "");
-    filefaults::clear();
+    file_faults::clear();
     EXPECT_EQ(contentOf(file), newContent);
 }
 
 TEST_F(FileReplacement, sizeLimit)
 {
-    EXPECT_EQ(childprocess::run([this] {
+    EXPECT_EQ(child_process::run([this] {
         std::signal(SIGXFSZ, SIG_IGN);
         const rlimit limit{4096, 4096};
         setrlimit(RLIMIT_FSIZE, &limit);
@@ -136,10 +136,10 @@ TEST_F(FileReplacement, processesTakeTurns)
         }
         return 0;
     };
-    const pid_t first = childprocess::start(append);
-    const pid_t second = childprocess::start(append);
-    EXPECT_EQ(childprocess::finish(first), 0);
-    EXPECT_EQ(childprocess::finish(second), 0);
+    const pid_t first = child_process::start(append);
+    const pid_t second = child_process::start(append);
+    EXPECT_EQ(child_process::finish(first), 0);
+    EXPECT_EQ(child_process::finish(second), 0);
     EXPECT_EQ(contentOf(file).size(), 2U * rounds);
 }
 

@@ -7,8 +7,8 @@
 
 #include <gtest/gtest.h>
 
-using propertylist::Data;
-using propertylist::List;
+using property_list::Data;
+using property_list::List;
 
 namespace {
 
@@ -141,7 +141,7 @@ TEST_F(Preferences, whatAFileCannotHoldIsRefused)
 {
     loadDocument("");
     std::string deepest;
-    for (std::size_t depth = 0; depth < propertylist::deepestKeyPath; ++depth)
+    for (std::size_t depth = 0; depth < property_list::deepestKeyPath; ++depth)
         deepest += "/k";
     EXPECT_EQ(store.setString("a", std::string("x\0y", 3)), ResultCode::WrongType);
     EXPECT_EQ(store.setString(std::string_view("a\0b", 3), "x"), ResultCode::WrongType);
@@ -155,7 +155,7 @@ TEST_F(Preferences, whatAFileCannotHoldIsRefused)
     ASSERT_TRUE(store.load(error, false));
     EXPECT_EQ(store.getList(deepest, nullptr, nullptr, false), ResultCode::Success);
 
-    EXPECT_EQ(store.setString("large", std::string(propertylist::largestFile, 'x')), ResultCode::Success);
+    EXPECT_EQ(store.setString("large", std::string(property_list::largestFile, 'x')), ResultCode::Success);
     EXPECT_FALSE(store.save(false)) << "it could not be read again";
     EXPECT_NE(store.saveError(), "");
 }

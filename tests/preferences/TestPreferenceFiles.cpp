@@ -16,8 +16,8 @@
 #include <unistd.h>
 
 namespace fs = std::filesystem;
-using childprocess::contentOf;
-using childprocess::fill;
+using child_process::contentOf;
+using child_process::fill;
 
 namespace {
 
@@ -64,20 +64,20 @@ protected:
         }
     }
 
-    fs::path parent = childprocess::freshFolder();
+    fs::path parent = child_process::freshFolder();
     fs::path folder = parent / "Brindlewood";
     fs::path file = folder / "Corvale.plist";
     std::string error;
 };
 
-const char* const openError = "ERROR: Failed to open preference file.";
+constexpr const char* openError = "ERROR: Failed to open preference file.";
 
 } // namespace
 
 TEST_F(PreferenceFiles, firstRunMakesFolderAndFile)
 {
     loaded();
-    EXPECT_EQ(contentOf(file), propertylist::emptyFile);
+    EXPECT_EQ(contentOf(file), property_list::emptyFile);
     EXPECT_EQ(std::distance(fs::directory_iterator(folder), {}), 1) << "and nothing else";
 }
 
@@ -233,10 +233,10 @@ TEST_F(PreferenceFiles, everyStepOfASaveMayBeTheLast)
     int number = 0;
     while (code == -SIGKILL) {
         fill(file, before);
-        code = childprocess::run([this, step = ++number] {
+        code = child_process::run([this, step = ++number] {
             const auto store = loaded();
             store->setString("a", "after");
-            filefaults::killAtCall(step);
+            file_faults::killAtCall(step);
             return store->save(false) ? 0 : 1;
         });
         EXPECT_TRUE(contentOf(file) == before || contentOf(file) == after) << "killed at step " << number;
@@ -254,9 +254,9 @@ TEST_F(PreferenceFiles, everyStepOfASaveMayFail)
         fill(file, before);
         const auto store = loaded();
         store->setString("a", "after");
-        filefaults::failCall(number, EIO);
+        file_faults::failCall(number, EIO);
         const bool saved = store->save(false);
-        cameUp = filefaults::clear();
+        cameUp = file_faults::clear();
         EXPECT_TRUE(contentOf(file) == before || contentOf(file) == after) << "step " << number;
         EXPECT_EQ(saved, store->saveError().empty());
         store->setString("b", "next");
@@ -269,9 +269,9 @@ TEST_F(PreferenceFiles, everyStepOfASaveMayFail)
 TEST_F(PreferenceFiles, fullDiskAndReadOnlyFolder)
 {
     loaded();
-    const int code = childprocess::run([this] {
-        if (!childprocess::mountSmallDisk(folder, "size=64k"))
-            return childprocess::skipped;
+    const int code = child_process::run([this] {
+        if (!child_process::mountSmallDisk(folder, "size=64k"))
+            return child_process::skipped;
         const auto store = loaded();
         store->setString("kept", "1");
         EXPECT_TRUE(store->save(false));
@@ -282,14 +282,14 @@ TEST_F(PreferenceFiles, fullDiskAndReadOnlyFolder)
         EXPECT_TRUE(store->save(false)) << "the values are still there and still unsaved";
         EXPECT_EQ(stored("kept") + stored("large"), "1small");
 
-        EXPECT_TRUE(childprocess::makeReadOnly(folder));
+        EXPECT_TRUE(child_process::makeReadOnly(folder));
         store->setString("kept", "2");
         EXPECT_TRUE(store->save(false))
             << "without a temporary file there is no stream, and that counts as done";
         EXPECT_EQ(stored("kept"), "1");
         return 0;
     });
-    if (code == childprocess::skipped)
+    if (code == child_process::skipped)
         GTEST_SKIP() << "no disk may be mounted here";
     EXPECT_EQ(code, 0);
 }
@@ -299,7 +299,7 @@ TEST_F(PreferenceFiles, aFileThatAnotherProcessMakesFirstIsNotReplaced)
     const std::string theirs = "<plist><dict><key>a</key><string>theirs</string></dict></plist>";
     int ready[2];
     ASSERT_EQ(pipe(ready), 0);
-    const pid_t child = childprocess::start([&] {
+    const pid_t child = child_process::start([&] {
         char token = 0;
         EXPECT_EQ(read(ready[0], &token, 1), 1);
         loaded();
@@ -309,11 +309,11 @@ TEST_F(PreferenceFiles, aFileThatAnotherProcessMakesFirstIsNotReplaced)
     {
         platform::FileReplacement replacement(file);
         ASSERT_EQ(write(ready[1], "t", 1), 1);
-        while (!childprocess::hasOpen(child, folder / "Corvale.plist.tmp"))
+        while (!child_process::hasOpen(child, folder / "Corvale.plist.tmp"))
             std::this_thread::yield();
         EXPECT_TRUE(replacement.commit(theirs));
     }
-    EXPECT_EQ(childprocess::finish(child), 0);
+    EXPECT_EQ(child_process::finish(child), 0);
     EXPECT_EQ(contentOf(file), theirs);
 }
 
@@ -339,10 +339,10 @@ TEST_F(PreferenceFiles, twoProcessesInTurnLoseNothingEvenWithAFrozenClock)
     };
     loaded();
     const pid_t children[] = {
-        childprocess::start([&] { return writer(0); }), childprocess::start([&] { return writer(1); })};
+        child_process::start([&] { return writer(0); }), child_process::start([&] { return writer(1); })};
     ASSERT_EQ(write(turns[0][1], "t", 1), 1);
-    EXPECT_EQ(childprocess::finish(children[0]), 0);
-    EXPECT_EQ(childprocess::finish(children[1]), 0);
+    EXPECT_EQ(child_process::finish(children[0]), 0);
+    EXPECT_EQ(child_process::finish(children[1]), 0);
     expectAllKeys(rounds);
 }
 
@@ -359,8 +359,8 @@ TEST_F(PreferenceFiles, twoProcessesAtOnceLoseNothing)
     };
     // Both begin without a file, so they also meet while they make it.
     const pid_t children[] = {
-        childprocess::start([&] { return writer(0); }), childprocess::start([&] { return writer(1); })};
-    EXPECT_EQ(childprocess::finish(children[0]), 0);
-    EXPECT_EQ(childprocess::finish(children[1]), 0);
+        child_process::start([&] { return writer(0); }), child_process::start([&] { return writer(1); })};
+    EXPECT_EQ(child_process::finish(children[0]), 0);
+    EXPECT_EQ(child_process::finish(children[1]), 0);
     expectAllKeys(rounds);
 }

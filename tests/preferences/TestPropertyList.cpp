@@ -34,14 +34,14 @@ std::string withoutIndentation(const std::string& text)
 
 class Documents : public testing::TestWithParam<DocumentCase> { };
 
-const char* const missingKey = "ERROR: Missing <key> tag\n";
-const char* const noValue = "ERROR: Key missing value!";
-const char* const keyForValue = "ERROR: Key missing value\n";
-const char* const keyInArray = "ERROR: Array elements cannot contain a <key> tag!\n";
-const char* const emptyRoot = "<plistversion=\"1.0\"><dict/></plist>";
+constexpr const char* missingKey = "ERROR: Missing <key> tag\n";
+constexpr const char* noValue = "ERROR: Key missing value!";
+constexpr const char* keyForValue = "ERROR: Key missing value\n";
+constexpr const char* keyInArray = "ERROR: Array elements cannot contain a <key> tag!\n";
+constexpr const char* emptyRoot = "<plistversion=\"1.0\"><dict/></plist>";
 
 const DocumentCase documentCases[] = {
-    {"template", propertylist::emptyFile.data(), true, true, "", nullptr},
+    {"template", property_list::emptyFile.data(), true, true, "", nullptr},
     {"empty", "", false, true, "", emptyRoot},
     {"noXml", "no xml", false, true, "", emptyRoot},
     {"cutShort", "<plist><dict><key>a</key>", false, true, "", emptyRoot},
@@ -77,12 +77,12 @@ TEST_P(Documents, areRepairedOrRefused)
     tinyxml2::XMLDocument document;
     std::string parserError;
     std::string error = "before ";
-    EXPECT_EQ(propertylist::parse(document, given.document, parserError), given.parsed);
+    EXPECT_EQ(property_list::parse(document, given.document, parserError), given.parsed);
     EXPECT_EQ(parserError.empty(), given.parsed);
-    EXPECT_EQ(propertylist::repair(document, error), given.sound);
+    EXPECT_EQ(property_list::repair(document, error), given.sound);
     EXPECT_EQ(error, std::string("before ") + given.error);
     if (given.result) {
-        EXPECT_EQ(withoutIndentation(propertylist::print(document)), given.result);
+        EXPECT_EQ(withoutIndentation(property_list::print(document)), given.result);
     }
 }
 
@@ -91,7 +91,7 @@ INSTANTIATE_TEST_SUITE_P(PropertyList, Documents, testing::ValuesIn(documentCase
 
 TEST(PropertyList, templateIsFixed)
 {
-    EXPECT_EQ(propertylist::emptyFile,
+    EXPECT_EQ(property_list::emptyFile,
         "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<!DOCTYPE plist PUBLIC \"-//Apple Computer//DTD PLIST "
         "1.0//EN\" "
         "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n<plist "
@@ -100,13 +100,13 @@ TEST(PropertyList, templateIsFixed)
 
 TEST(PropertyList, keyPathsAreCutAtSlashes)
 {
-    using propertylist::KeyPath;
+    using property_list::KeyPath;
     for (const char* text : {"a/b", "/a/b", "a/b/", "/a//b/", "///a///b///"})
-        EXPECT_EQ(propertylist::splitKeyPath(text), (KeyPath{"a", "b"})) << text;
+        EXPECT_EQ(property_list::splitKeyPath(text), (KeyPath{"a", "b"})) << text;
     for (const char* text : {"", "/", "//"})
-        EXPECT_TRUE(propertylist::splitKeyPath(text).empty()) << text;
-    EXPECT_EQ(propertylist::splitKeyPath("/ /.."), (KeyPath{" ", ".."}));
-    EXPECT_EQ(preferencekeys::prefixed(preferencekeys::guiFont), "Corvale 10.17.2/gui_font");
+        EXPECT_TRUE(property_list::splitKeyPath(text).empty()) << text;
+    EXPECT_EQ(property_list::splitKeyPath("/ /.."), (KeyPath{" ", ".."}));
+    EXPECT_EQ(preference_keys::prefixed(preference_keys::guiFont), "Corvale 10.17.2/gui_font");
 }
 
 TEST(PropertyList, findTakesTheFirstMatchAndDoesNotAskForADict)
@@ -114,10 +114,10 @@ TEST(PropertyList, findTakesTheFirstMatchAndDoesNotAskForADict)
     tinyxml2::XMLDocument document;
     std::string error;
     const auto found = [&document](const char* path) -> std::string {
-        const propertylist::Found result = propertylist::find(document, propertylist::splitKeyPath(path));
-        return result.code == ResultCode::Success ? propertylist::textOf(*result.value) : "none";
+        const property_list::Found result = property_list::find(document, property_list::splitKeyPath(path));
+        return result.code == ResultCode::Success ? property_list::textOf(*result.value) : "none";
     };
-    ASSERT_TRUE(propertylist::parse(document,
+    ASSERT_TRUE(property_list::parse(document,
         "<plist><dict><key/><string>0</string><key>a</key><string>1</string><key>a</key><string>2</string>"
         "<key>l</key><array><string>x</string><string>3</string></array>"
         "<key>d<!--c-->e&amp;<![CDATA[<]]></key><string>4<!--c-->5</string></dict></plist>",
@@ -135,14 +135,14 @@ TEST(PropertyList, printingKeepsEveryText)
         {" ", "\r", "\n\r\n", " \t\v ", "a\rb", "  a  ", "<&>\"']]>", "\xff\xfe", "&#13;"}) {
         tinyxml2::XMLDocument document;
         std::string error;
-        ASSERT_TRUE(propertylist::repair(document, error));
-        propertylist::setText(
-            *propertylist::place(document, {text}, propertylist::ElementName::String), text);
+        ASSERT_TRUE(property_list::repair(document, error));
+        property_list::setText(
+            *property_list::place(document, {text}, property_list::ElementName::String), text);
         tinyxml2::XMLDocument again;
-        ASSERT_TRUE(propertylist::parse(again, propertylist::print(document), error)) << error;
-        const propertylist::Found found = propertylist::find(again, {text});
-        ASSERT_EQ(found.code, ResultCode::Success) << propertylist::print(document);
-        EXPECT_EQ(propertylist::textOf(*found.value), text);
+        ASSERT_TRUE(property_list::parse(again, property_list::print(document), error)) << error;
+        const property_list::Found found = property_list::find(again, {text});
+        ASSERT_EQ(found.code, ResultCode::Success) << property_list::print(document);
+        EXPECT_EQ(property_list::textOf(*found.value), text);
     }
 }
 

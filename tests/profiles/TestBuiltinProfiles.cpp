@@ -114,8 +114,8 @@ TEST(BuiltinProfiles, areThirteenWithTheirOwnNames)
 
 TEST(BuiltinProfiles, areCompiledIn)
 {
-    EXPECT_EQ(builtinprofiles::documents().size(), builtinFiles().size());
-    for (const auto& [name, xml] : builtinprofiles::documents()) {
+    EXPECT_EQ(builtin_profiles::documents().size(), builtinFiles().size());
+    for (const auto& [name, xml] : builtin_profiles::documents()) {
         const auto path = std::filesystem::path(CORVALE_BUILTIN_PROFILES) / name;
         EXPECT_TRUE(ProfileData::fromText(xml) == ProfileData::fromFile(path.string())) << name;
     }
@@ -154,7 +154,7 @@ TEST_P(BuiltinProfile, hasEveryLimitOfItsVersionsAndMeetsTheMinimum)
         std::set<std::string> known;
         for (const Limit& limit : limits) {
             const bool wanted = version >= limit.first && version <= limit.last
-                && (limit.extension == nullptr || names.contains(limit.extension));
+                && (!limit.extension || names.contains(limit.extension));
             const auto found = have.find(limit.key);
             if (!wanted)
                 continue;

@@ -10,7 +10,7 @@
 #include <sys/stat.h>
 
 namespace fs = std::filesystem;
-using childprocess::fill;
+using child_process::fill;
 
 namespace {
 
@@ -19,7 +19,7 @@ std::string document(const std::string& device)
     return "<profile><device>" + device + "</device><egl/></profile>";
 }
 
-constexpr std::array<builtinprofiles::TextEntry, 4> builtins{{
+constexpr std::array<builtin_profiles::TextEntry, 4> builtins{{
     {"a.xml", "<profile><device>BW 10</device></profile>"},
     {"b.xml", "<profile><renderer>part</renderer></profile>"},
     {"c.xml", "<profile><device>bw 9</device></profile>"},
@@ -32,7 +32,7 @@ protected:
     {
         std::string error;
         preferences.load(error, false);
-        preferences.setString(preferencekeys::prefixed(preferencekeys::profilesDirectory), folder.string());
+        preferences.setString(preference_keys::prefixed(preference_keys::profilesDirectory), folder.string());
     }
 
     std::vector<std::string> userKeys() const
@@ -50,12 +50,12 @@ protected:
             texts.emplace_back(file).append(": ").append(reason);
         return texts;
     }
-    void open(std::span<const builtinprofiles::TextEntry> documents = {})
+    void open(std::span<const builtin_profiles::TextEntry> documents = {})
     {
         catalogue.emplace(preferences, documents);
     }
 
-    const fs::path folder = childprocess::freshFolder();
+    const fs::path folder = child_process::freshFolder();
     PlistPreferences preferences{"Catalogue" + folder.filename().string(), TSRPreferencesImpl::perUser};
     std::optional<ProfileCatalogue> catalogue;
 };
@@ -109,7 +109,7 @@ TEST_F(Catalogue, everyBadFileCostsItselfAlone)
     fs::create_symlink("loop.xml", folder / "loop.xml");
     fs::create_symlink("fifo.xml", folder / "fifolink.xml");
     fs::create_symlink("good.xml", folder / "twice.xml");
-    const fs::path elsewhere = childprocess::freshFolder();
+    const fs::path elsewhere = child_process::freshFolder();
     fill(elsewhere / "target.xml", document("linked"));
     fs::create_symlink(elsewhere / "target.xml", folder / "link.xml");
     open();
@@ -147,7 +147,7 @@ TEST_F(Catalogue, directoryComesFromThePreferenceThenTheEnvironment)
     setenv("CORVALE_PROFILE_PATH", "/from/environment", 1);
     EXPECT_EQ(ProfileCatalogue::profilesDirectory(fresh), "/from/environment");
     EXPECT_EQ(ProfileCatalogue::profilesDirectory(preferences), folder.string());
-    fresh.setString(preferencekeys::prefixed("/profiles_directory"), "");
+    fresh.setString(preference_keys::prefixed("/profiles_directory"), "");
     EXPECT_EQ(ProfileCatalogue::profilesDirectory(fresh), "");
     unsetenv("CORVALE_PROFILE_PATH");
 }
@@ -225,7 +225,7 @@ TEST_F(Catalogue, reloadKeepsWhatWasJustSavedOrNever)
     const auto unsaved = catalogue->copyProfile(*old);
     copy->edit()->setFileName("copy.xml");
     for (const auto& profile : {old, copy})
-        EXPECT_FALSE(profilefile::write(profile->data(), folder.string()));
+        EXPECT_FALSE(profile_file::write(profile->data(), folder.string()));
     for (int times = 0; times < 2; ++times) {
         catalogue->reload();
         EXPECT_EQ(catalogue->userProfiles(), (std::vector{copy, old, unsaved}));
@@ -250,7 +250,7 @@ TEST_F(Catalogue, currentProfileIsRemembered)
         std::string error;
         ASSERT_TRUE(stored.load(error, false)) << error;
         std::string text;
-        stored.getString(preferencekeys::productPrefix() + "/current_profile", &text, nullptr, false);
+        stored.getString(preference_keys::productPrefix() + "/current_profile", &text, nullptr, false);
         EXPECT_EQ(text, key);
         EXPECT_EQ(catalogue->current(), catalogue->find(key));
     }

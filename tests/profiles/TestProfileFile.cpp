@@ -3,8 +3,8 @@
 #include "ProfileFile.h"
 
 namespace fs = std::filesystem;
-using childprocess::contentOf;
-using childprocess::fill;
+using child_process::contentOf;
+using child_process::fill;
 
 namespace {
 
@@ -17,14 +17,14 @@ protected:
     }
 
     /// Whether the save failed, leaving the old file and nothing else behind.
-    bool failsCleanly(const std::optional<profilefile::Failure>& failure) const
+    bool failsCleanly(const std::optional<profile_file::Failure>& failure) const
     {
         return failure && failure->reason.find(file.string()) != std::string::npos
             && contentOf(file) == oldContent
             && std::distance(fs::directory_iterator(folder), fs::directory_iterator()) == 1;
     }
 
-    const fs::path folder = childprocess::freshFolder();
+    const fs::path folder = child_process::freshFolder();
     const fs::path file = folder / "a.xml";
     const std::string oldContent = "<profile><device>old</device></profile>";
     ProfileData profile = ProfileData::fromText("<profile><device>new</device></profile>");
@@ -32,15 +32,15 @@ protected:
 
 TEST_F(ProfileFile, holdsWhatWasSaved)
 {
-    EXPECT_FALSE(profilefile::write(profile, folder.string()));
+    EXPECT_FALSE(profile_file::write(profile, folder.string()));
     EXPECT_EQ(contentOf(file), profile.toXml());
     const ProfileData loaded = ProfileData::fromFile(file.string());
     EXPECT_EQ(loaded, profile);
     EXPECT_EQ(loaded.fileName(), "a.xml");
-    EXPECT_FALSE(profilefile::write(loaded, folder.string() + '/'));
+    EXPECT_FALSE(profile_file::write(loaded, folder.string() + '/'));
     EXPECT_EQ(contentOf(file), profile.toXml());
     fs::current_path(folder);
-    EXPECT_EQ(profilefile::pathFor(".", "b"), folder / "." / "b");
+    EXPECT_EQ(profile_file::pathFor(".", "b"), folder / "." / "b");
 }
 
 TEST_F(ProfileFile, loadingNamesTheFile)
@@ -69,25 +69,25 @@ TEST_F(ProfileFile, loadingNamesTheFile)
 
 TEST_F(ProfileFile, foldersThatCannotBeWritten)
 {
-    const auto missing = profilefile::write(profile, (folder / "none").string());
+    const auto missing = profile_file::write(profile, (folder / "none").string());
     ASSERT_TRUE(missing);
     EXPECT_TRUE(missing->notOpened);
-    const int code = childprocess::run([this] {
-        if (!childprocess::mountSmallDisk(folder, "size=16k"))
-            return childprocess::skipped;
+    const int code = child_process::run([this] {
+        if (!child_process::mountSmallDisk(folder, "size=16k"))
+            return child_process::skipped;
         fill(file, oldContent);
         ProfileData large = profile;
         large.setVendor(std::string(100000, 'v'));
-        const auto full = profilefile::write(large, folder.string());
+        const auto full = profile_file::write(large, folder.string());
         EXPECT_TRUE(failsCleanly(full));
         EXPECT_FALSE(full->notOpened);
-        EXPECT_TRUE(childprocess::makeReadOnly(folder));
-        const auto readOnly = profilefile::write(profile, folder.string());
+        EXPECT_TRUE(child_process::makeReadOnly(folder));
+        const auto readOnly = profile_file::write(profile, folder.string());
         EXPECT_TRUE(failsCleanly(readOnly));
         EXPECT_TRUE(readOnly->notOpened);
         return 0;
     });
-    if (code == childprocess::skipped)
+    if (code == child_process::skipped)
         GTEST_SKIP() << "no disk may be mounted here";
     EXPECT_EQ(code, 0);
 }
@@ -99,7 +99,7 @@ TEST_F(ProfileFile, nothingIsWrittenOutsideOfTheFolder)
     fs::current_path(inside);
     const auto refusal = [this](const std::string& name, const std::string& directory) {
         profile.setFileName(name);
-        const auto failure = profilefile::write(profile, directory);
+        const auto failure = profile_file::write(profile, directory);
         return failure && !failure->notOpened ? failure->reason : "not refused";
     };
     for (const std::string name : {"", ".", "..", "../a.xml", "sub/b.xml", "b/"})

@@ -2,8 +2,8 @@
 #include "ProfileData.h"
 #include "ProfileImport.h"
 
-using childprocess::fill;
-using childprocess::freshFolder;
+using child_process::fill;
+using child_process::freshFolder;
 
 namespace {
 

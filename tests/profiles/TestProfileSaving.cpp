@@ -45,7 +45,7 @@ void TestProfileSaving::init()
 void TestProfileSaving::savesWithoutQuestionWhenThereIsAName()
 {
     m_profile.setFileName("a.xml");
-    QVERIFY(profilesaving::save(m_profile, folder()));
+    QVERIFY(profile_saving::save(m_profile, folder()));
     QCOMPARE(contentOf(QStringLiteral("a.xml")), m_xml);
 }
 
@@ -66,7 +66,7 @@ void TestProfileSaving::asksForAName()
         dialog.setTextValue(name);
         dialog.accept();
     });
-    QVERIFY(profilesaving::save(m_profile, folder()));
+    QVERIFY(profile_saving::save(m_profile, folder()));
     QCOMPARE(QString::fromStdString(m_profile.fileName()), name);
     QCOMPARE(contentOf(name), m_xml);
 
@@ -75,11 +75,11 @@ void TestProfileSaving::asksForAName()
     answers.enter(title, name);
     answers.press(title, QStringLiteral("Cancel"));
     answers.enter(title, QString());
-    QVERIFY(!profilesaving::saveAs(m_profile, folder()));
+    QVERIFY(!profile_saving::saveAs(m_profile, folder()));
     QCOMPARE(contentOf(name), m_xml);
     answers.enter(title, name);
     answers.press(title, QStringLiteral("Replace"));
-    QVERIFY(profilesaving::saveAs(m_profile, folder()));
+    QVERIFY(profile_saving::saveAs(m_profile, folder()));
     QCOMPARE(contentOf(name), QString::fromStdString(m_profile.toXml()));
     QCOMPARE(answers.problems(), QStringList());
 }
@@ -105,7 +105,7 @@ void TestProfileSaving::withoutANameNothingIsWritten()
             dialog.setTextValue(QString());
         dialog.done(cancels ? QDialog::Rejected : QDialog::Accepted);
     });
-    QVERIFY(!profilesaving::saveAs(m_profile, folder()));
+    QVERIFY(!profile_saving::saveAs(m_profile, folder()));
     QCOMPARE(QString::fromStdString(m_profile.fileName()), name);
     QVERIFY(QDir(m_folder->path()).isEmpty());
 }
@@ -141,7 +141,7 @@ void TestProfileSaving::failuresAreShown()
         QCOMPARE(box.icon(), QMessageBox::Critical);
         box.accept();
     });
-    QVERIFY(!profilesaving::saveAs(m_profile, (m_folder->path() + folder).toStdString()));
+    QVERIFY(!profile_saving::saveAs(m_profile, (m_folder->path() + folder).toStdString()));
     QCOMPARE(answers.problems(), QStringList());
     QCOMPARE(m_profile.fileName(), std::string("before.xml"));
 }

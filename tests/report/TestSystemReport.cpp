@@ -54,7 +54,7 @@ template <typename Dialog, typename Action> void onDialog(Action action)
 {
     QTimer::singleShot(0, qApp, [action] {
         auto* dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
-        QVERIFY(dialog != nullptr);
+        QVERIFY(dialog);
         action(*dialog);
     });
 }

@@ -13,7 +13,7 @@
 #include <unistd.h>
 
 /// Processes and files for tests of what happens on disk.
-namespace childprocess {
+namespace child_process {
 
 constexpr int skipped = 77;
 
@@ -90,4 +90,4 @@ inline std::filesystem::path freshFolder()
     return folder;
 }
 
-} // namespace childprocess
+} // namespace child_process

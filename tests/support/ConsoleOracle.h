@@ -7,7 +7,7 @@
 #include <QTextDocument>
 
 /// What a console must show, known from what it has kept.
-namespace consoleOracle {
+namespace console_oracle {
 
 /// The number in the line about earlier entries; 0 where there is no such line.
 inline int earlierEntries(const QTextDocument& document)
@@ -37,11 +37,11 @@ inline QString whyWrong(Console& console, const QTextDocument& document)
 {
     const int earlier = earlierEntries(document);
     ConsoleText text;
-    consoleEntry::Outline outline;
+    console_entry::Outline outline;
     ConsoleSpool::Reader reader(console.spool());
     int number = 0;
     for (std::string_view entry; reader.next(entry); ++number) {
-        consoleEntry::write(entry, text);
+        console_entry::write(entry, text);
         if (number < earlier) {
             outline.pass(entry);
             text.take();
@@ -65,4 +65,4 @@ inline QString whyWrong(Console& console, const QTextDocument& document)
     return difference(shown, (outline.isLineEmpty() ? QStringLiteral("\n") : QString()) + rest);
 }
 
-} // namespace consoleOracle
+} // namespace console_oracle

@@ -39,27 +39,27 @@ bool isFaulty(const char* name)
 
 } // namespace
 
-void filefaults::failCall(int number, int errorNumber)
+void file_faults::failCall(int number, int errorNumber)
 {
     arm(number, errorNumber);
 }
 
-void filefaults::killAtCall(int number)
+void file_faults::killAtCall(int number)
 {
     arm(number, 0);
 }
 
-void filefaults::shortWrites(unsigned int bytes)
+void file_faults::shortWrites(unsigned int bytes)
 {
     largestWrite = bytes;
 }
 
-const std::string& filefaults::trace()
+const std::string& file_faults::trace()
 {
     return callNames;
 }
 
-bool filefaults::clear()
+bool file_faults::clear()
 {
     callsLeft = 0;
     largestWrite = 0;

@@ -4,7 +4,7 @@
 
 /// Makes the file calls of the code under test fail or kill the process, one call after the other. For test
 /// binaries that corvale_wrap_file_calls() was called for.
-namespace filefaults {
+namespace file_faults {
 
 /// The call of that number (from 1) does nothing and fails with the errno value.
 void failCall(int number, int errorNumber);
@@ -21,4 +21,4 @@ const std::string& trace();
 /// Back to normal. Returns whether the fault came up.
 bool clear();
 
-} // namespace filefaults
+} // namespace file_faults

@@ -9,7 +9,7 @@
 
 /// What a MemoryLayer stores, counts and is told to refuse.
 struct MemoryDisk {
-    std::string content{propertylist::emptyFile};
+    std::string content{property_list::emptyFile};
     std::uint32_t stamp = 1;
     bool readable = true;
     bool writable = true;

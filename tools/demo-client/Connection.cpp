@@ -77,7 +77,7 @@ std::string socketPath(const std::string& pathOrName)
     if (pathOrName.find('/') != std::string::npos)
         return pathOrName;
     const char* folder = std::getenv("TMPDIR");
-    std::string path = folder != nullptr && *folder != '\0' ? folder : "/tmp";
+    std::string path = folder && *folder != '\0' ? folder : "/tmp";
     if (path.back() != '/')
         path += '/';
     return path + pathOrName;

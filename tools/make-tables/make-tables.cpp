@@ -98,7 +98,7 @@ void writeEnumerants(const std::string& input, std::ostream& out)
     for (const Enumerant& enumerant : enumerants) {
         byName.emplace(enumerant.name, enumerant.value);
         const Enumerant*& chosen = byValue[enumerant.value];
-        const bool better = chosen == nullptr || isFixedChoice(enumerant.name)
+        const bool better = !chosen || isFixedChoice(enumerant.name)
             || (!isFixedChoice(chosen->name) && rank(enumerant) < rank(*chosen));
         if (better)
             chosen = &enumerant;
@@ -130,7 +130,7 @@ void writeNumbers(const std::string& input, const std::string& table, std::ostre
     for (const std::string& line : readLines(input)) {
         const std::size_t tab = line.find('\t');
         std::int32_t value = 0;
-        const char* const end = line.data() + line.size();
+        const char* end = line.data() + line.size();
         const auto [stop, error] =
             std::from_chars(line.data() + std::min(tab, line.size() - 1) + 1, end, value);
         if (tab == std::string::npos || error != std::errc() || (stop != end && *stop != '\t'))

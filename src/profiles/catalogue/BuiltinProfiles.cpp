@@ -4,7 +4,7 @@
 
 using namespace std::string_view_literals;
 
-namespace builtinprofiles {
+namespace builtin_profiles {
 
 namespace {
 
@@ -17,4 +17,4 @@ std::span<const TextEntry> documents()
     return texts;
 }
 
-} // namespace builtinprofiles
+} // namespace builtin_profiles

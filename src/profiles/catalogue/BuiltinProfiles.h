@@ -3,7 +3,7 @@
 #include <span>
 #include <string_view>
 
-namespace builtinprofiles {
+namespace builtin_profiles {
 
 struct TextEntry {
     std::string_view fileName;
@@ -13,4 +13,4 @@ struct TextEntry {
 /// The documents of builtin/*.xml as they were compiled in, by file name.
 std::span<const TextEntry> documents();
 
-} // namespace builtinprofiles
+} // namespace builtin_profiles

@@ -19,16 +19,16 @@ constexpr std::string_view newProfileText =
 } // namespace
 
 ProfileCatalogue::ProfileCatalogue(
-    PlistPreferences& preferences, std::span<const builtinprofiles::TextEntry> builtins)
+    PlistPreferences& preferences, std::span<const builtin_profiles::TextEntry> builtins)
     : m_preferences(preferences)
 {
     loadBuiltins(builtins);
     reload();
 }
 
-void ProfileCatalogue::loadBuiltins(std::span<const builtinprofiles::TextEntry> documents)
+void ProfileCatalogue::loadBuiltins(std::span<const builtin_profiles::TextEntry> documents)
 {
-    for (const builtinprofiles::TextEntry& document : documents) {
+    for (const builtin_profiles::TextEntry& document : documents) {
         try {
             Pointer profile = ProfileDataWrapper::fromText(document.xml, false);
             // One without a name could neither be shown nor found.
@@ -82,7 +82,7 @@ ProfileCatalogue::Pointer ProfileCatalogue::newProfile()
 
 ProfileCatalogue::Pointer ProfileCatalogue::copyProfile(const ProfileDataWrapper& original)
 {
-    const std::string fileName = profilefile::nameFrom(original.data().displayName()) + " (copy).xml";
+    const std::string fileName = profile_file::nameFrom(original.data().displayName()) + " (copy).xml";
     Pointer copy = ProfileDataWrapper::copyOf(original);
     copy->edit()->setFileName(fileName);
     m_folder.add(copy);
@@ -91,7 +91,7 @@ ProfileCatalogue::Pointer ProfileCatalogue::copyProfile(const ProfileDataWrapper
 
 bool ProfileCatalogue::rememberCurrent(const std::string& key)
 {
-    const std::string keyPath = preferencekeys::prefixed(preferencekeys::currentProfile);
+    const std::string keyPath = preference_keys::prefixed(preference_keys::currentProfile);
     return m_preferences.setString(keyPath, key) == ResultCode::Success && m_preferences.save(false);
 }
 
@@ -99,16 +99,16 @@ ProfileCatalogue::Pointer ProfileCatalogue::current() const
 {
     const std::string none;
     std::string key;
-    m_preferences.getString(preferencekeys::prefixed(preferencekeys::currentProfile), &key, &none, true);
+    m_preferences.getString(preference_keys::prefixed(preference_keys::currentProfile), &key, &none, true);
     return find(key);
 }
 
 std::string ProfileCatalogue::profilesDirectory(const PlistPreferences& preferences)
 {
-    const char* const variable = std::getenv("CORVALE_PROFILE_PATH");
+    const char* variable = std::getenv("CORVALE_PROFILE_PATH");
     const std::string otherwise = variable ? variable : "";
     std::string directory;
     preferences.getString(
-        preferencekeys::prefixed(preferencekeys::profilesDirectory), &directory, &otherwise, true);
+        preference_keys::prefixed(preference_keys::profilesDirectory), &directory, &otherwise, true);
     return directory;
 }

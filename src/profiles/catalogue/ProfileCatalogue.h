@@ -21,7 +21,7 @@ public:
 
     /// Reads both lists. The preferences must outlive the catalogue.
     explicit ProfileCatalogue(PlistPreferences& preferences,
-        std::span<const builtinprofiles::TextEntry> builtins = builtinprofiles::documents());
+        std::span<const builtin_profiles::TextEntry> builtins = builtin_profiles::documents());
 
     /// Reads the profiles directory again; ProfileFolder::read() tells which profiles stay.
     void reload();
@@ -63,7 +63,7 @@ public:
     std::string profilesDirectory() const { return profilesDirectory(m_preferences); }
 
 private:
-    void loadBuiltins(std::span<const builtinprofiles::TextEntry> documents);
+    void loadBuiltins(std::span<const builtin_profiles::TextEntry> documents);
 
     PlistPreferences& m_preferences;
     std::vector<Pointer> m_builtins;

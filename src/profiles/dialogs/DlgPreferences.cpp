@@ -45,7 +45,7 @@ DlgPreferences::DlgPreferences(PlistPreferences* preferences, QWidget* parent)
     const bool loose = false;
     bool strict = loose;
     m_preferences->getBoolean(
-        preferencekeys::prefixed(preferencekeys::strictContextMode), &strict, &loose, true);
+        preference_keys::prefixed(preference_keys::strictContextMode), &strict, &loose, true);
     (strict ? m_ui->radioStrict : m_ui->radioLoose)->setChecked(true);
 
     const int oldWidth = width();
@@ -95,10 +95,10 @@ void DlgPreferences::setUpConnections()
 
 void DlgPreferences::accept()
 {
-    m_preferences->setString(preferencekeys::prefixed(preferencekeys::profilesDirectory),
+    m_preferences->setString(preference_keys::prefixed(preference_keys::profilesDirectory),
         m_ui->txtProfilesDirectory->text().toStdString());
     m_preferences->setBoolean(
-        preferencekeys::prefixed(preferencekeys::strictContextMode), m_ui->radioStrict->isChecked());
+        preference_keys::prefixed(preference_keys::strictContextMode), m_ui->radioStrict->isChecked());
     m_hasUnsavedPreferences = !m_preferences->save(false);
     close();
 }

@@ -17,7 +17,7 @@ namespace {
 
 QString tr(const char* text)
 {
-    return QCoreApplication::translate("profilecopying", text);
+    return QCoreApplication::translate("profile_copying", text);
 }
 
 std::filesystem::path filePath(const QString& name)
@@ -63,7 +63,7 @@ bool userAgrees(const QString& path, const QString& folder, QWidget* parent)
 
 } // namespace
 
-namespace profilecopying {
+namespace profile_copying {
 
 QString offerCopy(const QString& path, const std::string& directory, QWidget* parent)
 {
@@ -92,4 +92,4 @@ QString offerCopy(const QString& path, const std::string& directory, QWidget* pa
     return {};
 }
 
-} // namespace profilecopying
+} // namespace profile_copying

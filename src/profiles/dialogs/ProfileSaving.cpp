@@ -12,18 +12,18 @@
 #include <filesystem>
 #include <stdexcept>
 
-namespace profilesaving {
+namespace profile_saving {
 
 namespace {
 
 QString tr(const char* text)
 {
-    return QCoreApplication::translate("profilesaving", text);
+    return QCoreApplication::translate("profile_saving", text);
 }
 
 QWidget* owner(QWidget* parent)
 {
-    QWidget* const active = QApplication::activeWindow();
+    QWidget* active = QApplication::activeWindow();
     return active ? active : parent;
 }
 
@@ -47,7 +47,7 @@ bool mayReplace(const std::filesystem::path& path, QWidget* parent)
         tr("There is a file '%1' already.").arg(QString::fromStdString(path.filename().string())),
         tr("Replacing it drops the profile that is in it. Cancel to enter another name."), owner(parent),
         QMessageBox::Cancel);
-    const QAbstractButton* const replace = box.addButton(tr("&Replace"), QMessageBox::DestructiveRole);
+    const QAbstractButton* replace = box.addButton(tr("&Replace"), QMessageBox::DestructiveRole);
     box.setDefaultButton(QMessageBox::Cancel);
     box.exec();
     return box.clickedButton() == replace;
@@ -75,11 +75,11 @@ std::string askForFileName(const ProfileData& profile, const std::string& direct
     do {
         name = enteredName(name, owner(parent));
     } while (!name.isEmpty() && !directory.empty()
-        && !mayReplace(profilefile::pathFor(directory, name.toStdString()), parent));
+        && !mayReplace(profile_file::pathFor(directory, name.toStdString()), parent));
     return name.toStdString();
 }
 
-void showFailure(const profilefile::Failure& failure, const std::string& path, QWidget* parent)
+void showFailure(const profile_file::Failure& failure, const std::string& path, QWidget* parent)
 {
     PlainMessageBox(QMessageBox::Critical, QStringLiteral("Corvale GUI"), tr("Failed to save file"),
         failure.notOpened ? tr("Could not open file '%1'").arg(QString::fromStdString(path))
@@ -90,9 +90,9 @@ void showFailure(const profilefile::Failure& failure, const std::string& path, Q
 
 bool write(const ProfileData& profile, const std::string& directory, QWidget* parent)
 {
-    const std::optional<profilefile::Failure> failure = profilefile::write(profile, directory);
+    const std::optional<profile_file::Failure> failure = profile_file::write(profile, directory);
     if (failure) {
-        const std::string path = profilefile::pathFor(directory, profile.fileName()).string();
+        const std::string path = profile_file::pathFor(directory, profile.fileName()).string();
         showFailure(*failure, path, parent);
     }
     return !failure;
@@ -119,4 +119,4 @@ bool saveAs(ProfileData& profile, const std::string& directory, QWidget* parent)
     return saved;
 }
 
-} // namespace profilesaving
+} // namespace profile_saving

@@ -6,7 +6,7 @@ class ProfileData;
 class QWidget;
 
 /// Saving with its dialogs. They belong to the active window, or to `parent` where no window is active.
-namespace profilesaving {
+namespace profile_saving {
 
 /// Saves under the profile's file name and asks for one when it has none. False when the user gave none, in
 /// which case nothing is written, or when it failed, which a message box has said then.
@@ -16,4 +16,4 @@ bool save(ProfileData& profile, const std::string& directory, QWidget* parent = 
 /// profile keeps its old name unless it was saved.
 bool saveAs(ProfileData& profile, const std::string& directory, QWidget* parent = nullptr);
 
-} // namespace profilesaving
+} // namespace profile_saving

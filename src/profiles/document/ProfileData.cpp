@@ -87,7 +87,7 @@ std::string ProfileData::fileNameForSaving() const
 {
     if (!m_fileName.empty())
         return m_fileName;
-    std::string name = profilefile::nameFrom(displayName());
+    std::string name = profile_file::nameFrom(displayName());
     const std::size_t dot = name.rfind('.');
     if (dot == std::string::npos || name.substr(dot + 1) != "xml")
         name += ".xml";

@@ -20,7 +20,7 @@ bool isFileName(const std::string& name)
 
 } // namespace
 
-namespace profilefile {
+namespace profile_file {
 
 std::string nameFrom(std::string text)
 {
@@ -59,4 +59,4 @@ std::optional<Failure> write(const ProfileData& profile, const std::string& dire
     return result ? std::nullopt : std::optional(Failure{false, result.reason});
 }
 
-} // namespace profilefile
+} // namespace profile_file

@@ -6,7 +6,7 @@
 
 class ProfileData;
 
-namespace profilefile {
+namespace profile_file {
 
 /// Why a profile could not be saved.
 struct Failure {
@@ -25,4 +25,4 @@ std::filesystem::path pathFor(const std::string& directory, const std::string& f
 /// Puts the profile into its file as a whole or not at all, and never anywhere but into the directory itself.
 std::optional<Failure> write(const ProfileData& profile, const std::string& directory);
 
-} // namespace profilefile
+} // namespace profile_file

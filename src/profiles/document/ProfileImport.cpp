@@ -17,7 +17,7 @@ namespace {
 /// The number of an API section; 0 where there is none.
 std::int64_t versionOf(const XMLElement& api)
 {
-    const char* const text = api.Attribute("version");
+    const char* text = api.Attribute("version");
     return text ? platform::parseInteger(text).value_or(0) : 0;
 }
 
@@ -59,8 +59,8 @@ std::string ProfileImport::merge(std::string_view bytes)
     XMLDocument loaded(true, tinyxml2::PRESERVE_WHITESPACE);
     if (loaded.Parse(bytes.data(), bytes.size()) != tinyxml2::XML_SUCCESS)
         return loaded.ErrorStr();
-    XMLElement* const into = m_result->FirstChildElement("profile");
-    const XMLElement* const from = loaded.FirstChildElement("profile");
+    XMLElement* into = m_result->FirstChildElement("profile");
+    const XMLElement* from = loaded.FirstChildElement("profile");
     // A file that begins with something else, a comment for example, gives that alone.
     if (!into && loaded.FirstChild())
         m_result->InsertEndChild(loaded.FirstChild()->DeepClone(m_result.get()));
@@ -74,7 +74,7 @@ void ProfileImport::takeApis(const XMLElement& from, XMLElement& into)
     for (const XMLElement* api = from.FirstChildElement("es"); api; api = api->NextSiblingElement("es")) {
         // Only the first section decides: those behind it may come to be there twice, and a reader unites
         // them.
-        const XMLElement* const first = into.FirstChildElement("es");
+        const XMLElement* first = into.FirstChildElement("es");
         if (!first || versionOf(*first) != versionOf(*api))
             into.InsertEndChild(api->DeepClone(m_result.get()));
     }
@@ -82,8 +82,8 @@ void ProfileImport::takeApis(const XMLElement& from, XMLElement& into)
 
 bool ProfileImport::isProfile() const
 {
-    const XMLElement* const profile = m_result->FirstChildElement("profile");
-    const XMLElement* const api = profile ? profile->FirstChildElement("es") : nullptr;
+    const XMLElement* profile = m_result->FirstChildElement("profile");
+    const XMLElement* api = profile ? profile->FirstChildElement("es") : nullptr;
     return api && api->NextSiblingElement("egl");
 }
 

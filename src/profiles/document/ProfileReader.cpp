@@ -9,7 +9,7 @@
 #include <algorithm>
 #include <optional>
 
-using propertylist::textOf;
+using property_list::textOf;
 using tinyxml2::XMLAttribute;
 using tinyxml2::XMLDocument;
 using tinyxml2::XMLElement;
@@ -39,14 +39,14 @@ private:
 
 std::string textOfChild(const XMLElement& parent, const char* name)
 {
-    const XMLElement* const child = parent.FirstChildElement(name);
+    const XMLElement* child = parent.FirstChildElement(name);
     return child ? textOf(*child) : std::string();
 }
 
 /// The attribute as an int; nothing when it is missing, is not an integer as a whole, or does not fit.
 std::optional<int> number(const XMLElement& element, const char* attribute)
 {
-    const char* const text = element.Attribute(attribute);
+    const char* text = element.Attribute(attribute);
     return text ? platform::parseInt32(text) : std::nullopt;
 }
 
@@ -76,7 +76,7 @@ std::string ProfileReader::read(std::string_view document)
     xml.Accept(&check);
     if (!check.isGood())
         return "it refers to a character that does not exist";
-    const XMLElement* const profile = xml.FirstChildElement("profile");
+    const XMLElement* profile = xml.FirstChildElement("profile");
     if (!profile)
         return "No <profile> element was found";
     readProfile(*profile);
@@ -88,7 +88,7 @@ void ProfileReader::readProfile(const XMLElement& profile)
     m_profile.setDevice(textOfChild(profile, "device"));
     m_profile.setRenderer(textOfChild(profile, "renderer"));
     m_profile.setVendor(textOfChild(profile, "vendor"));
-    const XMLElement* const egl = profile.FirstChildElement("egl");
+    const XMLElement* egl = profile.FirstChildElement("egl");
     if (egl)
         readEgl(*egl);
 

@@ -8,7 +8,7 @@ using tinyxml2::XMLNode;
 
 std::string ProfileWriter::write()
 {
-    XMLElement* const root = append(&m_document, "profile");
+    XMLElement* root = append(&m_document, "profile");
     if (!m_profile.device().empty())
         appendText(root, "device", m_profile.device());
     if (!m_profile.renderer().empty())
@@ -25,7 +25,7 @@ std::string ProfileWriter::write()
 
 XMLElement* ProfileWriter::append(XMLNode* parent, const char* name)
 {
-    XMLElement* const element = m_document.NewElement(name);
+    XMLElement* element = m_document.NewElement(name);
     parent->InsertEndChild(element);
     return element;
 }
@@ -38,7 +38,7 @@ void ProfileWriter::appendText(XMLNode* parent, const char* name, const std::str
 void ProfileWriter::appendNode(XMLNode* parent, const ProfileNode& node)
 {
     // Every node gets a text, if only an empty one: it keeps the node's children on its line.
-    XMLElement* const element = append(parent, node.name.c_str());
+    XMLElement* element = append(parent, node.name.c_str());
     element->InsertEndChild(m_document.NewText(node.value.c_str()));
     for (const ProfileNode& child : node.children)
         appendNode(element, child);
@@ -58,12 +58,12 @@ void ProfileWriter::appendApis(XMLNode* root)
 {
     // Versions that have capabilities alone come after all others.
     for (const auto& [version, extensions] : m_profile.extensions()) {
-        XMLElement* const element = api(root, version);
+        XMLElement* element = api(root, version);
         for (const std::string& extension : extensions)
             appendText(element, "extension", extension);
     }
     for (const auto& [version, capabilities] : m_profile.capabilities()) {
-        XMLElement* const element = api(root, version);
+        XMLElement* element = api(root, version);
         for (const ProfileNode& capability : capabilities)
             appendNode(element, capability);
     }
@@ -81,9 +81,9 @@ XMLElement* ProfileWriter::api(XMLNode* root, int version)
 
 void ProfileWriter::appendEgl(XMLNode* root)
 {
-    XMLElement* const egl = append(root, "egl");
+    XMLElement* egl = append(root, "egl");
     for (const auto& [id, attributes] : m_profile.configs()) {
-        XMLElement* const config = append(egl, "config");
+        XMLElement* config = append(egl, "config");
         config->SetAttribute("id", id);
         for (const ProfileNode& attribute : attributes)
             appendNode(config, attribute);

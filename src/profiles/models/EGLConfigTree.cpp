@@ -180,7 +180,7 @@ QString EGLConfigTree::displayText(const ProfileTreeItem& item, int column) cons
     if (!number)
         return stored.toString();
     if (column == ValueColumn) {
-        const char* const name = egl::symbolicName(*number);
+        const char* name = egl::symbolicName(*number);
         return *name == '\0' ? QString::number(*number) : QString::fromLatin1(name);
     }
     EGLAttribKey key;

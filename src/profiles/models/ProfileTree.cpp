@@ -65,13 +65,13 @@ QModelIndex ProfileTree::index(int row, int column, const QModelIndex& parent) c
 {
     if (!hasIndex(row, column, parent))
         return {};
-    ProfileTreeItem* const found = parent.isValid() ? item(parent)->children().at(row) : m_items.at(row);
+    ProfileTreeItem* found = parent.isValid() ? item(parent)->children().at(row) : m_items.at(row);
     return column < found->columnCount() ? createIndex(row, column, found) : QModelIndex();
 }
 
 QModelIndex ProfileTree::parent(const QModelIndex& index) const
 {
-    ProfileTreeItem* const above = index.isValid() ? item(index)->parent() : nullptr;
+    ProfileTreeItem* above = index.isValid() ? item(index)->parent() : nullptr;
     return above ? createIndex(above->row(), 0, above) : QModelIndex();
 }
 
@@ -95,13 +95,13 @@ QVariant ProfileTree::data(const QModelIndex& index, int role) const
 
 QVariant ProfileTree::storedValue(const ProfileTreeItem& item, int column, const QVariant& value) const
 {
-    return item.parent() == nullptr && column == KeyColumn ? numberOrText(value) : value.toString();
+    return !item.parent() && column == KeyColumn ? numberOrText(value) : value.toString();
 }
 
 /// Two configs with one id, or two sections with one version, would be one after the next load.
 bool ProfileTree::isTaken(const ProfileTreeItem& item, int column, const QVariant& value) const
 {
-    if (item.parent() != nullptr || column != KeyColumn)
+    if (item.parent() || column != KeyColumn)
         return false;
     for (int row = 0; row < m_items.count(); ++row) {
         if (row != item.row() && m_items.at(row)->data(KeyColumn) == value)

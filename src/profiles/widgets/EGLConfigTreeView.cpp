@@ -3,9 +3,9 @@
 #include "EGLConfigTreeItemDelegate.h"
 #include "KeyTables.h"
 #include "NewRowValues.h"
+#include "ProfileColumns.h"
 #include "UnusedKeys.h"
 #include "models/EGLConfigTree.h"
-#include "ProfileColumns.h"
 
 #include <QAction>
 
@@ -57,7 +57,7 @@ void EGLConfigTreeView::addAttribTriggered()
     const QModelIndex value = addRow(config, key.value).siblingAtColumn(models::ValueColumn);
     if (!value.isValid())
         return;
-    model()->setData(value, newvalues::forAttribute(key.value));
+    model()->setData(value, new_values::forAttribute(key.value));
     setCurrentIndex(value);
     edit(value);
 }

@@ -2,8 +2,8 @@
 
 #include "ESCapabilityTreeItemDelegate.h"
 #include "NewRowValues.h"
-#include "UnusedKeys.h"
 #include "ProfileColumns.h"
+#include "UnusedKeys.h"
 
 #include <QAction>
 
@@ -49,7 +49,7 @@ void ESCapabilityTreeView::addCapabilityTriggered()
 /// Gives a new capability values to start from and lets the user change the first of them.
 void ESCapabilityTreeView::fillIn(const QModelIndex& capability)
 {
-    const QString value = newvalues::forCapability(capability.data(Qt::EditRole).toString());
+    const QString value = new_values::forCapability(capability.data(Qt::EditRole).toString());
     const int parts = model()->rowCount(capability);
     for (int row = 0; row < parts; ++row)
         model()->setData(model()->index(row, models::ValueColumn, capability), value);

@@ -6,7 +6,7 @@
 
 #include <map>
 
-namespace newvalues {
+namespace new_values {
 
 QVariant forAttribute(int attribute)
 {
@@ -58,4 +58,4 @@ QString forCapability(const QString& element)
     return QString::number(found == values.end() ? 1 : found->second);
 }
 
-} // namespace newvalues
+} // namespace new_values

@@ -5,7 +5,7 @@
 
 /// What a row that the user has just added holds until they enter something: values that every implementation
 /// may have.
-namespace newvalues {
+namespace new_values {
 
 /// For an EGL attribute by its enumerant; what the standard says of a config that was given nothing.
 QVariant forAttribute(int attribute);
@@ -14,4 +14,4 @@ QVariant forAttribute(int attribute);
 /// ES 2.0 or 1.1 requires.
 QString forCapability(const QString& element);
 
-} // namespace newvalues
+} // namespace new_values

@@ -299,7 +299,7 @@ bool Profile::saveInPlace(const std::shared_ptr<const ProfileDataWrapper>& profi
 bool Profile::mayReplaceFile(const ProfileDataWrapper& profile, const std::string& directory)
 {
     const std::string& name = profile.data().fileName();
-    if (name.empty() || m_controller->mayOverwrite(profile, profilefile::pathFor(directory, name).string()))
+    if (name.empty() || m_controller->mayOverwrite(profile, profile_file::pathFor(directory, name).string()))
         return true;
     PlainMessageBox box(QMessageBox::Warning, tr("Save changes"),
         tr("The file '%1' is not the one that was loaded: another program has changed it, or it belongs to "
@@ -309,7 +309,7 @@ bool Profile::mayReplaceFile(const ProfileDataWrapper& profile, const std::strin
         tr("Replacing it drops what is in it. To keep both, cancel and save your changes with \"Save "
            "As...\"."),
         window(), QMessageBox::Cancel);
-    const QAbstractButton* const replace = box.addButton(tr("&Replace"), QMessageBox::DestructiveRole);
+    const QAbstractButton* replace = box.addButton(tr("&Replace"), QMessageBox::DestructiveRole);
     box.setDefaultButton(QMessageBox::Cancel);
     box.exec();
     return box.clickedButton() == replace;
@@ -350,7 +350,7 @@ void Profile::saved(const std::shared_ptr<const ProfileDataWrapper>& profile, co
     m_stored = profile->data();
     fillFields(*m_stored);
     m_controller->reloadProfiles();
-    m_controller->selectProfile(profilefile::pathFor(directory, profile->data().fileName()).string());
+    m_controller->selectProfile(profile_file::pathFor(directory, profile->data().fileName()).string());
 }
 
 void Profile::newProfile()

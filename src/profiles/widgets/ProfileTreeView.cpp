@@ -28,7 +28,7 @@ constexpr int rowsMeasured = 200;
 
 QAction* makeAction(QMenu* menu, ProfileTreeView* view, const QString& text, const QKeySequence& shortcut)
 {
-    QAction* const action = menu->addAction(text);
+    QAction* action = menu->addAction(text);
     action->setShortcut(shortcut);
     action->setShortcutContext(Qt::WidgetShortcut);
     // Without the view an action of the menu would not hear its shortcut.
@@ -81,7 +81,7 @@ void ProfileTreeView::setEditable(bool editable)
 
 void ProfileTreeView::finishEdit()
 {
-    QWidget* const editor = state() == EditingState ? indexWidget(currentIndex()) : nullptr;
+    QWidget* editor = state() == EditingState ? indexWidget(currentIndex()) : nullptr;
     if (!editor)
         return;
     commitData(editor);

@@ -103,9 +103,9 @@ TEST_F(WindowsLayer, firstRunMakesFolderAndFile)
 {
     auto opened = open(Mode::Read, false);
     ASSERT_NE(opened->stream, nullptr);
-    EXPECT_EQ(platform::readStream(opened->stream, 10000).bytes, propertylist::emptyFile);
+    EXPECT_EQ(platform::readStream(opened->stream, 10000).bytes, property_list::emptyFile);
     layer.close(std::move(opened), false);
-    EXPECT_EQ(contentOf(file), propertylist::emptyFile) << "no carriage returns";
+    EXPECT_EQ(contentOf(file), property_list::emptyFile) << "no carriage returns";
 
     fs::remove(file);
     layer.close(open(Mode::Read, false), false);
@@ -128,7 +128,7 @@ TEST_F(WindowsLayer, commitReplacesTheFile)
     layer.close(open(Mode::Read, false), false);
     auto opened = open(Mode::Write, true);
     std::fputs("line\n", opened->stream);
-    EXPECT_EQ(contentOf(file), propertylist::emptyFile) << "until the commit";
+    EXPECT_EQ(contentOf(file), property_list::emptyFile) << "until the commit";
     layer.close(std::move(opened), true);
     EXPECT_EQ(contentOf(file), "line\n");
     EXPECT_FALSE(fs::exists(temporary));
@@ -138,7 +138,7 @@ TEST_F(WindowsLayer, withoutCommitTheTemporaryFileIsLeft)
 {
     layer.close(open(Mode::Read, false), false);
     write("a long text that was given up", true, false);
-    EXPECT_EQ(contentOf(file), propertylist::emptyFile);
+    EXPECT_EQ(contentOf(file), property_list::emptyFile);
     EXPECT_TRUE(fs::exists(temporary));
     write("short", true, true);
     EXPECT_EQ(contentOf(file), "short") << "what was left is overwritten";

@@ -98,7 +98,7 @@ private Q_SLOTS:
 void TestProfileTrees::unchangedIsWrittenAsItWas()
 {
     std::vector<std::string_view> texts{oddProfile};
-    for (const builtinprofiles::TextEntry& entry : builtinprofiles::documents())
+    for (const builtin_profiles::TextEntry& entry : builtin_profiles::documents())
         texts.push_back(entry.xml);
     QVERIFY(texts.size() > 10);
     for (std::string_view xml : texts) {
