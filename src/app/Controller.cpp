@@ -48,12 +48,17 @@ PlistPreferences& load(PlistPreferences& preferences)
 } // namespace
 
 Controller::StartUpLock::StartUpLock()
-    : m_file(QStringLiteral("%1/CorvaleGUI-%2.lock").arg(QDir::tempPath()).arg(platform::userId()))
+    : m_file(LocalListener::socketPath(QStringLiteral("CorvaleGUI-%1.lock").arg(platform::userId())))
 {
     // The application object has set the user's locale; files are written and read without it.
     std::setlocale(LC_NUMERIC, "C");
-    // Without the lock the start goes on: it guards against a rare coincidence only.
-    m_file.tryLock(2 * probeTime);
+    // Without the lock the start goes on: it guards against a rare coincidence only. Somebody else's file in
+    // its place says nothing about this user's instances, and nothing is to be waited for.
+    const std::string path = QFile::encodeName(m_file.fileName()).toStdString();
+    const bool isForeign =
+        platform::fileIdentity(path) != platform::fileIdentity({}) && !platform::isOwnFile(path);
+    if (!isForeign)
+        m_file.tryLock(2 * probeTime);
 }
 
 Controller::Controller(int& argc, char** argv)
@@ -67,6 +72,8 @@ Controller::Controller(int& argc, char** argv)
     setApplicationVersion(product::version());
     setDesktopFileName(QStringLiteral("corvale-gui"));
     refuseSecondInstance();
+    // Whoever sees this instance answer may end it by a signal at once.
+    endOnSignals();
     answerOtherInstances();
     m_startUpLock.release();
     m_mainWindow.setCatalogue(m_catalogue);
@@ -76,13 +83,16 @@ Controller::~Controller() = default;
 
 void Controller::refuseSecondInstance() const
 {
+    // What somebody else has put there says nothing about this user's instances.
+    if (!LocalListener::isOwnSocket(LocalListener::instanceName()))
+        return;
     QLocalSocket probe;
-    probe.connectToServer(LocalListener::instanceName(), QIODevice::ReadWrite);
+    probe.connectToServer(LocalListener::socketPath(LocalListener::instanceName()), QIODevice::ReadWrite);
     const bool answered = probe.waitForConnected(probeTime);
     // A server that neither answers nor refuses is alive but busy.
     const bool refused = probe.error() == QLocalSocket::ConnectionRefusedError
         || probe.error() == QLocalSocket::ServerNotFoundError;
-    if (answered || (!refused && LocalListener::isOwnSocket(LocalListener::instanceName())))
+    if (answered || !refused)
         throw std::runtime_error("CorvaleGUI is already running");
 }
 
@@ -95,6 +105,8 @@ void Controller::answerOtherInstances()
             connection->deleteLater();
     });
     auto* listener = new LocalListener(m_instanceServer, LocalListener::instanceName(), this);
+    connect(listener, &LocalListener::stateChanged, &m_mainWindow,
+        [this, listener] { m_mainWindow.setInstanceProblem(listener->problem()); });
     listener->start();
 }
 
@@ -195,7 +207,6 @@ Controller::Pointer Controller::askForCopy(const ProfileDataWrapper& readOnly)
 
 int Controller::run()
 {
-    endOnSignals();
     m_mainWindow.show();
     m_mainWindow.showSplash();
     return QApplication::exec();

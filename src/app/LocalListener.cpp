@@ -9,21 +9,23 @@
 
 namespace {
 
-/// Milliseconds that somebody has to answer on a name, and between two attempts to listen again.
+/// Milliseconds that somebody has to answer on a name, and between two looks at whether the server still
+/// listens.
 constexpr int answerTime = 500;
-constexpr int retryTime = 1000;
+constexpr int checkTime = 1000;
 
-QString socketPath(const QString& name)
-{
-    return QDir::cleanPath(QDir::tempPath()) + QLatin1Char('/') + name;
-}
+/// Connections that the system keeps until the window takes them: as many applications may start at once.
+constexpr int pendingConnections = 1024;
+
+/// Bytes of a socket's path at most. The system takes one more, but QLocalServer fails with it.
+constexpr qsizetype longestPath = 106;
 
 enum class Answer { Answered, Refused, Unclear };
 
 Answer askFor(const QString& name)
 {
     QLocalSocket probe;
-    probe.connectToServer(name, QIODevice::ReadWrite);
+    probe.connectToServer(LocalListener::socketPath(name), QIODevice::ReadWrite);
     if (probe.waitForConnected(answerTime))
         return Answer::Answered;
     return probe.error() == QLocalSocket::ConnectionRefusedError ? Answer::Refused : Answer::Unclear;
@@ -33,21 +35,22 @@ bool listen(QLocalServer& server, const QString& name)
 {
     // An access option would make the server rename its socket over a name that another one answers on.
     const platform::OwnerOnlyFiles ownerOnly;
-    return server.listen(name);
+    return server.listen(LocalListener::socketPath(name));
 }
 
 /// True when the name is free for us to take: a socket file of ours that nobody answers on.
 bool isLeftBehind(const QString& name)
 {
     // To ask on the name itself would show up as a connected application where an instance is alive.
-    if (name != LocalListener::instanceName() && askFor(LocalListener::instanceName()) == Answer::Answered)
+    const QString instance = LocalListener::instanceName();
+    if (name != instance && LocalListener::isOwnSocket(instance) && askFor(instance) == Answer::Answered)
         return false;
     return LocalListener::isOwnSocket(name) && askFor(name) == Answer::Refused;
 }
 
 QString reasonForAddressInUse(const QString& name)
 {
-    const QString path = socketPath(name);
+    const QString path = LocalListener::socketPath(name);
     if (LocalListener::isOwnSocket(name))
         return LocalListener::tr(
             "Another program of yours answers on \"%1\". Close it, then start this one again.")
@@ -63,20 +66,32 @@ QString reasonForAddressInUse(const QString& name)
 
 QString reasonForNoSocket(const QLocalServer& server, const QString& name)
 {
-    /// Bytes of a socket's path at most.
-    constexpr qsizetype longestPath = 107;
-    const QString path = socketPath(name);
+    const QString folder = LocalListener::folder();
+    if (!QFileInfo(folder).isWritable())
+        return LocalListener::tr(
+            "\"%1\" cannot be written to. Set TMPDIR to a folder of your own, for this program "
+            "and for the applications.")
+            .arg(folder);
+    return LocalListener::tr("the socket \"%1\" cannot be made (%2).")
+        .arg(LocalListener::socketPath(name), server.errorString());
+}
+
+/// Why there cannot be such a socket, whatever its server does; empty when there can.
+QString reasonForNoPlace(const QString& name)
+{
+    const QString folder = LocalListener::folder();
+    if (!QFileInfo(folder).isDir())
+        return LocalListener::tr(
+            "The folder \"%1\", which TMPDIR names, does not exist. Create it, or set TMPDIR to "
+            "another one, for this program and for the applications.")
+            .arg(folder);
+    const QString path = LocalListener::socketPath(name);
     if (QFile::encodeName(path).size() > longestPath)
         return LocalListener::tr(
             "\"%1\" is too long for a socket. Set TMPDIR to a shorter folder, for this program "
             "and for the applications.")
             .arg(path);
-    if (!QFileInfo(QDir::tempPath()).isWritable())
-        return LocalListener::tr(
-            "\"%1\" cannot be written to. Set TMPDIR to a folder of your own, for this program "
-            "and for the applications.")
-            .arg(QDir::tempPath());
-    return LocalListener::tr("the socket \"%1\" cannot be made (%2).").arg(path, server.errorString());
+    return {};
 }
 
 } // namespace
@@ -91,12 +106,26 @@ QString LocalListener::instanceName()
     return QStringLiteral("CorvaleGUI");
 }
 
+QString LocalListener::folder()
+{
+    const QString set = QFile::decodeName(qgetenv("TMPDIR"));
+    const QString folder = QDir::cleanPath(set.isEmpty() ? QStringLiteral("/tmp") : set);
+    const QString canonical = QDir(folder).canonicalPath();
+    return canonical.isEmpty() ? QDir(folder).absolutePath() : canonical;
+}
+
+QString LocalListener::socketPath(const QString& name)
+{
+    return folder() + QLatin1Char('/') + name;
+}
+
 QString LocalListener::listenOnce(QLocalServer& server, const QString& name)
 {
-    if (listen(server, name))
-        return {};
+    QString problem = reasonForNoPlace(name);
+    if (!problem.isEmpty() || listen(server, name))
+        return problem;
     if (server.serverError() == QAbstractSocket::AddressInUseError && isLeftBehind(name)) {
-        QLocalServer::removeServer(name);
+        QLocalServer::removeServer(socketPath(name));
         if (listen(server, name))
             return {};
     }
@@ -110,19 +139,25 @@ LocalListener::LocalListener(QLocalServer* server, const QString& name, QObject*
     , m_server(server)
     , m_name(name)
 {
-    m_retry.setSingleShot(true);
-    m_retry.setInterval(retryTime);
-    connect(&m_retry, &QTimer::timeout, this, &LocalListener::listenAgain);
-    connect(&m_watcher, &QFileSystemWatcher::fileChanged, this, [this] {
-        if (!QFileInfo::exists(path()))
-            listenAgain();
-    });
+    m_server->setListenBacklogSize(pendingConnections);
+    m_check.setInterval(checkTime);
+    // The server tells nobody when it stops to listen, nor would it learn that its file has gone.
+    connect(&m_check, &QTimer::timeout, this, &LocalListener::check);
 }
 
 void LocalListener::start()
 {
-    m_problem = listenOnce(*m_server, m_name);
-    watch();
+    const QString problem = listenOnce(*m_server, m_name);
+    m_ownFile = isListening() ? identity() : FileIdentity();
+    m_check.start();
+    setProblem(problem);
+}
+
+void LocalListener::setProblem(const QString& problem)
+{
+    if (std::exchange(m_hasState, true) && problem == m_problem)
+        return;
+    m_problem = problem;
     Q_EMIT stateChanged();
 }
 
@@ -136,18 +171,22 @@ QString LocalListener::path() const
     return socketPath(m_name);
 }
 
-void LocalListener::watch()
+LocalListener::FileIdentity LocalListener::identity() const
 {
-    // The server tells nobody when it stops to listen, but its file goes with it.
-    if (isListening() && !m_watcher.files().contains(path()))
-        m_watcher.addPath(path());
+    return platform::fileIdentity(QFile::encodeName(path()).toStdString());
 }
 
-void LocalListener::listenAgain()
+void LocalListener::check()
 {
-    if (m_server->isListening())
+    const FileIdentity found = identity();
+    if (isListening() && found == m_ownFile)
+        return;
+    if (isListening() && found != FileIdentity()) {
+        // To close the server would remove a file that is not its own.
+        setProblem(reasonForAddressInUse(m_name));
+        return;
+    }
+    if (isListening())
         m_server->close();
     start();
-    if (!isListening())
-        m_retry.start();
 }

@@ -1,25 +1,28 @@
 #pragma once
 
-#include <QFileSystemWatcher>
 #include <QObject>
 #include <QString>
 #include <QTimer>
 
+#include <cstdint>
+#include <utility>
+
 class QLocalServer;
 
-/// Keeps a local server listening on a bare name in the temporary folder, for the user's own processes only.
+/// Keeps a local server listening on a name in the temporary folder, for the user's own processes only.
 ///
-/// A socket file that a crashed run has left behind is replaced; one that somebody answers on never is. When
-/// the server's file vanishes (the server gives up its name when it runs out of descriptors, and folders of
-/// temporary files get cleaned), it listens again.
+/// A socket file that a crashed run has left behind is replaced; one that somebody answers on never is.
+/// Whatever keeps the server from listening, at the start or later, is told by problem() and tried again: the
+/// folder may be missing or be renamed, somebody else may have the name, and the server gives up its name
+/// when it runs out of descriptors.
 class LocalListener : public QObject {
     Q_OBJECT
 
 public:
-    /// Serves a server that lives at least as long.
+    /// Serves a server that lives at least as long and does not listen yet.
     LocalListener(QLocalServer* server, const QString& name, QObject* parent);
 
-    /// Tries to listen; problem() tells why where that fails.
+    /// Tries to listen; problem() tells why where that fails, and it is tried again until it works.
     void start();
 
     bool isListening() const;
@@ -37,17 +40,27 @@ public:
     /// The name on which every running instance answers.
     static QString instanceName();
 
+    /// The folder of the sockets: TMPDIR, else /tmp. It need not exist.
+    static QString folder();
+    /// The path of the socket with a name.
+    static QString socketPath(const QString& name);
+
 Q_SIGNALS:
     /// Whether the server listens, or why it does not, has changed.
     void stateChanged();
 
 private:
-    void listenAgain();
-    void watch();
+    /// Device and inode of the socket file; zeros where there is none.
+    using FileIdentity = std::pair<std::uint64_t, std::uint64_t>;
+
+    void check();
+    FileIdentity identity() const;
+    void setProblem(const QString& problem);
 
     QLocalServer* m_server;
     QString m_name;
     QString m_problem;
-    QFileSystemWatcher m_watcher;
-    QTimer m_retry;
+    FileIdentity m_ownFile; ///< Of the file that the server has made.
+    QTimer m_check;
+    bool m_hasState = false;
 };

@@ -173,6 +173,11 @@ void MainWindow::setUpServer()
     m_listener->start();
 }
 
+void MainWindow::setInstanceProblem(const QString& problem)
+{
+    m_status->setInstanceProblem(problem);
+}
+
 void MainWindow::serverNewConnection()
 {
     QLocalSocket* socket = m_server->nextPendingConnection();

@@ -62,6 +62,9 @@ public:
     /// Tells in the status bar what a save of the preferences did beyond saving.
     void reportSave(bool saved);
 
+    /// Tells why other instances cannot see this one; empty when they can.
+    void setInstanceProblem(const QString& problem);
+
     /// Closes the window without a question. False where that has to wait until a console is saved.
     bool end();
     /// Shows the about box as a splash, unless the user does not want that.

@@ -35,6 +35,10 @@ MonitorStatus::MonitorStatus(QStatusBar* bar)
     bar->addWidget(m_listeningIcon);
     bar->addWidget(m_listening);
 
+    m_instance = new ElidedLabel(bar);
+    m_instance->setObjectName(QStringLiteral("lblInstanceProblem"));
+    m_instance->hide();
+    bar->addWidget(m_instance, 1);
     m_skipped = new ElidedLabel(bar);
     m_skipped->setObjectName(QStringLiteral("lblSkippedProfiles"));
     m_skipped->hide();
@@ -81,6 +85,14 @@ void MonitorStatus::setListening(const QString& path, const QString& problem)
         problem.isEmpty() ? tr("Applications connect to \"%1\"").arg(path) : m_listening->text();
     m_listening->setToolTip(plainToolTip(detail));
     m_listeningIcon->setToolTip(m_listening->toolTip());
+}
+
+void MonitorStatus::setInstanceProblem(const QString& problem)
+{
+    const QString text = tr("A second start would not find this window: %1").arg(problem);
+    m_instance->setText(text);
+    m_instance->setToolTip(plainToolTip(text));
+    m_instance->setVisible(!problem.isEmpty());
 }
 
 void MonitorStatus::setClientCount(std::size_t count)

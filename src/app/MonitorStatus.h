@@ -22,6 +22,8 @@ public:
 
     /// An empty problem means that the server listens, on the socket at the path.
     void setListening(const QString& path, const QString& problem);
+    /// Why a second instance could not see this one; empty when it could.
+    void setInstanceProblem(const QString& problem);
     void setClientCount(std::size_t count);
     /// Names the profile files that could not be loaded, with their reasons.
     void setSkippedProfiles(const std::vector<ProfileCatalogue::BrokenFile>& files);
@@ -36,6 +38,7 @@ private:
     QStatusBar* m_bar;
     QLabel* m_listeningIcon = nullptr;
     QLabel* m_listening;
+    QLabel* m_instance;
     QLabel* m_skipped;
     QLabel* m_clients;
     QLabel* m_errors;

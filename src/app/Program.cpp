@@ -1,15 +1,20 @@
 #include "Program.h"
 
+#include "CommandLine.h"
 #include "Controller.h"
 
 #include <QMessageBox>
 
+#include <cstdio>
 #include <optional>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace {
+
+/// The exit code for arguments that are not understood, as with most programs.
+constexpr int exitCodeForArguments = 2;
 
 /// The arguments once more, since an application object takes its own out of those it is given.
 class Arguments {
@@ -44,6 +49,13 @@ void showStartUpFailure(Arguments arguments, const std::string& message)
 
 int runProgram(int argc, char** argv)
 {
+    // Before anything that needs a display or looks for another instance.
+    const CommandLine commandLine = readCommandLine(argc, argv);
+    if (commandLine.request != CommandLine::Request::Start) {
+        const bool isRefused = commandLine.request == CommandLine::Request::Refuse;
+        std::fputs(commandLine.text.c_str(), isRefused ? stderr : stdout);
+        return isRefused ? exitCodeForArguments : 0;
+    }
     const Arguments original(argc, argv);
     try {
         Arguments arguments(original);

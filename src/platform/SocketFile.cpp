@@ -12,11 +12,15 @@ namespace platform {
 // Local servers are named pipes here: they leave no file, and their access rights are set elsewhere.
 bool isOwnSocketFile(const std::string&)
 {
-    return false;
+    return true;
 }
 bool isOwnFile(const std::string&)
 {
     return false;
+}
+std::pair<std::uint64_t, std::uint64_t> fileIdentity(const std::string&)
+{
+    return {};
 }
 unsigned int userId()
 {
@@ -37,6 +41,14 @@ bool isOwnFile(const std::string& path)
 {
     struct stat status { };
     return lstat(path.c_str(), &status) == 0 && status.st_uid == geteuid();
+}
+
+std::pair<std::uint64_t, std::uint64_t> fileIdentity(const std::string& path)
+{
+    struct stat status { };
+    return lstat(path.c_str(), &status) == 0
+        ? std::pair<std::uint64_t, std::uint64_t>(status.st_dev, status.st_ino)
+        : std::pair<std::uint64_t, std::uint64_t>();
 }
 
 unsigned int userId()

@@ -1,3 +1,4 @@
+#include "Controller.h"
 #include "LocalListener.h"
 #include "Program.h"
 #include "RawClient.h"
@@ -12,6 +13,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include <algorithm>
 #include <csignal>
 
 #include <sys/resource.h>
@@ -145,10 +147,11 @@ private Q_SLOTS:
     void preferencesThatCannotBeLoaded();
     void somethingElseInTheWay_data();
     void somethingElseInTheWay();
-    void tooLongAPath();
     void anotherServerIsNotReplaced();
     void vanishedSocketComesBack();
     void runsOutOfDescriptors();
+    void anotherUsersName_data();
+    void anotherUsersName();
 };
 
 void TestStartUp::socketsAreForTheUserAlone()
@@ -234,7 +237,7 @@ void TestStartUp::preferencesThatCannotBeLoaded()
 {
     const QString file =
         qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/Brindlewood/Corvale.plist");
-    QVERIFY(QFile::remove(file));
+    QFile::remove(file);
     QVERIFY(QDir().mkpath(file));
     char program[] = "corvale-gui";
     char* arguments[] = {program, nullptr};
@@ -274,18 +277,6 @@ void TestStartUp::somethingElseInTheWay()
     QVERIFY(folder ? QDir().rmdir(path("Obstacle")) : QFile::remove(path("Obstacle")));
 }
 
-void TestStartUp::tooLongAPath()
-{
-    const QByteArray before = qgetenv("TMPDIR");
-    const QString folder = QDir::tempPath() + QLatin1Char('/') + QString(120, QLatin1Char('x'));
-    QVERIFY(QDir().mkpath(folder));
-    qputenv("TMPDIR", QFile::encodeName(folder));
-    QLocalServer server;
-    const QString problem = LocalListener::listenOnce(server, QStringLiteral("Corvale"));
-    qputenv("TMPDIR", before);
-    QVERIFY2(problem.contains(QStringLiteral("too long")), qPrintable(problem));
-}
-
 void TestStartUp::anotherServerIsNotReplaced()
 {
     int count = 1;
@@ -323,6 +314,45 @@ void TestStartUp::runsOutOfDescriptors()
     flood.clear();
     QTRY_VERIFY(answers("Corvale"));
     QVERIFY(instance.isRunning());
+}
+
+void TestStartUp::anotherUsersName_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::newRow("socket that answers") << QStringLiteral("socket");
+    QTest::newRow("link to a socket of ours") << QStringLiteral("link");
+}
+
+/// In a folder for everybody, somebody else can have the name first.
+void TestStartUp::anotherUsersName()
+{
+    if (geteuid() != 0)
+        QSKIP("only root can give files to another user");
+    QFETCH(const QString, kind);
+    constexpr uid_t somebodyElse = 12345;
+    const Listener stranger(kind == QLatin1String("socket") ? "CorvaleGUI" : "Stranger");
+    const QByteArray name = QFile::encodeName(path("CorvaleGUI"));
+    if (kind == QLatin1String("link"))
+        QCOMPARE(symlink(QFile::encodeName(path("Stranger")).constData(), name.constData()), 0);
+    QCOMPARE(lchown(name.constData(), somebodyElse, somebodyElse), 0);
+    const ino_t before = inode("CorvaleGUI");
+
+    int count = 1;
+    char program[] = "test";
+    char* arguments[] = {program, nullptr};
+    Controller controller(count, arguments);
+    QTRY_VERIFY(answers("Corvale"));
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    const auto isMainWindow = [](const QWidget* widget) {
+        return qobject_cast<const QMainWindow*>(widget) != nullptr;
+    };
+    const auto window = std::find_if(windows.begin(), windows.end(), isMainWindow);
+    QVERIFY(window != windows.end());
+    const auto* problem = (*window)->findChild<QLabel*>(QStringLiteral("lblInstanceProblem"));
+    QVERIFY(problem && !problem->isHidden());
+    QVERIFY2(problem->text().contains(path("CorvaleGUI")), qPrintable(problem->text()));
+    QCOMPARE(inode("CorvaleGUI"), before);
+    unlink(name.constData());
 }
 
 int main(int argc, char** argv)
