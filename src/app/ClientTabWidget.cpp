@@ -2,9 +2,11 @@
 
 #include "Client.h"
 #include "ClientInterface.h"
+#include "ClientListButton.h"
 #include "ConsoleSaver.h"
 #include "PlainToolTip.h"
 
+#include <QApplication>
 #include <QFontDatabase>
 #include <QMouseEvent>
 #include <QShortcut>
@@ -19,15 +21,31 @@ void ClientTabWidget::ClientTabBar::mouseReleaseEvent(QMouseEvent* event)
     QTabBar::mouseReleaseEvent(event);
 }
 
+QSize ClientTabWidget::ClientTabBar::tabSizeHint(int index) const
+{
+    constexpr int longestTitle = 30; // average characters
+    const QSize size = QTabBar::tabSizeHint(index);
+    const int widest = fontMetrics().averageCharWidth() * longestTitle + iconSize().width();
+    return {std::min(size.width(), widest), size.height()};
+}
+
+/// Tabs never shrink: a title that says nothing is worse than one that is scrolled to.
+QSize ClientTabWidget::ClientTabBar::minimumTabSizeHint(int index) const
+{
+    return tabSizeHint(index);
+}
+
 ClientTabWidget::ClientTabWidget(QWidget* parent)
     : QTabWidget(parent)
 {
     setTabBar(new ClientTabBar(this));
     setTabsClosable(true);
     setDocumentMode(true);
-    setElideMode(Qt::ElideRight);
+    setElideMode(Qt::ElideMiddle);
+    setUsesScrollButtons(true);
+    setCornerWidget(new ClientListButton(this));
+    // Works as long as this widget is visible.
     auto* close = new QShortcut(QKeySequence::Close, this);
-    close->setContext(Qt::WidgetWithChildrenShortcut);
     connect(close, &QShortcut::activated, this, [this] { Q_EMIT tabCloseRequested(currentIndex()); });
     addPlaceholder();
 }
@@ -51,12 +69,17 @@ ClientInterface* ClientTabWidget::pageOf(const Client* client) const
 
 ClientInterface* ClientTabWidget::addClient(Client* client, const QFont& font, bool autoClose)
 {
+    const bool hadFocus = isAncestorOf(QApplication::focusWidget());
     if (autoClose)
         closeFinishedTabs();
     closePlaceholder();
     auto* page = new ClientInterface(client, count(), font, this);
     const QIcon connected(QStringLiteral(":/CorvaleResources/Connected"));
-    setCurrentIndex(addTab(page, connected, QStringLiteral("<unknown>")));
+    const int index = addTab(page, connected, QStringLiteral("<unknown>"));
+    tabBar()->setTabData(index, static_cast<int>(Connection::Connected));
+    setCurrentIndex(index);
+    if (hadFocus && !isAncestorOf(QApplication::focusWidget()))
+        focusCurrent(page->subPage());
     return page;
 }
 
@@ -85,9 +108,23 @@ void ClientTabWidget::closeTabAt(int index)
 {
     if (index < 0 || index >= count())
         return;
+    // The system would hand the focus to the next widget of the window, such as the list of profiles.
+    const bool hadFocus = index == currentIndex() && isAncestorOf(QApplication::focusWidget());
+    const int subPage = hadFocus ? pageAt(index)->subPage() : 0;
     removePage(index);
     if (count() == 0)
         addPlaceholder();
+    if (hadFocus)
+        focusCurrent(subPage);
+}
+
+void ClientTabWidget::focusCurrent(int subPage)
+{
+    ClientInterface* page = pageAt(currentIndex());
+    if (page && page->isEnabled())
+        page->showSubPage(subPage);
+    else
+        tabBar()->setFocus();
 }
 
 void ClientTabWidget::removePage(int index)
@@ -144,10 +181,20 @@ void ClientTabWidget::showTitle(const ClientInterface& page)
     setTabToolTip(indexOf(&page), plainToolTip(title));
 }
 
-void ClientTabWidget::finish(const Client* client, const QString& text)
+void ClientTabWidget::finish(const Client* client, const QString& text, Connection connection)
 {
-    if (ClientInterface* page = pageOf(client)) {
-        page->finish(text);
-        setTabIcon(indexOf(page), QIcon(QStringLiteral(":/CorvaleResources/Disconnected")));
-    }
+    ClientInterface* page = pageOf(client);
+    if (!page)
+        return;
+    page->finish(text);
+    const int index = indexOf(page);
+    setTabIcon(index,
+        QIcon(connection == Connection::Ended ? QStringLiteral(":/CorvaleResources/Ended")
+                                              : QStringLiteral(":/CorvaleResources/Disconnected")));
+    tabBar()->setTabData(index, static_cast<int>(connection));
+}
+
+ClientTabWidget::Connection ClientTabWidget::connectionAt(int index) const
+{
+    return static_cast<Connection>(tabBar()->tabData(index).toInt());
 }

@@ -8,19 +8,30 @@
 class Client;
 class ClientInterface;
 
-/// The tabs of the connected applications; Ctrl+W closes the current one. While there is none, a disabled tab
-/// stands in.
+/// The tabs of the connected applications; Ctrl+W closes the current one wherever the focus is, as long as
+/// the tabs are to be seen. While there is none, a disabled tab stands in. Tabs that find no room are
+/// scrolled to, or chosen from the list of ClientListButton.
 class ClientTabWidget : public QTabWidget {
     Q_OBJECT
 
 public:
-    /// A tab bar on which a middle click asks to close a tab.
+    /// What has become of a client's connection.
+    enum class Connection {
+        Connected,
+        Ended, ///< The application has said good-bye.
+        Lost,
+    };
+
+    /// A tab bar on which a middle click asks to close a tab. Long titles are cut in the middle, so that both
+    /// the beginning of an application's name and its PID can be read.
     class ClientTabBar : public QTabBar {
     public:
         using QTabBar::QTabBar;
 
     protected:
         void mouseReleaseEvent(QMouseEvent* event) override;
+        QSize tabSizeHint(int index) const override;
+        QSize minimumTabSizeHint(int index) const override;
     };
 
     explicit ClientTabWidget(QWidget* parent = nullptr);
@@ -43,7 +54,9 @@ public:
     void setPid(const Client* client, PID_TYPE pid);
     void setName(const Client* client, const QString& name);
     /// Ends a client's session on its page with a text.
-    void finish(const Client* client, const QString& text);
+    void finish(const Client* client, const QString& text, Connection connection);
+    /// The state of the connection of the tab at an index.
+    Connection connectionAt(int index) const;
 
     /// The page at an index, if it is a client's or the stand-in.
     ClientInterface* pageAt(int index) const;
@@ -53,5 +66,6 @@ private:
     void closeFinishedTabs();
     void closePlaceholder();
     void removePage(int index);
+    void focusCurrent(int subPage);
     void showTitle(const ClientInterface& page);
 };

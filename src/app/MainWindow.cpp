@@ -10,6 +10,7 @@
 #include "ErrorListModel.h"
 #include "FeedbackDialog.h"
 #include "FileErrors.h"
+#include "FocusedWheel.h"
 #include "LocalListener.h"
 #include "MonitorStatus.h"
 #include "PlainMessageBox.h"
@@ -132,6 +133,8 @@ void MainWindow::setUpActions()
     connect(m_ui->actionPreferences, SIGNAL(triggered()), SLOT(onPreferences()));
     connect(m_ui->actionExit, SIGNAL(triggered()), SLOT(close()));
     connect(m_ui->actionNew_Profile, SIGNAL(triggered()), SLOT(newProfile()));
+    new FocusedWheel(m_ui->cmbProfile);
+    new FocusedWheel(m_ui->cmbFont);
     connect(m_ui->cmbProfile, SIGNAL(currentIndexChanged(int)), SLOT(optionChanged()));
     connect(m_clientTabs, SIGNAL(tabCloseRequested(int)), SLOT(closeTab(int)));
 }
@@ -237,17 +240,18 @@ void MainWindow::setClientName(Client* client, const QString& name)
 
 void MainWindow::clientCleanDisconnect(Client* client)
 {
-    clientDisconnected(client, QStringLiteral("Client disconnected"));
+    clientDisconnected(client, tr("Client disconnected"), true);
 }
 
 void MainWindow::clientIckyDisconnect(Client* client)
 {
-    clientDisconnected(client, QStringLiteral("Lost connection to client"));
+    clientDisconnected(client, tr("Lost connection to client"), false);
 }
 
-void MainWindow::clientDisconnected(Client* client, const QString& text)
+void MainWindow::clientDisconnected(Client* client, const QString& text, bool isClean)
 {
-    m_clientTabs->finish(client, text);
+    m_clientTabs->finish(
+        client, text, isClean ? ClientTabWidget::Connection::Ended : ClientTabWidget::Connection::Lost);
     client->notifyServerStop();
     m_clients.erase(client);
     showClientCount();

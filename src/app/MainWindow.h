@@ -97,7 +97,7 @@ private:
     void setUpPages();
     void setUpServer();
     void countProblems(const ClientInterface& page);
-    void clientDisconnected(Client* client, const QString& text);
+    void clientDisconnected(Client* client, const QString& text, bool isClean);
     void showClientCount();
     void consoleSaved(bool saved);
     void openRecentProfile(const QString& path);

@@ -144,6 +144,24 @@ QString ClientInterface::title() const
     return title + QStringLiteral("PID: ") + QString::number(m_pid);
 }
 
+int ClientInterface::subPage() const
+{
+    return m_ui->tabWidget->currentIndex();
+}
+
+void ClientInterface::showSubPage(int index)
+{
+    m_ui->tabWidget->setCurrentIndex(index);
+    // Not the first widget of the page, which a key would switch.
+    QWidget* page = m_ui->tabWidget->currentWidget();
+    if (page == m_ui->tab_console)
+        m_ui->txtConsole->setFocus();
+    else if (page == m_ui->tab_errorlist)
+        m_ui->tblErrorList->setFocus();
+    else
+        m_ui->tabWidget->tabBar()->setFocus();
+}
+
 void ClientInterface::receive(const Message& message)
 {
     const bool hurried = m_client && (m_client->hasBacklog() || !event_loop_turn::mayDrawAtOnce(m_console));

@@ -47,6 +47,11 @@ public:
     Console& console() { return *m_console; }
     const ConsoleSaver& saver() const { return *m_saver; }
 
+    /// The index of the page that is shown: console, error list or contexts.
+    int subPage() const;
+    /// Shows one of these pages and gives it the focus.
+    void showSubPage(int index);
+
     /// For the page of a closed tab while its saver is busy: takes no more, and destroys itself when that is
     /// done.
     void closeOnceSaved();

@@ -313,7 +313,7 @@ void TestMainWindow::savingTabIsCompleted()
     const QPointer<ClientInterface> page = session.tabs().pageAt(0);
     const QString path = QDir::tempPath() + QStringLiteral("/console.txt");
     const qint64 size = beginLongSave(*page, path);
-    session.tabs().finish(page->client(), QStringLiteral("end"));
+    session.tabs().finish(page->client(), QStringLiteral("end"), ClientTabWidget::Connection::Ended);
     session.tabs().addClient(nullptr, QFont(), true);
     QCOMPARE(session.tabs().count(), 2);
     session.window.closeTab(0);

@@ -1,0 +1,21 @@
+#include "FocusedWheel.h"
+
+#include <QEvent>
+#include <QWidget>
+
+FocusedWheel::FocusedWheel(QWidget* widget)
+    : QObject(widget)
+{
+    widget->setFocusPolicy(Qt::StrongFocus);
+    widget->installEventFilter(this);
+}
+
+bool FocusedWheel::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::Wheel && !static_cast<QWidget*>(watched)->hasFocus()) {
+        // What is around it may scroll instead.
+        event->ignore();
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
+}
