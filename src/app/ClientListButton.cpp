@@ -42,6 +42,7 @@ QString problemText(const ErrorListModel& model)
 ClientListButton::ClientListButton(ClientTabWidget* tabs)
     : QToolButton(tabs)
     , m_tabs(tabs)
+    , m_list(new QMenu(this))
 {
     setObjectName(QStringLiteral("btnClientList"));
     setAccessibleName(tr("List of all clients"));
@@ -49,16 +50,16 @@ ClientListButton::ClientListButton(ClientTabWidget* tabs)
     setShortcut(Qt::ALT | Qt::Key_C);
     setArrowType(Qt::DownArrow);
     setAutoRaise(true);
-    setPopupMode(QToolButton::InstantPopup);
-    auto* menu = new QMenu(this);
-    setMenu(menu);
-    connect(menu, &QMenu::aboutToShow, this, &ClientListButton::fill);
+    // A menu of the button's own would give it a second arrow.
+    connect(m_list, &QMenu::aboutToShow, this, &ClientListButton::fill);
+    connect(this, &QToolButton::clicked, this,
+        [this] { m_list->popup(mapToGlobal(rect().bottomRight()) - QPoint(m_list->sizeHint().width(), 0)); });
 }
 
 void ClientListButton::fill()
 {
     constexpr qsizetype longestTitle = 80;
-    menu()->clear();
+    m_list->clear();
     for (int i = 0; i < m_tabs->count(); ++i) {
         const ClientInterface* page = m_tabs->pageAt(i);
         if (!page || page->state() == ClientInterface::State::Fresh)
@@ -69,13 +70,13 @@ void ClientListButton::fill()
         const QString text = tr("%1: %2, %3\t%4")
                                  .arg(QString::number(i + 1), title, stateText(m_tabs->connectionAt(i)),
                                      problemText(page->errorListModel()));
-        QAction* action = menu()->addAction(
+        QAction* action = m_list->addAction(
             m_tabs->tabIcon(i), QString(text).replace(QLatin1Char('&'), QStringLiteral("&&")));
         action->setCheckable(true);
         action->setChecked(i == m_tabs->currentIndex());
         connect(action, &QAction::triggered, page,
             [this, page] { m_tabs->setCurrentIndex(m_tabs->indexOf(page)); });
     }
-    if (menu()->isEmpty())
-        menu()->addAction(tr("No client has connected yet"))->setEnabled(false);
+    if (m_list->isEmpty())
+        m_list->addAction(tr("No client has connected yet"))->setEnabled(false);
 }

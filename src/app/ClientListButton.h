@@ -16,4 +16,5 @@ private:
     void fill();
 
     ClientTabWidget* m_tabs;
+    QMenu* m_list;
 };

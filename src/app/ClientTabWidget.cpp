@@ -23,7 +23,7 @@ void ClientTabWidget::ClientTabBar::mouseReleaseEvent(QMouseEvent* event)
 
 QSize ClientTabWidget::ClientTabBar::tabSizeHint(int index) const
 {
-    constexpr int longestTitle = 30; // average characters
+    constexpr int longestTitle = 38; // average characters
     const QSize size = QTabBar::tabSizeHint(index);
     const int widest = fontMetrics().averageCharWidth() * longestTitle + iconSize().width();
     return {std::min(size.width(), widest), size.height()};

@@ -175,7 +175,8 @@ void TestClientTabs::iconsAndList()
     }
     QCOMPARE(pictures.size(), 3U);
 
-    QMenu& menu = *session.tabs().findChild<QToolButton*>(QStringLiteral("btnClientList"))->menu();
+    QMenu& menu =
+        *session.tabs().findChild<QToolButton*>(QStringLiteral("btnClientList"))->findChild<QMenu*>();
     Q_EMIT menu.aboutToShow();
     QStringList entries;
     for (const QAction* action : menu.actions())
