@@ -3,6 +3,7 @@
 #include "Descriptors.h"
 #include "DlgPreferences.h"
 #include "LocalListener.h"
+#include "OutlinedStyle.h"
 #include "PlainMessageBox.h"
 #include "PreferenceKeys.h"
 #include "Product.h"
@@ -70,6 +71,7 @@ Controller::Controller(int& argc, char** argv)
 {
     setApplicationName(QStringLiteral("corvale-gui"));
     setApplicationVersion(product::version());
+    OutlinedStyle::install();
     setDesktopFileName(QStringLiteral("corvale-gui"));
     refuseSecondInstance();
     // Whoever sees this instance answer may end it by a signal at once.

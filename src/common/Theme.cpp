@@ -86,6 +86,17 @@ void apply(Theme theme)
     QApplication::setPalette(palette(theme));
 }
 
+void updateStyleSheets()
+{
+    for (QWidget* widget : QApplication::allWidgets()) {
+        const QString sheet = widget->styleSheet();
+        if (sheet.isEmpty())
+            continue;
+        widget->setStyleSheet(QString());
+        widget->setStyleSheet(sheet);
+    }
+}
+
 std::string_view name(Theme theme)
 {
     for (const auto& entry : names) {

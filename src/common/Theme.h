@@ -16,6 +16,10 @@ QPalette palette(Theme theme);
 /// desktop from now on, also when that changes.
 void apply(Theme theme);
 
+/// Gives widgets with style sheets the colors of now; such widgets, and what is inside of them, keep those of
+/// the time when they got their sheet.
+void updateStyleSheets();
+
 /// The text by which a theme is stored.
 std::string_view name(Theme theme);
 

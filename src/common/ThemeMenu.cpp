@@ -16,6 +16,8 @@ ThemeMenu::ThemeMenu(PlistPreferences& preferences, const QString& title, QWidge
     m_current = theme::fromName(name);
     m_applyAgain.setSingleShot(true);
     connect(&m_applyAgain, &QTimer::timeout, this, &ThemeMenu::apply);
+    m_updateSheets.setSingleShot(true);
+    connect(&m_updateSheets, &QTimer::timeout, this, &theme::updateStyleSheets);
     apply();
     window->installEventFilter(this);
     addTheme(Theme::System, tr("&System"), tr("Use the colors of the desktop"));
@@ -60,9 +62,11 @@ QColor ThemeMenu::windowColor() const
 
 bool ThemeMenu::eventFilter(QObject* watched, QEvent* event)
 {
-    // Later, since the desktop may not be through with all widgets yet.
-    if (event->type() == QEvent::PaletteChange && m_current != Theme::System
-        && windowColor() != m_windowColor)
-        m_applyAgain.start(0);
+    if (event->type() == QEvent::PaletteChange) {
+        // Later, since the desktop may not be through with all widgets yet.
+        m_updateSheets.start(0);
+        if (m_current != Theme::System && windowColor() != m_windowColor)
+            m_applyAgain.start(0);
+    }
     return QMenu::eventFilter(watched, event);
 }

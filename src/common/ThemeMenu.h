@@ -35,4 +35,5 @@ private:
     /// As the theme has made it.
     QColor m_windowColor;
     QTimer m_applyAgain;
+    QTimer m_updateSheets;
 };

@@ -1,0 +1,115 @@
+#include "OutlinedStyle.h"
+
+#include <QApplication>
+#include <QStyleOption>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+namespace {
+
+/// What outlines are to have; a little more than 3, since Fusion blends them with what is around.
+constexpr double leastContrast = 4;
+
+double linear(double channel)
+{
+    return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+}
+
+double luminance(const QColor& color)
+{
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+}
+
+QColor mix(const QColor& one, const QColor& other, float part)
+{
+    return QColor::fromRgbF(one.redF() + (other.redF() - one.redF()) * part,
+        one.greenF() + (other.greenF() - one.greenF()) * part,
+        one.blueF() + (other.blueF() - one.blueF()) * part);
+}
+
+/// Fusion makes its outlines from the color of the window by darker(140).
+QPalette withOutline(QPalette palette)
+{
+    const QColor outline = OutlinedStyle::outline(palette);
+    palette.setColor(QPalette::Window,
+        QColor::fromHsv(
+            outline.hsvHue(), outline.hsvSaturation(), std::min(255, outline.value() * 140 / 100)));
+    return palette;
+}
+
+constexpr std::array outlinedPrimitives{QStyle::PE_IndicatorCheckBox, QStyle::PE_IndicatorItemViewItemCheck,
+    QStyle::PE_IndicatorRadioButton, QStyle::PE_FrameLineEdit, QStyle::PE_PanelButtonCommand};
+
+} // namespace
+
+void OutlinedStyle::install()
+{
+    if (QApplication::style()->name().compare(QStringLiteral("fusion"), Qt::CaseInsensitive) == 0)
+        QApplication::setStyle(new OutlinedStyle(QStringLiteral("fusion")));
+}
+
+double OutlinedStyle::contrast(const QColor& one, const QColor& other)
+{
+    const auto [darker, lighter] = std::minmax({luminance(one), luminance(other)});
+    return (lighter + 0.05) / (darker + 0.05);
+}
+
+QColor OutlinedStyle::outline(const QPalette& palette)
+{
+    const QColor window = palette.color(QPalette::Window);
+    const QColor text = palette.color(QPalette::WindowText);
+    constexpr int steps = 20;
+    QColor color = window;
+    for (int step = 1; step <= steps; ++step) {
+        color = mix(window, text, static_cast<float>(step) / steps);
+        const double least =
+            std::min({contrast(color, window), contrast(color, palette.color(QPalette::Base)),
+                contrast(color, palette.color(QPalette::Button))});
+        if (least >= leastContrast)
+            break;
+    }
+    return color;
+}
+
+void OutlinedStyle::drawPrimitive(
+    PrimitiveElement element, const QStyleOption* option, QPainter* painter, const QWidget* widget) const
+{
+    if (std::find(outlinedPrimitives.begin(), outlinedPrimitives.end(), element)
+        == outlinedPrimitives.end()) {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        return;
+    }
+    if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option)) {
+        QStyleOptionButton copy(*button);
+        copy.palette = withOutline(option->palette);
+        QProxyStyle::drawPrimitive(element, &copy, painter, widget);
+    } else if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option)) {
+        QStyleOptionFrame copy(*frame);
+        copy.palette = withOutline(option->palette);
+        QProxyStyle::drawPrimitive(element, &copy, painter, widget);
+    } else if (const auto* item = qstyleoption_cast<const QStyleOptionViewItem*>(option)) {
+        QStyleOptionViewItem copy(*item);
+        copy.palette = withOutline(option->palette);
+        QProxyStyle::drawPrimitive(element, &copy, painter, widget);
+    } else {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+    }
+}
+
+void OutlinedStyle::drawComplexControl(
+    ComplexControl control, const QStyleOptionComplex* option, QPainter* painter, const QWidget* widget) const
+{
+    if (const auto* box = qstyleoption_cast<const QStyleOptionComboBox*>(option)) {
+        QStyleOptionComboBox copy(*box);
+        copy.palette = withOutline(option->palette);
+        QProxyStyle::drawComplexControl(control, &copy, painter, widget);
+    } else if (const auto* spin = qstyleoption_cast<const QStyleOptionSpinBox*>(option)) {
+        QStyleOptionSpinBox copy(*spin);
+        copy.palette = withOutline(option->palette);
+        QProxyStyle::drawComplexControl(control, &copy, painter, widget);
+    } else {
+        QProxyStyle::drawComplexControl(control, option, painter, widget);
+    }
+}

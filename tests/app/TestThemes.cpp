@@ -1,0 +1,106 @@
+#include "Client.h"
+#include "OutlinedStyle.h"
+#include "Resources.h"
+#include "Session.h"
+#include "Theme.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScrollBar>
+#include <QStandardItemModel>
+#include <QTreeView>
+
+#include <memory>
+#include <set>
+
+namespace {
+
+QColor colorAt(QWidget& widget, const QPoint& place)
+{
+    return widget.grab().toImage().pixelColor(place);
+}
+
+/// The best contrast that any pixel of a widget has with the window.
+double bestContrast(QWidget& widget)
+{
+    const QImage picture = widget.grab().toImage();
+    const QColor window = widget.palette().color(QPalette::Window);
+    double best = 1;
+    for (int x = 0; x < picture.width(); ++x) {
+        for (int y = 0; y < picture.height(); ++y)
+            best = std::max(best, OutlinedStyle::contrast(picture.pixelColor(x, y), window));
+    }
+    return best;
+}
+
+} // namespace
+
+/// What a change of the theme must reach.
+class TestThemes : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        registerResources();
+        QApplication::setStyle(QStringLiteral("fusion"));
+        OutlinedStyle::install();
+    }
+    void cleanup() { theme::apply(Theme::System); }
+
+    void treesFollow();
+    void outlinesStandOut_data();
+    void outlinesStandOut();
+};
+
+void TestThemes::treesFollow()
+{
+    const Session session;
+    auto& tree = *session.window.findChild<QTreeView*>(QStringLiteral("capabilitiesView"));
+    QStandardItemModel model(200, 1);
+    tree.setModel(&model);
+    tree.resize(300, 200);
+    for (const Theme theme : {Theme::Dark, Theme::Light, Theme::Dark}) {
+        theme::apply(theme);
+        const QColor base = theme::palette(theme).color(QPalette::Disabled, QPalette::Base);
+        QTRY_COMPARE(tree.viewport()->palette().color(QPalette::Base), base);
+        QCOMPARE(tree.verticalScrollBar()->palette().color(QPalette::Window),
+            theme::palette(theme).color(QPalette::Window));
+        QCOMPARE(colorAt(tree, {tree.viewport()->width() - 1, 1}), base);
+    }
+    tree.setModel(nullptr);
+}
+
+void TestThemes::outlinesStandOut_data()
+{
+    QTest::addColumn<Theme>("theme");
+    QTest::newRow("light") << Theme::Light;
+    QTest::newRow("dark") << Theme::Dark;
+}
+
+void TestThemes::outlinesStandOut()
+{
+    QFETCH(const Theme, theme);
+    theme::apply(theme);
+    QWidget parent;
+    const auto check = [](QWidget& widget) {
+        widget.resize(widget.sizeHint());
+        const double contrast = bestContrast(widget);
+        QVERIFY2(contrast >= 3,
+            qPrintable(
+                QStringLiteral("%1: %2").arg(QLatin1String(widget.metaObject()->className())).arg(contrast)));
+    };
+    QCheckBox box(&parent);
+    check(box);
+    QRadioButton radio(&parent);
+    check(radio);
+    QLineEdit line(&parent);
+    check(line);
+    QPushButton button(&parent);
+    check(button);
+}
+
+QTEST_MAIN(TestThemes)
+#include "TestThemes.moc"
