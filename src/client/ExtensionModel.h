@@ -5,7 +5,8 @@
 #include <vector>
 
 /// Extension names, and for OpenGL ES also whether they are supported. The texts are constants of the
-/// program, so that a row takes two pointers. Filled before a view shows it.
+/// program, so that a row takes two pointers. The support is translated when it is shown. Filled before a
+/// view shows it.
 class ExtensionModel : public QAbstractTableModel {
     Q_OBJECT
 

@@ -6,48 +6,55 @@
 
 namespace {
 
-constexpr bool single = true;
-constexpr bool mask = false;
+using enum KeyKind;
 
-EGLAttribKey row(const char* name, std::deque<std::string> xmlPath, bool isSingle)
+EGLAttribKey row(const char* name, std::deque<std::string> xmlPath, KeyKind kind)
 {
     const std::optional<std::int32_t> value = egl::enumerantValue(name);
     if (!value)
         throw std::logic_error(std::string("unknown EGL attribute ") + name);
-    return EGLAttribKey{*value, std::move(xmlPath), {name}, isSingle};
+    return EGLAttribKey{*value, std::move(xmlPath), {name}, kind != KeyKind::Mask, kind};
+}
+
+/// A mask by its meaning, yet the editor treats it as one value.
+EGLAttribKey conformant()
+{
+    EGLAttribKey key = row("EGL_CONFORMANT", {"conformant"}, Mask);
+    key.single = true;
+    return key;
 }
 
 std::vector<EGLAttribKey> makeRows()
 {
     return {
-        row("EGL_ALPHA_SIZE", {"alpha_size"}, single),
-        row("EGL_RED_SIZE", {"red_size"}, single),
-        row("EGL_GREEN_SIZE", {"green_size"}, single),
-        row("EGL_BLUE_SIZE", {"blue_size"}, single),
-        row("EGL_DEPTH_SIZE", {"depth_size"}, single),
-        row("EGL_STENCIL_SIZE", {"stencil_size"}, single),
-        row("EGL_BUFFER_SIZE", {"buffer_size"}, single),
-        row("EGL_BIND_TO_TEXTURE_RGB", {"bind_to_texture_rgb"}, single),
-        row("EGL_BIND_TO_TEXTURE_RGBA", {"bind_to_texture_rgba"}, single),
-        row("EGL_CONFIG_CAVEAT", {"config_caveat"}, single),
-        row("EGL_LEVEL", {"level"}, single),
-        row("EGL_MAX_PBUFFER_WIDTH", {"max_pbuffer", "width"}, single),
-        row("EGL_MAX_PBUFFER_HEIGHT", {"max_pbuffer", "height"}, single),
-        row("EGL_MAX_PBUFFER_PIXELS", {"max_pbuffer", "pixels"}, single),
-        row("EGL_MAX_SWAP_INTERVAL", {"swap_interval", "max"}, single),
-        row("EGL_MIN_SWAP_INTERVAL", {"swap_interval", "min"}, single),
-        row("EGL_NATIVE_RENDERABLE", {"native_renderable"}, single),
-        row("EGL_NATIVE_VISUAL_TYPE", {"native_visual_type"}, single),
-        row("EGL_RENDERABLE_TYPE", {"renderable_type"}, mask),
-        // A mask by its meaning, yet the editor treats it as one value.
-        row("EGL_CONFORMANT", {"conformant"}, single),
-        row("EGL_SAMPLE_BUFFERS", {"sample_buffers"}, single),
-        row("EGL_SAMPLES", {"samples"}, single),
-        row("EGL_SURFACE_TYPE", {"surface_type"}, mask),
-        row("EGL_TRANSPARENT_TYPE", {"transparency", "type"}, single),
-        row("EGL_TRANSPARENT_BLUE", {"transparency", "blue"}, single),
-        row("EGL_TRANSPARENT_GREEN", {"transparency", "green"}, single),
-        row("EGL_TRANSPARENT_RED", {"transparency", "red"}, single),
+        row("EGL_ALPHA_SIZE", {"alpha_size"}, Count),
+        row("EGL_RED_SIZE", {"red_size"}, Count),
+        row("EGL_GREEN_SIZE", {"green_size"}, Count),
+        row("EGL_BLUE_SIZE", {"blue_size"}, Count),
+        row("EGL_DEPTH_SIZE", {"depth_size"}, Count),
+        row("EGL_STENCIL_SIZE", {"stencil_size"}, Count),
+        row("EGL_BUFFER_SIZE", {"buffer_size"}, Count),
+        row("EGL_BIND_TO_TEXTURE_RGB", {"bind_to_texture_rgb"}, Boolean),
+        row("EGL_BIND_TO_TEXTURE_RGBA", {"bind_to_texture_rgba"}, Boolean),
+        row("EGL_CONFIG_CAVEAT", {"config_caveat"}, Enumerant),
+        row("EGL_LEVEL", {"level"}, Count),
+        row("EGL_MAX_PBUFFER_WIDTH", {"max_pbuffer", "width"}, Size),
+        row("EGL_MAX_PBUFFER_HEIGHT", {"max_pbuffer", "height"}, Size),
+        row("EGL_MAX_PBUFFER_PIXELS", {"max_pbuffer", "pixels"}, Size),
+        row("EGL_MAX_SWAP_INTERVAL", {"swap_interval", "max"}, Count),
+        row("EGL_MIN_SWAP_INTERVAL", {"swap_interval", "min"}, Count),
+        row("EGL_NATIVE_RENDERABLE", {"native_renderable"}, Boolean),
+        // A number of the window system, or EGL_NONE.
+        row("EGL_NATIVE_VISUAL_TYPE", {"native_visual_type"}, Enumerant),
+        row("EGL_RENDERABLE_TYPE", {"renderable_type"}, Mask),
+        conformant(),
+        row("EGL_SAMPLE_BUFFERS", {"sample_buffers"}, Count),
+        row("EGL_SAMPLES", {"samples"}, Count),
+        row("EGL_SURFACE_TYPE", {"surface_type"}, Mask),
+        row("EGL_TRANSPARENT_TYPE", {"transparency", "type"}, Enumerant),
+        row("EGL_TRANSPARENT_BLUE", {"transparency", "blue"}, Count),
+        row("EGL_TRANSPARENT_GREEN", {"transparency", "green"}, Count),
+        row("EGL_TRANSPARENT_RED", {"transparency", "red"}, Count),
     };
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "EsVersion.h"
+
 #include <cstdint>
 #include <deque>
 #include <functional>
@@ -19,6 +21,53 @@ template <typename Kind> struct KeyName {
     bool operator<(const KeyName& other) const { return text < other.text; }
 };
 
+/// What a key holds altogether, as EGL and OpenGL ES define it.
+enum class KeyKind {
+    Count, ///< A whole number: of bits, of units, or on a scale of its own such as a level.
+    Size, ///< A length or an area in whole pixels. With parts it is a width and a height.
+    Range, ///< The lower and the upper end of what is possible; the parts are the ends.
+    Enumerant,
+    Boolean,
+    Mask, ///< Any of some bits, an element for each.
+    List, ///< Any number of enumerants, an element for each.
+};
+
+/// What one value of a key is: the text of one element, and of one cell of the editor.
+enum class ValueKind {
+    Integer,
+    Real, ///< A number that may have a fraction.
+    Enumerant,
+    Boolean,
+    Bit, ///< One bit of a mask, by its name.
+};
+
+/// What the values of a key of that kind are, and those of its parts.
+constexpr ValueKind valueKind(KeyKind kind)
+{
+    switch (kind) {
+    case KeyKind::Count:
+    case KeyKind::Size:
+        break;
+    case KeyKind::Range:
+        return ValueKind::Real;
+    case KeyKind::Enumerant:
+    case KeyKind::List:
+        return ValueKind::Enumerant;
+    case KeyKind::Boolean:
+        return ValueKind::Boolean;
+    case KeyKind::Mask:
+        return ValueKind::Bit;
+    }
+    return ValueKind::Integer;
+}
+
+/// Whether values are known by names. Others are numbers, even where an enumerant happens to have the same
+/// number.
+constexpr bool hasNames(ValueKind kind)
+{
+    return kind != ValueKind::Integer && kind != ValueKind::Real;
+}
+
 namespace esapi {
 
 /// A version of OpenGL ES.
@@ -26,6 +75,11 @@ struct API {
     std::string displayName;
     /// What the attribute `version` of an `es` element may be for it. No two APIs share a number.
     std::set<int> versions;
+
+    /// The number by which profiles name it, the shortest one.
+    int shortVersion() const { return *versions.begin(); }
+    /// The longest number has both digits of the version.
+    gl::EsVersion esVersion() const { return static_cast<gl::EsVersion>(*versions.rbegin()); }
 
     bool operator==(const API&) const = default;
 };
@@ -53,6 +107,8 @@ struct EGLAttribKey {
     DisplayName displayName;
     /// One value a config; otherwise a bit mask, written as one element for each bit.
     bool single = true;
+    /// EGL_CONFORMANT is a mask that the editor treats as a single value.
+    KeyKind kind = KeyKind::Count;
 
     bool operator==(const EGLAttribKey&) const = default;
 };
@@ -79,6 +135,11 @@ struct ESCapabilityKey {
     bool single = true;
     /// The parts of a compound value, in order.
     std::vector<ESCapabilityKey> children;
+    /// The parts of a range or a size are of the kind of the whole.
+    KeyKind kind = KeyKind::Count;
+    /// The API versions that have it, some of them by an extension only. See gl::minimum() for what they ask
+    /// of it.
+    gl::EsVersionSpan versions;
 
     bool operator==(const ESCapabilityKey&) const = default;
 };

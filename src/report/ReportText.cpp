@@ -2,6 +2,7 @@
 
 #include "ExtensionCatalogue.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 
 #include <algorithm>
@@ -9,6 +10,10 @@
 #include <vector>
 
 namespace {
+
+struct ReportText {
+    Q_DECLARE_TR_FUNCTIONS(ReportText)
+};
 
 /// Characters that a column takes at most; what is longer pushes the rest of its own row only.
 constexpr qsizetype widestColumn = 48;
@@ -30,7 +35,7 @@ Cell yesOrNo(quint8 value)
 {
     if (value > 1)
         return number(value);
-    return {value == 0 ? QStringLiteral("no") : QStringLiteral("yes")};
+    return {value == 0 ? ReportText::tr("no") : ReportText::tr("yes")};
 }
 
 /// One column's width in characters, as far as its rows fit.
@@ -90,28 +95,28 @@ Row keyedRow(const SystemReport::KeyedText& entry)
 
 QString reportText(const SystemReport& report)
 {
-    QStringList lines{QStringLiteral("System report %1")
+    QStringList lines{ReportText::tr("System report %1")
                           .arg(report.leadingNumber ? QString::number(*report.leadingNumber)
-                                                    : QStringLiteral("without a number"))};
+                                                    : ReportText::tr("without a number"))};
     lines << QString(lines.front().size(), QLatin1Char('='));
     appendSection(
-        lines, QStringLiteral("Host extensions"), makeRows(report.flags, [](const auto& entry) -> Row {
+        lines, ReportText::tr("Host extensions"), makeRows(report.flags, [](const auto& entry) -> Row {
             return {number(entry.first), {QString::fromLatin1(catalogue::hostExtensionName(entry.first))},
                 yesOrNo(entry.second)};
         }));
-    appendSection(lines, QStringLiteral("Support"), makeRows(report.texts, [](const auto& entry) -> Row {
+    appendSection(lines, ReportText::tr("Support"), makeRows(report.texts, [](const auto& entry) -> Row {
         return {{entry.text}, yesOrNo(entry.value)};
     }));
-    appendSection(lines, QStringLiteral("Values"), makeRows(report.details, [](const auto& entry) -> Row {
+    appendSection(lines, ReportText::tr("Values"), makeRows(report.details, [](const auto& entry) -> Row {
         return {{entry.text}, number(entry.value)};
     }));
-    appendSection(lines, QStringLiteral("Details"), makeRows(report.keyedTexts, keyedRow));
-    appendSection(lines, QStringLiteral("Further details"), makeRows(report.otherKeyedTexts, keyedRow));
+    appendSection(lines, ReportText::tr("Details"), makeRows(report.keyedTexts, keyedRow));
+    appendSection(lines, ReportText::tr("Further details"), makeRows(report.otherKeyedTexts, keyedRow));
     if (lines.size() == 2)
-        lines << QString() << QStringLiteral("The report has no entries.");
+        lines << QString() << ReportText::tr("The report has no entries.");
     if (report.dropped > 0)
         lines
             << QString()
-            << QStringLiteral("The report was too long: %1 of its entries are left out.").arg(report.dropped);
+            << ReportText::tr("The report was too long: %1 of its entries are left out.").arg(report.dropped);
     return lines.join(QLatin1Char('\n')) + QLatin1Char('\n');
 }

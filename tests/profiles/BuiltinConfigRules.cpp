@@ -1,4 +1,5 @@
 #include "BuiltinProfileRules.h"
+#include "KeyTables.h"
 
 #include <gtest/gtest.h>
 
@@ -6,16 +7,10 @@ namespace rules {
 
 namespace {
 
-const std::set<std::string> numberAttributes = {"alpha_size", "red_size", "green_size", "blue_size",
-    "depth_size", "stencil_size", "buffer_size", "level", "max_pbuffer/width", "max_pbuffer/height",
-    "max_pbuffer/pixels", "swap_interval/min", "swap_interval/max", "sample_buffers", "samples",
-    "transparency/red", "transparency/green", "transparency/blue"};
-
-const std::map<std::string, std::set<std::string>> namedAttributes = {
-    {"bind_to_texture_rgb", {"EGL_TRUE", "EGL_FALSE"}},
-    {"bind_to_texture_rgba", {"EGL_TRUE", "EGL_FALSE"}},
-    {"native_renderable", {"EGL_TRUE", "EGL_FALSE"}},
+/// What we ship in the attributes whose values have names.
+const std::map<std::string, std::set<std::string>> namesInUse = {
     {"config_caveat", {"EGL_NONE", "EGL_SLOW_CONFIG"}},
+    {"native_visual_type", {"EGL_NONE"}},
     {"transparency/type", {"EGL_NONE", "EGL_TRANSPARENT_RGB"}},
 };
 
@@ -27,24 +22,40 @@ long long number(const Attributes& text, const std::string& name)
     return wholeNumber(text.at(name)).value_or(-1);
 }
 
+/// The keys of the attributes by their paths, such as "max_pbuffer/width".
+const std::map<std::string, EGLAttribKey>& keysByPath()
+{
+    static const auto keys = [] {
+        std::map<std::string, EGLAttribKey> byPath;
+        visitEGLAttribKeys([&](const EGLAttribKey& key) {
+            const std::string& first = key.xmlPath.front();
+            byPath.emplace(key.xmlPath.size() == 1 ? first : first + "/" + key.xmlPath.back(), key);
+        });
+        return byPath;
+    }();
+    return keys;
+}
+
+bool isOfKind(const std::string& name, const std::string& value, ValueKind kind)
+{
+    if (kind == ValueKind::Boolean)
+        return value == "EGL_TRUE" || value == "EGL_FALSE";
+    if (kind == ValueKind::Enumerant && namesInUse.at(name).contains(value))
+        return true;
+    // A visual is a number of the window system where there is one.
+    return (kind == ValueKind::Integer || name == "native_visual_type") && wholeNumber(value);
+}
+
 /// Every attribute of the vocabulary once, each with a value of its kind, and nothing else.
 void checkVocabulary(const Attributes& text)
 {
     for (const auto& [name, value] : text) {
-        if (numberAttributes.contains(name)) {
-            EXPECT_TRUE(wholeNumber(value)) << name << ": " << value;
-        } else if (const auto named = namedAttributes.find(name); named != namedAttributes.end()) {
-            EXPECT_TRUE(named->second.contains(value)) << name << ": " << value;
-        } else {
-            EXPECT_EQ(name, "native_visual_type") << "no such attribute";
-            EXPECT_TRUE(value == "EGL_NONE" || wholeNumber(value)) << name << ": " << value;
-        }
+        const auto found = keysByPath().find(name);
+        ASSERT_NE(found, keysByPath().end()) << "no such attribute: " << name;
+        EXPECT_TRUE(isOfKind(name, value, valueKind(found->second.kind))) << name << ": " << value;
     }
-    for (const std::string& name : numberAttributes)
-        ASSERT_TRUE(text.contains(name)) << name;
-    for (const auto& [name, values] : namedAttributes)
-        ASSERT_TRUE(text.contains(name)) << name;
-    ASSERT_TRUE(text.contains("native_visual_type"));
+    for (const auto& [name, key] : keysByPath())
+        ASSERT_TRUE(text.contains(name) || isMask(name)) << name;
 }
 
 void checkTransparency(const Attributes& text)
@@ -61,7 +72,8 @@ void checkTransparency(const Attributes& text)
 
 bool isMask(const std::string& attribute)
 {
-    return attribute == "renderable_type" || attribute == "conformant" || attribute == "surface_type";
+    const auto found = keysByPath().find(attribute);
+    return found != keysByPath().end() && found->second.kind == KeyKind::Mask;
 }
 
 std::string renderableBit(int version)

@@ -1,8 +1,11 @@
 #include "BuiltinProfileRules.h"
 
 #include "ExtensionCatalogue.h"
+#include "KeyTables.h"
+#include "Minima.h"
 
 #include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <sstream>
 
@@ -15,7 +18,7 @@ namespace {
 constexpr long long any = std::numeric_limits<long long>::max();
 constexpr long long none = std::numeric_limits<long long>::min();
 
-// A key with several rows has the later versions' higher demands in its own row.
+// A key with several rows has the later versions' higher demands in a row of their own.
 constexpr Limit limitTable[] = {
 #include "data/LimitTable.inc"
 };
@@ -30,6 +33,32 @@ struct Span {
 constexpr Span extensionTable[] = {
 #include "data/ExtensionTable.inc"
 };
+
+/// "GL_MAX_LIGHTS" for "max_lights".
+std::string enumerantOf(const std::string& element)
+{
+    std::string name = "GL_" + element;
+    std::transform(name.begin(), name.end(), name.begin(), [](unsigned char c) { return std::toupper(c); });
+    return name;
+}
+
+std::vector<double> valuesOf(const ProfileNode& capability)
+{
+    std::vector<double> values;
+    if (capability.children.empty())
+        values.push_back(std::stod(capability.value));
+    for (const ProfileNode& part : capability.children)
+        values.push_back(std::stod(part.value));
+    return values;
+}
+
+void checkMinimum(const std::string& enumerant, gl::EsVersion version, const std::vector<double>& values)
+{
+    const auto minimum = gl::minimum(enumerant, version);
+    EXPECT_TRUE(!minimum || gl::isMet(*minimum, values))
+        << enumerant << " is " << testing::PrintToString(values) << ", the standard asks for "
+        << minimum->values.front();
+}
 
 std::set<std::string> words(const std::string& text)
 {
@@ -48,6 +77,21 @@ std::optional<long long> wholeNumber(const std::string& text)
     if (error != std::errc{} || end != text.data() + text.size())
         return std::nullopt;
     return number;
+}
+
+void checkMinima(int version, const std::vector<ProfileNode>& capabilities)
+{
+    esapi::API api;
+    ASSERT_TRUE(esapi::findAPI(version, &api));
+    std::map<std::string, double> lengths;
+    for (const ProfileNode& capability : capabilities) {
+        if (isListKey(capability.name))
+            ++lengths[enumerantOf("num_" + capability.name + "s")];
+        else if (capability.name != "internal_format")
+            checkMinimum(enumerantOf(capability.name), api.esVersion(), valuesOf(capability));
+    }
+    for (const auto& [enumerant, length] : lengths)
+        checkMinimum(enumerant, api.esVersion(), {length});
 }
 
 bool isListKey(const std::string& path)

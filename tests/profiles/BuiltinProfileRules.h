@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ProfileNode.h"
+
 #include <limits>
 #include <map>
 #include <optional>
@@ -11,19 +13,21 @@
 /// they can be compared; both ends of a range of versions belong to it.
 namespace rules {
 
-/// A capability that a version must have: its path, the least and the most of it. With an extension it must
-/// be there with the extension, and must not be there without.
+/// A capability that a version must have: its path, and its least and its most where the table of minima does
+/// not say them. With an extension it must be there with the extension, and must not be there without.
 struct Limit {
     const char* key;
     int first;
     int last;
-    long long least;
+    long long least = std::numeric_limits<long long>::min();
     long long most = std::numeric_limits<long long>::max();
     const char* extension = nullptr;
 };
 extern const std::span<const Limit> limits;
 
 std::optional<long long> wholeNumber(const std::string& text);
+/// Fails the running test for every limit of a version that is below what the standard asks.
+void checkMinima(int version, const std::vector<ProfileNode>& capabilities);
 /// Whether a capability may be repeated or is a part of one that may.
 bool isListKey(const std::string& path);
 bool isCatalogued(const std::string& extension);

@@ -144,6 +144,69 @@ void writeNumbers(const std::string& input, const std::string& table, std::ostre
     out << "}};\n";
 }
 
+std::vector<std::string> columnsOf(const std::string& line)
+{
+    std::vector<std::string> columns;
+    std::istringstream in(line);
+    for (std::string column; std::getline(in, column, '\t');)
+        columns.push_back(column);
+    return columns;
+}
+
+/// "3.1" becomes 31.
+int parseVersion(const std::string& text)
+{
+    constexpr std::array<std::string_view, 5> versions{"1.1", "2.0", "3.0", "3.1", "3.2"};
+    if (std::find(versions.begin(), versions.end(), text) == versions.end())
+        fail("not a version of OpenGL ES: " + text);
+    return (text[0] - '0') * 10 + (text[2] - '0');
+}
+
+/// The numbers of "1,1" or "2.0", checked, as they are written.
+std::vector<std::string> parseValues(const std::string& text)
+{
+    std::vector<std::string> values;
+    std::istringstream in(text);
+    for (std::string value; std::getline(in, value, ',');) {
+        double number = 0;
+        const char* end = value.data() + value.size();
+        const auto [stop, error] = std::from_chars(value.data(), end, number);
+        if (error != std::errc() || stop != end)
+            fail("not a number: " + text);
+        values.push_back(value);
+    }
+    return values;
+}
+
+/// Enumerant, version, rule, values and source are the columns. The rows are sorted by enumerant, then by
+/// version.
+void writeMinima(const std::string& input, const std::string& table, std::ostream& out)
+{
+    const std::map<std::string, const char*> rules{
+        {"min", "AtLeast"}, {"max", "AtMost"}, {"equals", "Equals"}, {"contains", "Contains"}};
+    std::map<std::pair<std::string, int>, std::string> rows;
+    for (const std::string& line : readLines(input)) {
+        const std::vector<std::string> columns = columnsOf(line);
+        if (columns.size() != 5 || line.find_first_of("\"\\") != std::string::npos)
+            fail("not five columns of plain text: " + line);
+        const auto rule = rules.find(columns[2]);
+        const std::vector<std::string> values = parseValues(columns[3]);
+        if (rule == rules.end() || values.size() != (columns[2] == "contains" ? 2U : 1U))
+            fail("not a rule with its values: " + line);
+        const int version = parseVersion(columns[1]);
+        std::ostringstream row;
+        row << "{\"" << columns[0] << "\", EsVersion{" << version << "}, Minimum::Rule::" << rule->second
+            << ", " << values.size() << ", {" << values.front() << ", " << values.back() << "}, \""
+            << columns[4] << "\"}";
+        if (!rows.emplace(std::pair(columns[0], version), row.str()).second)
+            fail("twice in the file: " + line);
+    }
+    out << "constexpr std::array<MinimumEntry, " << rows.size() << "> " << table << "{{\n";
+    for (const auto& [key, row] : rows)
+        out << "    " << row << ",\n";
+    out << "}};\n";
+}
+
 /// Each file becomes its name and its whole text.
 void writeTexts(const std::string& table, const std::vector<std::string>& inputs, std::ostream& out)
 {
@@ -165,11 +228,13 @@ void usage()
     std::cerr << "usage: make-tables enumerants INPUT.tsv OUTPUT.inc\n"
                  "       make-tables names INPUT.txt OUTPUT.inc TABLE [PREFIX]\n"
                  "       make-tables numbers INPUT.tsv OUTPUT.inc TABLE\n"
+                 "       make-tables minima INPUT.tsv OUTPUT.inc TABLE\n"
                  "       make-tables texts TABLE OUTPUT.inc [INPUT...]\n"
                  "\n"
                  "enumerants: name, value and first core version in columns, to two sorted tables.\n"
                  "names:      one name a line, to a table in the same order.\n"
                  "numbers:    name and decimal value in columns, to a table sorted by name.\n"
+                 "minima:     enumerant, version, rule, values and source in columns, to a sorted table.\n"
                  "texts:      whole files, to a table of file names and texts.\n";
 }
 
@@ -178,8 +243,9 @@ int run(const std::vector<std::string>& arguments)
     const bool enumerants = arguments.size() == 3 && arguments[0] == "enumerants";
     const bool names = (arguments.size() == 4 || arguments.size() == 5) && arguments[0] == "names";
     const bool numbers = arguments.size() == 4 && arguments[0] == "numbers";
+    const bool minima = arguments.size() == 4 && arguments[0] == "minima";
     const bool texts = arguments.size() >= 3 && arguments[0] == "texts";
-    if (!enumerants && !names && !numbers && !texts) {
+    if (!enumerants && !names && !numbers && !minima && !texts) {
         usage();
         return 2;
     }
@@ -189,6 +255,8 @@ int run(const std::vector<std::string>& arguments)
         writeTexts(arguments[1], {arguments.begin() + 3, arguments.end()}, out);
     else if (numbers)
         writeNumbers(arguments[1], arguments[3], out);
+    else if (minima)
+        writeMinima(arguments[1], arguments[3], out);
     else if (enumerants)
         writeEnumerants(arguments[1], out);
     else

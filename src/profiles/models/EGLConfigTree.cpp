@@ -3,6 +3,7 @@
 #include "EglEnumerants.h"
 #include "KeyTables.h"
 #include "ProfileColumns.h"
+#include "ValueNames.h"
 
 #include <map>
 #include <set>
@@ -174,17 +175,14 @@ QString EGLConfigTree::displayText(const ProfileTreeItem& item, int column) cons
     const QVariant& stored = item.data(column);
     const std::optional<int> number = storedNumber(stored);
     if (column == KeyColumn && !item.parent())
-        return number ? QStringLiteral("Config %1").arg(*number) : stored.toString();
+        return number ? tr("Config %1").arg(*number) : stored.toString();
     if (column == ValueColumn && !item.parent())
         return item.children().count() > 0 ? QString() : tr("without attributes it is not kept");
     if (!number)
         return stored.toString();
-    if (column == ValueColumn) {
-        const char* name = egl::symbolicName(*number);
-        return *name == '\0' ? QString::number(*number) : QString::fromLatin1(name);
-    }
-    EGLAttribKey key;
-    return findEGLAttribKey(*number, &key) ? QString::fromStdString(key.displayName.text) : stored.toString();
+    const std::string text = stored.toString().toStdString();
+    return QString::fromStdString(
+        column == ValueColumn ? value_names::eglValue(text) : value_names::eglAttribute(text));
 }
 
 QVariant EGLConfigTree::storedValue(const ProfileTreeItem& item, int column, const QVariant& value) const

@@ -1,37 +1,14 @@
 #include "ESCapabilityTree.h"
 
-#include "GlEnumerants.h"
 #include "KeyTables.h"
-#include "Numbers.h"
 #include "ProfileColumns.h"
-
-#include <limits>
+#include "ValueNames.h"
 
 namespace models {
 
 namespace {
 
 constexpr int columns = 2;
-
-QString keyName(const QString& element)
-{
-    ESCapabilityKeyNode node;
-    if (findKeyNode(ESCapabilityKey::XMLName{element.toStdString()}, &node))
-        return QString::fromStdString(node.key.displayName.text);
-    return element;
-}
-
-/// The name of the enumerant whose number the text is, else the text.
-QString valueName(const QString& text)
-{
-    const std::optional<std::int64_t> number = platform::parseInteger(text.toStdString());
-    constexpr std::int64_t least = std::numeric_limits<std::int32_t>::min();
-    constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max();
-    if (!number || *number < least || *number > most)
-        return text;
-    const QString name = QString::fromLatin1(gl::enumerantName(static_cast<std::int32_t>(*number)));
-    return name.isEmpty() ? text : name;
-}
 
 } // namespace
 
@@ -105,13 +82,13 @@ std::unique_ptr<ProfileTreeItem> ESCapabilityTree::makeItem() const
 
 QString ESCapabilityTree::displayText(const ProfileTreeItem& item, int column) const
 {
-    const QString text = item.data(column).toString();
+    const std::string text = item.data(column).toString().toStdString();
     if (column == ValueColumn)
-        return valueName(text);
+        return QString::fromStdString(value_names::glValue(text));
     if (!item.parent())
-        return ESTreeItem::versionName(item.data(column));
+        return QString::fromStdString(value_names::esApi(text));
     const bool isPart = item.parent()->parent() != nullptr;
-    return isPart ? text : keyName(text);
+    return QString::fromStdString(isPart ? text : value_names::esCapability(text));
 }
 
 } // namespace models

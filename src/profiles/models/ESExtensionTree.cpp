@@ -1,6 +1,7 @@
 #include "ESExtensionTree.h"
 
 #include "ProfileColumns.h"
+#include "ValueNames.h"
 
 #include <algorithm>
 
@@ -48,7 +49,8 @@ std::unique_ptr<ProfileTreeItem> ESExtensionTree::makeItem() const
 
 QString ESExtensionTree::displayText(const ProfileTreeItem& item, int column) const
 {
-    return item.parent() ? item.data(column).toString() : ESTreeItem::versionName(item.data(column));
+    const QString text = item.data(column).toString();
+    return item.parent() ? text : QString::fromStdString(value_names::esApi(text.toStdString()));
 }
 
 } // namespace models

@@ -16,9 +16,6 @@ public:
 
     /// The number of a top row; nothing when what it holds is none.
     std::optional<int> version() const;
-
-    /// What a top row for that version is called: the API's name, else the number.
-    static QString versionName(const QVariant& version);
 };
 
 } // namespace models

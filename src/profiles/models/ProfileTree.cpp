@@ -88,7 +88,7 @@ QVariant ProfileTree::data(const QModelIndex& index, int role) const
         const QString stored = row.data(index.column()).toString();
         const QString shown = displayText(row, index.column());
         const bool hidden = stored != shown && storedNumber(numberOrText(row.data(index.column())));
-        return hidden ? QStringLiteral("%1 = %2").arg(shown, stored.trimmed()) : QVariant();
+        return hidden ? tr("%1 = %2").arg(shown, stored.trimmed()) : QVariant();
     }
     return {};
 }

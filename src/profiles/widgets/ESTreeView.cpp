@@ -18,9 +18,8 @@ void ESTreeView::addAPITriggered()
     const std::string chosen =
         ask(QStringLiteral("Add API"), QStringLiteral("Select an API"), names).toStdString();
     for (const esapi::API& api : apis) {
-        // The shortest number is the one that profiles use.
         if (api.displayName == chosen)
-            addRow({}, *api.versions.begin());
+            addRow({}, api.shortVersion());
     }
 }
 

@@ -3,6 +3,9 @@
 #include "EglEnumerants.h"
 #include "GlEnumerants.h"
 #include "KeyTables.h"
+#include "Minima.h"
+
+#include <QLocale>
 
 #include <map>
 
@@ -26,26 +29,6 @@ QVariant forAttribute(int attribute)
 
 QString forCapability(const QString& element)
 {
-    static const std::map<QString, int> values{
-        {"max_texture_size", 64},
-        {"max_combined_texture_image_units", 8},
-        {"max_cube_map_texture_size", 16},
-        {"max_fragment_uniform_vectors", 16},
-        {"max_renderbuffer_size", 64},
-        {"max_varying_vectors", 8},
-        {"max_vertex_attribs", 8},
-        {"max_vertex_uniform_vectors", 128},
-        {"max_vertex_texture_image_units", 0},
-        {"max_viewport_dims", 64},
-        {"sample_buffers", 0},
-        {"samples", 0},
-        {"subpixel_bits", 4},
-        {"max_lights", 8},
-        {"max_modelview_stack_depth", 16},
-        {"max_projection_stack_depth", 2},
-        {"max_texture_stack_depth", 2},
-        {"max_texture_units", 2},
-    };
     static const std::map<QString, const char*> names{
         {"shader_binary_format", "GL_TSR_BINARY_BWD"},
         {"compressed_texture_format", "GL_ETC1_RGB8_OES"},
@@ -54,8 +37,18 @@ QString forCapability(const QString& element)
     };
     if (const auto name = names.find(element); name != names.end())
         return QString::number(gl::enumerantValue(name->second).value_or(0));
-    const auto found = values.find(element);
-    return QString::number(found == values.end() ? 1 : found->second);
+    // 2.0 asks for a single pixel only; the same as for textures is of more use.
+    static const std::map<QString, int> numbers{
+        {"max_renderbuffer_size", 64}, {"max_viewport_dims", 64}, {"sample_buffers", 0}, {"samples", 0}};
+    if (const auto number = numbers.find(element); number != numbers.end())
+        return QString::number(number->second);
+    ESCapabilityKeyNode node;
+    findKeyNode(ESCapabilityKey::XMLName{element.toStdString()}, &node);
+    for (const gl::EsVersion version : {gl::EsVersion::Es20, gl::EsVersion::Es11}) {
+        if (const auto minimum = gl::minimum(node.key.displayName.text, version))
+            return QString::number(minimum->values.front(), 'f', QLocale::FloatingPointShortest);
+    }
+    return QStringLiteral("1");
 }
 
 } // namespace new_values

@@ -1,10 +1,7 @@
 #include "EGLConfigTreeItemDelegate.h"
 
-#include "EGLAttribSelector.h"
-#include "EGLConfigCaveatSelector.h"
 #include "EGLConfigIDSelector.h"
-#include "EGLTransparentTypeSelector.h"
-#include "EGLTrueFalseSelector.h"
+#include "EGLSelectors.h"
 #include "EglEnumerants.h"
 #include "Numbers.h"
 #include "ProfileColumns.h"

@@ -1,24 +1,17 @@
 #include "ESCapabilityTreeItemDelegate.h"
 
-#include "ESCapabilitySelector.h"
-#include "ESTrueFalseSelector.h"
+#include "ESSelectors.h"
 #include "GlEnumerants.h"
 #include "ImageFormatSelector.h"
 #include "Numbers.h"
 #include "ProfileColumns.h"
-#include "ShaderBinaryFormatSelector.h"
 #include "UnusedKeys.h"
-
-#include <limits>
 
 namespace widgets {
 
 using models::KeyColumn;
 
 namespace {
-
-constexpr std::int64_t least = std::numeric_limits<std::int32_t>::min();
-constexpr std::int64_t most = std::numeric_limits<std::uint32_t>::max();
 
 std::string keyText(const QModelIndex& index)
 {
@@ -55,30 +48,28 @@ QStringList keysFor(const QModelIndex& row)
     return names;
 }
 
-/// What a value is to be.
-enum class Kind { Anything, Integer, Real };
-
-Kind kindOf(const QModelIndex& index, int level)
+/// What the value of a row is; nothing where no table knows, so that anything may be entered.
+std::optional<ValueKind> valueKindOf(const QModelIndex& index, int level)
 {
-    if (level == 1)
-        return capability({keyText(index)}) ? Kind::Integer : Kind::Anything;
+    const std::string name = keyText(index);
+    if (level == 1) {
+        const std::optional<ESCapabilityKey> key = capability({name});
+        return key ? std::optional(valueKind(key->kind)) : std::nullopt;
+    }
     const std::optional<ESCapabilityKey> whole =
         level == 2 ? capability({keyText(index.parent())}) : std::nullopt;
-    const std::string part = keyText(index);
-    if (!whole || !partsOf(*whole).contains(part))
-        return Kind::Anything;
-    return part == "min" || part == "max" ? Kind::Real : Kind::Integer;
+    return whole && partsOf(*whole).contains(name) ? std::optional(valueKind(whole->kind)) : std::nullopt;
 }
 
 /// The number as it is stored; a null text for what is none.
-QString parsedValue(const std::string& text, Kind kind)
+QString parsedValue(const std::string& text, ValueKind kind)
 {
     const std::optional<std::int64_t> number = platform::parseInteger(text);
-    if (number && *number >= least && *number <= most)
+    if (number && gl::isValue(*number))
         return QString::number(*number);
     if (const std::optional<std::int32_t> value = gl::enumerantValue(text))
         return QString::number(static_cast<std::uint32_t>(*value));
-    const std::optional<double> real = kind == Kind::Real ? platform::parseReal(text) : std::nullopt;
+    const std::optional<double> real = kind == ValueKind::Real ? platform::parseReal(text) : std::nullopt;
     return real ? QString::fromStdString(platform::formatReal(*real)) : QString();
 }
 
@@ -123,20 +114,21 @@ ProfileTreeItemDelegate::Outcome ESCapabilityTreeItemDelegate::outcomeOf(
     const int level = depth(index);
     if (level == 0)
         return ESTreeItemDelegate::outcomeOf(index, entry);
-    const Kind kind = index.column() == KeyColumn ? Kind::Anything : kindOf(index, level);
-    if (kind == Kind::Anything)
+    const std::optional<ValueKind> kind =
+        index.column() == KeyColumn ? std::nullopt : valueKindOf(index, level);
+    if (!kind)
         return {entry, {}};
-    const QString value = parsedValue(entry.toString().trimmed().toStdString(), kind);
+    const QString value = parsedValue(entry.toString().trimmed().toStdString(), *kind);
     if (!value.isNull())
         return {value, {}};
     const QString name = keyOf(index).data().toString();
-    if (kind == Kind::Real)
+    if (kind == ValueKind::Real)
         return {{}, tr("\"%1\" takes a number such as 1 or 0.5.").arg(name)};
     return {{},
         tr("%1 takes a whole number from %2 to %3 or the name of a GL enumerant such as GL_RGBA.")
             .arg(name)
-            .arg(least)
-            .arg(most)};
+            .arg(gl::leastValue)
+            .arg(gl::greatestValue)};
 }
 
 } // namespace widgets

@@ -1,6 +1,6 @@
 #include "ESExtensionTreeItemDelegate.h"
 
-#include "ESExtensionSelector.h"
+#include "ESSelectors.h"
 #include "UnusedKeys.h"
 
 namespace widgets {

@@ -1,6 +1,6 @@
 #include "ESTreeItemDelegate.h"
 
-#include "ESAPISelector.h"
+#include "ESSelectors.h"
 #include "ProfileColumns.h"
 #include "UnusedKeys.h"
 
@@ -11,9 +11,8 @@ QWidget* ESTreeItemDelegate::makeEditor(QWidget* parent, const QModelIndex& inde
     if (index.column() != models::KeyColumn)
         return nullptr;
     QList<std::int32_t> versions;
-    // The least number of an API is its short form.
     for (const esapi::API& api : unusedAPIs(index.model()))
-        versions += *api.versions.begin();
+        versions += api.shortVersion();
     return new ESAPISelector(parent, versions, storedText(index));
 }
 

@@ -12,7 +12,7 @@ EGLConfigIDSelector::EGLConfigIDSelector(QWidget* parent, int current)
 {
     setLocale(QLocale::c());
     setRange(std::numeric_limits<int>::min(), std::numeric_limits<int>::max());
-    setPrefix(QStringLiteral("Config "));
+    setPrefix(tr("Config "));
     setValue(current);
 }
 

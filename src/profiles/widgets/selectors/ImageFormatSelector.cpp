@@ -1,5 +1,7 @@
 #include "ImageFormatSelector.h"
 
+#include "SelectorValues.h"
+
 namespace widgets {
 
 namespace {

@@ -1,10 +1,11 @@
 #pragma once
 
 #include "NamedValueSelector.h"
+#include "ValueNames.h"
 
 namespace widgets {
 
-class ImageFormatSelectorItemDelegate : public NamedValueSelectorItemDelegate<glValueName> {
+class ImageFormatSelectorItemDelegate : public NamedValueSelectorItemDelegate<value_names::glValue> {
     Q_OBJECT
 
 public:
@@ -12,7 +13,7 @@ public:
 };
 
 /// Formats and types of images, by their enumerants.
-class ImageFormatSelector : public NamedValueSelector<glValueName, ImageFormatSelectorItemDelegate> {
+class ImageFormatSelector : public NamedValueSelector<ImageFormatSelectorItemDelegate> {
     Q_OBJECT
 
 public:

@@ -2,25 +2,33 @@
 
 #include "GenericValueSelector.h"
 #include "GenericValueSelectorItemDelegate.h"
-#include "ValueNames.h"
+
+#include <string>
+#include <string_view>
 
 namespace widgets {
 
+/// One of the functions of value_names.
+using NameOf = std::string (*)(std::string_view);
+
 /// The list delegate of a selector whose values have names.
-template <QString (*nameOf)(const QString&)>
-class NamedValueSelectorItemDelegate : public GenericValueSelectorItemDelegate {
+template <NameOf nameOf> class NamedValueSelectorItemDelegate : public GenericValueSelectorItemDelegate {
 public:
     using GenericValueSelectorItemDelegate::GenericValueSelectorItemDelegate;
 
+    static QString shownName(const QString& value)
+    {
+        return QString::fromStdString(nameOf(value.toStdString()));
+    }
+
     QString displayText(const QVariant& value, const QLocale& /*locale*/) const override
     {
-        return nameOf(value.toString());
+        return shownName(value.toString());
     }
 };
 
-/// A selector that shows values by their names, as its list does.
-template <QString (*nameOf)(const QString&), typename Delegate>
-class NamedValueSelector : public GenericValueSelector {
+/// A selector that shows values by the names that its list delegate gives them.
+template <typename Delegate> class NamedValueSelector : public GenericValueSelector {
 public:
     NamedValueSelector(QWidget* parent, const QStringList& values, const QString& current)
         : GenericValueSelector(parent, values, current)
@@ -28,7 +36,7 @@ public:
         setItemDelegate(new Delegate(this));
     }
 
-    QString displayText(const QString& value) const override { return nameOf(value); }
+    QString displayText(const QString& value) const override { return Delegate::shownName(value); }
 };
 
 } // namespace widgets

@@ -1,15 +1,9 @@
-#include "EGLAttribSelector.h"
-#include "EGLConfigCaveatSelector.h"
 #include "EGLConfigIDSelector.h"
-#include "EGLTransparentTypeSelector.h"
-#include "EGLTrueFalseSelector.h"
-#include "ESAPISelector.h"
-#include "ESCapabilitySelector.h"
-#include "ESTrueFalseSelector.h"
+#include "EGLSelectors.h"
+#include "ESSelectors.h"
 #include "GenericValueSelectorItemDelegate.h"
 #include "GlEnumerants.h"
 #include "ImageFormatSelector.h"
-#include "ShaderBinaryFormatSelector.h"
 
 #include <QAbstractItemView>
 #include <QSignalSpy>

@@ -105,4 +105,61 @@ TEST(KeyTables, capabilityLookUpsCoverTheWholeTree)
     EXPECT_EQ(node.key.xmlName.text, "height");
 }
 
+TEST(KeyTables, kindsSayWhatValuesAre)
+{
+    const auto egl = [](const char* name) {
+        EGLAttribKey key;
+        EXPECT_TRUE(findEGLAttribKey(EGLAttribKey::DisplayName{name}, &key)) << name;
+        return key.kind;
+    };
+    EXPECT_EQ(egl("EGL_ALPHA_SIZE"), KeyKind::Count);
+    EXPECT_EQ(egl("EGL_MAX_PBUFFER_PIXELS"), KeyKind::Size);
+    EXPECT_EQ(egl("EGL_NATIVE_RENDERABLE"), KeyKind::Boolean);
+    EXPECT_EQ(egl("EGL_NATIVE_VISUAL_TYPE"), KeyKind::Enumerant) << "else EGL_NONE would become a number";
+    EXPECT_EQ(egl("EGL_SURFACE_TYPE"), KeyKind::Mask);
+    EXPECT_EQ(egl("EGL_CONFORMANT"), KeyKind::Mask) << "though it is single";
+
+    const auto es = [](const char* name) {
+        ESCapabilityKeyNode node;
+        EXPECT_TRUE(findKeyNode(ESCapabilityKey::XMLName{name}, &node)) << name;
+        return node.key.kind;
+    };
+    EXPECT_EQ(es("max_lights"), KeyKind::Count);
+    EXPECT_EQ(es("max_viewport_dims"), KeyKind::Size);
+    EXPECT_EQ(es("height"), KeyKind::Size);
+    EXPECT_EQ(es("smooth_line_width_range"), KeyKind::Range);
+    EXPECT_EQ(es("max"), KeyKind::Range);
+    EXPECT_EQ(es("shader_compiler"), KeyKind::Boolean);
+    EXPECT_EQ(es("implementation_color_read_type"), KeyKind::Enumerant);
+    EXPECT_EQ(es("compressed_texture_format"), KeyKind::List);
+
+    EXPECT_EQ(valueKind(KeyKind::List), ValueKind::Enumerant);
+    EXPECT_EQ(valueKind(KeyKind::Mask), ValueKind::Bit);
+    EXPECT_EQ(valueKind(KeyKind::Range), ValueKind::Real);
+    EXPECT_EQ(valueKind(KeyKind::Size), ValueKind::Integer);
+    EXPECT_TRUE(hasNames(ValueKind::Bit));
+    EXPECT_FALSE(hasNames(ValueKind::Real));
+}
+
+TEST(KeyTables, versionsThatHaveACapability)
+{
+    const auto hasKey = [](int documentVersion, const char* name) {
+        ESCapabilityKeyNode node;
+        esapi::API api;
+        EXPECT_TRUE(findKeyNode(ESCapabilityKey::XMLName{name}, &node)) << name;
+        EXPECT_TRUE(esapi::findAPI(documentVersion, &api)) << documentVersion;
+        return node.key.versions.contains(api.esVersion());
+    };
+    for (const int version : {1, 11, 2, 20, 3, 30, 31}) {
+        const bool fixedFunction = version == 1 || version == 11;
+        EXPECT_TRUE(hasKey(version, "max_texture_size")) << version;
+        EXPECT_TRUE(hasKey(version, "max_viewport_dims")) << version;
+        EXPECT_EQ(hasKey(version, "max_lights"), fixedFunction) << version;
+        EXPECT_EQ(hasKey(version, "smooth_point_size_range"), fixedFunction) << version;
+        EXPECT_EQ(hasKey(version, "max_vertex_attribs"), !fixedFunction) << version;
+        EXPECT_EQ(hasKey(version, "shader_binary_format"), !fixedFunction) << version;
+    }
+    EXPECT_TRUE(hasKey(1, "max_renderbuffer_size")) << "by an extension";
+}
+
 } // namespace
