@@ -4,7 +4,6 @@
 #include "DlgPreferences.h"
 #include "LocalListener.h"
 #include "PlainMessageBox.h"
-#include "PreferenceKeys.h"
 #include "Product.h"
 #include "ProfileSaving.h"
 #include "Resources.h"
@@ -37,10 +36,10 @@ int& prepareProcess(int& argc)
 }
 
 /// Loads the store and returns it; throws std::runtime_error with the reason where that fails.
-PlistPreferences& load(PlistPreferences& preferences)
+Preferences& load(Preferences& preferences)
 {
     std::string error;
-    if (!preferences.load(error, true))
+    if (!preferences.load(error))
         throw std::runtime_error(error);
     return preferences;
 }
@@ -58,7 +57,6 @@ Controller::StartUpLock::StartUpLock()
 
 Controller::Controller(int& argc, char** argv)
     : QApplication(prepareProcess(argc), argv)
-    , m_preferences(preference_keys::storeName, TSRPreferencesImpl::perUser)
     , m_mainWindow(this, load(m_preferences))
     , m_catalogue(m_preferences)
     , m_instanceServer(new QLocalServer(this))
@@ -116,7 +114,7 @@ void Controller::editPreferences()
 {
     DlgPreferences dialog(&m_preferences, &m_mainWindow);
     dialog.exec();
-    m_mainWindow.preferencesEdited(dialog.savedFiles(), dialog.hasUnsavedPreferences());
+    m_mainWindow.preferencesEdited(dialog.savedFiles());
 }
 
 Controller::Pointer Controller::newProfile()
@@ -160,9 +158,7 @@ std::string Controller::directoryForSaving()
             .toStdString();
     if (chosen.empty())
         return {};
-    const std::string key = preference_keys::prefixed(preference_keys::profilesDirectory);
-    const bool stored = m_preferences.setString(key, chosen) == ResultCode::Success;
-    m_mainWindow.reportSave(stored && m_preferences.save(false));
+    m_preferences.set(settings::profilesDirectory, chosen);
     return chosen;
 }
 

@@ -64,6 +64,8 @@ public:
     ResultCode setInteger(std::string_view keyPath, std::int64_t value);
     ResultCode setReal(std::string_view keyPath, double value);
     ResultCode setData(std::string_view keyPath, const property_list::Data& value);
+    /// The setter of the value's own type.
+    ResultCode set(std::string_view keyPath, property_list::Value value);
 
     /// Where the copy of a file is that could not be read as preferences and that a save has replaced; empty
     /// when there was none.
@@ -75,7 +77,6 @@ public:
 private:
     template <typename T>
     ResultCode get(std::string_view keyPath, T* result, const T* defaultValue, bool useDefault) const;
-    ResultCode set(std::string_view keyPath, property_list::Value value);
     void remember(const property_list::KeyPath& path, property_list::Value value);
     void setPending();
 
