@@ -16,11 +16,11 @@
 
 namespace {
 
-/// From the program's folder: where the product keeps its documents, where packages put them, and where they
+/// From the program's folder: where the product keeps its documents, where they are installed, and where they
 /// are in the sources, whose builds are three folders deep.
 constexpr const char* documentFolders[] = {
     "../../Documentation",
-    "../share/doc/corvale-gui",
+    CORVALE_INSTALLED_DOCUMENTS,
     "../../../docs",
 };
 

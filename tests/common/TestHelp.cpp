@@ -244,7 +244,7 @@ void TestHelp::documentation()
     QCOMPARE(questions, 1);
     const QString source = create("docs");
     QCOMPARE(opener.open(name, nullptr), QString());
-    const QString installed = create("a/b/share/doc/corvale-gui");
+    const QString installed = create("a/b/share/doc/corvale");
     QCOMPARE(opener.open(name, nullptr), QString());
     const QString product = create("a/Documentation");
     QCOMPARE(opener.open(name, nullptr), QString());
