@@ -6,7 +6,7 @@
 #include "ErrorListModel.h"
 #include "FloodSender.h"
 #include "MainWindow.h"
-#include "PlistPreferences.h"
+#include "Preferences.h"
 
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
@@ -112,7 +112,7 @@ private:
 class Window {
 public:
     Window()
-        : m_preferences("Bench", 0)
+        : m_preferences("Bench")
         , m_window(nullptr, m_preferences)
     {
         m_window.resize(900, 640);
@@ -167,7 +167,7 @@ private:
         }
     }
 
-    PlistPreferences m_preferences;
+    Preferences m_preferences;
     MainWindow m_window;
     std::map<const Client*, int> m_clients;
     int m_count = 0;

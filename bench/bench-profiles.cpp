@@ -3,8 +3,7 @@
 
 #include "KeyTables.h"
 #include "Numbers.h"
-#include "PlistPreferences.h"
-#include "PreferenceKeys.h"
+#include "Preferences.h"
 #include "ProfileCatalogue.h"
 #include "ProfileData.h"
 #include "ProfileDataWrapper.h"
@@ -66,10 +65,10 @@ ProfileData fullProfile(std::int64_t configs)
 
 void measure(const std::string& folder, std::int64_t profiles, std::int64_t configs)
 {
-    PlistPreferences preferences("Bench", TSRPreferencesImpl::perUser);
+    Preferences preferences("Bench");
     std::string error;
-    require(preferences.load(error, false), error.c_str());
-    preferences.setString(preference_keys::prefixed(preference_keys::profilesDirectory), folder);
+    require(preferences.load(error), error.c_str());
+    preferences.setUnsaved(settings::profilesDirectory, folder);
     ProfileData profile = fullProfile(configs);
     std::printf("%jd profiles of %zu bytes\n", static_cast<std::intmax_t>(profiles), profile.toXml().size());
     report("save all", 1, [&] {

@@ -1,4 +1,4 @@
-# Shared by the scripts beside this file; sourced, not run. Sets $root and offers install_missing and build.
+# Shared by the scripts beside this file; sourced, not run. Sets $root and offers install_missing, build and stage.
 
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
@@ -45,5 +45,13 @@ build() {
         echo "Building"
         cmake --build --preset release --target "$@" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
     fi
+    rm -f "$log"
+}
+
+# stage: installs the program, which has been built, into build/stage. Files that have not changed stay as they are.
+stage() {
+    local log
+    log=$(mktemp)
+    cmake --install build/release --prefix build/stage --component corvale >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
     rm -f "$log"
 }

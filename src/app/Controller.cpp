@@ -5,7 +5,6 @@
 #include "LocalListener.h"
 #include "OutlinedStyle.h"
 #include "PlainMessageBox.h"
-#include "PreferenceKeys.h"
 #include "Product.h"
 #include "ProfileSaving.h"
 #include "Resources.h"
@@ -38,10 +37,10 @@ int& prepareProcess(int& argc)
 }
 
 /// Loads the store and returns it; throws std::runtime_error with the reason where that fails.
-PlistPreferences& load(PlistPreferences& preferences)
+Preferences& load(Preferences& preferences)
 {
     std::string error;
-    if (!preferences.load(error, true))
+    if (!preferences.load(error))
         throw std::runtime_error(error);
     return preferences;
 }
@@ -64,7 +63,6 @@ Controller::StartUpLock::StartUpLock()
 
 Controller::Controller(int& argc, char** argv)
     : QApplication(prepareProcess(argc), argv)
-    , m_preferences(preference_keys::storeName, TSRPreferencesImpl::perUser)
     , m_mainWindow(this, load(m_preferences))
     , m_catalogue(m_preferences)
     , m_instanceServer(new QLocalServer(this))
@@ -130,7 +128,7 @@ void Controller::editPreferences()
 {
     DlgPreferences dialog(&m_preferences, &m_mainWindow);
     dialog.exec();
-    m_mainWindow.preferencesEdited(dialog.savedFiles(), dialog.hasUnsavedPreferences());
+    m_mainWindow.preferencesEdited(dialog.savedFiles());
 }
 
 Controller::Pointer Controller::newProfile()
@@ -174,9 +172,7 @@ std::string Controller::directoryForSaving()
             .toStdString();
     if (chosen.empty())
         return {};
-    const std::string key = preference_keys::prefixed(preference_keys::profilesDirectory);
-    const bool stored = m_preferences.setString(key, chosen) == ResultCode::Success;
-    m_mainWindow.reportSave(stored && m_preferences.save(false));
+    m_preferences.set(settings::profilesDirectory, chosen);
     return chosen;
 }
 

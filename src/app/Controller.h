@@ -1,7 +1,7 @@
 #pragma once
 
 #include "MainWindow.h"
-#include "PlistPreferences.h"
+#include "Preferences.h"
 #include "ProfileCatalogue.h"
 #include "ProfileController.h"
 
@@ -57,7 +57,7 @@ private:
     void endOnSignals();
 
     StartUpLock m_startUpLock;
-    PlistPreferences m_preferences;
+    Preferences m_preferences;
     MainWindow m_mainWindow;
     ProfileCatalogue m_catalogue;
     QLocalServer* m_instanceServer;

@@ -14,8 +14,7 @@
 #include "LocalListener.h"
 #include "MonitorStatus.h"
 #include "PlainMessageBox.h"
-#include "PlistPreferences.h"
-#include "PreferenceKeys.h"
+#include "Preferences.h"
 #include "Product.h"
 #include "ProfileCatalogue.h"
 #include "ProfileChooser.h"
@@ -59,7 +58,7 @@ QString fixedFontFamily()
 
 } // namespace
 
-MainWindow::MainWindow(Controller* controller, PlistPreferences& preferences)
+MainWindow::MainWindow(Controller* controller, Preferences& preferences)
     : m_ui(std::make_unique<Ui::MainWindow>())
     , m_controller(controller)
     , m_preferences(preferences)
@@ -77,10 +76,12 @@ MainWindow::MainWindow(Controller* controller, PlistPreferences& preferences)
     setUpActions();
     setUpMenus();
     setUpServer();
+    m_preferences.setSaveObserver([this](const SaveOutcome& outcome) { reportSave(outcome); });
 }
 
 MainWindow::~MainWindow()
 {
+    m_preferences.setSaveObserver({});
     // Sockets announce their end while they are destroyed; nobody is left here to hear it.
     for (Client* client : findChildren<Client*>(QString(), Qt::FindDirectChildrenOnly))
         delete client;
@@ -94,7 +95,6 @@ void MainWindow::setUpHelp()
     m_stats->initialise();
     m_aboutBox = new AboutBox(
         QStringLiteral(":/CorvaleResources/SplashCorvale"), product::nameAndVersion(), m_preferences, this);
-    connect(m_aboutBox, &AboutBox::choiceStored, this, &MainWindow::reportSave);
 }
 
 void MainWindow::setUpPages()
@@ -116,10 +116,8 @@ void MainWindow::setUpPages()
 
 void MainWindow::setUpFonts()
 {
-    const std::string otherwise = fixedFontFamily().toLatin1().toStdString();
-    std::string family;
-    m_preferences.getString(preference_keys::prefixed(preference_keys::guiFont), &family, &otherwise, true);
-    m_ui->cmbFont->setCurrentFont(QFont(QString::fromLatin1(family)));
+    const QString family = QString::fromLatin1(m_preferences.get(settings::guiFont));
+    m_ui->cmbFont->setCurrentFont(QFont(family.isEmpty() ? fixedFontFamily() : family));
     m_reportViewer->setFont(m_ui->cmbFont->currentFont());
     // Connected last: what has just been read need not be stored.
     connect(m_ui->cmbFont, SIGNAL(currentFontChanged(const QFont&)), SLOT(fontChanged(const QFont&)));
@@ -145,7 +143,6 @@ void MainWindow::setUpMenus()
     m_recentProfiles->setObjectName(QStringLiteral("menuRecentProfiles"));
     m_ui->menuFile->insertMenu(m_ui->actionExit, m_recentProfiles);
     m_ui->menuFile->insertSeparator(m_ui->actionExit);
-    connect(m_recentProfiles, &RecentFilesMenu::stored, this, &MainWindow::reportSave);
     connect(m_recentProfiles, &RecentFilesMenu::fileChosen, this, &MainWindow::openRecentProfile);
     connect(m_recentProfiles, &RecentFilesMenu::fileMissing, this, [this](const QString& path) {
         PlainMessageBox(QMessageBox::Warning, windowTitle(), tr("The profile file is not there any more"),
@@ -156,7 +153,6 @@ void MainWindow::setUpMenus()
     auto* view = new ThemeMenu(m_preferences, tr("&View"), this);
     view->setObjectName(QStringLiteral("menuView"));
     m_ui->menubar->insertMenu(m_ui->menuHelp->menuAction(), view);
-    connect(view, &ThemeMenu::stored, this, &MainWindow::reportSave);
 
     // The titles of these menus name no key.
     for (QMenu* menu : {m_ui->menuEdit, m_ui->menuHelp}) {
@@ -309,26 +305,21 @@ void MainWindow::fontChanged(const QFont& font)
     // The list can be emptied by hand, which names no font.
     if (font.family().trimmed().isEmpty())
         return;
-    m_preferences.setString(
-        preference_keys::prefixed(preference_keys::guiFont), font.family().toLatin1().toStdString());
-    reportSave(m_preferences.save(false));
+    m_preferences.set(settings::guiFont, font.family().toLatin1().toStdString());
 }
 
-void MainWindow::reportSave(bool saved)
+/// Shows in the status bar what a save of the preferences did beyond saving.
+void MainWindow::reportSave(const SaveOutcome& outcome)
 {
-    if (!saved) {
-        statusBar()->showMessage(tr("The preferences could not be saved: %1")
-                                     .arg(QString::fromStdString(m_preferences.saveError())),
+    if (const auto* failure = std::get_if<save_outcome::NotSaved>(&outcome))
+        statusBar()->showMessage(
+            tr("The preferences could not be saved: %1").arg(QString::fromStdString(failure->reason)),
             messageTime);
-        return;
-    }
-    const QString copy = QString::fromStdString(platform::readablePath(m_preferences.corruptCopy()));
-    if (copy != m_toldCorruptCopy)
+    if (const auto* unreadable = std::get_if<save_outcome::UnreadableSetAside>(&outcome))
         statusBar()->showMessage(
             tr("The preferences file could not be read, so it was replaced. A copy of it is kept as \"%1\".")
-                .arg(copy),
+                .arg(QString::fromStdString(platform::readablePath(unreadable->copy))),
             3 * messageTime);
-    m_toldCorruptCopy = copy;
 }
 
 void MainWindow::fatalError(Error error)
@@ -378,19 +369,17 @@ void MainWindow::onPreferences()
         m_controller->editPreferences();
 }
 
-void MainWindow::preferencesEdited(const QStringList& savedFiles, bool saveFailed)
+void MainWindow::preferencesEdited(const QStringList& savedFiles)
 {
     reloadProfiles();
     for (const QString& file : savedFiles)
         addRecentProfile(file);
-    if (saveFailed)
-        reportSave(m_preferences.save(false));
 }
 
 void MainWindow::optionChanged()
 {
     if (m_catalogue)
-        reportSave(m_catalogue->rememberCurrent(m_profileChooser->chosenKey()));
+        m_catalogue->rememberCurrent(m_profileChooser->chosenKey());
 }
 
 void MainWindow::setCatalogue(ProfileCatalogue& catalogue)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "MetaTypes.h"
+#include "Preferences.h"
 
 #include <QMainWindow>
 
@@ -14,7 +15,6 @@ class ClientTabWidget;
 class Controller;
 class LocalListener;
 class MonitorStatus;
-class PlistPreferences;
 class ProfileCatalogue;
 class ProfileChooser;
 class ProfileDataWrapper;
@@ -42,7 +42,7 @@ class MainWindow : public QMainWindow {
 
 public:
     /// The controller may be none, where the window stands for itself. The preference store must live longer.
-    MainWindow(Controller* controller, PlistPreferences& preferences);
+    MainWindow(Controller* controller, Preferences& preferences);
     ~MainWindow() override;
 
     /// Fills the profile chooser, with the remembered profile as the chosen one. The catalogue must live
@@ -55,12 +55,9 @@ public:
     /// Chooses a profile as the user would; one that is not in the list is ignored.
     void chooseProfile(const std::shared_ptr<const ProfileDataWrapper>& profile);
     /// Takes over what the preferences dialog has changed: the profiles, and files that were saved there.
-    void preferencesEdited(const QStringList& savedFiles, bool saveFailed);
+    void preferencesEdited(const QStringList& savedFiles);
     /// Puts a profile file into the menu of the recent ones.
     void addRecentProfile(const QString& path);
-
-    /// Tells in the status bar what a save of the preferences did beyond saving.
-    void reportSave(bool saved);
 
     /// Tells why other instances cannot see this one; empty when they can.
     void setInstanceProblem(const QString& problem);
@@ -101,10 +98,11 @@ private:
     void showClientCount();
     void consoleSaved(bool saved);
     void openRecentProfile(const QString& path);
+    void reportSave(const SaveOutcome& outcome);
 
     std::unique_ptr<Ui::MainWindow> m_ui;
     Controller* m_controller;
-    PlistPreferences& m_preferences;
+    Preferences& m_preferences;
     ClientTabWidget* m_clientTabs = nullptr;
     MonitorStatus* m_status = nullptr;
     SystemReportGUIReceiver* m_reportReceiver = nullptr;
@@ -118,7 +116,6 @@ private:
     QLocalServer* m_server = nullptr;
     LocalListener* m_listener = nullptr;
     std::set<Client*> m_clients;
-    QString m_toldCorruptCopy;
     bool m_asksBeforeClosing = true;
     bool m_closesOnceSaved = false;
 };

@@ -1,7 +1,6 @@
 #include "AboutBox.h"
 
-#include "PlistPreferences.h"
-#include "PreferenceKeys.h"
+#include "Preferences.h"
 #include "SystemFacts.h"
 
 #include <QApplication>
@@ -52,7 +51,7 @@ QLabel* makeVersions(QWidget* parent)
 } // namespace
 
 AboutBox::AboutBox(
-    const QString& splashImage, const QString& productText, PlistPreferences& preferences, QWidget* parent)
+    const QString& splashImage, const QString& productText, Preferences& preferences, QWidget* parent)
     : QDialog(parent)
     , m_preferences(preferences)
     , m_atStart(new QCheckBox(tr("&Show this when the program starts"), this))
@@ -72,7 +71,8 @@ AboutBox::AboutBox(
     lastRow->addWidget(buttons);
     layout->addLayout(lastRow);
 
-    connect(m_atStart, &QCheckBox::clicked, this, &AboutBox::storeChoice);
+    connect(m_atStart, &QCheckBox::clicked, this,
+        [this](bool show) { m_preferences.set(settings::showSplash, show); });
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
 }
 
@@ -156,14 +156,5 @@ void AboutBox::hideEvent(QHideEvent* event)
 
 void AboutBox::readChoice()
 {
-    bool show = true;
-    const bool otherwise = true;
-    m_preferences.getBoolean(preference_keys::prefixed(preference_keys::showSplash), &show, &otherwise, true);
-    m_atStart->setChecked(show);
-}
-
-void AboutBox::storeChoice(bool show)
-{
-    m_preferences.setBoolean(preference_keys::prefixed(preference_keys::showSplash), show);
-    Q_EMIT choiceStored(m_preferences.save(false));
+    m_atStart->setChecked(m_preferences.get(settings::showSplash));
 }

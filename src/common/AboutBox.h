@@ -2,7 +2,7 @@
 
 #include <QDialog>
 
-class PlistPreferences;
+class Preferences;
 class QCheckBox;
 
 /// Shows the splash image, the product's name and version, and those of the libraries. It comes by itself
@@ -13,7 +13,7 @@ class AboutBox : public QDialog {
 
 public:
     /// The store must live longer.
-    AboutBox(const QString& splashImage, const QString& productText, PlistPreferences& preferences,
+    AboutBox(const QString& splashImage, const QString& productText, Preferences& preferences,
         QWidget* parent = nullptr);
 
     /// Shows the box, if the user wants it at start, beside what goes on: it takes no focus, and goes as soon
@@ -23,10 +23,6 @@ public:
     void showForced();
     /// Takes a box away that has come by itself.
     void endStart();
-
-Q_SIGNALS:
-    /// The choice about the start has been changed, and the preferences have been saved or could not be.
-    void choiceStored(bool saved);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -38,9 +34,8 @@ private:
     void forgetStart();
     const QWindow* windowBehind() const;
     void readChoice();
-    void storeChoice(bool show);
 
-    PlistPreferences& m_preferences;
+    Preferences& m_preferences;
     QCheckBox* m_atStart;
     bool m_starting = false;
 };

@@ -1,7 +1,6 @@
 #include "DocumentationOpener.h"
 
-#include "PlistPreferences.h"
-#include "PreferenceKeys.h"
+#include "Preferences.h"
 
 #include <QCoreApplication>
 #include <QDesktopServices>
@@ -17,18 +16,13 @@
 
 namespace {
 
-/// From the program's folder: where the product keeps its documents, where packages put them, and where they
+/// From the program's folder: where the product keeps its documents, where they are installed, and where they
 /// are in the sources, whose builds are three folders deep.
 constexpr const char* documentFolders[] = {
     "../../Documentation",
-    "../share/doc/corvale-gui",
+    CORVALE_INSTALLED_DOCUMENTS,
     "../../../docs",
 };
-
-std::string preferenceKey(const QString& document)
-{
-    return std::string(preference_keys::openDocsPrefix) + document.toStdString();
-}
 
 bool canRead(const QString& path)
 {
@@ -43,7 +37,7 @@ QString tr(const char* text)
 
 } // namespace
 
-DocumentationOpener::DocumentationOpener(PlistPreferences& preferences, QString programFolder)
+DocumentationOpener::DocumentationOpener(Preferences& preferences, QString programFolder)
     : m_preferences(preferences)
     , m_programFolder(std::move(programFolder))
 {
@@ -52,20 +46,15 @@ DocumentationOpener::DocumentationOpener(PlistPreferences& preferences, QString 
 QString DocumentationOpener::open(const QString& document, QWidget* parent)
 {
     QString path = find(document);
-    bool saved = true;
     if (path.isEmpty()) {
         path = ask(document, parent);
         if (path.isEmpty())
             return {};
-        m_preferences.setString(preferenceKey(document), path.toStdString());
-        saved = m_preferences.save(false);
+        m_preferences.set(settings::documentPath(document.toStdString()), path.toStdString());
     }
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
         return tr("No program here opens \"%1\". Open it with a web browser.")
             .arg(QDir::toNativeSeparators(path));
-    if (!saved)
-        return tr("Where the document is could not be saved in the preferences: %1")
-            .arg(QString::fromStdString(m_preferences.saveError()));
     return {};
 }
 
@@ -80,19 +69,14 @@ QStringList DocumentationOpener::places(const QString& document) const
 
 QString DocumentationOpener::find(const QString& document) const
 {
-    const QStringList candidates = places(document) << remembered(document);
+    const QString located =
+        QString::fromStdString(m_preferences.get(settings::documentPath(document.toStdString())));
+    const QStringList candidates = places(document) << located;
     for (const QString& path : candidates) {
         if (canRead(path))
             return path;
     }
     return {};
-}
-
-QString DocumentationOpener::remembered(const QString& document) const
-{
-    std::string path;
-    m_preferences.getString(preferenceKey(document), &path, nullptr, false);
-    return QString::fromStdString(path);
 }
 
 QString DocumentationOpener::ask(const QString& document, QWidget* parent) const

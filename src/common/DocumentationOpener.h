@@ -3,7 +3,7 @@
 #include <QString>
 #include <QStringList>
 
-class PlistPreferences;
+class Preferences;
 class QWidget;
 
 /// Opens documents of the product with whatever the desktop opens them with. Where a document is not at one
@@ -11,7 +11,7 @@ class QWidget;
 class DocumentationOpener {
 public:
     /// Places are looked at from the folder of the program.
-    DocumentationOpener(PlistPreferences& preferences, QString programFolder);
+    DocumentationOpener(Preferences& preferences, QString programFolder);
 
     /// Opens a document by its file name; the parent is for questions. Returns what is to be told to the
     /// user, nothing when all went well or the user has given up.
@@ -20,9 +20,8 @@ public:
 private:
     QStringList places(const QString& document) const;
     QString find(const QString& document) const;
-    QString remembered(const QString& document) const;
     QString ask(const QString& document, QWidget* parent) const;
 
-    PlistPreferences& m_preferences;
+    Preferences& m_preferences;
     QString m_programFolder;
 };

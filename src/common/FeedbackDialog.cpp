@@ -2,8 +2,7 @@
 
 #include "FeedbackTexts.h"
 #include "PlainToolTip.h"
-#include "PlistPreferences.h"
-#include "PreferenceKeys.h"
+#include "Preferences.h"
 #include "ui_FeedbackDialog.h"
 
 #include <QDesktopServices>
@@ -38,7 +37,7 @@ constexpr bool hasCommandKey()
 } // namespace
 
 FeedbackDialog::FeedbackDialog(
-    QWidget* parent, const QString& firstText, const QString& secondText, PlistPreferences& preferences)
+    QWidget* parent, const QString& firstText, const QString& secondText, Preferences& preferences)
     : QDialog(parent)
     , m_ui(std::make_unique<Ui::FeedbackClass>())
     , m_preferences(preferences)
@@ -54,10 +53,7 @@ FeedbackDialog::FeedbackDialog(
     m_ui->RequiredText->appendPlainText(secondText);
     m_ui->RequiredText->moveCursor(QTextCursor::Start);
 
-    bool collects = true;
-    const bool otherwise = true;
-    m_preferences.getBoolean(preference_keys::collectUsage, &collects, &otherwise, true);
-    m_ui->usageStats_checkBox->setChecked(collects);
+    m_ui->usageStats_checkBox->setChecked(m_preferences.get(settings::collectUsage));
 
     connect(m_ui->SelectAndCopyLabel, &ClickableLabel::clicked, this, &FeedbackDialog::copyRequiredText);
     connect(m_ui->buttonBox, &QDialogButtonBox::rejected, this, &QDialog::reject);
@@ -65,7 +61,7 @@ FeedbackDialog::FeedbackDialog(
 
 FeedbackDialog::~FeedbackDialog()
 {
-    m_preferences.setBoolean(preference_keys::collectUsage, m_ui->usageStats_checkBox->isChecked());
+    m_preferences.setUnsaved(settings::collectUsage, m_ui->usageStats_checkBox->isChecked());
 }
 
 void FeedbackDialog::setTextFont(const QFont& font)

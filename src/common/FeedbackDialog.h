@@ -4,7 +4,7 @@
 
 #include <memory>
 
-class PlistPreferences;
+class Preferences;
 class QLabel;
 
 namespace Ui {
@@ -19,7 +19,7 @@ class FeedbackDialog : public QDialog {
 public:
     /// Shows the first text, with the build behind it, above the second one. The store must live longer.
     FeedbackDialog(
-        QWidget* parent, const QString& firstText, const QString& secondText, PlistPreferences& preferences);
+        QWidget* parent, const QString& firstText, const QString& secondText, Preferences& preferences);
     /// Leaves the user's choice in the store's memory; whoever saves the store next takes it to the disk.
     ~FeedbackDialog() override;
 
@@ -33,5 +33,5 @@ private:
     void copyRequiredText();
 
     std::unique_ptr<Ui::FeedbackClass> m_ui;
-    PlistPreferences& m_preferences;
+    Preferences& m_preferences;
 };

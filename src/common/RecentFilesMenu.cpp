@@ -1,8 +1,7 @@
 #include "RecentFilesMenu.h"
 
 #include "PlainToolTip.h"
-#include "PlistPreferences.h"
-#include "PreferenceKeys.h"
+#include "Preferences.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -22,7 +21,7 @@ QString entryText(const QFontMetrics& metrics, QString text)
 
 } // namespace
 
-RecentFilesMenu::RecentFilesMenu(PlistPreferences& preferences, const QString& title, QWidget* parent)
+RecentFilesMenu::RecentFilesMenu(Preferences& preferences, const QString& title, QWidget* parent)
     : QMenu(title, parent)
     , m_preferences(preferences)
 {
@@ -33,10 +32,8 @@ RecentFilesMenu::RecentFilesMenu(PlistPreferences& preferences, const QString& t
 
 QStringList RecentFilesMenu::files() const
 {
-    property_list::List stored;
-    m_preferences.getList(preference_keys::prefixed(preference_keys::recentFiles), &stored, nullptr, false);
     QStringList files;
-    for (const std::string& path : stored) {
+    for (const std::string& path : m_preferences.get(settings::recentFiles)) {
         // The file may have been written by hand.
         if (!path.empty() && files.size() < mostFiles)
             files.append(QString::fromStdString(path));
@@ -58,10 +55,8 @@ void RecentFilesMenu::store(const QStringList& files)
     property_list::List list;
     for (const QString& file : files)
         list.push_back(file.toStdString());
-    m_preferences.setList(preference_keys::prefixed(preference_keys::recentFiles), list);
-    const bool saved = m_preferences.save(false);
+    m_preferences.set(settings::recentFiles, list);
     menuAction()->setEnabled(!files.isEmpty());
-    Q_EMIT stored(saved);
 }
 
 void RecentFilesMenu::fill()

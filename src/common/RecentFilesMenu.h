@@ -3,7 +3,7 @@
 #include <QMenu>
 #include <QStringList>
 
-class PlistPreferences;
+class Preferences;
 
 /// A menu of the files that were used last, the most recent first. The list is kept in the preferences.
 class RecentFilesMenu : public QMenu {
@@ -13,7 +13,7 @@ public:
     static constexpr qsizetype mostFiles = 10;
 
     /// The store must live longer.
-    RecentFilesMenu(PlistPreferences& preferences, const QString& title, QWidget* parent);
+    RecentFilesMenu(Preferences& preferences, const QString& title, QWidget* parent);
 
     /// Absolute paths.
     QStringList files() const;
@@ -24,8 +24,6 @@ Q_SIGNALS:
     void fileChosen(const QString& path);
     /// A file was chosen that is not there any more; it has been taken out of the list.
     void fileMissing(const QString& path);
-    /// The list was stored, and whether the preferences could be saved.
-    void stored(bool saved);
 
 private:
     void fill();
@@ -33,5 +31,5 @@ private:
     void choose(const QString& path);
     void store(const QStringList& files);
 
-    PlistPreferences& m_preferences;
+    Preferences& m_preferences;
 };

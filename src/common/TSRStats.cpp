@@ -1,17 +1,15 @@
 #include "TSRStats.h"
 
-#include "PlistPreferences.h"
-#include "PreferenceKeys.h"
+#include "Preferences.h"
 
 #include <algorithm>
 #include <utility>
 
-TSRStats::TSRStats(std::string name, std::string version, const PlistPreferences& preferences)
+TSRStats::TSRStats(std::string name, std::string version, const Preferences& preferences)
     : m_name(std::move(name))
     , m_version(std::move(version))
+    , m_collects(preferences.get(settings::collectUsage))
 {
-    const bool otherwise = true;
-    preferences.getBoolean(preference_keys::collectUsage, &m_collects, &otherwise, true);
 }
 
 void TSRStats::addBackEnd(const std::string& name, std::unique_ptr<TSRStatsInterface> backEnd)

@@ -6,14 +6,14 @@
 #include <memory>
 #include <string>
 
-class PlistPreferences;
+class Preferences;
 
 /// Hands what is counted on to its back-ends. The program registers none, so nothing is kept and nothing
 /// leaves the machine.
 class TSRStats : public TSRStatsInterface {
 public:
     /// Reads once whether the user lets usage be collected.
-    TSRStats(std::string name, std::string version, const PlistPreferences& preferences);
+    TSRStats(std::string name, std::string version, const Preferences& preferences);
 
     /// Adds a back-end under a name, in whose order back-ends are called; a name's earlier one is replaced.
     void addBackEnd(const std::string& name, std::unique_ptr<TSRStatsInterface> backEnd);
@@ -30,6 +30,6 @@ public:
 private:
     std::string m_name;
     std::string m_version;
-    bool m_collects = true;
+    bool m_collects;
     std::map<std::string, std::unique_ptr<TSRStatsInterface>> m_backEnds;
 };

@@ -1,19 +1,16 @@
 #include "ThemeMenu.h"
 
-#include "PlistPreferences.h"
-#include "PreferenceKeys.h"
+#include "Preferences.h"
 
 #include <QActionGroup>
 #include <QEvent>
 
-ThemeMenu::ThemeMenu(PlistPreferences& preferences, const QString& title, QWidget* window)
+ThemeMenu::ThemeMenu(Preferences& preferences, const QString& title, QWidget* window)
     : QMenu(title, window)
     , m_preferences(preferences)
     , m_group(new QActionGroup(this))
 {
-    std::string name;
-    m_preferences.getString(preference_keys::prefixed(preference_keys::theme), &name, nullptr, false);
-    m_current = theme::fromName(name);
+    m_current = theme::fromName(m_preferences.get(settings::theme));
     m_applyAgain.setSingleShot(true);
     connect(&m_applyAgain, &QTimer::timeout, this, &ThemeMenu::apply);
     m_updateSheets.setSingleShot(true);
@@ -44,9 +41,7 @@ void ThemeMenu::choose(Theme theme)
         return;
     m_current = theme;
     apply();
-    m_preferences.setString(
-        preference_keys::prefixed(preference_keys::theme), std::string(theme::name(theme)));
-    Q_EMIT stored(m_preferences.save(false));
+    m_preferences.set(settings::theme, std::string(theme::name(theme)));
 }
 
 void ThemeMenu::apply()

@@ -6,7 +6,7 @@
 #include <QMenu>
 #include <QTimer>
 
-class PlistPreferences;
+class Preferences;
 
 /// The menu in which a theme is chosen. It applies the stored one when it is made, and stores the choice.
 class ThemeMenu : public QMenu {
@@ -15,13 +15,9 @@ class ThemeMenu : public QMenu {
 public:
     /// The store must live longer. The window is the one by which the menu notices that the desktop has put
     /// its own colors in place of a chosen theme's.
-    ThemeMenu(PlistPreferences& preferences, const QString& title, QWidget* window);
+    ThemeMenu(Preferences& preferences, const QString& title, QWidget* window);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
-
-Q_SIGNALS:
-    /// A choice was stored, and whether the preferences could be saved.
-    void stored(bool saved);
 
 private:
     void addTheme(Theme theme, const QString& text, const QString& statusTip);
@@ -29,7 +25,7 @@ private:
     void apply();
     QColor windowColor() const;
 
-    PlistPreferences& m_preferences;
+    Preferences& m_preferences;
     QActionGroup* m_group;
     Theme m_current = Theme::System;
     /// As the theme has made it.

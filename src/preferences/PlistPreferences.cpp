@@ -129,10 +129,12 @@ void PlistPreferences::recordStamp()
         m_layer->modificationStamp(m_storeName, m_folderKind, m_stamp);
 }
 
-void PlistPreferences::noticeOtherWriters()
+/// Reads the file again where its stamp has changed since it was last read or written.
+void PlistPreferences::reloadIfStampDiffers()
 {
     std::uint32_t stamp = 0;
-    if (m_changed || !m_watching || !m_layer->modificationStamp(m_storeName, m_folderKind, stamp))
+    if (m_changed || !m_watching || !m_layer->modificationStamp(m_storeName, m_folderKind, stamp)
+        || stamp == m_stamp)
         return;
     std::string ignored;
     std::optional<std::string> bytes = readFile(ignored);
@@ -142,7 +144,9 @@ void PlistPreferences::noticeOtherWriters()
     takeOver(std::move(*bytes));
 }
 
-/// Another process may have saved between our setter and our save.
+/// Another process may have saved since our setter, or before it within the second of our last save, which
+/// the stamp does not show. On POSIX this process holds the lock on the file by now, so that nobody writes
+/// between the comparison and the commit.
 bool PlistPreferences::takeOverOtherWriters()
 {
     std::uint32_t stamp = 0;
@@ -216,7 +220,7 @@ ResultCode PlistPreferences::set(std::string_view keyPath, property_list::Value 
     if (keyPath.find('\0') != std::string_view::npos || path.size() > property_list::deepestKeyPath
         || !property_list::isStorable(value))
         return ResultCode::WrongType;
-    noticeOtherWriters();
+    reloadIfStampDiffers();
     property_list::write(*m_document, path, value);
     remember(path, std::move(value));
     m_changed = true;

@@ -17,8 +17,9 @@ class XMLDocument;
 /// The preferences of this process: typed values under key paths such as "About/ShowSplash", held in memory
 /// and in one property-list file. Setters change the memory alone; save() writes the file.
 ///
-/// Other processes may write the same file. A store that was loaded with watching notices it before a setter,
-/// and again while it saves: it then takes over what is in the file and sets its own unsaved values on top.
+/// Other processes may write the same file. A store that was loaded with watching looks at the file's
+/// modification stamp before a setter, and at its bytes while it saves. Where they differ, it takes over what
+/// is in the file and sets its own unsaved values on top.
 class PlistPreferences {
 public:
     PlistPreferences(
@@ -63,6 +64,8 @@ public:
     ResultCode setInteger(std::string_view keyPath, std::int64_t value);
     ResultCode setReal(std::string_view keyPath, double value);
     ResultCode setData(std::string_view keyPath, const property_list::Data& value);
+    /// The setter of the value's own type.
+    ResultCode set(std::string_view keyPath, property_list::Value value);
 
     /// Where the copy of a file is that could not be read as preferences and that a save has replaced; empty
     /// when there was none.
@@ -74,13 +77,12 @@ public:
 private:
     template <typename T>
     ResultCode get(std::string_view keyPath, T* result, const T* defaultValue, bool useDefault) const;
-    ResultCode set(std::string_view keyPath, property_list::Value value);
     void remember(const property_list::KeyPath& path, property_list::Value value);
     void setPending();
 
     bool readDocument(std::string& error);
     std::optional<std::string> readFile(std::string& error);
-    void noticeOtherWriters();
+    void reloadIfStampDiffers();
     bool takeOverOtherWriters();
     void takeOver(std::string bytes);
     bool writeTo(const TSRPreferencesFile& file, std::string& text);
@@ -95,8 +97,8 @@ private:
     bool m_changed = false;
     int m_folderKind = TSRPreferencesImpl::perUser;
 
-    /// What the file held when it was last read or written. The stamp has steps of a second and misses
-    /// changes.
+    /// What the file held when it was last read or written. A save compares the file with it, since the
+    /// stamp has steps of a second and misses changes; a setter compares the stamp alone.
     std::string m_onDisk;
     /// m_onDisk could not be parsed or taken over, and there is no copy of it yet.
     bool m_unreadable = false;

@@ -3,7 +3,7 @@
 #include "Client.h"
 #include "ClientTabWidget.h"
 #include "MainWindow.h"
-#include "PlistPreferences.h"
+#include "Preferences.h"
 #include "RawClient.h"
 
 #include <QCheckBox>
@@ -18,15 +18,14 @@
 class Session {
 public:
     Session()
-        : preferences("Corvale", TSRPreferencesImpl::perUser)
-        , window(nullptr, loaded(preferences))
+        : window(nullptr, loaded(preferences))
     {
         window.resize(900, 600);
     }
-    static PlistPreferences& loaded(PlistPreferences& store)
+    static Preferences& loaded(Preferences& store)
     {
         std::string error;
-        store.load(error, true);
+        store.load(error);
         return store;
     }
 
@@ -70,7 +69,7 @@ public:
         return nullptr;
     }
 
-    PlistPreferences preferences;
+    Preferences preferences;
     MainWindow window;
     std::vector<std::unique_ptr<RawClient>> applications;
 };

@@ -1,5 +1,5 @@
 #include "DialogAnswers.h"
-#include "PreferenceKeys.h"
+#include "DlgPreferences.h"
 #include "ProfileCatalogue.h"
 #include "ProfileChooser.h"
 #include "ProfileMetaTypes.h"
@@ -8,9 +8,15 @@
 #include "Session.h"
 
 #include <QComboBox>
+#include <QDesktopServices>
 #include <QFontComboBox>
+#include <QLineEdit>
 #include <QMenu>
 #include <QStatusBar>
+
+#include <functional>
+
+Q_DECLARE_METATYPE(std::function<void(Session&)>)
 
 namespace {
 
@@ -26,6 +32,9 @@ void writeFile(const QString& path, const QByteArray& content)
 /// What the window lets the user choose and keeps in the preferences.
 class TestWindowChoices : public QObject {
     Q_OBJECT
+
+public Q_SLOTS:
+    void openNothing(const QUrl&) { }
 
 private Q_SLOTS:
     void initTestCase() { registerResources(); }
@@ -68,14 +77,43 @@ void TestWindowChoices::consoleFont()
 
 void TestWindowChoices::unreadablePreferencesAreKept_data()
 {
-    QTest::addColumn<bool>("chooseProfile");
-    QTest::newRow("the font is saved first") << false;
-    QTest::newRow("the profile is saved first") << true;
+    using Change = std::function<void(Session&)>;
+    QTest::addColumn<Change>("change");
+    const auto chooseOther = [](const char* name) {
+        return [name](Session& session) {
+            auto& combo = *session.window.findChild<QComboBox*>(QLatin1String(name));
+            combo.setCurrentIndex(combo.currentIndex() == 0 ? 1 : 0);
+        };
+    };
+    QTest::newRow("font") << Change(chooseOther("cmbFont"));
+    QTest::newRow("profile") << Change(chooseOther("cmbProfile"));
+    QTest::newRow("theme") << Change([](Session& session) {
+        session.window.findChild<QAction*>(QStringLiteral("actionTheme_dark"))->trigger();
+    });
+    QTest::newRow("recent profiles") << Change(
+        [](Session& session) { session.window.addRecentProfile(QStringLiteral("/a.xml")); });
+    QTest::newRow("about box") << Change([](Session& session) {
+        session.window.findChild<QCheckBox*>(QStringLiteral("chkShowAtStart"))->click();
+    });
+    QTest::newRow("preferences dialog")
+        << Change([](Session& session) { DlgPreferences(&session.preferences, &session.window).accept(); });
+    QTest::newRow("documentation") << Change([this](Session& session) {
+        DialogAnswers answers;
+        answers.press(QStringLiteral("Document not found"), QStringLiteral("Locate..."));
+        answers.next(QString(), [](QWidget& dialog) {
+            dialog.findChild<QLineEdit*>()->setText(QStringLiteral("/dev/null"));
+            QTest::keyClick(&dialog, Qt::Key_Return);
+        });
+        QDesktopServices::setUrlHandler(QStringLiteral("file"), this, "openNothing");
+        session.window.onHelp();
+        QDesktopServices::unsetUrlHandler(QStringLiteral("file"));
+        QCOMPARE(answers.problems(), QStringList());
+    });
 }
 
 void TestWindowChoices::unreadablePreferencesAreKept()
 {
-    QFETCH(const bool, chooseProfile);
+    QFETCH(const std::function<void(Session&)>, change);
     QFile file(qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/Brindlewood/Corvale.plist"));
     QVERIFY(QDir().mkpath(QFileInfo(file).path()));
     QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
@@ -86,9 +124,7 @@ void TestWindowChoices::unreadablePreferencesAreKept()
     QCOMPARE(file.readAll(), QByteArray("my notes, no property list"));
     ProfileCatalogue catalogue(session.preferences);
     session.window.setCatalogue(catalogue);
-    auto& combo =
-        *session.window.findChild<QComboBox*>(QLatin1String(chooseProfile ? "cmbProfile" : "cmbFont"));
-    combo.setCurrentIndex(combo.currentIndex() == 0 ? 1 : 0);
+    change(session);
     const QString message = session.window.statusBar()->currentMessage();
     QVERIFY2(message.contains(QStringLiteral("Corvale.plist.corrupt")), qPrintable(message));
     QFile copy(file.fileName() + QStringLiteral(".corrupt"));
@@ -123,10 +159,11 @@ void TestWindowChoices::profileChooser()
     QVERIFY2(skipped.startsWith(QStringLiteral("Skipped profile broken.xml: ")), qPrintable(skipped));
 
     const auto stored = [] {
-        PlistPreferences onDisk("Corvale", TSRPreferencesImpl::perUser);
+        PlistPreferences onDisk(settings::storeName, TSRPreferencesImpl::perUser);
         std::string key = "nothing";
-        Session::loaded(onDisk).getString(
-            preference_keys::prefixed(preference_keys::currentProfile), &key, nullptr, false);
+        std::string error;
+        onDisk.load(error, false);
+        onDisk.getString(settings::currentProfile.keyPath, &key, nullptr, false);
         return QString::fromStdString(key);
     };
     QCOMPARE(stored(), QStringLiteral("nothing"));
@@ -197,7 +234,7 @@ void TestWindowChoices::recentProfiles()
     auto& menu = *session.window.findChild<RecentFilesMenu*>();
     const QStringList added{elsewhere.filePath("broken.xml"), elsewhere.filePath("gone.xml"),
         elsewhere.filePath("a.xml"), folder.filePath("a.xml")};
-    session.window.preferencesEdited(added, false);
+    session.window.preferencesEdited(added);
     const auto choose = [&menu](int index) {
         Q_EMIT menu.aboutToShow();
         menu.actions().at(index)->trigger();

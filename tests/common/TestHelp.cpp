@@ -1,8 +1,7 @@
 #include "AboutBox.h"
 #include "DocumentationOpener.h"
 #include "FeedbackDialog.h"
-#include "PlistPreferences.h"
-#include "PreferenceKeys.h"
+#include "Preferences.h"
 #include "Resources.h"
 #include "TSRStats.h"
 
@@ -24,20 +23,12 @@
 namespace {
 
 /// The program's preferences, as the file has them at first.
-class Store : public PlistPreferences {
+class Store : public Preferences {
 public:
     Store()
-        : PlistPreferences(preference_keys::storeName, TSRPreferencesImpl::perUser)
     {
         std::string error;
-        load(error, true);
-    }
-    bool flag(std::string_view key) const
-    {
-        bool value = true;
-        const bool otherwise = true;
-        getBoolean(key, &value, &otherwise, true);
-        return value;
+        load(error);
     }
 };
 
@@ -141,12 +132,12 @@ void TestHelp::feedback()
         choice.click();
         dialog.findChild<QDialogButtonBox*>()->button(QDialogButtonBox::Close)->click();
         QVERIFY(!dialog.isVisible());
-        QVERIFY2(store.flag(preference_keys::collectUsage), "the choice is stored when the dialog goes");
+        QVERIFY2(store.get(settings::collectUsage), "the choice is stored when the dialog goes");
     }
-    QVERIFY(!store.flag(preference_keys::collectUsage));
-    QVERIFY2(Store().flag(preference_keys::collectUsage), "nothing has reached the disk");
-    QVERIFY(store.save(false));
-    QVERIFY(!Store().flag(preference_keys::collectUsage));
+    QVERIFY(!store.get(settings::collectUsage));
+    QVERIFY2(Store().get(settings::collectUsage), "nothing has reached the disk");
+    store.set(settings::theme, "dark");
+    QVERIFY(!Store().get(settings::collectUsage));
     FeedbackDialog again(nullptr, {}, {}, store);
     QVERIFY(!again.findChild<QCheckBox*>()->isChecked());
     QVERIFY(!TSRStats("Corvale", "1", store).collects());
@@ -190,8 +181,7 @@ void TestHelp::splash()
     QVERIFY2(box.isVisible(), "the user has asked for it");
     QTest::keyClick(box.findChild<QCheckBox*>(), Qt::Key_Space);
     QVERIFY(box.isVisible());
-    QVERIFY2(
-        !Store().flag(preference_keys::prefixed(preference_keys::showSplash)), "the choice is saved at once");
+    QVERIFY2(!Store().get(settings::showSplash), "the choice is saved at once");
     box.close();
     box.showAtStart();
     QVERIFY(!box.isVisible());
@@ -254,7 +244,7 @@ void TestHelp::documentation()
     QCOMPARE(questions, 1);
     const QString source = create("docs");
     QCOMPARE(opener.open(name, nullptr), QString());
-    const QString installed = create("a/b/share/doc/corvale-gui");
+    const QString installed = create("a/b/share/doc/corvale");
     QCOMPARE(opener.open(name, nullptr), QString());
     const QString product = create("a/Documentation");
     QCOMPARE(opener.open(name, nullptr), QString());

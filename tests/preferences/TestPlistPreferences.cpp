@@ -198,10 +198,16 @@ TEST_F(Preferences, settersReloadWhatOthersWrote)
             std::string value;
             store.getString("theirs", &value, nullptr, false);
             EXPECT_EQ(value, "old") << "getters never reload";
+            const int reads = disk.reads;
             store.setString("ours", "1");
             store.getString("theirs", &value, nullptr, false);
-            EXPECT_EQ(value, watch ? "new" : "old");
+            EXPECT_EQ(value, watch && stampMoves ? "new" : "old");
+            EXPECT_EQ(disk.reads - reads, watch && stampMoves ? 1 : 0) << "the stamp tells whether to read";
+            store.setString("more", "2");
+            EXPECT_EQ(disk.reads - reads, watch && stampMoves ? 1 : 0);
             EXPECT_TRUE(store.save(false));
+            store.getString("theirs", &value, nullptr, false);
+            EXPECT_EQ(value, watch ? "new" : "old") << "a save compares the bytes";
             EXPECT_EQ(onDisk("theirs"), watch ? "new" : "old");
         }
     }

@@ -2,6 +2,7 @@
 #include "FileFaults.h"
 #include "FileReplacement.h"
 #include "PlistPreferences.h"
+#include "TSRPreferencesPosix.h"
 
 #include <cerrno>
 #include <csignal>
@@ -9,6 +10,8 @@
 #include <filesystem>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -21,6 +24,17 @@ using child_process::fill;
 
 namespace {
 
+/// The files of a machine whose clock stands still.
+class FrozenClock : public TSRPreferencesPosix {
+public:
+    bool modificationStamp(const std::string& storeName, int folderKind, std::uint32_t& stamp) override
+    {
+        const bool exists = TSRPreferencesPosix::modificationStamp(storeName, folderKind, stamp);
+        stamp = 1;
+        return exists;
+    }
+};
+
 class PreferenceFiles : public testing::Test {
 protected:
     void SetUp() override { setenv("XDG_CONFIG_HOME", parent.c_str(), 1); }
@@ -30,9 +44,10 @@ protected:
         return std::make_unique<PlistPreferences>("Corvale", kind);
     }
 
-    std::unique_ptr<PlistPreferences> loaded()
+    std::unique_ptr<PlistPreferences> loaded(
+        std::unique_ptr<TSRPreferencesImpl> layer = PlistPreferences::platformLayer())
     {
-        auto store = makeStore();
+        auto store = std::make_unique<PlistPreferences>("Corvale", 0, std::move(layer));
         error.clear();
         EXPECT_TRUE(store->load(error, true)) << error;
         return store;
@@ -317,21 +332,49 @@ TEST_F(PreferenceFiles, aFileThatAnotherProcessMakesFirstIsNotReplaced)
     EXPECT_EQ(contentOf(file), theirs);
 }
 
+TEST_F(PreferenceFiles, twoStoresWithinASecondLoseNothing)
+{
+    enum Step { Set, Save };
+    // Which store does what; each sets a key of its own and one that both have.
+    const std::vector<std::pair<std::size_t, Step>> orders[] = {
+        {{0, Set}, {0, Save}, {1, Set}, {1, Save}},
+        {{0, Set}, {1, Set}, {0, Save}, {1, Save}},
+        {{0, Set}, {1, Set}, {1, Save}, {0, Save}},
+        {{0, Set}, {0, Save}, {1, Set}, {1, Save}, {0, Set}, {0, Save}},
+    };
+    for (const auto& order : orders) {
+        fs::remove_all(folder);
+        const std::unique_ptr<PlistPreferences> stores[] = {
+            loaded(std::make_unique<FrozenClock>()), loaded(std::make_unique<FrozenClock>())};
+        std::string lastSaver;
+        for (const auto& [number, step] : order) {
+            const std::string name = std::to_string(number);
+            if (step == Set) {
+                stores[number]->setString("own" + name, name);
+                stores[number]->setString("both", name);
+            } else {
+                EXPECT_TRUE(stores[number]->save(false));
+                lastSaver = name;
+            }
+        }
+        EXPECT_EQ(stored("own0") + stored("own1"), "01");
+        EXPECT_EQ(stored("both"), lastSaver);
+    }
+}
+
 TEST_F(PreferenceFiles, twoProcessesInTurnLoseNothingEvenWithAFrozenClock)
 {
     constexpr int rounds = 300;
     int turns[2][2];
     ASSERT_EQ(pipe(turns[0]) + pipe(turns[1]), 0);
     const auto writer = [&](int self) {
-        const auto store = loaded();
-        const timespec frozen[2] = {{1000000000, 0}, {1000000000, 0}};
+        const auto store = loaded(std::make_unique<FrozenClock>());
         char token = 0;
         for (int round = 0; round < rounds; ++round) {
             if (read(turns[self][0], &token, 1) != 1)
                 return 2;
             store->setInteger("writer" + std::to_string(self) + "/key" + std::to_string(round), round);
             EXPECT_TRUE(store->save(false));
-            utimensat(AT_FDCWD, file.c_str(), frozen, 0);
             if (write(turns[1 - self][1], &token, 1) != 1)
                 return 2;
         }

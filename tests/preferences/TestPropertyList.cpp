@@ -1,7 +1,6 @@
 #include "Base64.h"
 #include "CImmutableByteWrapper.h"
 #include "CVectorByteWrapper.h"
-#include "PreferenceKeys.h"
 #include "PropertyList.h"
 
 #include <string>
@@ -106,7 +105,6 @@ TEST(PropertyList, keyPathsAreCutAtSlashes)
     for (const char* text : {"", "/", "//"})
         EXPECT_TRUE(property_list::splitKeyPath(text).empty()) << text;
     EXPECT_EQ(property_list::splitKeyPath("/ /.."), (KeyPath{" ", ".."}));
-    EXPECT_EQ(preference_keys::prefixed(preference_keys::guiFont), "Corvale 10.17.2/gui_font");
 }
 
 TEST(PropertyList, findTakesTheFirstMatchAndDoesNotAskForADict)

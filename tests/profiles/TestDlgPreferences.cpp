@@ -2,8 +2,7 @@
 #include "DlgPreferences.h"
 #include "FileListWidget.h"
 #include "MetaObjects.h"
-#include "PlistPreferences.h"
-#include "PreferenceKeys.h"
+#include "Preferences.h"
 #include "Resources.h"
 
 #include <QCheckBox>
@@ -24,15 +23,14 @@ namespace {
 class Session {
 public:
     Session()
-        : preferences("Corvale", TSRPreferencesImpl::perUser)
-        , dialog(loaded())
+        : dialog(loaded())
     {
         dialog.show();
     }
-    PlistPreferences* loaded()
+    Preferences* loaded()
     {
         std::string error;
-        preferences.load(error, true);
+        preferences.load(error);
         return &preferences;
     }
     template <typename Widget> Widget& find(const char* name) const
@@ -51,7 +49,7 @@ public:
     FileListWidget& files() const { return find<FileListWidget>("lstImportFiles"); }
     QPushButton& import() const { return find<QPushButton>("btnImport"); }
 
-    PlistPreferences preferences;
+    Preferences preferences;
     DlgPreferences dialog;
     DialogAnswers answers;
 };

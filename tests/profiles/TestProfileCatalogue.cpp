@@ -1,7 +1,6 @@
 #include "ChildProcess.h"
 #include "NaturalOrder.h"
-#include "PlistPreferences.h"
-#include "PreferenceKeys.h"
+#include "Preferences.h"
 #include "ProfileCatalogue.h"
 #include "ProfileData.h"
 #include "ProfileDataWrapper.h"
@@ -31,8 +30,8 @@ protected:
     Catalogue()
     {
         std::string error;
-        preferences.load(error, false);
-        preferences.setString(preference_keys::prefixed(preference_keys::profilesDirectory), folder.string());
+        preferences.load(error);
+        preferences.setUnsaved(settings::profilesDirectory, folder.string());
     }
 
     std::vector<std::string> userKeys() const
@@ -56,7 +55,8 @@ protected:
     }
 
     const fs::path folder = child_process::freshFolder();
-    PlistPreferences preferences{"Catalogue" + folder.filename().string(), TSRPreferencesImpl::perUser};
+    const std::string storeName = "Catalogue" + folder.filename().string();
+    Preferences preferences{storeName};
     std::optional<ProfileCatalogue> catalogue;
 };
 
@@ -138,17 +138,16 @@ TEST_F(Catalogue, foldersThatCannotBeRead)
 
 TEST_F(Catalogue, directoryComesFromThePreferenceThenTheEnvironment)
 {
-    const std::string name = "NoDirectory" + folder.filename().string();
-    PlistPreferences fresh(name, TSRPreferencesImpl::perUser);
+    Preferences fresh("NoDirectory" + folder.filename().string());
     std::string error;
-    ASSERT_TRUE(fresh.load(error, false)) << error;
-    EXPECT_EQ(ProfileCatalogue::profilesDirectory(fresh), "");
-    EXPECT_TRUE(ProfileCatalogue(fresh, {}).userProfiles().empty());
+    ASSERT_TRUE(fresh.load(error)) << error;
+    const ProfileCatalogue none(fresh, {});
+    EXPECT_EQ(none.profilesDirectory(), "");
+    EXPECT_TRUE(none.userProfiles().empty());
     setenv("CORVALE_PROFILE_PATH", "/from/environment", 1);
-    EXPECT_EQ(ProfileCatalogue::profilesDirectory(fresh), "/from/environment");
-    EXPECT_EQ(ProfileCatalogue::profilesDirectory(preferences), folder.string());
-    fresh.setString(preference_keys::prefixed("/profiles_directory"), "");
-    EXPECT_EQ(ProfileCatalogue::profilesDirectory(fresh), "");
+    EXPECT_EQ(none.profilesDirectory(), "/from/environment");
+    open();
+    EXPECT_EQ(catalogue->profilesDirectory(), folder.string());
     unsetenv("CORVALE_PROFILE_PATH");
 }
 
@@ -245,13 +244,11 @@ TEST_F(Catalogue, currentProfileIsRemembered)
     EXPECT_EQ(catalogue->current(), nullptr);
     catalogue->newProfile();
     for (const char* key : {"mine.xml", "Generic part", ""}) {
-        EXPECT_TRUE(catalogue->rememberCurrent(key));
-        PlistPreferences stored("Catalogue" + folder.filename().string(), TSRPreferencesImpl::perUser);
+        catalogue->rememberCurrent(key);
+        Preferences stored(storeName);
         std::string error;
-        ASSERT_TRUE(stored.load(error, false)) << error;
-        std::string text;
-        stored.getString(preference_keys::productPrefix() + "/current_profile", &text, nullptr, false);
-        EXPECT_EQ(text, key);
+        ASSERT_TRUE(stored.load(error)) << error;
+        EXPECT_EQ(stored.get(settings::currentProfile), key);
         EXPECT_EQ(catalogue->current(), catalogue->find(key));
     }
 }

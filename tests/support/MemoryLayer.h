@@ -13,6 +13,7 @@ struct MemoryDisk {
     std::uint32_t stamp = 1;
     bool readable = true;
     bool writable = true;
+    int reads = 0;
     int commits = 0;
     std::string commitFailure;
 };
@@ -35,7 +36,7 @@ public:
         file->path = std::filesystem::temp_directory_path() / "Store.plist";
         if (mode == Mode::Write)
             file->stream = m_disk.writable ? open_memstream(&file->buffer, &file->size) : nullptr;
-        else if (m_disk.readable)
+        else if (++m_disk.reads; m_disk.readable)
             file->stream = m_disk.content.empty()
                 ? std::fopen("/dev/null", "rb")
                 : fmemopen(m_disk.content.data(), m_disk.content.size(), "rb");

@@ -1,14 +1,12 @@
 #include "ProfileCatalogue.h"
 
 #include "NaturalOrder.h"
-#include "PlistPreferences.h"
-#include "PreferenceKeys.h"
+#include "Preferences.h"
 #include "ProfileData.h"
 #include "ProfileDataWrapper.h"
 #include "ProfileFile.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace {
 
@@ -19,7 +17,7 @@ constexpr std::string_view newProfileText =
 } // namespace
 
 ProfileCatalogue::ProfileCatalogue(
-    PlistPreferences& preferences, std::span<const builtin_profiles::TextEntry> builtins)
+    Preferences& preferences, std::span<const builtin_profiles::TextEntry> builtins)
     : m_preferences(preferences)
 {
     loadBuiltins(builtins);
@@ -89,26 +87,17 @@ ProfileCatalogue::Pointer ProfileCatalogue::copyProfile(const ProfileDataWrapper
     return copy;
 }
 
-bool ProfileCatalogue::rememberCurrent(const std::string& key)
+void ProfileCatalogue::rememberCurrent(const std::string& key)
 {
-    const std::string keyPath = preference_keys::prefixed(preference_keys::currentProfile);
-    return m_preferences.setString(keyPath, key) == ResultCode::Success && m_preferences.save(false);
+    m_preferences.set(settings::currentProfile, key);
 }
 
 ProfileCatalogue::Pointer ProfileCatalogue::current() const
 {
-    const std::string none;
-    std::string key;
-    m_preferences.getString(preference_keys::prefixed(preference_keys::currentProfile), &key, &none, true);
-    return find(key);
+    return find(m_preferences.get(settings::currentProfile));
 }
 
-std::string ProfileCatalogue::profilesDirectory(const PlistPreferences& preferences)
+std::string ProfileCatalogue::profilesDirectory() const
 {
-    const char* variable = std::getenv("CORVALE_PROFILE_PATH");
-    const std::string otherwise = variable ? variable : "";
-    std::string directory;
-    preferences.getString(
-        preference_keys::prefixed(preference_keys::profilesDirectory), &directory, &otherwise, true);
-    return directory;
+    return m_preferences.get(settings::profilesDirectory);
 }

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-class PlistPreferences;
+class Preferences;
 class ProfileDataWrapper;
 
 /// The profiles that the user can choose from: the read-only ones that are compiled in, and those in the
@@ -20,7 +20,7 @@ public:
     using BrokenFile = ProfileFolder::BrokenFile;
 
     /// Reads both lists. The preferences must outlive the catalogue.
-    explicit ProfileCatalogue(PlistPreferences& preferences,
+    explicit ProfileCatalogue(Preferences& preferences,
         std::span<const builtin_profiles::TextEntry> builtins = builtin_profiles::documents());
 
     /// Reads the profiles directory again; ProfileFolder::read() tells which profiles stay.
@@ -52,20 +52,18 @@ public:
         return m_folder.mayOverwrite(profile, path);
     }
 
-    /// Stores the key of the chosen profile, or "" for none, and saves the preferences. False when that
-    /// failed.
-    bool rememberCurrent(const std::string& key);
+    /// Keeps the key of the chosen profile, or "" for none, in the preferences.
+    void rememberCurrent(const std::string& key);
     /// The profile that was remembered, if it is there.
     Pointer current() const;
 
-    /// The preference, or the environment variable CORVALE_PROFILE_PATH where there is none; else "".
-    static std::string profilesDirectory(const PlistPreferences& preferences);
-    std::string profilesDirectory() const { return profilesDirectory(m_preferences); }
+    /// The folder of the user's profiles, "" where none is set.
+    std::string profilesDirectory() const;
 
 private:
     void loadBuiltins(std::span<const builtin_profiles::TextEntry> documents);
 
-    PlistPreferences& m_preferences;
+    Preferences& m_preferences;
     std::vector<Pointer> m_builtins;
     std::vector<BrokenFile> m_brokenBuiltins;
     ProfileFolder m_folder;

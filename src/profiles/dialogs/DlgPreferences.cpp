@@ -3,9 +3,7 @@
 #include "ClickableLabel.h"
 #include "FileListWidget.h"
 #include "PlainMessageBox.h"
-#include "PlistPreferences.h"
-#include "PreferenceKeys.h"
-#include "ProfileCatalogue.h"
+#include "Preferences.h"
 #include "ProfileImport.h"
 #include "ui_DlgPreferences.h"
 
@@ -29,7 +27,7 @@ std::filesystem::path filePath(const QString& name)
 
 } // namespace
 
-DlgPreferences::DlgPreferences(PlistPreferences* preferences, QWidget* parent)
+DlgPreferences::DlgPreferences(Preferences* preferences, QWidget* parent)
     : QDialog(parent)
     , m_ui(std::make_unique<Ui::DlgPreferences>())
     , m_preferences(preferences)
@@ -38,14 +36,10 @@ DlgPreferences::DlgPreferences(PlistPreferences* preferences, QWidget* parent)
     addHelpLabel();
     addFileList();
     m_ui->txtProfilesDirectory->setText(
-        QString::fromStdString(ProfileCatalogue::profilesDirectory(*m_preferences)));
+        QString::fromStdString(m_preferences->get(settings::profilesDirectory)));
     m_ui->grpProfilesAdvanced->hide();
     m_ui->btnImport->setEnabled(false);
-
-    const bool loose = false;
-    bool strict = loose;
-    m_preferences->getBoolean(
-        preference_keys::prefixed(preference_keys::strictContextMode), &strict, &loose, true);
+    const bool strict = m_preferences->get(settings::strictContextMode);
     (strict ? m_ui->radioStrict : m_ui->radioLoose)->setChecked(true);
 
     const int oldWidth = width();
@@ -95,11 +89,8 @@ void DlgPreferences::setUpConnections()
 
 void DlgPreferences::accept()
 {
-    m_preferences->setString(preference_keys::prefixed(preference_keys::profilesDirectory),
-        m_ui->txtProfilesDirectory->text().toStdString());
-    m_preferences->setBoolean(
-        preference_keys::prefixed(preference_keys::strictContextMode), m_ui->radioStrict->isChecked());
-    m_hasUnsavedPreferences = !m_preferences->save(false);
+    m_preferences->set({{settings::profilesDirectory, m_ui->txtProfilesDirectory->text().toStdString()},
+        {settings::strictContextMode, m_ui->radioStrict->isChecked()}});
     close();
 }
 

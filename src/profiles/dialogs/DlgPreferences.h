@@ -7,7 +7,7 @@
 
 class ClickableLabel;
 class FileListWidget;
-class PlistPreferences;
+class Preferences;
 class ProfileImport;
 
 namespace Ui {
@@ -21,13 +21,11 @@ class DlgPreferences : public QDialog {
 
 public:
     /// The store must live longer.
-    explicit DlgPreferences(PlistPreferences* preferences, QWidget* parent = nullptr);
+    explicit DlgPreferences(Preferences* preferences, QWidget* parent = nullptr);
     ~DlgPreferences() override;
 
     /// The profile files that were written by imports.
     const QStringList& savedFiles() const { return m_savedFiles; }
-    /// Whether the preferences were stored but could not be written to their file.
-    bool hasUnsavedPreferences() const { return m_hasUnsavedPreferences; }
 
 public Q_SLOTS:
     void accept() override;
@@ -46,8 +44,7 @@ private:
 
     std::unique_ptr<Ui::DlgPreferences> m_ui;
     FileListWidget* m_files = nullptr;
-    PlistPreferences* m_preferences;
+    Preferences* m_preferences;
     ClickableLabel* m_contextModeHelp = nullptr;
     QStringList m_savedFiles;
-    bool m_hasUnsavedPreferences = false;
 };

@@ -1,0 +1,18 @@
+# What is installed, and where: the program, its icon, the documents for users, and the built-in profiles as examples to
+# copy from.
+install(TARGETS corvale-gui RUNTIME COMPONENT corvale)
+install(FILES src/resources/icons/Corvale.svg
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps
+    RENAME corvale-gui.svg
+    COMPONENT corvale)
+install(FILES "docs/Corvale User Manual.html" docs/profile-format.md docs/wire-format.md CHANGELOG.md
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    COMPONENT corvale)
+install(DIRECTORY docs/images
+    DESTINATION ${CMAKE_INSTALL_DOCDIR}
+    COMPONENT corvale
+    FILES_MATCHING PATTERN *.png)
+install(DIRECTORY src/profiles/catalogue/builtin/
+    DESTINATION ${CMAKE_INSTALL_DATADIR}/corvale/profiles
+    COMPONENT corvale
+    FILES_MATCHING PATTERN *.xml)

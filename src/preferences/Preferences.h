@@ -1,0 +1,97 @@
+#pragma once
+
+#include "PlistPreferences.h"
+#include "Settings.h"
+
+#include <filesystem>
+#include <functional>
+#include <initializer_list>
+#include <memory>
+#include <string>
+#include <type_traits>
+#include <utility>
+#include <variant>
+
+/// What became of a save of the preferences.
+namespace save_outcome {
+
+struct Saved { };
+
+struct NotSaved {
+    /// Readable text.
+    std::string reason;
+};
+
+/// Saved, but the file that was replaced could not be read as preferences. It is kept as a copy.
+struct UnreadableSetAside {
+    std::filesystem::path copy;
+};
+
+} // namespace save_outcome
+
+using SaveOutcome =
+    std::variant<save_outcome::Saved, save_outcome::NotSaved, save_outcome::UnreadableSetAside>;
+
+/// The program's settings in their file. Whoever changes a setting does it here: the change is saved at once,
+/// and one observer hears what became of that, whoever made the change.
+class Preferences {
+public:
+    using SaveObserver = std::function<void(const SaveOutcome&)>;
+
+    /// A new value for a setting, of whatever type.
+    struct Change {
+        template <typename T>
+        Change(const Setting<T>& setting, std::type_identity_t<T> newValue)
+            : keyPath(setting.keyPath)
+            , value(std::move(newValue))
+        {
+        }
+
+        std::string keyPath;
+        property_list::Value value;
+    };
+
+    explicit Preferences(std::string storeName = settings::storeName,
+        std::unique_ptr<TSRPreferencesImpl> layer = PlistPreferences::platformLayer());
+
+    /// Reads the file, and watches it for changes by others from then on. False, with the reason in the error
+    /// text, where that fails.
+    bool load(std::string& error) { return m_store.load(error, true); }
+
+    /// The stored value, or the default where there is none of this type.
+    template <typename T> T get(const Setting<T>& setting) const
+    {
+        T value = setting.defaultValue();
+        read(setting.keyPath, value);
+        return value;
+    }
+
+    /// Changes a setting and saves.
+    template <typename T> void set(const Setting<T>& setting, std::type_identity_t<T> value)
+    {
+        set({Change(setting, std::move(value))});
+    }
+    /// Changes several settings and saves once.
+    void set(std::initializer_list<Change> changes);
+
+    /// Changes a setting in memory alone. The next save takes it along; without one it is lost.
+    template <typename T> void setUnsaved(const Setting<T>& setting, std::type_identity_t<T> value)
+    {
+        m_store.set(setting.keyPath, std::move(value));
+    }
+
+    /// Sets the one who is called after each save; none for nobody.
+    void setSaveObserver(SaveObserver observer) { m_observer = std::move(observer); }
+
+private:
+    void read(const std::string& keyPath, bool& value) const;
+    void read(const std::string& keyPath, std::string& value) const;
+    void read(const std::string& keyPath, property_list::List& value) const;
+    /// Saves after changes of which one may have been refused, since a file cannot hold it.
+    SaveOutcome save(bool refused);
+
+    PlistPreferences m_store;
+    SaveObserver m_observer;
+    /// The last copy of an unreadable file that an outcome has named.
+    std::filesystem::path m_reportedCopy;
+};

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "PlistValues.h"
+
+#include <string>
+#include <string_view>
+
+/// A value that the program keeps in its preferences: where it stands, and what holds where it is absent or
+/// of another type.
+template <typename T> struct Setting {
+    using Default = T (*)();
+
+    std::string keyPath;
+    /// Called at each reading.
+    Default defaultValue = [] {
+        return T();
+    };
+};
+
+/// Every setting of the program, each with those who read and write it.
+namespace settings {
+
+/// The store's name, which is also that of its file.
+inline constexpr const char* storeName = "Corvale";
+
+/// A key text behind the product's name and version, such as "Corvale 1.2.3/gui_font": a new version starts
+/// with fresh settings of this kind.
+std::string ofThisVersion(std::string_view keyText);
+
+// Defaults that are not simply empty or false.
+bool alwaysTrue();
+std::string systemTheme();
+/// The environment variable CORVALE_PROFILE_PATH, else nothing.
+std::string profilesDirectoryOfEnvironment();
+
+/// Key of the chosen profile, empty for none. ProfileCatalogue.
+inline const Setting<std::string> currentProfile{ofThisVersion("/current_profile")};
+
+/// Family of the console font. MainWindow, which takes the desktop's fixed-width font for an empty one.
+inline const Setting<std::string> guiFont{ofThisVersion("/gui_font")};
+
+/// The folder of the user's profiles. Read by ProfileCatalogue and DlgPreferences, written by DlgPreferences
+/// and by Controller when it asks for the folder.
+inline const Setting<std::string> profilesDirectory{
+    ofThisVersion("/profiles_directory"), profilesDirectoryOfEnvironment};
+
+/// Whether contexts are created strictly. DlgPreferences.
+inline const Setting<bool> strictContextMode{ofThisVersion("/strict_context_mode")};
+
+/// Reserved: it has no type, and nothing reads or writes it.
+inline const std::string radeonHdHackKeyPath = ofThisVersion("/radeon_hd_hack");
+
+/// Whether the about box comes when the program starts. AboutBox.
+inline const Setting<bool> showSplash{ofThisVersion("/About/ShowSplash"), alwaysTrue};
+
+/// Name of the theme: "system", "light" or "dark". ThemeMenu.
+inline const Setting<std::string> theme{ofThisVersion("/theme"), systemTheme};
+
+/// Paths of the profile files used last, the most recent first. RecentFilesMenu.
+inline const Setting<property_list::List> recentFiles{ofThisVersion("/RecentFiles")};
+
+/// Whether usage may be collected. Read by TSRStats and FeedbackDialog, written by FeedbackDialog.
+inline const Setting<bool> collectUsage{"Stats/CollectUsage", alwaysTrue};
+
+/// Where the user found a document of the product, by the document's file name. DocumentationOpener.
+Setting<std::string> documentPath(const std::string& document);
+
+} // namespace settings
