@@ -1,4 +1,5 @@
 #include "ChildProcess.h"
+#include "Limits.h"
 #include "NaturalOrder.h"
 #include "PlistPreferences.h"
 #include "PreferenceKeys.h"
@@ -101,7 +102,7 @@ TEST_F(Catalogue, everyBadFileCostsItselfAlone)
     fill(folder / ".hidden.xml", document("hidden"));
     fill(folder / "good.xml.tmp", document("half a save"));
     fill(folder / "huge.xml", "");
-    fs::resize_file(folder / "huge.xml", ProfileData::largestFile + 1);
+    fs::resize_file(folder / "huge.xml", platform::limits::fileSize + 1);
     fs::create_directory(folder / "sub.xml");
     fill(folder / "sub.xml" / "deep.xml", document("deep"));
     mkfifo((folder / "fifo.xml").c_str(), 0600);

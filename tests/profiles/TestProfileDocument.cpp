@@ -1,3 +1,4 @@
+#include "Limits.h"
 #include "ProfileData.h"
 
 #include <gtest/gtest.h>
@@ -240,7 +241,7 @@ TEST(ProfileDocument, editsThatCouldNotBeReadAgainAreNamed)
     EXPECT_NE(reasonFor({"extension", "1", {}}), "");
     EXPECT_NE(reasonFor({"a", std::string("1\0", 2), {}}), "");
     EXPECT_NE(reasonFor({"a", "\xFF", {}}), "");
-    EXPECT_NE(reasonFor({"a", std::string(ProfileData::largestFile, 'x'), {}}), "");
+    EXPECT_NE(reasonFor({"a", std::string(platform::limits::fileSize, 'x'), {}}), "");
     ProfileNode deep{"a", "", {}};
     for (int i = 0; i < 200; ++i)
         deep = {"a", "", {deep}};
@@ -258,7 +259,7 @@ TEST(ProfileDocument, whatGrowsWithItsIndentationIsCutOff)
     const ProfileData profile =
         ProfileData::fromText("<profile>" + content.insert(90 * 3, leaves) + "</profile>");
     EXPECT_EQ(profile.whyNotSavable(), "it is larger than 8388608 bytes");
-    EXPECT_LT(profile.toXml().size(), ProfileData::largestFile + 1000);
+    EXPECT_LT(profile.toXml().size(), platform::limits::fileSize + 1000);
 }
 
 } // namespace

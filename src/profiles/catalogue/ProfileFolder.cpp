@@ -2,6 +2,7 @@
 
 #include "FileErrors.h"
 #include "GuardedFile.h"
+#include "Limits.h"
 #include "ProfileData.h"
 #include "ProfileDataWrapper.h"
 
@@ -36,7 +37,7 @@ bool isSaved(const ProfileData& profile, const ProfileData& loaded)
 /// Nothing when the file cannot be read.
 std::optional<std::size_t> digestOf(const fs::path& path)
 {
-    const platform::FileBytes file = platform::readFile(path, ProfileData::largestFile);
+    const platform::FileBytes file = platform::readFile(path, platform::limits::fileSize);
     return file.ok ? std::optional(std::hash<std::string>()(file.bytes)) : std::nullopt;
 }
 

@@ -2,6 +2,7 @@
 
 #include "FileReplacement.h"
 #include "GuardedFile.h"
+#include "Limits.h"
 #include "PlainMessageBox.h"
 #include "ProfileData.h"
 
@@ -38,7 +39,7 @@ QString freePath(const QDir& folder, const QFileInfo& file)
 /// Empty, or why the file was not copied.
 std::string copy(const QString& from, const QString& to)
 {
-    const platform::FileBytes read = platform::readFile(filePath(from), ProfileData::largestFile);
+    const platform::FileBytes read = platform::readFile(filePath(from), platform::limits::fileSize);
     return read.ok ? platform::replaceFile(filePath(to), read.bytes).reason : read.reason;
 }
 

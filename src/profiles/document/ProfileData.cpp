@@ -1,6 +1,7 @@
 #include "ProfileData.h"
 
 #include "GuardedFile.h"
+#include "Limits.h"
 #include "ProfileFile.h"
 #include "ProfileReader.h"
 #include "ProfileWriter.h"
@@ -56,7 +57,7 @@ ProfileData ProfileData::fromFile(const std::string& path)
 {
     ProfileData profile;
     profile.m_fileName = std::filesystem::path(path).filename().string();
-    const platform::FileBytes file = platform::readFile(path, largestFile);
+    const platform::FileBytes file = platform::readFile(path, platform::limits::fileSize);
     const std::string reason = file.ok ? ProfileReader(profile).read(file.bytes) : file.reason;
     if (!file.ok || !reason.empty())
         throw ProfileError("Failed to load profile data from file: '" + path + "'", reason);
@@ -124,8 +125,8 @@ std::string ProfileData::whyNotSavable() const
         return reason;
     // Size, depth and encoding are judged by who will have to read it.
     const std::string xml = toXml();
-    if (xml.size() > largestFile)
-        return "it is larger than " + std::to_string(largestFile) + " bytes";
+    if (xml.size() > platform::limits::fileSize)
+        return "it is larger than " + std::to_string(platform::limits::fileSize) + " bytes";
     ProfileData again;
     return ProfileReader(again).read(xml);
 }

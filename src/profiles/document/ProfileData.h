@@ -2,7 +2,6 @@
 
 #include "ProfileNode.h"
 
-#include <cstddef>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -29,9 +28,6 @@ public:
     using Capabilities = std::map<int, std::vector<ProfileNode>>;
     using Extensions = std::map<int, std::vector<std::string>>;
     using Configs = std::map<int, std::vector<ProfileNode>>;
-
-    /// Files that are larger, in bytes, are refused.
-    static constexpr std::size_t largestFile = std::size_t{8} * 1024 * 1024;
 
     /// Both throw ProfileError.
     static ProfileData fromFile(const std::string& path);
@@ -67,7 +63,7 @@ public:
     const Configs& configs() const { return m_configs; }
     Configs& configs() { return m_configs; }
 
-    /// Exactly what a save writes. What is larger than largestFile, and is never written, is cut off behind
+    /// Exactly what a save writes. What is larger than a file may be, and is never written, is cut off behind
     /// it.
     std::string toXml() const;
 

@@ -1,15 +1,14 @@
 #include "ProfileReader.h"
 
 #include "Numbers.h"
-#include "ProfilePrinter.h"
-#include "PropertyList.h"
 #include "Utf8.h"
-#include "XmlGuard.h"
+#include "XmlText.h"
 
 #include <algorithm>
 #include <optional>
 
-using property_list::textOf;
+using platform::textOf;
+using platform::XmlLayout;
 using tinyxml2::XMLAttribute;
 using tinyxml2::XMLDocument;
 using tinyxml2::XMLElement;
@@ -23,12 +22,12 @@ public:
     bool VisitEnter(const XMLElement& /*element*/, const XMLAttribute* attribute) override
     {
         for (; attribute && m_good; attribute = attribute->Next())
-            m_good = isUtf8(attribute->Value());
+            m_good = platform::isUtf8(attribute->Value());
         return m_good;
     }
     bool Visit(const XMLText& text) override
     {
-        m_good = m_good && isUtf8(text.Value());
+        m_good = m_good && platform::isUtf8(text.Value());
         return m_good;
     }
     bool isGood() const { return m_good; }
@@ -64,14 +63,12 @@ ProfileNode readNode(const XMLElement& element)
 
 std::string ProfileReader::read(std::string_view document)
 {
-    if (!isUtf8(document))
+    if (!platform::isUtf8(document))
         return "it is not UTF-8 text";
-    std::string hazard = platform::xmlHazard(document);
-    if (!hazard.empty())
-        return hazard;
     XMLDocument xml(true, tinyxml2::PRESERVE_WHITESPACE);
-    if (xml.Parse(document.data(), document.size()) != tinyxml2::XML_SUCCESS)
-        return xml.ErrorStr();
+    std::string reason = platform::parseXml(xml, document);
+    if (!reason.empty())
+        return reason;
     EncodingCheck check;
     xml.Accept(&check);
     if (!check.isGood())
@@ -92,16 +89,14 @@ void ProfileReader::readProfile(const XMLElement& profile)
     if (egl)
         readEgl(*egl);
 
-    ProfilePrinter foreign(ProfilePrinter::Layout::Compact);
     for (const XMLElement* child = profile.FirstChildElement(); child; child = child->NextSiblingElement()) {
         const std::string_view name = child->Name();
         const std::optional<int> version = name == "es" ? number(*child, "version") : std::nullopt;
         if (version)
             readApi(*child, *version);
         else if (child != egl && name != "device" && name != "renderer" && name != "vendor")
-            child->Accept(&foreign);
+            m_profile.m_foreign += platform::printXml(*child, XmlLayout::Compact);
     }
-    m_profile.m_foreign = foreign.text();
     for (auto& [version, names] : m_profile.extensions())
         std::sort(names.begin(), names.end());
 }
@@ -119,17 +114,15 @@ void ProfileReader::readApi(const XMLElement& api, int version)
 
 void ProfileReader::readEgl(const XMLElement& egl)
 {
-    ProfilePrinter foreign(ProfilePrinter::Layout::Compact);
     for (const XMLElement* child = egl.FirstChildElement(); child; child = child->NextSiblingElement()) {
         const bool isConfig = child->Name() == std::string_view("config");
         const std::optional<int> id = isConfig ? number(*child, "id") : std::nullopt;
         if (!id) {
-            child->Accept(&foreign);
+            m_profile.m_foreignInEgl += platform::printXml(*child, XmlLayout::Compact);
             continue;
         }
         for (const XMLElement* attribute = child->FirstChildElement(); attribute;
              attribute = attribute->NextSiblingElement())
             m_profile.configs()[*id].push_back(readNode(*attribute));
     }
-    m_profile.m_foreignInEgl = foreign.text();
 }

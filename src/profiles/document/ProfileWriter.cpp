@@ -1,6 +1,7 @@
 #include "ProfileWriter.h"
 
-#include "ProfilePrinter.h"
+#include "Limits.h"
+#include "XmlText.h"
 
 using tinyxml2::XMLDocument;
 using tinyxml2::XMLElement;
@@ -18,9 +19,8 @@ std::string ProfileWriter::write()
     appendApis(root);
     appendEgl(root);
     appendForeign(root, m_profile.m_foreign);
-    ProfilePrinter printer(ProfilePrinter::Layout::Indented, ProfileData::largestFile);
-    m_document.Print(&printer);
-    return printer.text();
+    return platform::printXml(
+        m_document, platform::XmlLayout::IndentedAroundText, platform::limits::fileSize);
 }
 
 XMLElement* ProfileWriter::append(XMLNode* parent, const char* name)
