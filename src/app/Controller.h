@@ -29,16 +29,11 @@ public:
     /// Shows the preferences dialog, and reads the profiles again when it is closed.
     void editPreferences();
 
-    Pointer newProfile() override;
-    Pointer copyProfile(const ProfileDataWrapper& original) override;
-    void forgetProfile(const ProfileDataWrapper& profile) override;
-    bool mayOverwrite(const ProfileDataWrapper& profile, const std::string& path) const override;
     std::string directoryForSaving() override;
+    bool askForCopy() override;
+    bool mayReplace(const std::string& fileName) override;
     bool save(ProfileData& profile, const std::string& directory) override;
     bool saveAs(ProfileData& profile, const std::string& directory) override;
-    void reloadProfiles() override;
-    void selectProfile(const std::string& path) override;
-    Pointer askForCopy(const ProfileDataWrapper& readOnly) override;
 
 private:
     /// Held while the servers are set up, so that two instances that start at once do not take each other's

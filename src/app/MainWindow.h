@@ -11,22 +11,28 @@ class AboutBox;
 class Client;
 class ClientInterface;
 class ClientTabWidget;
-class Controller;
 class LocalListener;
 class MonitorStatus;
 class PlistPreferences;
 class ProfileCatalogue;
 class ProfileChooser;
-class ProfileDataWrapper;
-class ProfilePage;
 class RecentFilesMenu;
 class QLocalServer;
 class SystemReportGUIReceiver;
 class SystemReportViewer;
 class TSRStatsInterface;
+class Controller;
 
 namespace Ui {
 class MainWindow;
+}
+
+namespace models {
+class CurrentProfile;
+}
+
+namespace widgets {
+class Profile;
 }
 
 /// What fatalError() reports.
@@ -45,15 +51,12 @@ public:
     MainWindow(Controller* controller, PlistPreferences& preferences);
     ~MainWindow() override;
 
-    /// Fills the profile chooser, with the remembered profile as the chosen one. The catalogue must live
-    /// longer than the window is used.
+    /// Shows the profiles of the catalogue, which must live longer than the window is used, with the
+    /// remembered one as the chosen one.
     void setCatalogue(ProfileCatalogue& catalogue);
 
-    /// Reads the profiles again and shows them. Nothing happens to a chosen profile that is still what it
-    /// was; one that has changed on disk or is gone lives until the change of choice has been announced.
+    /// Reads the profiles again and shows them.
     void reloadProfiles();
-    /// Chooses a profile as the user would; one that is not in the list is ignored.
-    void chooseProfile(const std::shared_ptr<const ProfileDataWrapper>& profile);
     /// Takes over what the preferences dialog has changed: the profiles, and files that were saved there.
     void preferencesEdited(const QStringList& savedFiles, bool saveFailed);
     /// Puts a profile file into the menu of the recent ones.
@@ -92,6 +95,7 @@ private:
     void setUpFonts();
     void setUpHelp();
     void setUpPages();
+    void setUpProfiles();
     void setUpServer();
     void countProblems(const ClientInterface& page);
     void clientDisconnected(Client* client, const QString& text);
@@ -108,8 +112,9 @@ private:
     SystemReportViewer* m_reportViewer = nullptr;
     std::shared_ptr<TSRStatsInterface> m_stats;
     AboutBox* m_aboutBox = nullptr;
+    models::CurrentProfile* m_currentProfile = nullptr;
     ProfileChooser* m_profileChooser = nullptr;
-    ProfilePage* m_profilePage = nullptr;
+    widgets::Profile* m_profilePanel = nullptr;
     RecentFilesMenu* m_recentProfiles = nullptr;
     ProfileCatalogue* m_catalogue = nullptr;
     QLocalServer* m_server = nullptr;

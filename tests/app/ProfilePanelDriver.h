@@ -23,9 +23,8 @@
 /// case. Driven by clicks and keys; what counts is what is in the files then.
 class ProfilePanelDriver {
 public:
-    ProfilePanelDriver(Controller& controller, MainWindow& window, const QString& folder)
-        : m_controller(controller)
-        , m_window(window)
+    ProfilePanelDriver(MainWindow& window, const QString& folder)
+        : m_window(window)
         , m_folder(folder)
     {
     }
@@ -43,7 +42,7 @@ protected:
     void chooseMine()
     {
         write(QStringLiteral("mine.xml"), m_xml.toUtf8());
-        m_controller.reloadProfiles();
+        m_window.reloadProfiles();
         choose(QStringLiteral("Mine (mine.xml)"));
         QCOMPARE(device(), QStringLiteral("Mine"));
         for (const char* view : {"capabilitiesView", "extensionsView", "eglConfigsView"})
@@ -124,7 +123,6 @@ protected:
     }
     QStringList files() const { return QDir(m_folder).entryList(QDir::Files); }
 
-    Controller& m_controller;
     MainWindow& m_window;
     QString m_folder;
     QString m_xml = QString::fromStdString(ProfileData::fromText(
@@ -141,10 +139,10 @@ template <typename Test> int runOnProgram(int argc, char** argv)
 {
     const QTemporaryDir folder;
     setenv("CORVALE_PROFILE_PATH", folder.path().toLocal8Bit().constData(), 1);
-    Controller controller(argc, argv);
+    const Controller controller(argc, argv);
     for (QWidget* widget : QApplication::topLevelWidgets()) {
         if (auto* window = qobject_cast<MainWindow*>(widget)) {
-            Test test(controller, *window, folder.path());
+            Test test(*window, folder.path());
             return QTest::qExec(&test, argc, argv);
         }
     }
