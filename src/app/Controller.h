@@ -3,7 +3,7 @@
 #include "MainWindow.h"
 #include "PlistPreferences.h"
 #include "ProfileCatalogue.h"
-#include "ProfileController.h"
+#include "WindowController.h"
 
 #include <QApplication>
 #include <QLockFile>
@@ -14,7 +14,7 @@ class QLocalServer;
 
 /// The application object: makes sure that only one instance runs for a user, and owns the preference store,
 /// the main window and the profiles.
-class Controller : public QApplication, public ProfileController {
+class Controller : public QApplication, public WindowController {
     Q_OBJECT
 
 public:
@@ -26,9 +26,7 @@ public:
     /// Shows the main window and runs the event loop; returns its exit code.
     int run();
 
-    /// Shows the preferences dialog, and reads the profiles again when it is closed.
-    void editPreferences();
-
+    void editPreferences() override;
     std::string directoryForSaving() override;
     bool askForCopy() override;
     bool mayReplace(const std::string& fileName) override;

@@ -5,7 +5,6 @@
 #include "ClientInterface.h"
 #include "Console.h"
 #include "ConsoleSaver.h"
-#include "Controller.h"
 #include "CurrentProfile.h"
 #include "DocumentationOpener.h"
 #include "ErrorListModel.h"
@@ -27,6 +26,7 @@
 #include "SystemReportViewer.h"
 #include "TSRStats.h"
 #include "ThemeMenu.h"
+#include "WindowController.h"
 #include "ui_MainWindow.h"
 #include "widgets/Profile.h"
 
@@ -59,7 +59,7 @@ QString fixedFontFamily()
 
 } // namespace
 
-MainWindow::MainWindow(Controller* controller, PlistPreferences& preferences)
+MainWindow::MainWindow(WindowController* controller, PlistPreferences& preferences)
     : m_ui(std::make_unique<Ui::MainWindow>())
     , m_controller(controller)
     , m_preferences(preferences)

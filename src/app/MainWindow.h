@@ -21,7 +21,7 @@ class QLocalServer;
 class SystemReportGUIReceiver;
 class SystemReportViewer;
 class TSRStatsInterface;
-class Controller;
+class WindowController;
 
 namespace Ui {
 class MainWindow;
@@ -48,7 +48,7 @@ class MainWindow : public QMainWindow {
 
 public:
     /// The controller may be none, where the window stands for itself. The preference store must live longer.
-    MainWindow(Controller* controller, PlistPreferences& preferences);
+    MainWindow(WindowController* controller, PlistPreferences& preferences);
     ~MainWindow() override;
 
     /// Shows the profiles of the catalogue, which must live longer than the window is used, with the
@@ -104,7 +104,7 @@ private:
     void openRecentProfile(const QString& path);
 
     std::unique_ptr<Ui::MainWindow> m_ui;
-    Controller* m_controller;
+    WindowController* m_controller;
     PlistPreferences& m_preferences;
     ClientTabWidget* m_clientTabs = nullptr;
     MonitorStatus* m_status = nullptr;
