@@ -236,6 +236,16 @@ void TestCurrentProfile::reloading()
     QVERIFY(wasAlive);
     QVERIFY(before.expired());
 
+    // One without a file has no key to be found by.
+    const auto unsaved = f.catalogue->newProfile();
+    f.current.setCatalogue(*f.catalogue);
+    QVERIFY(f.current.choose(unsaved));
+    f.current.reload();
+    QCOMPARE(f.current.chosen(), unsaved);
+    f.catalogue->forget(*unsaved);
+    f.current.choose(f.catalogue->find("a.xml"));
+    f.announced();
+
     // What is remembered stays, and so the profile is chosen again when it is back.
     f.remove("a.xml");
     f.current.reload();
@@ -369,6 +379,13 @@ void TestCurrentProfile::failedSaveIsTakenBack()
 
     QVERIFY(!f.current.save(f.edited("Failed")));
     QVERIFY(f.current.choose(nullptr));
+    QCOMPARE(profile->data().device(), std::string("A"));
+
+    QVERIFY(f.current.choose(profile));
+    QVERIFY(!f.current.save(f.edited("Failed")));
+    f.answers.isDiskFull = false;
+    f.answers.enteredName = "copy.xml";
+    QVERIFY(f.current.saveAs(f.edited("Copy")));
     QCOMPARE(profile->data().device(), std::string("A"));
 }
 
