@@ -4,7 +4,9 @@
 #include "DialogAnswers.h"
 #include "MainWindow.h"
 #include "ProfileData.h"
+#include "ProfileReader.h"
 #include "ProfileTreeView.h"
+#include "ProfileWriter.h"
 #include "widgets/Profile.h"
 
 #include <QComboBox>
@@ -125,12 +127,11 @@ protected:
 
     MainWindow& m_window;
     QString m_folder;
-    QString m_xml = QString::fromStdString(ProfileData::fromText(
+    QString m_xml = QString::fromStdString(writeProfile(readProfile(
         "<profile><device>Mine</device><renderer>R</renderer>"
         "<es version=\"2\"><extension>GL_OES_depth24</extension>"
         "<max_texture_size>4096</max_texture_size><samples> 4 </samples></es>"
-        "<egl><config id=\"0\"><red_size>8</red_size><level>0</level></config></egl></profile>")
-                                               .toXml());
+        "<egl><config id=\"0\"><red_size>8</red_size><level>0</level></config></egl></profile>")));
     DialogAnswers m_answers;
 };
 

@@ -7,6 +7,7 @@
 #include "ProfileData.h"
 #include "ProfileDataWrapper.h"
 #include "ProfileFile.h"
+#include "ProfileReader.h"
 
 #include <sys/stat.h>
 
@@ -158,9 +159,9 @@ TEST_F(Catalogue, newProfilesAndCopies)
     open(builtins);
     const auto fresh = catalogue->newProfile();
     EXPECT_EQ(fresh->data(),
-        ProfileData::fromText("<profile><vendor>Unknown vendor</vendor><renderer>Unknown renderer</renderer>"
-                              "<device>New profile</device></profile>"));
-    EXPECT_EQ(fresh->data().fileNameForSaving(), "New profile.xml");
+        readProfile("<profile><vendor>Unknown vendor</vendor><renderer>Unknown renderer</renderer>"
+                    "<device>New profile</device></profile>"));
+    EXPECT_EQ(profile_file::nameForSaving(fresh->data()), "New profile.xml");
     EXPECT_EQ(catalogue->find(fresh->key()), nullptr);
 
     const auto original = catalogue->find("BW 10");
@@ -173,7 +174,7 @@ TEST_F(Catalogue, newProfilesAndCopies)
     EXPECT_EQ(original->data().device(), "BW 10");
     EXPECT_EQ(copyOfCopy->data().device(), "BW 10");
     fresh->edit()->setDevice("../a/b");
-    EXPECT_EQ(fresh->data().fileNameForSaving(), ".._a_b.xml");
+    EXPECT_EQ(profile_file::nameForSaving(fresh->data()), ".._a_b.xml");
     EXPECT_EQ(catalogue->copyProfile(*fresh)->key(), ".._a_b (copy).xml");
     try {
         original->edit();

@@ -5,6 +5,8 @@
 #include "Limits.h"
 #include "ProfileData.h"
 #include "ProfileDataWrapper.h"
+#include "ProfileReader.h"
+#include "ProfileWriter.h"
 
 #include <algorithm>
 #include <functional>
@@ -28,7 +30,7 @@ bool isCandidate(const fs::directory_entry& entry)
 bool isSaved(const ProfileData& profile, const ProfileData& loaded)
 {
     try {
-        return profile == loaded || ProfileData::fromText(profile.toXml()) == loaded;
+        return profile == loaded || readProfile(writeProfile(profile)) == loaded;
     } catch (const ProfileError&) {
         return false;
     }

@@ -5,6 +5,7 @@
 #include "Limits.h"
 #include "PlainMessageBox.h"
 #include "ProfileData.h"
+#include "ProfileReader.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -69,7 +70,7 @@ namespace profile_copying {
 QString offerCopy(const QString& path, const std::string& directory, QWidget* parent)
 {
     try {
-        ProfileData::fromFile(filePath(path).string());
+        readProfileFile(filePath(path).string());
     } catch (const ProfileError& error) {
         showFailure(path, QString::fromStdString(error.what()), parent);
         return {};

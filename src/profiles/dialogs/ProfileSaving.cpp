@@ -31,7 +31,7 @@ QWidget* owner(QWidget* parent)
 QString suggestedName(const ProfileData& profile)
 {
     try {
-        return QString::fromStdString(profile.fileNameForSaving());
+        return QString::fromStdString(profile_file::nameForSaving(profile));
     } catch (const std::runtime_error&) {
         return {};
     }

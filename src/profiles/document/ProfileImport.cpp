@@ -4,6 +4,7 @@
 #include "Limits.h"
 #include "Numbers.h"
 #include "ProfileData.h"
+#include "ProfileReader.h"
 #include "Utf8.h"
 #include "XmlText.h"
 
@@ -96,7 +97,7 @@ platform::FileResult ProfileImport::save(const std::filesystem::path& target) co
     if (m_tooLarge || xml.size() > platform::limits::fileSize)
         return {tooLargeText()};
     try {
-        ProfileData::fromText(xml);
+        readProfile(xml);
     } catch (const ProfileError& error) {
         return {"the result could not be read again: " + error.reason()};
     }

@@ -1,11 +1,16 @@
 #include "ProfileReader.h"
 
+#include "GuardedFile.h"
+#include "Limits.h"
 #include "Numbers.h"
 #include "Utf8.h"
 #include "XmlText.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <optional>
+
+#include <tinyxml2.h>
 
 using platform::textOf;
 using platform::XmlLayout;
@@ -59,9 +64,59 @@ ProfileNode readNode(const XMLElement& element)
     return node;
 }
 
-} // namespace
+void readApi(ProfileData& profile, const XMLElement& api, int version)
+{
+    std::vector<std::string>& extensions = profile.extensions()[version];
+    for (const XMLElement* child = api.FirstChildElement(); child; child = child->NextSiblingElement()) {
+        if (child->Name() == std::string_view("extension"))
+            extensions.push_back(textOf(*child));
+        else
+            profile.capabilities()[version].push_back(readNode(*child));
+    }
+}
 
-std::string ProfileReader::read(std::string_view document)
+void readEgl(ProfileData& profile, const XMLElement& egl)
+{
+    std::string foreign;
+    for (const XMLElement* child = egl.FirstChildElement(); child; child = child->NextSiblingElement()) {
+        const bool isConfig = child->Name() == std::string_view("config");
+        const std::optional<int> id = isConfig ? number(*child, "id") : std::nullopt;
+        if (!id) {
+            foreign += platform::printXml(*child, XmlLayout::Compact);
+            continue;
+        }
+        for (const XMLElement* attribute = child->FirstChildElement(); attribute;
+             attribute = attribute->NextSiblingElement())
+            profile.configs()[*id].push_back(readNode(*attribute));
+    }
+    profile.setForeignInEgl(foreign);
+}
+
+void readRoot(ProfileData& profile, const XMLElement& root)
+{
+    profile.setDevice(textOfChild(root, "device"));
+    profile.setRenderer(textOfChild(root, "renderer"));
+    profile.setVendor(textOfChild(root, "vendor"));
+    const XMLElement* egl = root.FirstChildElement("egl");
+    if (egl)
+        readEgl(profile, *egl);
+    std::string foreign;
+    for (const XMLElement* child = root.FirstChildElement(); child; child = child->NextSiblingElement()) {
+        const std::string_view name = child->Name();
+        const std::optional<int> version = name == "es" ? number(*child, "version") : std::nullopt;
+        if (version)
+            readApi(profile, *child, *version);
+        else if (child != egl && name != "device" && name != "renderer" && name != "vendor")
+            foreign += platform::printXml(*child, XmlLayout::Compact);
+    }
+    profile.setForeign(foreign);
+    for (auto& [version, names] : profile.extensions())
+        std::sort(names.begin(), names.end());
+}
+
+/// Why the document cannot be read, as readable text; empty when it was read. After a failure the profile is
+/// half-filled and good for nothing.
+std::string read(ProfileData& profile, std::string_view document)
 {
     if (!platform::isUtf8(document))
         return "it is not UTF-8 text";
@@ -73,56 +128,37 @@ std::string ProfileReader::read(std::string_view document)
     xml.Accept(&check);
     if (!check.isGood())
         return "it refers to a character that does not exist";
-    const XMLElement* profile = xml.FirstChildElement("profile");
-    if (!profile)
+    const XMLElement* root = xml.FirstChildElement("profile");
+    if (!root)
         return "No <profile> element was found";
-    readProfile(*profile);
+    readRoot(profile, *root);
     return {};
 }
 
-void ProfileReader::readProfile(const XMLElement& profile)
-{
-    m_profile.setDevice(textOfChild(profile, "device"));
-    m_profile.setRenderer(textOfChild(profile, "renderer"));
-    m_profile.setVendor(textOfChild(profile, "vendor"));
-    const XMLElement* egl = profile.FirstChildElement("egl");
-    if (egl)
-        readEgl(*egl);
+} // namespace
 
-    for (const XMLElement* child = profile.FirstChildElement(); child; child = child->NextSiblingElement()) {
-        const std::string_view name = child->Name();
-        const std::optional<int> version = name == "es" ? number(*child, "version") : std::nullopt;
-        if (version)
-            readApi(*child, *version);
-        else if (child != egl && name != "device" && name != "renderer" && name != "vendor")
-            m_profile.m_foreign += platform::printXml(*child, XmlLayout::Compact);
-    }
-    for (auto& [version, names] : m_profile.extensions())
-        std::sort(names.begin(), names.end());
+ProfileError::ProfileError(const std::string& what, const std::string& reason)
+    : std::runtime_error(reason.empty() ? what : what + " (" + reason + ')')
+    , m_reason(reason)
+{
 }
 
-void ProfileReader::readApi(const XMLElement& api, int version)
+ProfileData readProfile(std::string_view xml)
 {
-    std::vector<std::string>& extensions = m_profile.extensions()[version];
-    for (const XMLElement* child = api.FirstChildElement(); child; child = child->NextSiblingElement()) {
-        if (child->Name() == std::string_view("extension"))
-            extensions.push_back(textOf(*child));
-        else
-            m_profile.capabilities()[version].push_back(readNode(*child));
-    }
+    ProfileData profile;
+    const std::string reason = read(profile, xml);
+    if (!reason.empty())
+        throw ProfileError("Failed to load profile data", reason);
+    return profile;
 }
 
-void ProfileReader::readEgl(const XMLElement& egl)
+ProfileData readProfileFile(const std::string& path)
 {
-    for (const XMLElement* child = egl.FirstChildElement(); child; child = child->NextSiblingElement()) {
-        const bool isConfig = child->Name() == std::string_view("config");
-        const std::optional<int> id = isConfig ? number(*child, "id") : std::nullopt;
-        if (!id) {
-            m_profile.m_foreignInEgl += platform::printXml(*child, XmlLayout::Compact);
-            continue;
-        }
-        for (const XMLElement* attribute = child->FirstChildElement(); attribute;
-             attribute = attribute->NextSiblingElement())
-            m_profile.configs()[*id].push_back(readNode(*attribute));
-    }
+    ProfileData profile;
+    profile.setFileName(std::filesystem::path(path).filename().string());
+    const platform::FileBytes file = platform::readFile(path, platform::limits::fileSize);
+    const std::string reason = file.ok ? read(profile, file.bytes) : file.reason;
+    if (!file.ok || !reason.empty())
+        throw ProfileError("Failed to load profile data from file: '" + path + "'", reason);
+    return profile;
 }
