@@ -4,6 +4,7 @@
 // not measure.
 
 #include "BuiltinProfiles.h"
+#include "CurrentProfile.h"
 #include "ProfileDataWrapper.h"
 #include "widgets/Profile.h"
 
@@ -62,7 +63,8 @@ struct Times {
 Times measure(const std::string& xml)
 {
     const auto profile = ProfileDataWrapper::fromText(xml, true);
-    widgets::Profile panel(nullptr);
+    models::CurrentProfile current(nullptr);
+    widgets::Profile panel(current);
     panel.resize(1042, 700);
     panel.show();
     QCoreApplication::processEvents();

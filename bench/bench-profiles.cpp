@@ -8,6 +8,8 @@
 #include "ProfileData.h"
 #include "ProfileDataWrapper.h"
 #include "ProfileFile.h"
+#include "ProfileReader.h"
+#include "ProfileWriter.h"
 
 #include <algorithm>
 #include <chrono>
@@ -47,7 +49,7 @@ template <typename Work> void report(const char* what, int times, Work work)
 /// A profile with every capability and attribute that the editor knows.
 ProfileData fullProfile(std::int64_t configs)
 {
-    ProfileData profile = ProfileData::fromText("<profile><vendor>Vendor</vendor></profile>");
+    ProfileData profile = readProfile("<profile><vendor>Vendor</vendor></profile>");
     for (const int version : {1, 2, 3}) {
         for (int i = 0; i < 40; ++i)
             profile.extensions()[version].push_back("GL_OES_extension_" + std::to_string(100 + i));
@@ -70,7 +72,8 @@ void measure(const std::string& folder, std::int64_t profiles, std::int64_t conf
     require(preferences.load(error), error.c_str());
     preferences.setUnsaved(settings::profilesDirectory, folder);
     ProfileData profile = fullProfile(configs);
-    std::printf("%jd profiles of %zu bytes\n", static_cast<std::intmax_t>(profiles), profile.toXml().size());
+    std::printf(
+        "%jd profiles of %zu bytes\n", static_cast<std::intmax_t>(profiles), writeProfile(profile).size());
     report("save all", 1, [&] {
         for (std::int64_t i = 0; i < profiles; ++i) {
             profile.setFileName(std::to_string(i) + ".xml");

@@ -131,27 +131,6 @@ void Controller::editPreferences()
     m_mainWindow.preferencesEdited(dialog.savedFiles());
 }
 
-Controller::Pointer Controller::newProfile()
-{
-    return m_catalogue.newProfile();
-}
-
-Controller::Pointer Controller::copyProfile(const ProfileDataWrapper& original)
-{
-    return m_catalogue.copyProfile(original);
-}
-
-void Controller::forgetProfile(const ProfileDataWrapper& profile)
-{
-    m_catalogue.forget(profile);
-    m_mainWindow.setCatalogue(m_catalogue);
-}
-
-bool Controller::mayOverwrite(const ProfileDataWrapper& profile, const std::string& path) const
-{
-    return m_catalogue.mayOverwrite(profile, path);
-}
-
 std::string Controller::directoryForSaving()
 {
     std::string set = m_catalogue.profilesDirectory();
@@ -176,6 +155,16 @@ std::string Controller::directoryForSaving()
     return chosen;
 }
 
+bool Controller::askForCopy()
+{
+    return dialogs::SaveReadOnlyProfile(&m_mainWindow).exec() == QDialog::Accepted;
+}
+
+bool Controller::mayReplace(const std::string& fileName)
+{
+    return profile_saving::mayReplaceForeign(fileName, &m_mainWindow);
+}
+
 bool Controller::save(ProfileData& profile, const std::string& directory)
 {
     return profile_saving::save(profile, directory, &m_mainWindow);
@@ -184,23 +173,6 @@ bool Controller::save(ProfileData& profile, const std::string& directory)
 bool Controller::saveAs(ProfileData& profile, const std::string& directory)
 {
     return profile_saving::saveAs(profile, directory, &m_mainWindow);
-}
-
-void Controller::reloadProfiles()
-{
-    m_mainWindow.reloadProfiles();
-}
-
-void Controller::selectProfile(const std::string& path)
-{
-    m_mainWindow.chooseProfile(m_catalogue.findFile(path));
-    m_mainWindow.addRecentProfile(QFile::decodeName(QByteArray::fromStdString(path)));
-}
-
-Controller::Pointer Controller::askForCopy(const ProfileDataWrapper& readOnly)
-{
-    dialogs::SaveReadOnlyProfile question(&m_mainWindow);
-    return question.exec() == QDialog::Accepted ? copyProfile(readOnly) : nullptr;
 }
 
 int Controller::run()

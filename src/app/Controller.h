@@ -3,7 +3,7 @@
 #include "MainWindow.h"
 #include "Preferences.h"
 #include "ProfileCatalogue.h"
-#include "ProfileController.h"
+#include "WindowController.h"
 
 #include <QApplication>
 #include <QLockFile>
@@ -14,7 +14,7 @@ class QLocalServer;
 
 /// The application object: makes sure that only one instance runs for a user, and owns the preference store,
 /// the main window and the profiles.
-class Controller : public QApplication, public ProfileController {
+class Controller : public QApplication, public WindowController {
     Q_OBJECT
 
 public:
@@ -26,19 +26,12 @@ public:
     /// Shows the main window and runs the event loop; returns its exit code.
     int run();
 
-    /// Shows the preferences dialog, and reads the profiles again when it is closed.
-    void editPreferences();
-
-    Pointer newProfile() override;
-    Pointer copyProfile(const ProfileDataWrapper& original) override;
-    void forgetProfile(const ProfileDataWrapper& profile) override;
-    bool mayOverwrite(const ProfileDataWrapper& profile, const std::string& path) const override;
+    void editPreferences() override;
     std::string directoryForSaving() override;
+    bool askForCopy() override;
+    bool mayReplace(const std::string& fileName) override;
     bool save(ProfileData& profile, const std::string& directory) override;
     bool saveAs(ProfileData& profile, const std::string& directory) override;
-    void reloadProfiles() override;
-    void selectProfile(const std::string& path) override;
-    Pointer askForCopy(const ProfileDataWrapper& readOnly) override;
 
 private:
     /// Held while the servers are set up, so that two instances that start at once do not take each other's

@@ -5,7 +5,7 @@
 #include "ClientInterface.h"
 #include "Console.h"
 #include "ConsoleSaver.h"
-#include "Controller.h"
+#include "CurrentProfile.h"
 #include "DocumentationOpener.h"
 #include "ErrorListModel.h"
 #include "FeedbackDialog.h"
@@ -19,7 +19,6 @@
 #include "ProfileCatalogue.h"
 #include "ProfileChooser.h"
 #include "ProfileCopying.h"
-#include "ProfilePage.h"
 #include "RecentFilesMenu.h"
 #include "SystemFacts.h"
 #include "SystemReportGUIReceiver.h"
@@ -27,7 +26,9 @@
 #include "SystemReportViewer.h"
 #include "TSRStats.h"
 #include "ThemeMenu.h"
+#include "WindowController.h"
 #include "ui_MainWindow.h"
+#include "widgets/Profile.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -58,7 +59,7 @@ QString fixedFontFamily()
 
 } // namespace
 
-MainWindow::MainWindow(Controller* controller, Preferences& preferences)
+MainWindow::MainWindow(WindowController* controller, Preferences& preferences)
     : m_ui(std::make_unique<Ui::MainWindow>())
     , m_controller(controller)
     , m_preferences(preferences)
@@ -72,6 +73,7 @@ MainWindow::MainWindow(Controller* controller, Preferences& preferences)
     m_status = new MonitorStatus(m_ui->statusbar);
     setUpHelp();
     setUpPages();
+    setUpProfiles();
     setUpFonts();
     setUpActions();
     setUpMenus();
@@ -105,13 +107,25 @@ void MainWindow::setUpPages()
     m_reportViewer = &reportPage->viewer();
     connect(
         m_ui->cmbFont, SIGNAL(currentFontChanged(const QFont&)), m_reportViewer, SLOT(setFont(const QFont&)));
+}
 
-    m_profileChooser = new ProfileChooser(m_ui->cmbProfile);
-    m_profilePage = new ProfilePage(m_controller, m_profileChooser, m_ui->tabProfileProperties);
-    m_ui->profilePropertiesTabLayout->addWidget(m_profilePage);
-    connect(m_profilePage, &ProfilePage::told, this,
-        [this](const QString& text) { statusBar()->showMessage(text, messageTime); });
+void MainWindow::setUpProfiles()
+{
+    m_currentProfile = new models::CurrentProfile(m_controller, this);
+    m_profileChooser = new ProfileChooser(*m_currentProfile, m_ui->cmbProfile);
+    m_profilePanel = new widgets::Profile(*m_currentProfile, m_ui->tabProfileProperties);
+    m_profilePanel->clear();
+    m_ui->profilePropertiesTabLayout->addWidget(m_profilePanel);
     m_ui->actionNew_Profile->setEnabled(m_controller != nullptr);
+    connect(m_currentProfile, &models::CurrentProfile::listChanged, this,
+        [this] { m_status->setSkippedProfiles(m_catalogue->brokenFiles()); });
+    connect(m_currentProfile, &models::CurrentProfile::fileSaved, this, &MainWindow::addRecentProfile);
+    connect(m_currentProfile, &models::CurrentProfile::shownLost, this, [this] {
+        statusBar()->showMessage(
+            tr("The profile that you are changing is not in the list any more. \"Save\" keeps your "
+               "changes as a new one."),
+            messageTime);
+    });
 }
 
 void MainWindow::setUpFonts()
@@ -284,7 +298,7 @@ void MainWindow::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
-    if (m_asksBeforeClosing && !m_profilePage->mayLeave()) {
+    if (m_asksBeforeClosing && !m_profilePanel->mayLeave()) {
         event->ignore();
         return;
     }
@@ -378,30 +392,18 @@ void MainWindow::preferencesEdited(const QStringList& savedFiles)
 
 void MainWindow::optionChanged()
 {
-    if (m_catalogue)
-        m_catalogue->rememberCurrent(m_profileChooser->chosenKey());
+    m_profileChooser->pick();
 }
 
 void MainWindow::setCatalogue(ProfileCatalogue& catalogue)
 {
     m_catalogue = &catalogue;
-    m_profileChooser->show(catalogue);
-    m_status->setSkippedProfiles(catalogue.brokenFiles());
+    m_currentProfile->setCatalogue(catalogue);
 }
 
 void MainWindow::reloadProfiles()
 {
-    if (!m_catalogue)
-        return;
-    const std::shared_ptr<const ProfileDataWrapper> held = m_profileChooser->chosen();
-    m_catalogue->reload();
-    setCatalogue(*m_catalogue);
-}
-
-void MainWindow::chooseProfile(const std::shared_ptr<const ProfileDataWrapper>& profile)
-{
-    if (profile)
-        m_profileChooser->choose(profile);
+    m_currentProfile->reload();
 }
 
 void MainWindow::addRecentProfile(const QString& path)
@@ -425,7 +427,7 @@ void MainWindow::openRecentProfile(const QString& path)
     }
     if (!profile)
         return;
-    m_profileChooser->choose(profile);
+    m_currentProfile->choose(profile);
     m_recentProfiles->addFile(found);
     m_ui->mainTabWidget->setCurrentWidget(m_ui->tabProfileProperties);
 }
@@ -433,5 +435,5 @@ void MainWindow::openRecentProfile(const QString& path)
 void MainWindow::newProfile()
 {
     m_ui->mainTabWidget->setCurrentWidget(m_ui->tabProfileProperties);
-    m_profilePage->newProfile();
+    m_profilePanel->newProfile();
 }

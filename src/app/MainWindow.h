@@ -12,21 +12,27 @@ class AboutBox;
 class Client;
 class ClientInterface;
 class ClientTabWidget;
-class Controller;
 class LocalListener;
 class MonitorStatus;
 class ProfileCatalogue;
 class ProfileChooser;
-class ProfileDataWrapper;
-class ProfilePage;
 class RecentFilesMenu;
 class QLocalServer;
 class SystemReportGUIReceiver;
 class SystemReportViewer;
 class TSRStatsInterface;
+class WindowController;
 
 namespace Ui {
 class MainWindow;
+}
+
+namespace models {
+class CurrentProfile;
+}
+
+namespace widgets {
+class Profile;
 }
 
 /// What fatalError() reports.
@@ -42,18 +48,15 @@ class MainWindow : public QMainWindow {
 
 public:
     /// The controller may be none, where the window stands for itself. The preference store must live longer.
-    MainWindow(Controller* controller, Preferences& preferences);
+    MainWindow(WindowController* controller, Preferences& preferences);
     ~MainWindow() override;
 
-    /// Fills the profile chooser, with the remembered profile as the chosen one. The catalogue must live
-    /// longer than the window is used.
+    /// Shows the profiles of the catalogue, which must live longer than the window is used, with the
+    /// remembered one as the chosen one.
     void setCatalogue(ProfileCatalogue& catalogue);
 
-    /// Reads the profiles again and shows them. Nothing happens to a chosen profile that is still what it
-    /// was; one that has changed on disk or is gone lives until the change of choice has been announced.
+    /// Reads the profiles again and shows them.
     void reloadProfiles();
-    /// Chooses a profile as the user would; one that is not in the list is ignored.
-    void chooseProfile(const std::shared_ptr<const ProfileDataWrapper>& profile);
     /// Takes over what the preferences dialog has changed: the profiles, and files that were saved there.
     void preferencesEdited(const QStringList& savedFiles);
     /// Puts a profile file into the menu of the recent ones.
@@ -92,6 +95,7 @@ private:
     void setUpFonts();
     void setUpHelp();
     void setUpPages();
+    void setUpProfiles();
     void setUpServer();
     void countProblems(const ClientInterface& page);
     void clientDisconnected(Client* client, const QString& text, bool isClean);
@@ -101,7 +105,7 @@ private:
     void reportSave(const SaveOutcome& outcome);
 
     std::unique_ptr<Ui::MainWindow> m_ui;
-    Controller* m_controller;
+    WindowController* m_controller;
     Preferences& m_preferences;
     ClientTabWidget* m_clientTabs = nullptr;
     MonitorStatus* m_status = nullptr;
@@ -109,8 +113,9 @@ private:
     SystemReportViewer* m_reportViewer = nullptr;
     std::shared_ptr<TSRStatsInterface> m_stats;
     AboutBox* m_aboutBox = nullptr;
+    models::CurrentProfile* m_currentProfile = nullptr;
     ProfileChooser* m_profileChooser = nullptr;
-    ProfilePage* m_profilePage = nullptr;
+    widgets::Profile* m_profilePanel = nullptr;
     RecentFilesMenu* m_recentProfiles = nullptr;
     ProfileCatalogue* m_catalogue = nullptr;
     QLocalServer* m_server = nullptr;

@@ -1,5 +1,6 @@
 #include "ProfileChooser.h"
 
+#include "CurrentProfile.h"
 #include "ProfileCatalogue.h"
 #include "ProfileData.h"
 #include "ProfileDataWrapper.h"
@@ -8,7 +9,6 @@
 #include <QComboBox>
 #include <QSignalBlocker>
 
-#include <algorithm>
 #include <stdexcept>
 
 namespace {
@@ -36,63 +36,45 @@ QString itemText(const ProfileDataWrapper& profile)
 
 } // namespace
 
-ProfileChooser::ProfileChooser(QComboBox* box)
+ProfileChooser::ProfileChooser(models::CurrentProfile& current, QComboBox* box)
     : QObject(box)
+    , m_current(current)
     , m_box(box)
 {
-    registerProfileMetaTypes();
     m_box->setToolTip(tr("The hardware that applications are to find; \"Host\" is this computer's own"));
     m_box->addItem(QStringLiteral("Host"));
-    connect(m_box, &QComboBox::currentIndexChanged, this, &ProfileChooser::announce);
+    connect(&m_current, &models::CurrentProfile::listChanged, this, &ProfileChooser::showList);
+    connect(&m_current, &models::CurrentProfile::chosenChanged, this, &ProfileChooser::showChosen);
 }
 
-void ProfileChooser::show(const ProfileCatalogue& catalogue)
+void ProfileChooser::pick()
 {
-    const std::shared_ptr<const ProfileDataWrapper> before = chosen();
-    {
-        const QSignalBlocker blocker(m_box);
-        m_box->clear();
-        m_box->addItem(QStringLiteral("Host"));
-        for (const auto* profiles : {&catalogue.builtinProfiles(), &catalogue.userProfiles()}) {
-            for (const std::shared_ptr<ProfileDataWrapper>& profile : *profiles)
-                addProfile(profile);
-        }
-        const int same = before ? indexOf(before.get()) : -1;
-        m_box->setCurrentIndex(std::max(same >= 0 ? same : indexOf(catalogue.current().get()), 0));
+    m_current.choose(m_box->currentData().value<WeakProfile>().lock());
+    showChosen();
+}
+
+void ProfileChooser::showList()
+{
+    const QSignalBlocker blocker(m_box);
+    m_box->clear();
+    m_box->addItem(QStringLiteral("Host"));
+    const ProfileCatalogue& catalogue = *m_current.catalogue();
+    for (const auto* profiles : {&catalogue.builtinProfiles(), &catalogue.userProfiles()}) {
+        for (const std::shared_ptr<ProfileDataWrapper>& profile : *profiles)
+            addProfile(profile);
     }
-    announce();
+    showChosen();
 }
 
-bool ProfileChooser::has(const std::shared_ptr<const ProfileDataWrapper>& profile) const
+void ProfileChooser::showChosen()
 {
-    return profile && indexOf(profile.get()) >= 0;
-}
-
-void ProfileChooser::choose(const std::shared_ptr<const ProfileDataWrapper>& profile)
-{
-    const int index = indexOf(profile.get());
-    if (index >= 0)
-        m_box->setCurrentIndex(index);
-}
-
-/// -1 when it is not in the list; that of "Host" for none.
-int ProfileChooser::indexOf(const ProfileDataWrapper* profile) const
-{
+    // Only what the user picks is a wish.
+    const QSignalBlocker blocker(m_box);
+    const auto chosen = m_current.chosen();
     for (int i = 0; i < m_box->count(); ++i) {
-        if (m_box->itemData(i).value<WeakProfile>().lock().get() == profile)
-            return i;
+        if (m_box->itemData(i).value<WeakProfile>().lock() == chosen)
+            return m_box->setCurrentIndex(i);
     }
-    return -1;
-}
-
-void ProfileChooser::announce()
-{
-    const WeakProfile profile = chosen();
-    // Owners are compared, so that the end of one profile is told from another that has its place.
-    if (!profile.owner_before(m_announced) && !m_announced.owner_before(profile))
-        return;
-    m_announced = profile;
-    Q_EMIT chosenChanged(profile);
 }
 
 void ProfileChooser::addProfile(const std::shared_ptr<ProfileDataWrapper>& profile)
@@ -101,15 +83,4 @@ void ProfileChooser::addProfile(const std::shared_ptr<ProfileDataWrapper>& profi
     m_box->setItemData(m_box->count() - 1,
         profile->isWritable() ? tr("A profile of yours") : tr("A built-in profile, which cannot be changed"),
         Qt::ToolTipRole);
-}
-
-std::shared_ptr<const ProfileDataWrapper> ProfileChooser::chosen() const
-{
-    return m_box->currentData().value<WeakProfile>().lock();
-}
-
-std::string ProfileChooser::chosenKey() const
-{
-    const std::shared_ptr<const ProfileDataWrapper> profile = chosen();
-    return profile ? profile->key() : std::string();
 }

@@ -1,5 +1,7 @@
 #include "XmlGuard.h"
 
+#include "Limits.h"
+
 #include <charconv>
 #include <cstdint>
 
@@ -7,9 +9,6 @@ namespace platform {
 
 namespace {
 
-// The parser compares each attribute of an element with all others.
-constexpr int maximumAttributes = 256;
-constexpr int maximumDeclarations = 100;
 constexpr std::string_view blanks = " \t\n\v\f\r";
 constexpr std::uint32_t lastCodePoint = 0x10FFFF;
 
@@ -60,7 +59,7 @@ private:
     void declaration()
     {
         skip("<?", "?>");
-        if (++m_declarations > maximumDeclarations)
+        if (++m_declarations > limits::xmlDeclarations)
             m_hazard = "it has too many declarations";
     }
 
@@ -100,7 +99,7 @@ private:
                 continue;
             checkReferences(take(m_rest.find(last)));
             take(1);
-            if (++attributes > maximumAttributes)
+            if (++attributes > limits::xmlAttributes)
                 m_hazard = "an element of it has too many attributes";
         }
     }

@@ -1,6 +1,7 @@
 #include "CorruptCopy.h"
 
 #include "GuardedFile.h"
+#include "Limits.h"
 #include "PropertyList.h"
 
 #include <string>
@@ -18,7 +19,7 @@ platform::FileResult keepCorruptCopy(
     for (int number = 1; number <= mostCopies; ++number) {
         candidate = file;
         candidate += number == 1 ? ".corrupt" : ".corrupt." + std::to_string(number);
-        const platform::FileBytes there = platform::readFile(candidate, property_list::largestFile);
+        const platform::FileBytes there = platform::readFile(candidate, platform::limits::fileSize);
         if (there.ok && there.bytes == content) {
             copy = candidate;
             return {};

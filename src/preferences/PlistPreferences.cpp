@@ -3,6 +3,7 @@
 #include "CorruptCopy.h"
 #include "FileReplacement.h"
 #include "GuardedFile.h"
+#include "Limits.h"
 #include "PropertyList.h"
 
 #include <utility>
@@ -50,7 +51,7 @@ std::optional<std::string> PlistPreferences::readFile(std::string& error)
     auto file = m_layer->open(m_storeName, TSRPreferencesImpl::Mode::Read, m_folderKind, false, error);
     std::optional<std::string> bytes;
     if (file->stream) {
-        platform::FileBytes read = platform::readStream(file->stream, property_list::largestFile);
+        platform::FileBytes read = platform::readStream(file->stream, platform::limits::fileSize);
         if (read.ok)
             bytes = std::move(read.bytes);
     }
@@ -115,7 +116,7 @@ bool PlistPreferences::writeTo(const TSRPreferencesFile& file, std::string& text
     if ((m_watching && !takeOverOtherWriters()) || !keepUnreadable(file.path))
         return false;
     text = property_list::print(*m_document);
-    if (text.size() > property_list::largestFile)
+    if (text.size() > platform::limits::fileSize)
         m_saveError = "The preferences have become too large to be saved.";
     else if (std::fwrite(text.data(), 1, text.size(), file.stream) != text.size()
         || std::fflush(file.stream) != 0)
@@ -217,7 +218,7 @@ ResultCode PlistPreferences::set(std::string_view keyPath, property_list::Value 
     const property_list::KeyPath path = property_list::splitKeyPath(keyPath);
     if (path.empty())
         return ResultCode::EmptyKeyPath;
-    if (keyPath.find('\0') != std::string_view::npos || path.size() > property_list::deepestKeyPath
+    if (keyPath.find('\0') != std::string_view::npos || path.size() > platform::limits::keyPathComponents
         || !property_list::isStorable(value))
         return ResultCode::WrongType;
     reloadIfStampDiffers();

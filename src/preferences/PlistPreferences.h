@@ -57,7 +57,7 @@ public:
 
     // Setters. What is in the way of the path or has another type is replaced. A value that a file cannot
     // hold (text or a key with a NUL, a real that is not finite, a path of more than
-    // property_list::deepestKeyPath components) is refused with ResultCode::WrongType.
+    // platform::limits::keyPathComponents components) is refused with ResultCode::WrongType.
     ResultCode setBoolean(std::string_view keyPath, bool value);
     ResultCode setString(std::string_view keyPath, const std::string& value);
     ResultCode setList(std::string_view keyPath, const property_list::List& value);

@@ -4,6 +4,7 @@
 #include "CImmutableByteWrapper.h"
 #include "CVectorByteWrapper.h"
 #include "Numbers.h"
+#include "XmlText.h"
 
 #include <algorithm>
 #include <array>
@@ -97,7 +98,7 @@ bool read(const XMLElement& element, std::string& value)
         return false;
     // All of the text, blanks and line ends included, so not the formatted extraction that stops at the first
     // one.
-    const std::string text = textOf(element);
+    const std::string text = platform::textOf(element);
     CImmutableByteWrapper source(text);
     value.assign(std::istreambuf_iterator<char>(&source), std::istreambuf_iterator<char>());
     return true;
@@ -119,12 +120,13 @@ bool read(const XMLElement& element, List& value)
 
 bool read(const XMLElement& element, std::int64_t& value)
 {
-    return isNamed(element, ElementName::Integer) && take(platform::parseInteger(textOf(element)), value);
+    return isNamed(element, ElementName::Integer)
+        && take(platform::parseInteger(platform::textOf(element)), value);
 }
 
 bool read(const XMLElement& element, double& value)
 {
-    return isNamed(element, ElementName::Real) && take(platform::parseReal(textOf(element)), value);
+    return isNamed(element, ElementName::Real) && take(platform::parseReal(platform::textOf(element)), value);
 }
 
 bool read(const XMLElement& element, Data& value)
@@ -132,7 +134,7 @@ bool read(const XMLElement& element, Data& value)
     if (!isNamed(element, ElementName::Data))
         return false;
     Data bytes;
-    const std::string text = textOf(element);
+    const std::string text = platform::textOf(element);
     CImmutableByteWrapper source(text);
     CVectorByteWrapper target(bytes);
     if (!base64::decode(source, target))

@@ -1,8 +1,7 @@
 #include "PropertyList.h"
 
 #include "Hash.h"
-#include "PropertyListPrinter.h"
-#include "XmlGuard.h"
+#include "XmlText.h"
 
 #include <algorithm>
 #include <array>
@@ -161,23 +160,13 @@ bool isNamed(const XMLElement& element, ElementName name)
 
 bool parse(XMLDocument& document, const std::string& bytes, std::string& parserError)
 {
-    parserError = platform::xmlHazard(bytes);
-    if (!parserError.empty()) {
-        document.Clear();
-        return false;
-    }
-    if (document.Parse(bytes.data(), bytes.size()) == tinyxml2::XML_SUCCESS)
-        return true;
-    parserError = document.ErrorStr();
-    document.Clear();
-    return false;
+    parserError = platform::parseXml(document, bytes);
+    return parserError.empty();
 }
 
 std::string print(const XMLDocument& document)
 {
-    PropertyListPrinter printer;
-    document.Print(&printer);
-    return {printer.CStr(), static_cast<std::size_t>(printer.CStrSize() - 1)};
+    return platform::printXml(document, platform::XmlLayout::Indented);
 }
 
 bool repair(XMLDocument& document, std::string& error)
@@ -240,19 +229,9 @@ KeyPath splitKeyPath(std::string_view text)
     return path;
 }
 
-std::string textOf(const XMLElement& element)
-{
-    std::string text;
-    for (const XMLNode* child = element.FirstChild(); child; child = child->NextSibling()) {
-        if (child->ToText())
-            text += child->Value();
-    }
-    return text;
-}
-
 void setText(XMLElement& element, std::string_view text)
 {
-    if (textOf(element) == text && !element.FirstChildElement())
+    if (platform::textOf(element) == text && !element.FirstChildElement())
         return;
     element.DeleteChildren();
     if (!text.empty())

@@ -28,12 +28,6 @@ inline constexpr std::string_view emptyFile =
     "</dict>\n"
     "</plist>\n";
 
-/// Files beyond this size, in bytes, are neither read nor written.
-inline constexpr std::size_t largestFile = std::size_t{8} * 1024 * 1024;
-
-/// Components that a setter's key path may have; deeper documents could not be parsed again.
-inline constexpr std::size_t deepestKeyPath = 90;
-
 enum class ElementName : std::size_t { String, Integer, Real, True, False, Array, Dict, Data, Key };
 
 const char* nameText(ElementName name);
@@ -63,9 +57,6 @@ using KeyPath = std::vector<std::string>;
 /// Cuts a text at its slashes. Empty components are dropped, so leading, trailing and double slashes mean
 /// nothing.
 KeyPath splitKeyPath(std::string_view text);
-
-/// What stands in an element: its text nodes together.
-std::string textOf(const tinyxml2::XMLElement& element);
 
 /// Replaces an element's content by a text.
 void setText(tinyxml2::XMLElement& element, std::string_view text);

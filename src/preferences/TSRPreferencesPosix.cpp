@@ -3,6 +3,7 @@
 #include "FileErrors.h"
 #include "FileReplacement.h"
 #include "GuardedFile.h"
+#include "Limits.h"
 #include "PropertyList.h"
 
 #include <cerrno>
@@ -119,10 +120,10 @@ std::unique_ptr<TSRPreferencesFile> TSRPreferencesPosix::open(
 
 std::FILE* TSRPreferencesPosix::openForReading(const fs::path& path, int folderKind)
 {
-    platform::OpenedFile opened = platform::openForReading(path, property_list::largestFile);
+    platform::OpenedFile opened = platform::openForReading(path, platform::limits::fileSize);
     if (opened.absent && !m_replacing) {
         createFile(path, folderKind);
-        opened = platform::openForReading(path, property_list::largestFile);
+        opened = platform::openForReading(path, platform::limits::fileSize);
     }
     return opened.stream.release();
 }
@@ -137,7 +138,7 @@ void TSRPreferencesPosix::createFile(const fs::path& path, int folderKind) const
     mkdir(path.parent_path().c_str(), folderKind == allUsers ? 0755 : 0700);
     platform::FileReplacement replacement(path);
     // Another process may have made the file, and filled it, while we waited for our turn.
-    if (replacement.ready() && platform::openForReading(path, property_list::largestFile).absent)
+    if (replacement.ready() && platform::openForReading(path, platform::limits::fileSize).absent)
         replacement.commit(property_list::emptyFile);
 }
 

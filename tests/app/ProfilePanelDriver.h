@@ -4,7 +4,9 @@
 #include "DialogAnswers.h"
 #include "MainWindow.h"
 #include "ProfileData.h"
+#include "ProfileReader.h"
 #include "ProfileTreeView.h"
+#include "ProfileWriter.h"
 #include "widgets/Profile.h"
 
 #include <QComboBox>
@@ -23,9 +25,8 @@
 /// case. Driven by clicks and keys; what counts is what is in the files then.
 class ProfilePanelDriver {
 public:
-    ProfilePanelDriver(Controller& controller, MainWindow& window, const QString& folder)
-        : m_controller(controller)
-        , m_window(window)
+    ProfilePanelDriver(MainWindow& window, const QString& folder)
+        : m_window(window)
         , m_folder(folder)
     {
     }
@@ -43,7 +44,7 @@ protected:
     void chooseMine()
     {
         write(QStringLiteral("mine.xml"), m_xml.toUtf8());
-        m_controller.reloadProfiles();
+        m_window.reloadProfiles();
         choose(QStringLiteral("Mine (mine.xml)"));
         QCOMPARE(device(), QStringLiteral("Mine"));
         for (const char* view : {"capabilitiesView", "extensionsView", "eglConfigsView"})
@@ -124,15 +125,13 @@ protected:
     }
     QStringList files() const { return QDir(m_folder).entryList(QDir::Files); }
 
-    Controller& m_controller;
     MainWindow& m_window;
     QString m_folder;
-    QString m_xml = QString::fromStdString(ProfileData::fromText(
+    QString m_xml = QString::fromStdString(writeProfile(readProfile(
         "<profile><device>Mine</device><renderer>R</renderer>"
         "<es version=\"2\"><extension>GL_OES_depth24</extension>"
         "<max_texture_size>4096</max_texture_size><samples> 4 </samples></es>"
-        "<egl><config id=\"0\"><red_size>8</red_size><level>0</level></config></egl></profile>")
-                                               .toXml());
+        "<egl><config id=\"0\"><red_size>8</red_size><level>0</level></config></egl></profile>")));
     DialogAnswers m_answers;
 };
 
@@ -141,10 +140,10 @@ template <typename Test> int runOnProgram(int argc, char** argv)
 {
     const QTemporaryDir folder;
     setenv("CORVALE_PROFILE_PATH", folder.path().toLocal8Bit().constData(), 1);
-    Controller controller(argc, argv);
+    const Controller controller(argc, argv);
     for (QWidget* widget : QApplication::topLevelWidgets()) {
         if (auto* window = qobject_cast<MainWindow*>(widget)) {
-            Test test(controller, *window, folder.path());
+            Test test(*window, folder.path());
             return QTest::qExec(&test, argc, argv);
         }
     }

@@ -95,7 +95,7 @@ void TestProfilePanelSaving::anotherProfileAsksFirst()
 
     // A look at the profiles changes nothing, even when the file is gone.
     QFile::remove(path(QStringLiteral("mine.xml")));
-    m_controller.reloadProfiles();
+    m_window.reloadProfiles();
     QCOMPARE(device(), QStringLiteral("Kept"));
     m_answers.enter(fileNameTitle, QStringLiteral("mine.xml"));
     click("btnSave");
@@ -160,7 +160,7 @@ void TestProfilePanelSaving::linksDoNotReachOtherProfiles()
     QVERIFY(QDir().mkpath(m_folder + QStringLiteral("/elsewhere")));
     QVERIFY(QFile::rename(path(QStringLiteral("linked.xml")), path(QStringLiteral("elsewhere/mine.xml"))));
     QVERIFY(QFile::link(path(QStringLiteral("elsewhere/mine.xml")), path(QStringLiteral("a link.xml"))));
-    m_controller.reloadProfiles();
+    m_window.reloadProfiles();
     choose(QStringLiteral("Linked (mine.xml)"));
     click("btnEdit");
     enterDevice(QStringLiteral("Ours"));
@@ -203,7 +203,7 @@ void TestProfilePanelSaving::failedSaveKeepsTheEdits()
 void TestProfilePanelSaving::withoutAFolderOneIsChosen()
 {
     unsetenv("CORVALE_PROFILE_PATH");
-    m_controller.reloadProfiles();
+    m_window.reloadProfiles();
     chooser()->setCurrentIndex(1);
     click("btnEdit");
     m_answers.press(QStringLiteral("Corvale GUI"), QStringLiteral("Cancel"));

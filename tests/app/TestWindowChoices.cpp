@@ -1,7 +1,7 @@
+#include "CurrentProfile.h"
 #include "DialogAnswers.h"
 #include "DlgPreferences.h"
 #include "ProfileCatalogue.h"
-#include "ProfileChooser.h"
 #include "ProfileMetaTypes.h"
 #include "RecentFilesMenu.h"
 #include "Resources.h"
@@ -187,28 +187,28 @@ void TestWindowChoices::reloadDisturbsNobody()
     ProfileCatalogue catalogue(session.preferences);
     session.window.setCatalogue(catalogue);
     auto& box = *session.window.findChild<QComboBox*>(QStringLiteral("cmbProfile"));
-    auto& chooser = *session.window.findChild<ProfileChooser*>();
+    auto& current = *session.window.findChild<models::CurrentProfile*>();
     QStringList announced;
-    connect(&chooser, &ProfileChooser::chosenChanged, this, [&](const WeakProfile& profile) {
+    connect(&current, &models::CurrentProfile::chosenChanged, this, [&](const WeakProfile& profile) {
         announced.append(profile.expired() ? QString() : QString::fromStdString(profile.lock()->key()));
     });
     box.setCurrentIndex(box.count() - 1);
     QCOMPARE(announced, QStringList("a.xml"));
-    const WeakProfile before = chooser.chosen();
+    const WeakProfile before = current.chosen();
     writeFile(folder.filePath(QStringLiteral("0.xml")), "<profile><device>0</device></profile>");
     session.window.reloadProfiles();
-    QCOMPARE(chooser.chosen(), before.lock());
+    QCOMPARE(current.chosen(), before.lock());
     QCOMPARE(announced.size(), 1);
 
     // A profile without a file has no key to be found by.
     const WeakProfile unsaved = catalogue.newProfile();
     session.window.setCatalogue(catalogue);
-    chooser.choose(unsaved.lock());
+    current.choose(unsaved.lock());
     session.window.reloadProfiles();
-    QCOMPARE(chooser.chosen(), unsaved.lock());
+    QCOMPARE(current.chosen(), unsaved.lock());
     QCOMPARE(announced, QStringList({"a.xml", ""}));
 
-    chooser.choose(before.lock());
+    current.choose(before.lock());
     writeFile(path, "<profile><device>B</device></profile>");
     session.window.reloadProfiles();
     QVERIFY(before.expired());

@@ -3,6 +3,7 @@
 
 #include "MemoryLayer.h"
 #include "PlistPreferences.h"
+#include "XmlText.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -44,7 +45,7 @@ bool sameTree(const XMLNode* before, const XMLNode* after)
 XMLElement* keyIn(XMLElement* container, const std::string& text)
 {
     XMLElement* key = container->FirstChildElement();
-    while (key && key->NextSiblingElement() && property_list::textOf(*key) != text)
+    while (key && key->NextSiblingElement() && platform::textOf(*key) != text)
         key = key->NextSiblingElement()->NextSiblingElement();
     return key && key->NextSiblingElement() ? key : nullptr;
 }
@@ -79,7 +80,7 @@ bool takeOut(XMLDocument& before, XMLDocument& after, const KeyPath& path)
 void collectPaths(const XMLElement* key, const std::string& prefix, std::vector<std::string>& paths)
 {
     for (; key && key->NextSiblingElement(); key = key->NextSiblingElement()->NextSiblingElement()) {
-        const std::string path = prefix + '/' + property_list::textOf(*key);
+        const std::string path = prefix + '/' + platform::textOf(*key);
         paths.push_back(path);
         collectPaths(key->NextSiblingElement()->FirstChildElement(), path, paths);
     }

@@ -1,6 +1,9 @@
 // What is saved is loaded again as equal, be it as it was read or edited, and a second save changes no byte.
 
 #include "ProfileData.h"
+#include "ProfileFile.h"
+#include "ProfileReader.h"
+#include "ProfileWriter.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -24,7 +27,7 @@ void demand(bool condition, const char* what, const std::string& detail)
 std::optional<ProfileData> load(const std::string& text, std::string& error)
 {
     try {
-        return ProfileData::fromText(text);
+        return readProfile(text);
     } catch (const ProfileError& failure) {
         error = failure.what();
         return std::nullopt;
@@ -34,11 +37,11 @@ std::optional<ProfileData> load(const std::string& text, std::string& error)
 void demandRoundTrip(const ProfileData& profile)
 {
     std::string error;
-    const std::string saved = profile.toXml();
+    const std::string saved = writeProfile(profile);
     const std::optional<ProfileData> again = load(saved, error);
     demand(again.has_value(), "what was saved can be loaded", error + '\n' + saved);
     demand(*again == profile, "what was saved is loaded as equal", saved);
-    demand(again->toXml() == saved, "the second save is the first", saved);
+    demand(writeProfile(*again) == saved, "the second save is the first", saved);
 }
 
 ProfileNode someNode(FuzzedDataProvider& input)
@@ -73,10 +76,11 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         demand(error.starts_with("Failed to load profile data ("), "a failure has a reason", error);
         return 0;
     }
-    demand(profile->whyNotSavable().empty(), "what was loaded can be saved", profile->toXml());
+    demand(profile_file::whyNotSavable(*profile).empty(), "what was loaded can be saved",
+        writeProfile(*profile));
     demandRoundTrip(*profile);
     edit(*profile, input);
-    if (profile->whyNotSavable().empty())
+    if (profile_file::whyNotSavable(*profile).empty())
         demandRoundTrip(*profile);
     return 0;
 }

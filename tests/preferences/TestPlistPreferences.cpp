@@ -1,3 +1,4 @@
+#include "Limits.h"
 #include "MemoryLayer.h"
 #include "PlistPreferences.h"
 
@@ -141,7 +142,7 @@ TEST_F(Preferences, whatAFileCannotHoldIsRefused)
 {
     loadDocument("");
     std::string deepest;
-    for (std::size_t depth = 0; depth < property_list::deepestKeyPath; ++depth)
+    for (std::size_t depth = 0; depth < platform::limits::keyPathComponents; ++depth)
         deepest += "/k";
     EXPECT_EQ(store.setString("a", std::string("x\0y", 3)), ResultCode::WrongType);
     EXPECT_EQ(store.setString(std::string_view("a\0b", 3), "x"), ResultCode::WrongType);
@@ -155,7 +156,7 @@ TEST_F(Preferences, whatAFileCannotHoldIsRefused)
     ASSERT_TRUE(store.load(error, false));
     EXPECT_EQ(store.getList(deepest, nullptr, nullptr, false), ResultCode::Success);
 
-    EXPECT_EQ(store.setString("large", std::string(property_list::largestFile, 'x')), ResultCode::Success);
+    EXPECT_EQ(store.setString("large", std::string(platform::limits::fileSize, 'x')), ResultCode::Success);
     EXPECT_FALSE(store.save(false)) << "it could not be read again";
     EXPECT_NE(store.saveError(), "");
 }

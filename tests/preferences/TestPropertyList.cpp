@@ -2,6 +2,7 @@
 #include "CImmutableByteWrapper.h"
 #include "CVectorByteWrapper.h"
 #include "PropertyList.h"
+#include "XmlText.h"
 
 #include <string>
 #include <vector>
@@ -113,7 +114,7 @@ TEST(PropertyList, findTakesTheFirstMatchAndDoesNotAskForADict)
     std::string error;
     const auto found = [&document](const char* path) -> std::string {
         const property_list::Found result = property_list::find(document, property_list::splitKeyPath(path));
-        return result.code == ResultCode::Success ? property_list::textOf(*result.value) : "none";
+        return result.code == ResultCode::Success ? platform::textOf(*result.value) : "none";
     };
     ASSERT_TRUE(property_list::parse(document,
         "<plist><dict><key/><string>0</string><key>a</key><string>1</string><key>a</key><string>2</string>"
@@ -140,7 +141,7 @@ TEST(PropertyList, printingKeepsEveryText)
         ASSERT_TRUE(property_list::parse(again, property_list::print(document), error)) << error;
         const property_list::Found found = property_list::find(again, {text});
         ASSERT_EQ(found.code, ResultCode::Success) << property_list::print(document);
-        EXPECT_EQ(property_list::textOf(*found.value), text);
+        EXPECT_EQ(platform::textOf(*found.value), text);
     }
 }
 

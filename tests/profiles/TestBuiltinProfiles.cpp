@@ -1,6 +1,8 @@
 #include "BuiltinProfileRules.h"
 #include "BuiltinProfiles.h"
 #include "ProfileData.h"
+#include "ProfileReader.h"
+#include "ProfileWriter.h"
 
 #include <algorithm>
 #include <cctype>
@@ -84,7 +86,7 @@ std::set<std::string> valuesOf(const std::vector<ProfileNode>& nodes, const std:
 
 class BuiltinProfile : public testing::TestWithParam<std::string> {
 protected:
-    void SetUp() override { ASSERT_NO_THROW(m_profile = ProfileData::fromFile(GetParam())); }
+    void SetUp() override { ASSERT_NO_THROW(m_profile = readProfileFile(GetParam())); }
 
     std::set<std::string> extensions(int version) const
     {
@@ -94,7 +96,7 @@ protected:
             : std::set<std::string>(found->second.begin(), found->second.end());
     }
 
-    ProfileData m_profile = ProfileData::fromText("<profile/>");
+    ProfileData m_profile = readProfile("<profile/>");
 };
 
 } // namespace
@@ -103,7 +105,7 @@ TEST(BuiltinProfiles, areThirteenWithTheirOwnNames)
 {
     std::set<std::string> devices;
     for (const std::string& file : builtinFiles()) {
-        devices.insert(ProfileData::fromFile(file).displayName());
+        devices.insert(readProfileFile(file).displayName());
         const std::string name = baseName(file);
         EXPECT_TRUE(std::none_of(name.begin(), name.end(), [](unsigned char c) { return std::isupper(c); }))
             << name;
@@ -117,7 +119,7 @@ TEST(BuiltinProfiles, areCompiledIn)
     EXPECT_EQ(builtin_profiles::documents().size(), builtinFiles().size());
     for (const auto& [name, xml] : builtin_profiles::documents()) {
         const auto path = std::filesystem::path(CORVALE_BUILTIN_PROFILES) / name;
-        EXPECT_TRUE(ProfileData::fromText(xml) == ProfileData::fromFile(path.string())) << name;
+        EXPECT_TRUE(readProfile(xml) == readProfileFile(path.string())) << name;
     }
 }
 
@@ -137,8 +139,8 @@ TEST_P(BuiltinProfile, saysWhoItIsAndForWhichVersions)
 
 TEST_P(BuiltinProfile, isTheSameAfterASaveAndALoad)
 {
-    const std::string saved = m_profile.toXml();
-    EXPECT_TRUE(ProfileData::fromText(saved) == m_profile);
+    const std::string saved = writeProfile(m_profile);
+    EXPECT_TRUE(readProfile(saved) == m_profile);
     // But for its comments a file looks as the program writes it. So the reader left nothing out, such as a
     // config with a broken id, and merged nothing, such as a version that is there twice; and the extensions
     // are sorted.

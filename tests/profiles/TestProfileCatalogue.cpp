@@ -1,10 +1,12 @@
 #include "ChildProcess.h"
+#include "Limits.h"
 #include "NaturalOrder.h"
 #include "Preferences.h"
 #include "ProfileCatalogue.h"
 #include "ProfileData.h"
 #include "ProfileDataWrapper.h"
 #include "ProfileFile.h"
+#include "ProfileReader.h"
 
 #include <sys/stat.h>
 
@@ -101,7 +103,7 @@ TEST_F(Catalogue, everyBadFileCostsItselfAlone)
     fill(folder / ".hidden.xml", document("hidden"));
     fill(folder / "good.xml.tmp", document("half a save"));
     fill(folder / "huge.xml", "");
-    fs::resize_file(folder / "huge.xml", ProfileData::largestFile + 1);
+    fs::resize_file(folder / "huge.xml", platform::limits::fileSize + 1);
     fs::create_directory(folder / "sub.xml");
     fill(folder / "sub.xml" / "deep.xml", document("deep"));
     mkfifo((folder / "fifo.xml").c_str(), 0600);
@@ -156,9 +158,9 @@ TEST_F(Catalogue, newProfilesAndCopies)
     open(builtins);
     const auto fresh = catalogue->newProfile();
     EXPECT_EQ(fresh->data(),
-        ProfileData::fromText("<profile><vendor>Unknown vendor</vendor><renderer>Unknown renderer</renderer>"
-                              "<device>New profile</device></profile>"));
-    EXPECT_EQ(fresh->data().fileNameForSaving(), "New profile.xml");
+        readProfile("<profile><vendor>Unknown vendor</vendor><renderer>Unknown renderer</renderer>"
+                    "<device>New profile</device></profile>"));
+    EXPECT_EQ(profile_file::nameForSaving(fresh->data()), "New profile.xml");
     EXPECT_EQ(catalogue->find(fresh->key()), nullptr);
 
     const auto original = catalogue->find("BW 10");
@@ -171,7 +173,7 @@ TEST_F(Catalogue, newProfilesAndCopies)
     EXPECT_EQ(original->data().device(), "BW 10");
     EXPECT_EQ(copyOfCopy->data().device(), "BW 10");
     fresh->edit()->setDevice("../a/b");
-    EXPECT_EQ(fresh->data().fileNameForSaving(), ".._a_b.xml");
+    EXPECT_EQ(profile_file::nameForSaving(fresh->data()), ".._a_b.xml");
     EXPECT_EQ(catalogue->copyProfile(*fresh)->key(), ".._a_b (copy).xml");
     try {
         original->edit();

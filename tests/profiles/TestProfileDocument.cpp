@@ -1,4 +1,8 @@
+#include "Limits.h"
 #include "ProfileData.h"
+#include "ProfileFile.h"
+#include "ProfileReader.h"
+#include "ProfileWriter.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +11,7 @@ namespace {
 std::string failureOf(std::string_view xml)
 {
     try {
-        ProfileData::fromText(xml);
+        readProfile(xml);
     } catch (const std::runtime_error& error) {
         return error.what();
     }
@@ -17,7 +21,7 @@ std::string failureOf(std::string_view xml)
 /// The document behind a `profile` start tag, as a save writes it after a load.
 std::string saved(const std::string& content)
 {
-    return ProfileData::fromText("<profile>" + content + "</profile>").toXml();
+    return writeProfile(readProfile("<profile>" + content + "</profile>"));
 }
 
 std::string nested(int depth)
@@ -77,11 +81,11 @@ class DeviceTexts : public testing::TestWithParam<Texts> { };
 TEST_P(DeviceTexts, areReadAndSurviveSaves)
 {
     const std::string document = std::string("<profile><device>") + GetParam().device + "</device></profile>";
-    const ProfileData profile = ProfileData::fromText(document);
+    const ProfileData profile = readProfile(document);
     EXPECT_EQ(profile.device(), GetParam().value);
-    const ProfileData again = ProfileData::fromText(profile.toXml());
+    const ProfileData again = readProfile(writeProfile(profile));
     EXPECT_EQ(again, profile);
-    EXPECT_EQ(again.toXml(), profile.toXml());
+    EXPECT_EQ(writeProfile(again), writeProfile(profile));
 }
 
 INSTANTIATE_TEST_SUITE_P(Texts, DeviceTexts,
@@ -95,20 +99,19 @@ INSTANTIATE_TEST_SUITE_P(Texts, DeviceTexts,
 
 TEST(ProfileDocument, sectionsAreReadIntoMaps)
 {
-    const ProfileData profile =
-        ProfileData::fromText("\xEF\xBB\xBF<?xml version='1.0'?><!-- mine -->\r\n"
-                              "<profile>\r\n<vendor>V</vendor><device>D</device>"
-                              "<device>second</device>"
-                              "<es version=' 2\n'><max_texture_size> 0x1 </max_texture_size>"
-                              "<extension>GL_b</extension>"
-                              "<range>lost<min>1</min><max/></range></es>"
-                              "<es version='1'/><es version='2'><extension>GL_a</extension>"
-                              "<extension>GL_b</extension><extension/></es>"
-                              "<egl><config id='7'><level>EGL_NONE</level></config>"
-                              "<config id='-2'><level>12344</level></config>"
-                              "<config id='7'><x/></config><config id='9'/></egl>"
-                              "<egl><config id='8'><level/></config></egl>"
-                              "</profile><profile><device>other</device></profile>");
+    const ProfileData profile = readProfile("\xEF\xBB\xBF<?xml version='1.0'?><!-- mine -->\r\n"
+                                            "<profile>\r\n<vendor>V</vendor><device>D</device>"
+                                            "<device>second</device>"
+                                            "<es version=' 2\n'><max_texture_size> 0x1 </max_texture_size>"
+                                            "<extension>GL_b</extension>"
+                                            "<range>lost<min>1</min><max/></range></es>"
+                                            "<es version='1'/><es version='2'><extension>GL_a</extension>"
+                                            "<extension>GL_b</extension><extension/></es>"
+                                            "<egl><config id='7'><level>EGL_NONE</level></config>"
+                                            "<config id='-2'><level>12344</level></config>"
+                                            "<config id='7'><x/></config><config id='9'/></egl>"
+                                            "<egl><config id='8'><level/></config></egl>"
+                                            "</profile><profile><device>other</device></profile>");
     EXPECT_EQ(profile.device(), "D");
     EXPECT_EQ(profile.renderer(), "");
     EXPECT_EQ(profile.vendor(), "V");
@@ -124,19 +127,18 @@ TEST(ProfileDocument, sectionsAreReadIntoMaps)
 TEST(ProfileDocument, numbersAreWholeOrNone)
 {
     for (const char* number : {"2", "+2", "\t2 ", "002", "-2147483648", "2147483647"}) {
-        const auto profile =
-            ProfileData::fromText(std::string("<profile><es version='") + number + "'/></profile>");
+        const auto profile = readProfile(std::string("<profile><es version='") + number + "'/></profile>");
         EXPECT_EQ(profile.extensions().size(), 1U) << number;
     }
     for (const char* number : {"", " ", "two", "2x", "2.0", "2 0", "0x2", "2147483648", "- 2"}) {
         const std::string content = std::string("='") + number + "'><a/>";
         std::string document = "<profile><es version";
         document.append(content).append("</es><egl><config id").append(content);
-        const auto profile = ProfileData::fromText(document.append("</config></egl></profile>"));
+        const auto profile = readProfile(document.append("</config></egl></profile>"));
         EXPECT_TRUE(profile.extensions().empty() && profile.capabilities().empty()) << number;
         EXPECT_TRUE(profile.configs().empty()) << number;
     }
-    EXPECT_TRUE(ProfileData::fromText("<profile><es><a/></es></profile>").extensions().empty());
+    EXPECT_TRUE(readProfile("<profile><es><a/></es></profile>").extensions().empty());
 }
 
 TEST(ProfileDocument, isWrittenInFixedOrder)
@@ -166,10 +168,10 @@ TEST(ProfileDocument, isWrittenInFixedOrder)
         "    </egl>\n"
         "</profile>\n");
 
-    ProfileData edited = ProfileData::fromText("<profile><es version='2'/></profile>");
+    ProfileData edited = readProfile("<profile><es version='2'/></profile>");
     edited.capabilities()[1].push_back({"late", "1", {}});
     edited.capabilities()[2].push_back({"early", "1", {}});
-    EXPECT_LT(edited.toXml().find("early"), edited.toXml().find("late"));
+    EXPECT_LT(writeProfile(edited).find("early"), writeProfile(edited).find("late"));
 }
 
 TEST(ProfileDocument, whatCannotBeReadSurvives)
@@ -194,30 +196,30 @@ TEST(ProfileDocument, whatCannotBeReadSurvives)
         "        <two/>\n"
         "    </later>\n"
         "</profile>\n");
-    EXPECT_EQ(ProfileData::fromText(text).toXml(), text);
+    EXPECT_EQ(writeProfile(readProfile(text)), text);
     // What stands around a kept element does not make it another one.
-    EXPECT_EQ(ProfileData::fromText("<profile>stray<new><a/></new></profile>"),
-        ProfileData::fromText("<profile>\n<new>\n<a/>\n</new>\n</profile>"));
-    EXPECT_NE(ProfileData::fromText("<profile><new/></profile>"), ProfileData::fromText("<profile/>"));
+    EXPECT_EQ(readProfile("<profile>stray<new><a/></new></profile>"),
+        readProfile("<profile>\n<new>\n<a/>\n</new>\n</profile>"));
+    EXPECT_NE(readProfile("<profile><new/></profile>"), readProfile("<profile/>"));
 }
 
 TEST(ProfileDocument, namesComeFromWhatThereIs)
 {
-    ProfileData profile = ProfileData::fromText("<profile/>");
+    ProfileData profile = readProfile("<profile/>");
     EXPECT_THROW(profile.displayName(), std::runtime_error);
-    EXPECT_THROW(profile.fileNameForSaving(), std::runtime_error);
+    EXPECT_THROW(profile_file::nameForSaving(profile), std::runtime_error);
     profile.setRenderer("X");
     EXPECT_EQ(profile.displayName(), "Generic X");
-    EXPECT_EQ(profile.fileNameForSaving(), "Generic X.xml");
+    EXPECT_EQ(profile_file::nameForSaving(profile), "Generic X.xml");
     const std::pair<const char*, const char*> fileNames[] = {{"Foo", "Foo.xml"}, {"board.xml", "board.xml"},
         {"board.XML", "board.XML.xml"}, {"xml", "xml.xml"}, {"a.xml.b", "a.xml.b.xml"}};
     for (const auto& [device, fileName] : fileNames) {
         profile.setDevice(device);
         EXPECT_EQ(profile.displayName(), device);
-        EXPECT_EQ(profile.fileNameForSaving(), fileName);
+        EXPECT_EQ(profile_file::nameForSaving(profile), fileName);
     }
     profile.setFileName("kept");
-    EXPECT_EQ(profile.fileNameForSaving(), "kept");
+    EXPECT_EQ(profile_file::nameForSaving(profile), "kept");
     profile.setDevice("");
     profile.setRenderer("");
     EXPECT_EQ(profile.displayName(), "kept");
@@ -225,12 +227,12 @@ TEST(ProfileDocument, namesComeFromWhatThereIs)
 
 TEST(ProfileDocument, editsThatCouldNotBeReadAgainAreNamed)
 {
-    const ProfileData sound = ProfileData::fromText("<profile><es version='2'/></profile>");
-    EXPECT_EQ(sound.whyNotSavable(), "");
+    const ProfileData sound = readProfile("<profile><es version='2'/></profile>");
+    EXPECT_EQ(profile_file::whyNotSavable(sound), "");
     const auto reasonFor = [&](const ProfileNode& node) {
         ProfileData capability = sound;
         capability.capabilities()[2].push_back(node);
-        return capability.whyNotSavable();
+        return profile_file::whyNotSavable(capability);
     };
     EXPECT_EQ(reasonFor({"a-1.b:_\xC3\xA9", "\r <", {}}), "");
     EXPECT_EQ(reasonFor({"", "1", {}}), "'' is no name of an XML element");
@@ -240,7 +242,7 @@ TEST(ProfileDocument, editsThatCouldNotBeReadAgainAreNamed)
     EXPECT_NE(reasonFor({"extension", "1", {}}), "");
     EXPECT_NE(reasonFor({"a", std::string("1\0", 2), {}}), "");
     EXPECT_NE(reasonFor({"a", "\xFF", {}}), "");
-    EXPECT_NE(reasonFor({"a", std::string(ProfileData::largestFile, 'x'), {}}), "");
+    EXPECT_NE(reasonFor({"a", std::string(platform::limits::fileSize, 'x'), {}}), "");
     ProfileNode deep{"a", "", {}};
     for (int i = 0; i < 200; ++i)
         deep = {"a", "", {deep}};
@@ -255,10 +257,9 @@ TEST(ProfileDocument, whatGrowsWithItsIndentationIsCutOff)
     std::string leaves;
     for (int leaf = 0; leaf < 50000; ++leaf)
         leaves += "<b/>";
-    const ProfileData profile =
-        ProfileData::fromText("<profile>" + content.insert(90 * 3, leaves) + "</profile>");
-    EXPECT_EQ(profile.whyNotSavable(), "it is larger than 8388608 bytes");
-    EXPECT_LT(profile.toXml().size(), ProfileData::largestFile + 1000);
+    const ProfileData profile = readProfile("<profile>" + content.insert(90 * 3, leaves) + "</profile>");
+    EXPECT_EQ(profile_file::whyNotSavable(profile), "it is larger than 8388608 bytes");
+    EXPECT_LT(writeProfile(profile).size(), platform::limits::fileSize + 1000);
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #include "ChildProcess.h"
 #include "ProfileData.h"
 #include "ProfileFile.h"
+#include "ProfileReader.h"
+#include "ProfileWriter.h"
 
 namespace fs = std::filesystem;
 using child_process::contentOf;
@@ -27,18 +29,18 @@ protected:
     const fs::path folder = child_process::freshFolder();
     const fs::path file = folder / "a.xml";
     const std::string oldContent = "<profile><device>old</device></profile>";
-    ProfileData profile = ProfileData::fromText("<profile><device>new</device></profile>");
+    ProfileData profile = readProfile("<profile><device>new</device></profile>");
 };
 
 TEST_F(ProfileFile, holdsWhatWasSaved)
 {
     EXPECT_FALSE(profile_file::write(profile, folder.string()));
-    EXPECT_EQ(contentOf(file), profile.toXml());
-    const ProfileData loaded = ProfileData::fromFile(file.string());
+    EXPECT_EQ(contentOf(file), writeProfile(profile));
+    const ProfileData loaded = readProfileFile(file.string());
     EXPECT_EQ(loaded, profile);
     EXPECT_EQ(loaded.fileName(), "a.xml");
     EXPECT_FALSE(profile_file::write(loaded, folder.string() + '/'));
-    EXPECT_EQ(contentOf(file), profile.toXml());
+    EXPECT_EQ(contentOf(file), writeProfile(profile));
     fs::current_path(folder);
     EXPECT_EQ(profile_file::pathFor(".", "b"), folder / "." / "b");
 }
@@ -48,7 +50,7 @@ TEST_F(ProfileFile, loadingNamesTheFile)
     fill(file, "<profil/>");
     const std::string path = file.string();
     try {
-        ProfileData::fromFile(path);
+        readProfileFile(path);
         FAIL();
     } catch (const std::runtime_error& error) {
         EXPECT_EQ(error.what(),
@@ -56,7 +58,7 @@ TEST_F(ProfileFile, loadingNamesTheFile)
     }
     for (const fs::path& unreadable : {folder, folder / "none", fs::path()}) {
         try {
-            ProfileData::fromFile(unreadable.string());
+            readProfileFile(unreadable.string());
             FAIL();
         } catch (const ProfileError& error) {
             EXPECT_FALSE(error.reason().empty());

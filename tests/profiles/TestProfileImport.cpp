@@ -1,6 +1,7 @@
 #include "ChildProcess.h"
 #include "ProfileData.h"
 #include "ProfileImport.h"
+#include "ProfileReader.h"
 
 using child_process::fill;
 using child_process::freshFolder;
@@ -91,7 +92,7 @@ TEST(ProfileImport, savesWhatItReadAndNothingThatCannotBeReadAgain)
     EXPECT_EQ(import.add(folder / "in.xml"), "");
     EXPECT_NE(import.add(folder), "") << "a folder";
     ASSERT_TRUE(import.save(folder / "out.xml"));
-    EXPECT_EQ(ProfileData::fromFile(folder / "out.xml"), ProfileData::fromText(text));
+    EXPECT_EQ(readProfileFile(folder / "out.xml"), readProfile(text));
 
     // A declaration behind a comment is nothing that a parser takes.
     ProfileImport broken;

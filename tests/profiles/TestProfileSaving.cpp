@@ -1,7 +1,9 @@
 #include "DialogAnswers.h"
 #include "ProfileData.h"
 #include "ProfileMetaTypes.h"
+#include "ProfileReader.h"
 #include "ProfileSaving.h"
+#include "ProfileWriter.h"
 
 #include <QDir>
 #include <QFile>
@@ -38,8 +40,8 @@ private:
 void TestProfileSaving::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
-    m_profile = ProfileData::fromText("<profile><device>Foo \xC3\xA9</device></profile>");
-    m_xml = QString::fromStdString(m_profile.toXml());
+    m_profile = readProfile("<profile><device>Foo \xC3\xA9</device></profile>");
+    m_xml = QString::fromStdString(writeProfile(m_profile));
 }
 
 void TestProfileSaving::savesWithoutQuestionWhenThereIsAName()
@@ -80,7 +82,7 @@ void TestProfileSaving::asksForAName()
     answers.enter(title, name);
     answers.press(title, QStringLiteral("Replace"));
     QVERIFY(profile_saving::saveAs(m_profile, folder()));
-    QCOMPARE(contentOf(name), QString::fromStdString(m_profile.toXml()));
+    QCOMPARE(contentOf(name), QString::fromStdString(writeProfile(m_profile)));
     QCOMPARE(answers.problems(), QStringList());
 }
 

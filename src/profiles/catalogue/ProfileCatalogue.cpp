@@ -71,6 +71,15 @@ ProfileCatalogue::Pointer ProfileCatalogue::findFile(const std::string& path) co
     return m_folder.findFile(path);
 }
 
+bool ProfileCatalogue::contains(const ProfileDataWrapper& profile) const
+{
+    const auto has = [&profile](const std::vector<Pointer>& profiles) {
+        return std::any_of(profiles.begin(), profiles.end(),
+            [&profile](const Pointer& listed) { return listed.get() == &profile; });
+    };
+    return has(m_builtins) || has(m_folder.profiles());
+}
+
 ProfileCatalogue::Pointer ProfileCatalogue::newProfile()
 {
     Pointer profile = ProfileDataWrapper::fromText(newProfileText, true);

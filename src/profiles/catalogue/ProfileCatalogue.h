@@ -39,6 +39,8 @@ public:
     /// The user's profile that was read from this file.
     Pointer findFile(const std::string& path) const;
 
+    bool contains(const ProfileDataWrapper& profile) const;
+
     /// Adds a profile with placeholder strings and no file name.
     Pointer newProfile();
     /// Adds a writable copy, named after its original. Throws as ProfileData::displayName() does.

@@ -1,6 +1,7 @@
 #include "ProfileDataWrapper.h"
 
 #include "ProfileData.h"
+#include "ProfileReader.h"
 
 using WrapperPointer = std::shared_ptr<ProfileDataWrapper>;
 
@@ -12,13 +13,13 @@ ProfileDataWrapper::ProfileDataWrapper(std::shared_ptr<ProfileData> data, bool w
 
 WrapperPointer ProfileDataWrapper::fromFile(const std::string& path, bool writable)
 {
-    auto data = std::make_shared<ProfileData>(ProfileData::fromFile(path));
+    auto data = std::make_shared<ProfileData>(readProfileFile(path));
     return WrapperPointer(new ProfileDataWrapper(std::move(data), writable));
 }
 
 WrapperPointer ProfileDataWrapper::fromText(std::string_view xml, bool writable)
 {
-    auto data = std::make_shared<ProfileData>(ProfileData::fromText(xml));
+    auto data = std::make_shared<ProfileData>(readProfile(xml));
     return WrapperPointer(new ProfileDataWrapper(std::move(data), writable));
 }
 

@@ -2,8 +2,11 @@
 
 #include "FileErrors.h"
 #include "GuardedFile.h"
+#include "Limits.h"
 #include "ProfileData.h"
 #include "ProfileDataWrapper.h"
+#include "ProfileReader.h"
+#include "ProfileWriter.h"
 
 #include <algorithm>
 #include <functional>
@@ -27,7 +30,7 @@ bool isCandidate(const fs::directory_entry& entry)
 bool isSaved(const ProfileData& profile, const ProfileData& loaded)
 {
     try {
-        return profile == loaded || ProfileData::fromText(profile.toXml()) == loaded;
+        return profile == loaded || readProfile(writeProfile(profile)) == loaded;
     } catch (const ProfileError&) {
         return false;
     }
@@ -36,7 +39,7 @@ bool isSaved(const ProfileData& profile, const ProfileData& loaded)
 /// Nothing when the file cannot be read.
 std::optional<std::size_t> digestOf(const fs::path& path)
 {
-    const platform::FileBytes file = platform::readFile(path, ProfileData::largestFile);
+    const platform::FileBytes file = platform::readFile(path, platform::limits::fileSize);
     return file.ok ? std::optional(std::hash<std::string>()(file.bytes)) : std::nullopt;
 }
 

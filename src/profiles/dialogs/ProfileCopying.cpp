@@ -2,8 +2,10 @@
 
 #include "FileReplacement.h"
 #include "GuardedFile.h"
+#include "Limits.h"
 #include "PlainMessageBox.h"
 #include "ProfileData.h"
+#include "ProfileReader.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -38,7 +40,7 @@ QString freePath(const QDir& folder, const QFileInfo& file)
 /// Empty, or why the file was not copied.
 std::string copy(const QString& from, const QString& to)
 {
-    const platform::FileBytes read = platform::readFile(filePath(from), ProfileData::largestFile);
+    const platform::FileBytes read = platform::readFile(filePath(from), platform::limits::fileSize);
     return read.ok ? platform::replaceFile(filePath(to), read.bytes).reason : read.reason;
 }
 
@@ -68,7 +70,7 @@ namespace profile_copying {
 QString offerCopy(const QString& path, const std::string& directory, QWidget* parent)
 {
     try {
-        ProfileData::fromFile(filePath(path).string());
+        readProfileFile(filePath(path).string());
     } catch (const ProfileError& error) {
         showFailure(path, QString::fromStdString(error.what()), parent);
         return {};

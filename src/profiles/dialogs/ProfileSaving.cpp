@@ -31,10 +31,19 @@ QWidget* owner(QWidget* parent)
 QString suggestedName(const ProfileData& profile)
 {
     try {
-        return QString::fromStdString(profile.fileNameForSaving());
+        return QString::fromStdString(profile_file::nameForSaving(profile));
     } catch (const std::runtime_error&) {
         return {};
     }
+}
+
+/// Asks whether to replace a file; Cancel is the default.
+bool isReplaceChosen(QMessageBox& box)
+{
+    const QAbstractButton* replace = box.addButton(tr("&Replace"), QMessageBox::DestructiveRole);
+    box.setDefaultButton(QMessageBox::Cancel);
+    box.exec();
+    return box.clickedButton() == replace;
 }
 
 /// Whether the file may be written: there is none, or the user lets it go.
@@ -47,10 +56,7 @@ bool mayReplace(const std::filesystem::path& path, QWidget* parent)
         tr("There is a file '%1' already.").arg(QString::fromStdString(path.filename().string())),
         tr("Replacing it drops the profile that is in it. Cancel to enter another name."), owner(parent),
         QMessageBox::Cancel);
-    const QAbstractButton* replace = box.addButton(tr("&Replace"), QMessageBox::DestructiveRole);
-    box.setDefaultButton(QMessageBox::Cancel);
-    box.exec();
-    return box.clickedButton() == replace;
+    return isReplaceChosen(box);
 }
 
 /// The name that the user settles on; empty when they cancelled.
@@ -117,6 +123,18 @@ bool saveAs(ProfileData& profile, const std::string& directory, QWidget* parent)
     if (!saved)
         profile.setFileName(oldName);
     return saved;
+}
+
+bool mayReplaceForeign(const std::string& fileName, QWidget* parent)
+{
+    PlainMessageBox box(QMessageBox::Warning, tr("Save changes"),
+        tr("The file '%1' is not the one that was loaded: another program has changed it, or it belongs to "
+           "another profile.")
+            .arg(QString::fromStdString(fileName)),
+        tr("Replacing it drops what is in it. To keep both, cancel and save your changes with \"Save "
+           "As...\"."),
+        owner(parent), QMessageBox::Cancel);
+    return isReplaceChosen(box);
 }
 
 } // namespace profile_saving

@@ -16,4 +16,7 @@ bool save(ProfileData& profile, const std::string& directory, QWidget* parent = 
 /// profile keeps its old name unless it was saved.
 bool saveAs(ProfileData& profile, const std::string& directory, QWidget* parent = nullptr);
 
+/// Asks whether the file of that name may be replaced although it is not the one that was loaded.
+bool mayReplaceForeign(const std::string& fileName, QWidget* parent = nullptr);
+
 } // namespace profile_saving

@@ -2,23 +2,9 @@
 
 #include "ProfileNode.h"
 
-#include <cstddef>
 #include <map>
-#include <stdexcept>
 #include <string>
-#include <string_view>
 #include <vector>
-
-/// Why a profile could not be loaded. what() is the whole text for the user, reason() its inner part.
-class ProfileError : public std::runtime_error {
-public:
-    /// The text is `what`, followed by the reason in parentheses where there is one.
-    ProfileError(const std::string& what, const std::string& reason);
-    const std::string& reason() const { return m_reason; }
-
-private:
-    std::string m_reason;
-};
 
 /// A hardware profile: one emulated device with its strings, its capabilities and extensions for each API
 /// version, and its EGL configurations. docs/profile-format.md describes the documents.
@@ -29,13 +15,6 @@ public:
     using Capabilities = std::map<int, std::vector<ProfileNode>>;
     using Extensions = std::map<int, std::vector<std::string>>;
     using Configs = std::map<int, std::vector<ProfileNode>>;
-
-    /// Files that are larger, in bytes, are refused.
-    static constexpr std::size_t largestFile = std::size_t{8} * 1024 * 1024;
-
-    /// Both throw ProfileError.
-    static ProfileData fromFile(const std::string& path);
-    static ProfileData fromText(std::string_view xml);
 
     /// The file's name without its folder; empty for a profile that was not read from a file.
     const std::string& fileName() const { return m_fileName; }
@@ -51,9 +30,6 @@ public:
     /// Throws std::runtime_error when all three are empty.
     std::string displayName() const;
 
-    /// The file name, else one made of the display name; throws as displayName() does.
-    std::string fileNameForSaving() const;
-
     /// What each API version reports, in the order of the document; extensions have a map of their own.
     const Capabilities& capabilities() const { return m_capabilities; }
     Capabilities& capabilities() { return m_capabilities; }
@@ -67,21 +43,17 @@ public:
     const Configs& configs() const { return m_configs; }
     Configs& configs() { return m_configs; }
 
-    /// Exactly what a save writes. What is larger than largestFile, and is never written, is cut off behind
-    /// it.
-    std::string toXml() const;
-
-    /// Why a file with this content could not be loaded again as it is, for example because of a node without
-    /// a name; empty when nothing speaks against saving.
-    std::string whyNotSavable() const;
+    /// XML text of elements that this program cannot read and that survive nevertheless, as children of
+    /// `profile` and of `egl`.
+    const std::string& foreign() const { return m_foreign; }
+    void setForeign(const std::string& elements) { m_foreign = elements; }
+    const std::string& foreignInEgl() const { return m_foreignInEgl; }
+    void setForeignInEgl(const std::string& elements) { m_foreignInEgl = elements; }
 
     /// Compares what is saved, so not the file name.
     bool operator==(const ProfileData& other) const;
 
 private:
-    friend class ProfileReader;
-    friend class ProfileWriter;
-
     std::string m_fileName;
     std::string m_device;
     std::string m_renderer;
@@ -89,8 +61,6 @@ private:
     Capabilities m_capabilities;
     Extensions m_extensions;
     Configs m_configs;
-    /// XML text of elements that this program cannot read and that survive nevertheless, as children of
-    /// `profile` and of `egl`.
     std::string m_foreign;
     std::string m_foreignInEgl;
 };

@@ -19,8 +19,15 @@ struct Failure {
 /// A file name made of the text that a profile goes by.
 std::string nameFrom(std::string text);
 
+/// The profile's file name, else one made of its display name; throws as ProfileData::displayName() does.
+std::string nameForSaving(const ProfileData& profile);
+
 /// The absolute path under which a profile with that file name is saved in the directory.
 std::filesystem::path pathFor(const std::string& directory, const std::string& fileName);
+
+/// Why a file with this content could not be loaded again as it is, for example because of a node without a
+/// name; empty when nothing speaks against saving.
+std::string whyNotSavable(const ProfileData& profile);
 
 /// Puts the profile into its file as a whole or not at all, and never anywhere but into the directory itself.
 std::optional<Failure> write(const ProfileData& profile, const std::string& directory);

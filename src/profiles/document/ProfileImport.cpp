@@ -1,11 +1,12 @@
 #include "ProfileImport.h"
 
 #include "GuardedFile.h"
+#include "Limits.h"
 #include "Numbers.h"
 #include "ProfileData.h"
-#include "ProfilePrinter.h"
+#include "ProfileReader.h"
 #include "Utf8.h"
-#include "XmlGuard.h"
+#include "XmlText.h"
 
 #include <tinyxml2.h>
 
@@ -23,7 +24,7 @@ std::int64_t versionOf(const XMLElement& api)
 
 std::string tooLargeText()
 {
-    return "the files together are larger than " + std::to_string(ProfileData::largestFile) + " bytes";
+    return "the files together are larger than " + std::to_string(platform::limits::fileSize) + " bytes";
 }
 
 } // namespace
@@ -39,26 +40,24 @@ std::string ProfileImport::add(const std::filesystem::path& file)
 {
     if (m_tooLarge)
         return tooLargeText();
-    const platform::FileBytes read = platform::readFile(file, ProfileData::largestFile);
+    const platform::FileBytes read = platform::readFile(file, platform::limits::fileSize);
     if (!read.ok)
         return read.reason;
     std::string reason = merge(read.bytes);
     // Printing takes time, so it is only done where the answer is open.
     m_bytes += read.bytes.size();
-    m_tooLarge = m_bytes > ProfileData::largestFile && toXml().size() > ProfileData::largestFile;
+    m_tooLarge = m_bytes > platform::limits::fileSize && toXml().size() > platform::limits::fileSize;
     return reason;
 }
 
 std::string ProfileImport::merge(std::string_view bytes)
 {
-    if (!isUtf8(bytes))
+    if (!platform::isUtf8(bytes))
         return "it is not UTF-8 text";
-    std::string hazard = platform::xmlHazard(bytes);
-    if (!hazard.empty())
-        return hazard;
     XMLDocument loaded(true, tinyxml2::PRESERVE_WHITESPACE);
-    if (loaded.Parse(bytes.data(), bytes.size()) != tinyxml2::XML_SUCCESS)
-        return loaded.ErrorStr();
+    std::string reason = platform::parseXml(loaded, bytes);
+    if (!reason.empty())
+        return reason;
     XMLElement* into = m_result->FirstChildElement("profile");
     const XMLElement* from = loaded.FirstChildElement("profile");
     // A file that begins with something else, a comment for example, gives that alone.
@@ -89,18 +88,16 @@ bool ProfileImport::isProfile() const
 
 std::string ProfileImport::toXml() const
 {
-    ProfilePrinter printer(ProfilePrinter::Layout::Indented, ProfileData::largestFile);
-    m_result->Print(&printer);
-    return printer.text();
+    return platform::printXml(*m_result, platform::XmlLayout::IndentedAroundText, platform::limits::fileSize);
 }
 
 platform::FileResult ProfileImport::save(const std::filesystem::path& target) const
 {
     const std::string xml = toXml();
-    if (m_tooLarge || xml.size() > ProfileData::largestFile)
+    if (m_tooLarge || xml.size() > platform::limits::fileSize)
         return {tooLargeText()};
     try {
-        ProfileData::fromText(xml);
+        readProfile(xml);
     } catch (const ProfileError& error) {
         return {"the result could not be read again: " + error.reason()};
     }

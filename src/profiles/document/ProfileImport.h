@@ -28,7 +28,7 @@ public:
     /// Whether there is a profile with an API section and an EGL section behind it.
     bool isProfile() const;
 
-    /// The result as a file holds it; cut off somewhere behind ProfileData::largestFile.
+    /// The result as a file holds it; cut off somewhere behind the largest size of a file.
     std::string toXml() const;
 
     /// Writes the result as a whole or not at all; one that could not be read again is not written.

@@ -1,15 +1,19 @@
 #include "ProfileReader.h"
 
+#include "GuardedFile.h"
+#include "Limits.h"
 #include "Numbers.h"
-#include "ProfilePrinter.h"
-#include "PropertyList.h"
 #include "Utf8.h"
-#include "XmlGuard.h"
+#include "XmlText.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <optional>
 
-using property_list::textOf;
+#include <tinyxml2.h>
+
+using platform::textOf;
+using platform::XmlLayout;
 using tinyxml2::XMLAttribute;
 using tinyxml2::XMLDocument;
 using tinyxml2::XMLElement;
@@ -23,12 +27,12 @@ public:
     bool VisitEnter(const XMLElement& /*element*/, const XMLAttribute* attribute) override
     {
         for (; attribute && m_good; attribute = attribute->Next())
-            m_good = isUtf8(attribute->Value());
+            m_good = platform::isUtf8(attribute->Value());
         return m_good;
     }
     bool Visit(const XMLText& text) override
     {
-        m_good = m_good && isUtf8(text.Value());
+        m_good = m_good && platform::isUtf8(text.Value());
         return m_good;
     }
     bool isGood() const { return m_good; }
@@ -60,76 +64,101 @@ ProfileNode readNode(const XMLElement& element)
     return node;
 }
 
-} // namespace
-
-std::string ProfileReader::read(std::string_view document)
+void readApi(ProfileData& profile, const XMLElement& api, int version)
 {
-    if (!isUtf8(document))
-        return "it is not UTF-8 text";
-    std::string hazard = platform::xmlHazard(document);
-    if (!hazard.empty())
-        return hazard;
-    XMLDocument xml(true, tinyxml2::PRESERVE_WHITESPACE);
-    if (xml.Parse(document.data(), document.size()) != tinyxml2::XML_SUCCESS)
-        return xml.ErrorStr();
-    EncodingCheck check;
-    xml.Accept(&check);
-    if (!check.isGood())
-        return "it refers to a character that does not exist";
-    const XMLElement* profile = xml.FirstChildElement("profile");
-    if (!profile)
-        return "No <profile> element was found";
-    readProfile(*profile);
-    return {};
-}
-
-void ProfileReader::readProfile(const XMLElement& profile)
-{
-    m_profile.setDevice(textOfChild(profile, "device"));
-    m_profile.setRenderer(textOfChild(profile, "renderer"));
-    m_profile.setVendor(textOfChild(profile, "vendor"));
-    const XMLElement* egl = profile.FirstChildElement("egl");
-    if (egl)
-        readEgl(*egl);
-
-    ProfilePrinter foreign(ProfilePrinter::Layout::Compact);
-    for (const XMLElement* child = profile.FirstChildElement(); child; child = child->NextSiblingElement()) {
-        const std::string_view name = child->Name();
-        const std::optional<int> version = name == "es" ? number(*child, "version") : std::nullopt;
-        if (version)
-            readApi(*child, *version);
-        else if (child != egl && name != "device" && name != "renderer" && name != "vendor")
-            child->Accept(&foreign);
-    }
-    m_profile.m_foreign = foreign.text();
-    for (auto& [version, names] : m_profile.extensions())
-        std::sort(names.begin(), names.end());
-}
-
-void ProfileReader::readApi(const XMLElement& api, int version)
-{
-    std::vector<std::string>& extensions = m_profile.extensions()[version];
+    std::vector<std::string>& extensions = profile.extensions()[version];
     for (const XMLElement* child = api.FirstChildElement(); child; child = child->NextSiblingElement()) {
         if (child->Name() == std::string_view("extension"))
             extensions.push_back(textOf(*child));
         else
-            m_profile.capabilities()[version].push_back(readNode(*child));
+            profile.capabilities()[version].push_back(readNode(*child));
     }
 }
 
-void ProfileReader::readEgl(const XMLElement& egl)
+void readEgl(ProfileData& profile, const XMLElement& egl)
 {
-    ProfilePrinter foreign(ProfilePrinter::Layout::Compact);
+    std::string foreign;
     for (const XMLElement* child = egl.FirstChildElement(); child; child = child->NextSiblingElement()) {
         const bool isConfig = child->Name() == std::string_view("config");
         const std::optional<int> id = isConfig ? number(*child, "id") : std::nullopt;
         if (!id) {
-            child->Accept(&foreign);
+            foreign += platform::printXml(*child, XmlLayout::Compact);
             continue;
         }
         for (const XMLElement* attribute = child->FirstChildElement(); attribute;
              attribute = attribute->NextSiblingElement())
-            m_profile.configs()[*id].push_back(readNode(*attribute));
+            profile.configs()[*id].push_back(readNode(*attribute));
     }
-    m_profile.m_foreignInEgl = foreign.text();
+    profile.setForeignInEgl(foreign);
+}
+
+void readRoot(ProfileData& profile, const XMLElement& root)
+{
+    profile.setDevice(textOfChild(root, "device"));
+    profile.setRenderer(textOfChild(root, "renderer"));
+    profile.setVendor(textOfChild(root, "vendor"));
+    const XMLElement* egl = root.FirstChildElement("egl");
+    if (egl)
+        readEgl(profile, *egl);
+    std::string foreign;
+    for (const XMLElement* child = root.FirstChildElement(); child; child = child->NextSiblingElement()) {
+        const std::string_view name = child->Name();
+        const std::optional<int> version = name == "es" ? number(*child, "version") : std::nullopt;
+        if (version)
+            readApi(profile, *child, *version);
+        else if (child != egl && name != "device" && name != "renderer" && name != "vendor")
+            foreign += platform::printXml(*child, XmlLayout::Compact);
+    }
+    profile.setForeign(foreign);
+    for (auto& [version, names] : profile.extensions())
+        std::sort(names.begin(), names.end());
+}
+
+/// Why the document cannot be read, as readable text; empty when it was read. After a failure the profile is
+/// half-filled and good for nothing.
+std::string read(ProfileData& profile, std::string_view document)
+{
+    if (!platform::isUtf8(document))
+        return "it is not UTF-8 text";
+    XMLDocument xml(true, tinyxml2::PRESERVE_WHITESPACE);
+    std::string reason = platform::parseXml(xml, document);
+    if (!reason.empty())
+        return reason;
+    EncodingCheck check;
+    xml.Accept(&check);
+    if (!check.isGood())
+        return "it refers to a character that does not exist";
+    const XMLElement* root = xml.FirstChildElement("profile");
+    if (!root)
+        return "No <profile> element was found";
+    readRoot(profile, *root);
+    return {};
+}
+
+} // namespace
+
+ProfileError::ProfileError(const std::string& what, const std::string& reason)
+    : std::runtime_error(reason.empty() ? what : what + " (" + reason + ')')
+    , m_reason(reason)
+{
+}
+
+ProfileData readProfile(std::string_view xml)
+{
+    ProfileData profile;
+    const std::string reason = read(profile, xml);
+    if (!reason.empty())
+        throw ProfileError("Failed to load profile data", reason);
+    return profile;
+}
+
+ProfileData readProfileFile(const std::string& path)
+{
+    ProfileData profile;
+    profile.setFileName(std::filesystem::path(path).filename().string());
+    const platform::FileBytes file = platform::readFile(path, platform::limits::fileSize);
+    const std::string reason = file.ok ? read(profile, file.bytes) : file.reason;
+    if (!file.ok || !reason.empty())
+        throw ProfileError("Failed to load profile data from file: '" + path + "'", reason);
+    return profile;
 }

@@ -2,27 +2,21 @@
 
 #include "ProfileData.h"
 
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
-#include <tinyxml2.h>
-
-/// Fills a profile from a document.
-class ProfileReader {
+/// Why a profile could not be loaded. what() is the whole text for the user, reason() its inner part.
+class ProfileError : public std::runtime_error {
 public:
-    explicit ProfileReader(ProfileData& profile)
-        : m_profile(profile)
-    {
-    }
-
-    /// Why it cannot be read, as readable text; empty when it was read. After a failure the profile is
-    /// half-filled and good for nothing.
-    std::string read(std::string_view document);
+    /// The text is `what`, followed by the reason in parentheses where there is one.
+    ProfileError(const std::string& what, const std::string& reason);
+    const std::string& reason() const { return m_reason; }
 
 private:
-    void readProfile(const tinyxml2::XMLElement& profile);
-    void readApi(const tinyxml2::XMLElement& api, int version);
-    void readEgl(const tinyxml2::XMLElement& egl);
-
-    ProfileData& m_profile;
+    std::string m_reason;
 };
+
+/// Both throw ProfileError.
+ProfileData readProfile(std::string_view xml);
+ProfileData readProfileFile(const std::string& path);

@@ -1,12 +1,44 @@
 #include "ProfileWriter.h"
 
-#include "ProfilePrinter.h"
+#include "Limits.h"
+#include "ProfileData.h"
+#include "XmlText.h"
+
+#include <map>
+
+#include <tinyxml2.h>
 
 using tinyxml2::XMLDocument;
 using tinyxml2::XMLElement;
 using tinyxml2::XMLNode;
 
-std::string ProfileWriter::write()
+namespace {
+
+/// Builds and prints the document of a profile. To be used once.
+class Writer {
+public:
+    explicit Writer(const ProfileData& profile)
+        : m_profile(profile)
+    {
+    }
+
+    std::string write();
+
+private:
+    XMLElement* append(XMLNode* parent, const char* name);
+    void appendText(XMLNode* parent, const char* name, const std::string& text);
+    void appendNode(XMLNode* parent, const ProfileNode& node);
+    void appendForeign(XMLNode* parent, const std::string& elements);
+    void appendApis(XMLNode* root);
+    void appendEgl(XMLNode* root);
+    XMLElement* api(XMLNode* root, int version);
+
+    const ProfileData& m_profile;
+    XMLDocument m_document{true, tinyxml2::PRESERVE_WHITESPACE};
+    std::map<int, XMLElement*> m_apis;
+};
+
+std::string Writer::write()
 {
     XMLElement* root = append(&m_document, "profile");
     if (!m_profile.device().empty())
@@ -17,25 +49,24 @@ std::string ProfileWriter::write()
         appendText(root, "vendor", m_profile.vendor());
     appendApis(root);
     appendEgl(root);
-    appendForeign(root, m_profile.m_foreign);
-    ProfilePrinter printer(ProfilePrinter::Layout::Indented, ProfileData::largestFile);
-    m_document.Print(&printer);
-    return printer.text();
+    appendForeign(root, m_profile.foreign());
+    return platform::printXml(
+        m_document, platform::XmlLayout::IndentedAroundText, platform::limits::fileSize);
 }
 
-XMLElement* ProfileWriter::append(XMLNode* parent, const char* name)
+XMLElement* Writer::append(XMLNode* parent, const char* name)
 {
     XMLElement* element = m_document.NewElement(name);
     parent->InsertEndChild(element);
     return element;
 }
 
-void ProfileWriter::appendText(XMLNode* parent, const char* name, const std::string& text)
+void Writer::appendText(XMLNode* parent, const char* name, const std::string& text)
 {
     append(parent, name)->InsertEndChild(m_document.NewText(text.c_str()));
 }
 
-void ProfileWriter::appendNode(XMLNode* parent, const ProfileNode& node)
+void Writer::appendNode(XMLNode* parent, const ProfileNode& node)
 {
     // Every node gets a text, if only an empty one: it keeps the node's children on its line.
     XMLElement* element = append(parent, node.name.c_str());
@@ -44,7 +75,7 @@ void ProfileWriter::appendNode(XMLNode* parent, const ProfileNode& node)
         appendNode(element, child);
 }
 
-void ProfileWriter::appendForeign(XMLNode* parent, const std::string& elements)
+void Writer::appendForeign(XMLNode* parent, const std::string& elements)
 {
     if (elements.empty())
         return;
@@ -54,7 +85,7 @@ void ProfileWriter::appendForeign(XMLNode* parent, const std::string& elements)
         parent->InsertEndChild(node->DeepClone(&m_document));
 }
 
-void ProfileWriter::appendApis(XMLNode* root)
+void Writer::appendApis(XMLNode* root)
 {
     // Versions that have capabilities alone come after all others.
     for (const auto& [version, extensions] : m_profile.extensions()) {
@@ -69,7 +100,7 @@ void ProfileWriter::appendApis(XMLNode* root)
     }
 }
 
-XMLElement* ProfileWriter::api(XMLNode* root, int version)
+XMLElement* Writer::api(XMLNode* root, int version)
 {
     XMLElement*& element = m_apis[version];
     if (!element) {
@@ -79,7 +110,7 @@ XMLElement* ProfileWriter::api(XMLNode* root, int version)
     return element;
 }
 
-void ProfileWriter::appendEgl(XMLNode* root)
+void Writer::appendEgl(XMLNode* root)
 {
     XMLElement* egl = append(root, "egl");
     for (const auto& [id, attributes] : m_profile.configs()) {
@@ -88,5 +119,12 @@ void ProfileWriter::appendEgl(XMLNode* root)
         for (const ProfileNode& attribute : attributes)
             appendNode(config, attribute);
     }
-    appendForeign(egl, m_profile.m_foreignInEgl);
+    appendForeign(egl, m_profile.foreignInEgl());
+}
+
+} // namespace
+
+std::string writeProfile(const ProfileData& profile)
+{
+    return Writer(profile).write();
 }

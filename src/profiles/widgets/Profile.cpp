@@ -1,11 +1,11 @@
 #include "widgets/Profile.h"
 
+#include "CurrentProfile.h"
 #include "EGLConfigTreeView.h"
 #include "ESCapabilityTreeView.h"
 #include "ESExtensionTreeView.h"
 #include "PlainMessageBox.h"
 #include "ProfileDataWrapper.h"
-#include "ProfileFile.h"
 #include "models/Profile.h"
 #include "ui_Profile.h"
 
@@ -23,13 +23,13 @@ QString fromUtf8(const std::string& text)
 
 } // namespace
 
-Profile::Profile(ProfileController* controller, QWidget* parent)
+Profile::Profile(models::CurrentProfile& current, QWidget* parent)
     : QWidget(parent)
     , m_ui(std::make_unique<Ui::profile>())
     , m_capabilitiesView(new ESCapabilityTreeView(this))
     , m_extensionsView(new ESExtensionTreeView(this))
     , m_eglConfigsView(new EGLConfigTreeView(this))
-    , m_controller(controller)
+    , m_current(current)
 {
     m_ui->setupUi(this);
     m_fields = {{
@@ -47,6 +47,9 @@ Profile::Profile(ProfileController* controller, QWidget* parent)
     connect(m_ui->btnEdit, SIGNAL(pressed()), SLOT(editPressed()));
     connect(m_ui->btnSave, SIGNAL(pressed()), SLOT(savePressed()));
     connect(m_ui->btnSaveAs, SIGNAL(pressed()), SLOT(saveAsPressed()));
+    connect(&m_current, &models::CurrentProfile::shownChanged, this, &Profile::setProfile);
+    connect(&m_current, &models::CurrentProfile::editsDiscarded, this, &Profile::dropEdits);
+    m_current.setEditor(this);
     view();
 }
 
@@ -116,45 +119,43 @@ void Profile::fillFields(const ProfileData& document)
 
 void Profile::setProfile(const WeakProfile& profile)
 {
-    const bool isAgain = shows(profile);
-    restoreStored();
     setEnabled(true);
-    m_profile = profile;
-    m_isUnsavedNew = false;
-    const auto shown = m_profile.lock();
+    const auto shown = profile.lock();
     if (!shown) {
         clear();
         return;
     }
-    std::array<QStringList, 3> open;
-    for (std::size_t i = 0; isAgain && i < open.size(); ++i)
-        open[i] = views()[i]->openRows();
-    m_stored = shown->data();
-    fillFields(*m_stored);
+    fillFields(shown->data());
     m_model.reset();
     m_model = std::make_unique<models::Profile>(*shown);
     m_capabilitiesView->setModel(&m_model->capabilities());
     m_extensionsView->setModel(&m_model->extensions());
     m_eglConfigsView->setModel(&m_model->configs());
-    for (std::size_t i = 0; i < open.size(); ++i)
-        views()[i]->reopenRows(open[i]);
     if (m_mode == Mode::Modifying)
         modify();
     else
         view();
 }
 
+/// Shows the same profile again, as it is stored, with the same rows open.
+void Profile::dropEdits()
+{
+    std::array<QStringList, 3> openRows;
+    for (std::size_t i = 0; i < openRows.size(); ++i)
+        openRows[i] = views()[i]->openRows();
+    setProfile(m_current.lastListed());
+    for (std::size_t i = 0; i < openRows.size(); ++i)
+        views()[i]->reopenRows(openRows[i]);
+}
+
 void Profile::clear()
 {
-    restoreStored();
     setEnabled(false);
     for (Field& field : m_fields)
         showText(field, field.edit == m_ui->editDevice ? QStringLiteral("None") : QString());
     for (ProfileTreeView* profileView : views())
         profileView->setModel(nullptr);
     m_model.reset();
-    m_stored.reset();
-    m_isUnsavedNew = false;
     view();
 }
 
@@ -175,7 +176,8 @@ void Profile::view()
     }
     for (QPushButton* button : {m_ui->btnEdit, m_ui->btnSave, m_ui->btnSaveAs, m_ui->btnDiscard})
         button->hide();
-    m_ui->btnEdit->setVisible(m_isUnsavedNew || !m_profile.expired());
+    const bool isNew = m_current.state() == models::CurrentProfile::State::UnsavedNew;
+    m_ui->btnEdit->setVisible(isNew || !m_current.lastListed().expired());
     setEditable(false);
 }
 
@@ -194,11 +196,6 @@ void Profile::modify()
     setEditable(true);
 }
 
-bool Profile::shows(const WeakProfile& profile) const
-{
-    return m_model && !m_isUnsavedNew && !m_profile.expired() && m_profile.lock() == profile.lock();
-}
-
 void Profile::finishEdits()
 {
     // The keyboard presses a button without taking the focus from an editor.
@@ -212,124 +209,41 @@ void Profile::editPressed()
     m_ui->editDevice->setFocus();
 }
 
-/// Takes back what a save that failed has left in the document.
-void Profile::restoreStored()
-{
-    const auto shown = m_profile.lock();
-    if (shown && shown->isWritable() && m_stored && !m_isUnsavedNew && !(shown->data() == *m_stored))
-        *shown->edit() = *m_stored;
-}
-
 void Profile::discardPressed()
 {
-    const bool wasNew = m_isUnsavedNew;
     view();
-    setProfile(m_profile);
-    if (wasNew && m_newProfileDiscarded)
-        m_newProfileDiscarded();
+    m_current.discard();
 }
 
 void Profile::savePressed()
 {
-    finishEdits();
-    if (!save())
-        return;
-    fillFields(*m_stored);
-    view();
+    saveBy(&models::CurrentProfile::save);
 }
 
 void Profile::saveAsPressed()
 {
+    saveBy(&models::CurrentProfile::saveAs);
+}
+
+/// Hands the edits over and goes on to viewing when they were saved. Says so when they cannot be written.
+void Profile::saveBy(bool (models::CurrentProfile::*save)(const ProfileData&))
+{
     finishEdits();
-    const auto shown = m_profile.lock();
-    if (!m_controller || !m_stored)
+    if (!m_current.stored() || !m_model)
         return;
-    if (!saveCopy(shown && !m_isUnsavedNew ? m_controller->copyProfile(*shown) : copyOfStored()))
-        return;
-    fillFields(*m_stored);
-    view();
-}
-
-bool Profile::save()
-{
-    if (!m_controller || !m_stored)
-        return false;
-    const auto shown = m_profile.lock();
-    // What the panel shows has no file, or none any more; what stands in m_profile is another profile then.
-    if (!shown || m_isUnsavedNew)
-        return saveCopy(copyOfStored());
-    return shown->isWritable() ? saveInPlace(shown) : saveCopy(m_controller->askForCopy(*shown));
-}
-
-Profile::Pointer Profile::copyOfStored()
-{
-    Pointer copy = m_controller->newProfile();
-    copy->edit()->setFileName(m_stored->fileName());
-    return copy;
-}
-
-bool Profile::saveCopy(const Pointer& copy)
-{
-    if (!copy)
-        return false;
-    const std::shared_ptr<ProfileData> document = copy->edit();
-    const bool ready = writeInto(*document);
-    const std::string directory = ready ? m_controller->directoryForSaving() : std::string();
-    if (directory.empty() || !m_controller->saveAs(*document, directory)) {
-        m_controller->forgetProfile(*copy);
-        return false;
-    }
-    restoreStored();
-    saved(copy, directory);
-    return true;
-}
-
-bool Profile::saveInPlace(const std::shared_ptr<const ProfileDataWrapper>& profile)
-{
-    const std::string directory = m_controller->directoryForSaving();
-    if (directory.empty() || !mayReplaceFile(*profile, directory))
-        return false;
-    const std::shared_ptr<ProfileData> document = profile->edit();
-    if (!writeInto(*document) || !m_controller->save(*document, directory))
-        return false;
-    saved(profile, directory);
-    return true;
-}
-
-bool Profile::mayReplaceFile(const ProfileDataWrapper& profile, const std::string& directory)
-{
-    const std::string& name = profile.data().fileName();
-    if (name.empty() || m_controller->mayOverwrite(profile, profile_file::pathFor(directory, name).string()))
-        return true;
-    PlainMessageBox box(QMessageBox::Warning, tr("Save changes"),
-        tr("The file '%1' is not the one that was loaded: another program has changed it, or it belongs to "
-           "another "
-           "profile.")
-            .arg(fromUtf8(name)),
-        tr("Replacing it drops what is in it. To keep both, cancel and save your changes with \"Save "
-           "As...\"."),
-        window(), QMessageBox::Cancel);
-    const QAbstractButton* replace = box.addButton(tr("&Replace"), QMessageBox::DestructiveRole);
-    box.setDefaultButton(QMessageBox::Cancel);
-    box.exec();
-    return box.clickedButton() == replace;
-}
-
-/// Makes the document what the panel shows, but for its file name. Says so when that cannot be done.
-bool Profile::writeInto(ProfileData& document)
-{
-    const std::string fileName = document.fileName();
-    ProfileData shown = *m_stored;
-    const std::string reason = write(shown);
+    ProfileData edited = *m_current.stored();
+    const std::string reason = write(edited);
     if (!reason.empty()) {
         PlainMessageBox(QMessageBox::Critical, QStringLiteral("Corvale GUI"), tr("Failed to save file"),
             fromUtf8(reason), window())
             .exec();
-        return false;
+        return;
     }
-    document = std::move(shown);
-    document.setFileName(fileName);
-    return true;
+    if (!(m_current.*save)(edited))
+        return;
+    if (m_current.stored())
+        fillFields(*m_current.stored());
+    view();
 }
 
 /// Puts what was changed into a copy of what is stored; returns why it cannot, as models::Profile::writeTo()
@@ -343,40 +257,19 @@ std::string Profile::write(ProfileData& document) const
     return m_model->writeTo(document);
 }
 
-void Profile::saved(const std::shared_ptr<const ProfileDataWrapper>& profile, const std::string& directory)
-{
-    m_profile = profile;
-    m_isUnsavedNew = false;
-    m_stored = profile->data();
-    fillFields(*m_stored);
-    m_controller->reloadProfiles();
-    m_controller->selectProfile(profile_file::pathFor(directory, profile->data().fileName()).string());
-}
-
 void Profile::newProfile()
 {
-    if (!m_controller)
-        return;
-    const WeakProfile before = m_profile;
-    const Pointer added = m_controller->newProfile();
-    setProfile(added);
-    const std::string directory = m_controller->directoryForSaving();
-    if (!directory.empty() && m_controller->saveAs(*added->edit(), directory)) {
-        saved(added, directory);
-        return;
-    }
-    // The panel goes on showing the new profile, which is in no file. It must not be saved over the old one.
-    m_controller->forgetProfile(*added);
-    m_profile = before;
-    m_isUnsavedNew = true;
+    if (mayLeave())
+        m_current.newProfile();
 }
 
 bool Profile::hasUnsavedEdits() const
 {
-    if (!m_model || !m_stored || m_mode == Mode::Viewing)
+    const ProfileData* stored = m_current.stored();
+    if (!m_model || !stored || m_mode == Mode::Viewing)
         return false;
-    ProfileData edited = *m_stored;
-    return !write(edited).empty() || !(edited == *m_stored);
+    ProfileData edited = *stored;
+    return !write(edited).empty() || !(edited == *stored);
 }
 
 bool Profile::mayLeave()

@@ -1,15 +1,14 @@
 #pragma once
 
-#include "ProfileController.h"
 #include "ProfileData.h"
+#include "ProfileEditor.h"
 #include "ProfileMetaTypes.h"
 
 #include <QWidget>
 
 #include <array>
-#include <functional>
 #include <memory>
-#include <optional>
+#include <string>
 
 class QLabel;
 class QLineEdit;
@@ -19,8 +18,9 @@ class profile;
 }
 
 namespace models {
+class CurrentProfile;
 class Profile;
-}
+} // namespace models
 
 namespace widgets {
 
@@ -29,42 +29,27 @@ class ESCapabilityTreeView;
 class ESExtensionTreeView;
 class ProfileTreeView;
 
-/// The panel that shows a hardware profile and lets the user change it. Changes are made on copies in the
-/// fields and trees; the document gets them when they are saved.
-class Profile : public QWidget {
+/// The panel that shows a hardware profile and lets the user change it. Edits are made on copies in the
+/// fields and trees; the current profile gets them when they are saved, and tells what to show.
+class Profile : public QWidget, public ProfileEditor {
     Q_OBJECT
 
 public:
-    /// The controller must live longer than the panel is used; without one nothing can be saved.
-    explicit Profile(ProfileController* controller, QWidget* parent = nullptr);
+    /// The current profile must live longer than the panel is used.
+    explicit Profile(models::CurrentProfile& current, QWidget* parent = nullptr);
     ~Profile() override;
 
-    /// Shows a profile; modifying stays modifying, and viewing stays viewing.
+    /// Shows a profile, nothing for an expired one; modifying stays modifying, and viewing stays viewing.
     void setProfile(const WeakProfile& profile);
     /// Shows no profile.
     void clear();
-    /// Makes a profile, shows it, and saves it under a name that the user gives.
+    /// Makes a profile, shows it, and saves it under a name that the user gives. Unsaved edits are asked
+    /// about before.
     void newProfile();
     void retranslateUi();
 
-    /// Whether the panel holds changes that are in no file.
-    bool hasUnsavedEdits() const;
-    /// Asks what to do with unsaved changes, if there are any, and does it. False when the user wants to go
-    /// on editing, or when saving failed.
-    bool mayLeave();
-
-    const WeakProfile& profile() const { return m_profile; }
-    /// Whether that is the profile the panel shows.
-    bool shows(const WeakProfile& profile) const;
-
-    /// Whether it shows a new profile that is in no file; profile() is another one then.
-    bool isUnsavedNew() const { return m_isUnsavedNew; }
-
-    /// Calls back when it has gone from a new profile to the one before, which need not be the chosen one.
-    void onNewProfileDiscarded(std::function<void()> callback)
-    {
-        m_newProfileDiscarded = std::move(callback);
-    }
+    bool hasUnsavedEdits() const override;
+    bool mayLeave() override;
 
 public Q_SLOTS:
     void discardPressed();
@@ -77,7 +62,6 @@ protected:
 
 private:
     enum class Mode : std::uint32_t { Modifying = 0, Viewing = 1 };
-    using Pointer = ProfileController::Pointer;
 
     /// A line edit with its label and the text of the document that it shows.
     struct Field {
@@ -96,31 +80,19 @@ private:
     void setEditable(bool editable);
     std::array<ProfileTreeView*, 3> views() const;
     void finishEdits();
+    void dropEdits();
 
-    bool save();
-    bool saveCopy(const Pointer& copy);
-    bool saveInPlace(const std::shared_ptr<const ProfileDataWrapper>& profile);
-    bool mayReplaceFile(const ProfileDataWrapper& profile, const std::string& directory);
-    void restoreStored();
-    Pointer copyOfStored();
-    bool writeInto(ProfileData& document);
     std::string write(ProfileData& document) const;
-    void saved(const std::shared_ptr<const ProfileDataWrapper>& profile, const std::string& directory);
+    void saveBy(bool (models::CurrentProfile::*save)(const ProfileData&));
 
     std::unique_ptr<Ui::profile> m_ui;
     ESCapabilityTreeView* m_capabilitiesView;
     ESExtensionTreeView* m_extensionsView;
     EGLConfigTreeView* m_eglConfigsView;
     std::unique_ptr<models::Profile> m_model;
-    ProfileController* m_controller;
+    models::CurrentProfile& m_current;
     Mode m_mode = Mode::Viewing;
-    WeakProfile m_profile;
     std::array<Field, 3> m_fields;
-    /// What is in the file, as far as the panel knows: what fields and trees are compared with.
-    std::optional<ProfileData> m_stored;
-    /// The panel shows a new profile that was not saved, while m_profile is the one before it.
-    bool m_isUnsavedNew = false;
-    std::function<void()> m_newProfileDiscarded;
 };
 
 } // namespace widgets

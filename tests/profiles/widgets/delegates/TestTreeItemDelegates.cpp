@@ -8,6 +8,7 @@
 #include "GenericValueSelector.h"
 #include "ProfileColumns.h"
 #include "ProfileData.h"
+#include "ProfileReader.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -66,7 +67,7 @@ private:
 
 void TestTreeItemDelegates::init()
 {
-    m_profile = ProfileData::fromText(document);
+    m_profile = readProfile(document);
 }
 
 void TestTreeItemDelegates::cleanup()

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 
+namespace platform {
+
 namespace {
 
 /// Bytes of the sequence that the lead byte begins, 0 for a byte that begins none.
@@ -47,3 +49,5 @@ bool isUtf8(std::string_view text)
     }
     return true;
 }
+
+} // namespace platform
