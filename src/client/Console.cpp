@@ -153,12 +153,12 @@ void Console::addEntry(std::string entry, bool backlog)
     m_backlog = backlog;
     beginTurn();
     if (m_flooded || m_document.isClosed()) {
-        m_document.keep(std::move(entry));
+        m_document.enqueue(std::move(entry));
         ++m_sinceRefresh;
     } else if (backlog || !m_turnIsAffordable || m_atOnce >= atOnceLimit) {
         m_flooded = true;
         m_sinceRefresh = 1;
-        m_document.keep(std::move(entry));
+        m_document.enqueue(std::move(entry));
         m_refresh.start(0);
     } else {
         addAtOnce(std::move(entry));
@@ -242,12 +242,12 @@ bool Console::showMore()
         if (!following && m_document.hasGap())
             m_document.close(tr("Newer entries have arrived. Tick \"Auto-scroll\" to see them."));
         else if (following
-            && (m_document.waiting() > mostAppended || m_document.hasGap() || m_document.isWorn()))
+            && (m_document.waiting() > mostAppended || m_document.hasGap() || m_document.needsRebuild()))
             m_document.restart(restartWeight());
         else
             m_document.appendWaiting(restartWeight());
         trimIfOverfull();
-    } else if (following && m_document.isWorn()) {
+    } else if (following && m_document.needsRebuild()) {
         m_document.restart(restartWeight());
     } else if (m_document.isFillable() && !m_flooded) {
         std::optional<PlaceKeeper> place;
@@ -256,9 +256,9 @@ bool Console::showMore()
         m_document.fill(fillWeight);
         if (place)
             place->restore();
-    } else if (following && !m_flooded && m_document.isDeepenable()) {
+    } else if (following && !m_flooded && m_document.canRewriteWithOlder()) {
         // A reader would be moved.
-        m_document.deepen();
+        m_document.rewriteWithOlder();
         // So much is laid out in more than one turn, and its end is where it stays only then.
         return true;
     }
@@ -267,7 +267,8 @@ bool Console::showMore()
 
 bool Console::hasMoreToShow() const
 {
-    return m_document.isFillable() || (follows() && (m_document.isWorn() || m_document.isDeepenable()));
+    return m_document.isFillable()
+        || (follows() && (m_document.needsRebuild() || m_document.canRewriteWithOlder()));
 }
 
 bool Console::isFloodOver()
@@ -400,7 +401,7 @@ bool Console::follows() const
 
 void Console::followEnd()
 {
-    m_view->setTextCursor(m_document.end());
+    m_view->setTextCursor(m_document.writeCursor());
     m_view->ensureCursorVisible();
 }
 

@@ -36,7 +36,7 @@ public:
     void setFont(const QFont& font);
 
     /// The entries after which the document is written anew, as it never forgets their formats.
-    void setRebuildAfter(std::uint64_t entries) { m_document.setWornAfter(entries); }
+    void setRebuildAfter(std::uint64_t entries) { m_document.setRebuildAfter(entries); }
 
     /// True while records come faster than they can be shown.
     bool isFlooded() const { return m_flooded; }

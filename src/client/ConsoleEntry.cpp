@@ -53,6 +53,12 @@ Type typeOf(std::string_view entry)
     return static_cast<Type>(type);
 }
 
+/// For an entry that has its text right behind its type and frame.
+bool endsWithEmptyLine(std::string_view entry)
+{
+    return entry.size() <= offset::text - start || entry.back() == '\n' || entry.back() == '\r';
+}
+
 QString enumerantName(const Message& record, std::size_t at)
 {
     return QString::fromLatin1(gl::enumerantName(record.i32(at)));
@@ -150,51 +156,32 @@ int weight(std::string_view entry)
         + static_cast<std::size_t>(std::count(entry.begin(), entry.end(), '\n')));
 }
 
-void Outline::pass(std::string_view entry)
+void follow(std::string_view entry, ConsoleOutline& outline)
 {
-    const Type type = typeOf(entry);
-    if (type == closingLineType) {
-        m_openFrames.clear();
-        passLine(entry);
-        return;
-    }
-    switch (type) {
+    switch (const Type type = typeOf(entry)) {
     case Type::IdentifiedMessage:
-        passHeading();
-        m_openFrames.emplace_back(entry);
+        outline.openFrame(entry);
         break;
     case Type::LineBreak:
-        if (!m_openFrames.empty())
-            m_openFrames.pop_back();
-        m_lineEmpty = true;
+        outline.breakLine();
         break;
     case Type::Information:
-        passLine(entry);
+        outline.addText(endsWithEmptyLine(entry));
+        break;
+    case Type::DebugMessage:
+    case Type::Warning:
+    case Type::Error:
+    case Type::GlError:
+        outline.openFrame();
+        outline.breakLine();
         break;
     default:
-        passHeading();
+        if (type == closingLineType) {
+            outline.leaveFrames();
+            outline.addText(endsWithEmptyLine(entry));
+        }
         break;
     }
-}
-
-void Outline::clearLines()
-{
-    m_openFrames.clear();
-    m_lineEmpty = true;
-}
-
-void Outline::passLine(std::string_view entry)
-{
-    m_lastWasHeading = false;
-    m_lineEmpty = entry.size() <= offset::text - start || entry.back() == '\n' || entry.back() == '\r';
-}
-
-void Outline::passHeading()
-{
-    if (m_openFrames.size() >= ConsoleSink::deepestFrame)
-        m_openFrames.clear();
-    m_lastWasHeading = true;
-    m_lineEmpty = true;
 }
 
 } // namespace console_entry

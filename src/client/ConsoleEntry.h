@@ -4,8 +4,8 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
+class ConsoleOutline;
 class ConsoleSink;
 
 /// A record that the console shows, in as few bytes as it needs: what is kept of each for drawing it again
@@ -27,27 +27,7 @@ void write(std::string_view entry, ConsoleSink& sink);
 /// How much an entry costs to lay out, in lines or so; 1 for most.
 int weight(std::string_view entry);
 
-/// Where a console stands between two entries, known without having written any.
-class Outline {
-public:
-    /// Takes note of the next entry.
-    void pass(std::string_view entry);
-    /// Takes note that all text has been removed.
-    void clearLines();
-
-    /// The entries whose frames are open, from the outside in.
-    const std::vector<std::string>& openFrames() const { return m_openFrames; }
-    bool lastWasHeading() const { return m_lastWasHeading; }
-    /// True when nothing stands on the current line.
-    bool isLineEmpty() const { return m_lineEmpty; }
-
-private:
-    void passHeading();
-    void passLine(std::string_view entry);
-
-    std::vector<std::string> m_openFrames;
-    bool m_lastWasHeading = false;
-    bool m_lineEmpty = true;
-};
+/// Adds an entry to an outline as write() would, without looking at its texts.
+void follow(std::string_view entry, ConsoleOutline& outline);
 
 } // namespace console_entry

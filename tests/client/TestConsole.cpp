@@ -244,7 +244,7 @@ void TestConsole::heavyEntriesDoNotPileUp()
     ConsoleDocument document(&text);
     const std::string entry = console_entry::pack(records::text(Type::Information, std::string(8000, 'x')));
     for (int i = 0; i < live; ++i)
-        document.keep(entry);
+        document.enqueue(entry);
     QVERIFY(document.waiting() * entry.size() < 2'000'000);
     document.restart(1);
     QCOMPARE(console_oracle::earlierEntries(text), live - 1);
