@@ -471,10 +471,10 @@ void TestConsole::savesWhatWasTrimmed()
     QCOMPARE(html.count(QStringLiteral(
                  "<div class=\"frame error\">a &lt; b &amp; c</div>\n<div class=\"line\">grüß")),
         3 * live / 2);
-    QSignalSpy notices(&page.page.console(), &Console::notice);
+    QSignalSpy messages(&page.page.console(), &Console::statusMessage);
     QCOMPARE(saved(QStringLiteral("missing/console.txt")), QString());
-    QCOMPARE(notices.count(), 1);
-    QVERIFY(notices.at(0).at(0).toString().contains(QStringLiteral("not saved")));
+    QCOMPARE(messages.count(), 1);
+    QVERIFY(messages.at(0).at(0).toString().contains(QStringLiteral("not saved")));
 
     // Without waiting for a file that is being written.
     const platform::FileReplacement other(
@@ -483,7 +483,7 @@ void TestConsole::savesWhatWasTrimmed()
     time.start();
     QCOMPARE(saved(QStringLiteral("busy.txt")), QString());
     QVERIFY(time.elapsed() < 2000);
-    QVERIFY(notices.at(1).at(0).toString().endsWith(QStringLiteral("it is being written already")));
+    QVERIFY(messages.at(1).at(0).toString().endsWith(QStringLiteral("it is being written already")));
 
     page.page.findChild<QPushButton*>(QStringLiteral("btnClear"))->click();
     page.receive({text(Type::Information, "after")}, 1);
@@ -496,7 +496,7 @@ void TestConsole::fullDiskHarmsNothing()
 {
     const QByteArray folder = qgetenv("TMPDIR");
     Page page;
-    QSignalSpy notices(&page.page.console(), &Console::notice);
+    QSignalSpy messages(&page.page.console(), &Console::statusMessage);
     const auto kept = [&page] {
         ConsoleText text;
         ConsoleSpool::Reader reader(page.page.console().spool());
@@ -539,7 +539,7 @@ void TestConsole::fullDiskHarmsNothing()
     page.receive(lines, 100);
     QCOMPARE(nextLine(), lines.size());
     QVERIFY(page.comesToRest());
-    QCOMPARE(notices.count(), 2);
+    QCOMPARE(messages.count(), 2);
     const QStringList shown = page.document().toPlainText().split(QLatin1Char('\n'));
     QCOMPARE(shown.size(), lines.size());
     QVERIFY(shown.last().startsWith(QStringLiteral("999xxx")));
