@@ -136,10 +136,8 @@ void ClientInterface::setLive()
 
 QString ClientInterface::title() const
 {
-    QString title;
-    if (!m_name.isEmpty())
-        title = QLatin1Char('"') + m_name + QStringLiteral("\" ");
-    return title + tr("PID: %1").arg(m_pid);
+    const QString pid = QString::number(m_pid);
+    return m_name.isEmpty() ? tr("PID: %1").arg(pid) : tr("\"%1\" PID: %2").arg(m_name, pid);
 }
 
 ConsolePace::Reading ClientInterface::reading() const

@@ -332,7 +332,8 @@ int ConsoleDocument::shownLength() const
         m_headLength, [](int sum, const Entry& entry) { return sum + entry.length; });
 }
 
-/// False when the document is not as it was written: its place in the text tells entries apart.
+/// False when somebody else has changed the document, where the lengths of the entries no longer tell their
+/// places.
 bool ConsoleDocument::isUnchanged() const
 {
     return shownLength() == lengthOf(*m_document);

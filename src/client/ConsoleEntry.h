@@ -8,11 +8,10 @@
 class ConsoleOutline;
 class ConsoleSink;
 
-/// A record that the console shows, in as few bytes as it needs: what is kept of each for drawing it again
-/// and for saving.
+/// Entries of the console: records that it shows, cut to the bytes that it takes to draw or save them again.
 namespace console_entry {
 
-/// True for records of types that write to the console.
+/// True for the types of records that the console shows.
 bool isShown(ui::messages::Type type);
 
 /// The bytes of a record of such a type.
@@ -24,7 +23,7 @@ std::string packClosingLine(std::string_view text);
 /// Writes an entry to a sink. Bytes that are no entry write nothing.
 void write(std::string_view entry, ConsoleSink& sink);
 
-/// How much an entry costs to lay out, in lines or so; 1 for most.
+/// What it costs to lay an entry out, in lines or so; 1 for most.
 int weight(std::string_view entry);
 
 /// Adds an entry to an outline as write() would, without looking at its texts.

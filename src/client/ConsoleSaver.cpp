@@ -43,7 +43,7 @@ struct ConsoleSaver::Job {
         , reader(spool)
     {
         if (isHtml(path))
-            html.emplace(QStringLiteral("Console"));
+            html.emplace(tr("Console"));
     }
     ConsoleSink& sink() { return html ? static_cast<ConsoleSink&>(*html) : text; }
     std::string take() { return (html ? html->take() : text.take()).toStdString(); }

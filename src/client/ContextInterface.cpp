@@ -34,9 +34,11 @@ struct SupportState {
 };
 
 constexpr std::array supportStates{
-    SupportState{offset::contextExtensions, "Yes"},
-    SupportState{offset::contextExtensionsNotOnHost, "Not supported by the host system"},
-    SupportState{offset::contextExtensionsNotEmulated, "Not currently supported by Corvale"},
+    SupportState{offset::contextExtensions, QT_TRANSLATE_NOOP("ExtensionModel", "Yes")},
+    SupportState{offset::contextExtensionsNotOnHost,
+        QT_TRANSLATE_NOOP("ExtensionModel", "Not supported by the host system")},
+    SupportState{offset::contextExtensionsNotEmulated,
+        QT_TRANSLATE_NOOP("ExtensionModel", "Not currently supported by Corvale")},
 };
 
 } // namespace
@@ -50,7 +52,7 @@ ContextInterface::ContextInterface(const Message& record, QWidget* parent)
     showEsExtensions(record);
     showHostExtensions(record);
     if (record.u32(offset::contextStrict) == 0)
-        m_ui->grp_context_info_es->setTitle(QStringLiteral("OpenGL ES (Emulated) (Loose mode)"));
+        m_ui->grp_context_info_es->setTitle(tr("OpenGL ES (Emulated) (Loose mode)"));
     m_ui->table_context_info_es_extensions->resizeColumnsToContents();
 }
 
@@ -66,7 +68,7 @@ void ContextInterface::showVersions(const Message& record)
         catalogue::glslVersionName(record.u32(offset::contextGlslVersion), catalogue::GlslForm::Long)));
     const std::uint32_t glslEs = record.u32(offset::contextGlslEsVersion);
     m_ui->lbl_context_info_glsl_es_version_val->setText(
-        glslEs == 0 ? QStringLiteral("None") : QString::fromLatin1(catalogue::glslEsVersionName(glslEs)));
+        glslEs == 0 ? tr("None") : QString::fromLatin1(catalogue::glslEsVersionName(glslEs)));
 
     // A name in angle brackets would be taken for markup.
     for (QLabel* label : {m_ui->lbl_context_info_es_version_val, m_ui->lbl_context_info_gl_version_val,

@@ -27,12 +27,12 @@ QVariant ExtensionModel::data(const QModelIndex& index, int role) const
         || !checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
     const Row& row = m_rows[static_cast<std::size_t>(index.row())];
-    return QString::fromLatin1(index.column() == NameColumn ? row.name : row.support);
+    return index.column() == NameColumn ? QString::fromLatin1(row.name) : tr(row.support);
 }
 
 QVariant ExtensionModel::headerData(int section, Qt::Orientation orientation, int role) const
 {
     if (orientation != Qt::Horizontal || role != Qt::DisplayRole || section < 0 || section >= m_columns)
         return {};
-    return section == NameColumn ? QStringLiteral("Name") : QStringLiteral("Supported");
+    return section == NameColumn ? tr("Name") : tr("Supported");
 }

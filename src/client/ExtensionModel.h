@@ -4,8 +4,8 @@
 
 #include <vector>
 
-/// Extension names, and for OpenGL ES also whether they are supported. The texts are constants of the
-/// program, so that a row takes two pointers. Filled before a view shows it.
+/// Extension names, and for OpenGL ES also whether they are supported. A row takes two pointers, since its
+/// texts are constants. Filled before a view shows it.
 class ExtensionModel : public QAbstractTableModel {
     Q_OBJECT
 
@@ -15,6 +15,7 @@ public:
     /// With one column for names alone, with two for names and support.
     explicit ExtensionModel(int columns, QObject* parent = nullptr);
 
+    /// Both are constants of the program; the support is marked for translation in this class.
     void append(const char* name, const char* support = "");
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;

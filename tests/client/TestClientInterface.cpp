@@ -1,5 +1,7 @@
 #include "ClientInterface.h"
 #include "ConnectedClient.h"
+#include "ConsoleEntry.h"
+#include "ConsoleText.h"
 #include "ErrorListModel.h"
 #include "MetaObjects.h"
 #include "Resources.h"
@@ -155,6 +157,10 @@ void TestClientInterface::consoleText_data()
         identified("assert", 7), info, lineBreak, info} << "\n\nassert (ID: 7)\ninfo\n\ninfo";
     QTest::newRow("several lines stay in their frame")
         << QList<Message>{text(Type::Error, "one\r\ntwo"), info} << "\n\nError\none\ntwo\n\ninfo";
+    QTest::newRow("no more than eight frames are nested")
+        << (QList<Message>(9, identified("deep", 1)) + QList<Message>{info})
+        << QStringLiteral("\n\n") + QStringLiteral("deep (ID: 1)\n").repeated(8) + QString(8, '\n')
+            + QStringLiteral("deep (ID: 1)\ninfo\n");
     QTest::newRow("no other type shows")
         << QList<Message>{make(Type::SetPid), make(Type::ReportText), make(static_cast<Type>(99))} << "";
 }
@@ -165,6 +171,17 @@ void TestClientInterface::consoleText()
     Page page;
     page.receive(messages);
     QTEST(page.document().toPlainText(), "shown");
+
+    ConsoleText saved;
+    for (const Message& message : messages) {
+        if (console_entry::isShown(message.type()))
+            console_entry::write(console_entry::pack(message), saved);
+    }
+    saved.finish();
+    QFETCH(QString, shown);
+    if (!shown.isEmpty() && !shown.endsWith(QLatin1Char('\n')))
+        shown += QLatin1Char('\n');
+    QCOMPARE(saved.take(), shown);
 }
 
 void TestClientInterface::headingsInARowStandClose()

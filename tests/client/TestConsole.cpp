@@ -97,8 +97,9 @@ private Q_SLOTS:
 
     void shownIsTheEndOfAll_data();
     void shownIsTheEndOfAll();
-    void firstRecordsOfATurnAreShownAtOnce();
-    void viewsTakeTurns();
+    void firstRecordsOfAnIterationAreShownAtOnce();
+    void paceOfWriting();
+    void oneViewRefreshesAtATime();
     void heavyFrameHoldsNothingUp();
     void heavyEntriesDoNotPileUp();
     void readerStays();
@@ -159,10 +160,10 @@ void TestConsole::shownIsTheEndOfAll()
     QVERIFY(page.isAtEnd());
 }
 
-void TestConsole::firstRecordsOfATurnAreShownAtOnce()
+void TestConsole::firstRecordsOfAnIterationAreShownAtOnce()
 {
     Page page;
-    for (int turn = 0; turn < 3; ++turn) {
+    for (int iteration = 0; iteration < 3; ++iteration) {
         page.receive(numbered(1000), 200);
         QCOMPARE(page.whyWrong(), QString());
         QCoreApplication::processEvents();
@@ -172,7 +173,47 @@ void TestConsole::firstRecordsOfATurnAreShownAtOnce()
     QVERIFY(QTest::qWaitFor([&] { return page.receive(heavy, 20), page.page.console().isFlooded(); }, 20000));
 }
 
-void TestConsole::viewsTakeTurns()
+void TestConsole::paceOfWriting()
+{
+    using Reading = ConsolePace::Reading;
+    QCoreApplication::processEvents();
+    ConsolePace one;
+    QVERIFY(one.mayWriteAtOnce(Reading::CaughtUp, false));
+    QVERIFY2(!one.mayWriteAtOnce(Reading::CaughtUp, true), "the document is closed");
+    QVERIFY(!one.isFlooded() && !one.isRefreshPending());
+    one.addWritingTime(20'000'000);
+    QVERIFY(one.mayWriteAtOnce(Reading::CaughtUp, false));
+    ConsolePace other;
+    QVERIFY(other.mayWriteAtOnce(Reading::NoConnection, false));
+    QVERIFY2(!other.mayWriteAtOnce(Reading::CaughtUp, false), "the first has taken the time");
+    QVERIFY(!one.mayWriteAtOnce(Reading::Behind, false));
+    for (ConsolePace* pace : {&one, &other})
+        QVERIFY(pace->isFlooded() && pace->isRefreshPending());
+
+    QVERIFY2(!one.beginRefresh(false), "the flood goes on, and nobody looks");
+    QVERIFY(!one.mayWriteAtOnce(Reading::Behind, false));
+    QVERIFY(one.beginRefresh(true));
+    QVERIFY2(!other.beginRefresh(true) && other.isRefreshPending(), "another one refreshes");
+    one.endRefresh(false, false);
+    QVERIFY(one.isFlooded());
+    QSignalSpy due(&one, &ConsolePace::refreshDue);
+    QVERIFY(due.wait());
+    QVERIFY(one.beginRefresh(true));
+    one.endRefresh(true, false);
+    QVERIFY2(one.isFlooded() && one.isRefreshPending(), "entries wait");
+    QVERIFY(due.wait());
+    QVERIFY(one.beginRefresh(false));
+    one.endRefresh(false, false);
+    QVERIFY(!one.isFlooded() && !one.isRefreshPending());
+    QVERIFY(one.mayWriteAtOnce(Reading::CaughtUp, false));
+
+    // Once what may be taken in advance is used up, each iteration of the event loop has to wait.
+    one.addWritingTime(60'000'000'000);
+    QCoreApplication::processEvents();
+    QVERIFY(!one.mayWriteAtOnce(Reading::CaughtUp, false));
+}
+
+void TestConsole::oneViewRefreshesAtATime()
 {
     Page one;
     Page other;
