@@ -386,6 +386,19 @@ void TestClientInterface::errorListFollowsTheBoxAtOnce()
 
     page.box.click();
     QVERIFY(page.isAtEnd());
+    // Also in the pause that follows a scroll.
+    page.box.click();
+    page.bar.setValue(0);
+    page.box.click();
+    QVERIFY(page.isAtEnd());
+
+    page.child<QTabWidget>("tabWidget").setCurrentIndex(0);
+    page.fill(30);
+    QTest::qWait(100);
+    page.child<QTabWidget>("tabWidget").setCurrentIndex(1);
+    QTRY_VERIFY(page.isAtEnd());
+    QCOMPARE(page.bar.value(),
+        page.list.rowHeight(0) * page.list.model()->rowCount() - page.list.viewport()->height());
 }
 
 void TestClientInterface::errorListLeavesTheEndToTheReader()

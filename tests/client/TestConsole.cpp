@@ -207,6 +207,15 @@ void TestConsole::paceOfWriting()
     QVERIFY(!one.isFlooded() && !one.isRefreshPending());
     QVERIFY(one.mayWriteAtOnce(Reading::CaughtUp, false));
 
+    int atOnce = 0;
+    for (int i = 0; i < 1000; ++i)
+        atOnce += one.mayWriteAtOnce(Reading::CaughtUp, false) ? 1 : 0;
+    QVERIFY2(atOnce > 100 && atOnce < 500, "the rest of an iteration's entries wait");
+    QVERIFY(due.wait());
+    QVERIFY(!one.beginRefresh(false));
+    QVERIFY(one.beginRefresh(true));
+    one.endRefresh(false, false);
+
     // Once what may be taken in advance is used up, each iteration of the event loop has to wait.
     one.addWritingTime(60'000'000'000);
     QCoreApplication::processEvents();
@@ -429,6 +438,14 @@ void TestConsole::readerStopsFollowing()
     QVERIFY(page.comesToRest());
     QVERIFY(page.autoScroll->isChecked() && page.isAtEnd());
     QCOMPARE(page.whyWrong(), QString());
+
+    // Who asks for the end is no longer in the middle of a selection.
+    QTest::mousePress(text, Qt::LeftButton, {}, {30, 100});
+    page.autoScroll->click();
+    page.autoScroll->click();
+    page.receive(lines, 50);
+    QVERIFY(page.comesToRest());
+    QVERIFY(page.isAtEnd());
 }
 
 void TestConsole::steadyStreamWearsNothingOut_data()
