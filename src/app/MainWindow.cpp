@@ -209,7 +209,7 @@ void MainWindow::serverNewConnection()
     connect(client, SIGNAL(cleanDisconnect(Client*)), SLOT(clientCleanDisconnect(Client*)));
     connect(client, SIGNAL(ickyDisconnect(Client*)), SLOT(clientIckyDisconnect(Client*)));
     connect(m_ui->cmbFont, SIGNAL(currentFontChanged(const QFont&)), page, SLOT(fontChanged(const QFont&)));
-    connect(&page->console(), &Console::notice, this,
+    connect(&page->console(), &Console::statusMessage, this,
         [this](const QString& text) { statusBar()->showMessage(text, messageTime); });
     // Its page is done with the save as well before the window closes.
     connect(&page->saver(), &ConsoleSaver::ended, this, &MainWindow::consoleSaved, Qt::QueuedConnection);

@@ -1,6 +1,6 @@
 #include "Client.h"
 
-#include "EventLoopTurn.h"
+#include "EventLoopBudget.h"
 #include "RecordText.h"
 
 #include <QElapsedTimer>
@@ -17,10 +17,11 @@ namespace offset = ui::messages::offset;
 
 namespace {
 
-/// Bytes that are buffered for a socket each way; what an application sends beyond them waits in the system.
+/// Bytes that are buffered for a socket in each direction. What an application sends beyond them stays in the
+/// system's buffers.
 constexpr qint64 bufferLimit = 64 * static_cast<qint64>(recordSize);
 
-/// True when the other end is closed. Writing to such a socket would throw away what it has not read yet.
+/// True when the other end is closed. Writing to such a socket would throw its unread bytes away.
 bool hasHungUp(const QLocalSocket& socket)
 {
 #ifdef Q_OS_WIN
@@ -42,7 +43,7 @@ Client::Client(QObject* parent, QLocalSocket* socket)
     socket->setReadBufferSize(bufferLimit);
     connect(socket, SIGNAL(readyRead()), SLOT(socketReadyRead()));
     connect(socket, SIGNAL(disconnected()), SLOT(socketDisconnected()));
-    // After its end a socket is of no use, but it would keep its buffers as long as the server lives.
+    // A disconnected socket is of no use, but would keep its buffers as long as the server lives.
     connect(socket, SIGNAL(disconnected()), socket, SLOT(deleteLater()));
     continueLater();
 }
@@ -59,23 +60,23 @@ void Client::readRecords(bool bounded)
         return;
     m_reading = true;
     const QPointer<Client> self(this);
-    const qint64 limit = event_loop_turn::readingTime(m_lastTurn);
+    const qint64 limit = event_loop_budget::readingTime(m_lastIteration);
     QElapsedTimer elapsed;
     elapsed.start();
     Step step = Step::GoOn;
-    bool isCut = false;
-    while (step == Step::GoOn && !isCut) {
+    bool isOutOfTime = false;
+    while (step == Step::GoOn && !isOutOfTime) {
         step = readRecord();
         if (!self)
             return;
-        isCut = step == Step::GoOn && bounded && elapsed.nsecsElapsed() >= limit;
+        isOutOfTime = step == Step::GoOn && bounded && elapsed.nsecsElapsed() >= limit;
     }
-    if (isCut)
+    if (isOutOfTime)
         continueLater();
-    m_hasBacklog = isCut;
+    m_hasBacklog = isOutOfTime;
     m_reading = false;
-    if (m_endPending) {
-        m_endPending = false;
+    if (m_disconnectPending) {
+        m_disconnectPending = false;
         socketDisconnected();
     }
 }
@@ -143,7 +144,7 @@ Client::Step Client::dispatch(const Message& message)
 
 void Client::continueLater()
 {
-    // The socket announces new bytes only, so whoever leaves bytes behind has to come back for them.
+    // The socket announces new bytes only, so bytes that a pass leaves behind need another one.
     if (m_continuationPending)
         return;
     m_continuationPending = true;
@@ -160,7 +161,7 @@ void Client::continueLater()
 void Client::socketDisconnected()
 {
     if (m_reading) {
-        m_endPending = true;
+        m_disconnectPending = true;
         return;
     }
     const QPointer<Client> self(this);
@@ -189,14 +190,14 @@ void Client::notifyServerStop()
 void Client::write(const Message& message)
 {
     const QPointer<Client> self(this);
-    readWhatAGoneApplicationSent();
-    // An application that never reads must not make us keep more and more for it.
+    drainClosedSocket();
+    // For an application that never reads, the bytes to write would pile up without limit.
     if (self && m_socket && m_socket->state() == QLocalSocket::ConnectedState
         && m_socket->bytesToWrite() < bufferLimit)
         m_socket->write(message.data(), static_cast<qint64>(recordSize));
 }
 
-void Client::readWhatAGoneApplicationSent()
+void Client::drainClosedSocket()
 {
     if (m_saidGoodbye || m_reading)
         return;
@@ -206,7 +207,7 @@ void Client::readWhatAGoneApplicationSent()
         readRecords(false);
         if (!self || !m_socket || m_saidGoodbye)
             return;
-        // Bytes that make no whole record may fill up with what is still in the system.
+        // A record whose first bytes have been buffered may be completed by what is still in the system.
         if (!m_socket->waitForReadyRead(0) && m_socket->bytesAvailable() == before)
             return;
     }

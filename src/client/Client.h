@@ -18,8 +18,8 @@ class Client : public QObject {
     Q_OBJECT
 
 public:
-    /// Watches a connected socket, which stays its server's. Bytes that arrived before are read as well, once
-    /// the event loop runs again, so that whoever made the client can connect its signals first.
+    /// Watches a connected socket, which its server goes on to own. Bytes that have arrived already are read
+    /// once the event loop runs again, so that the client's signals can be connected before.
     Client(QObject* parent, QLocalSocket* socket);
 
     /// True while more has arrived than could be read in the time that there is for it.
@@ -36,7 +36,7 @@ Q_SIGNALS:
     void cleanDisconnect(Client*);
     /// The connection ended without a good-bye.
     void ickyDisconnect(Client*);
-    /// A record of a type that no application may send; everything that was buffered behind it is lost.
+    /// A record of a type that no application may send. Everything that was buffered behind it is dropped.
     void badRead(Client*);
 
 public Q_SLOTS:
@@ -54,13 +54,13 @@ private:
     Step dispatch(const ui::messages::Message& message);
     void continueLater();
     void write(const ui::messages::Message& message);
-    void readWhatAGoneApplicationSent();
+    void drainClosedSocket();
 
     QPointer<QLocalSocket> m_socket;
     bool m_saidGoodbye = false;
     bool m_continuationPending = false;
     bool m_hasBacklog = false;
-    quint64 m_lastTurn = 0;
+    quint64 m_lastIteration = 0; ///< Of the event loop, in which the client has read.
     bool m_reading = false;
-    bool m_endPending = false;
+    bool m_disconnectPending = false; ///< The socket was disconnected during a read pass.
 };

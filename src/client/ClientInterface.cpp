@@ -7,7 +7,6 @@
 #include "ContextInterface.h"
 #include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
-#include "EventLoopTurn.h"
 #include "GlEnumerants.h"
 #include "RecordText.h"
 #include "ui_ClientInterface.h"
@@ -25,8 +24,8 @@ namespace offset = ui::messages::offset;
 
 namespace {
 
-/// Context pages of a client, and how many of the oldest go at once beyond that: each time that the page in
-/// front goes costs as much as there are pages.
+/// Context pages that are kept of a client, and how many of the oldest are removed together beyond that
+/// number: whenever the page in front is removed, that takes time for all pages.
 constexpr int mostContexts = 500;
 constexpr int contextStep = 50;
 
@@ -74,15 +73,14 @@ void ClientInterface::setUpContexts()
     m_ui->lblNoContexts->setText(m_client
             ? tr("No rendering context yet. Each context that the application creates gets a page here.")
             : tr("No application is connected. Start a program that loads the Corvale libraries, and it "
-                 "appears "
-                 "here by itself."));
+                 "appears here by itself."));
     colourContextsHint();
     m_ui->tabWidget_contexts->hide();
 }
 
 void ClientInterface::colourContextsHint()
 {
-    // It is to be read on the disabled page too.
+    // The hint is to be read on the disabled page too.
     QPalette colours;
     colours.setColor(
         QPalette::Disabled, QPalette::WindowText, palette().color(QPalette::Active, QPalette::WindowText));
@@ -138,10 +136,15 @@ void ClientInterface::setLive()
 
 QString ClientInterface::title() const
 {
-    QString title;
-    if (!m_name.isEmpty())
-        title = QLatin1Char('"') + m_name + QStringLiteral("\" ");
-    return title + QStringLiteral("PID: ") + QString::number(m_pid);
+    const QString pid = QString::number(m_pid);
+    return m_name.isEmpty() ? tr("PID: %1").arg(pid) : tr("\"%1\" PID: %2").arg(m_name, pid);
+}
+
+ConsolePace::Reading ClientInterface::reading() const
+{
+    if (!m_client)
+        return ConsolePace::Reading::NoConnection;
+    return m_client->hasBacklog() ? ConsolePace::Reading::Behind : ConsolePace::Reading::CaughtUp;
 }
 
 int ClientInterface::subPage() const
@@ -164,8 +167,7 @@ void ClientInterface::showSubPage(int index)
 
 void ClientInterface::receive(const Message& message)
 {
-    const bool hurried = m_client && (m_client->hasBacklog() || !event_loop_turn::mayDrawAtOnce(m_console));
-    m_console->add(message, hurried);
+    m_console->add(message, reading());
     switch (message.type()) {
     case Type::Warning:
         addErrorListRow(error_list::SeverityWarning, message, QString(),
@@ -191,12 +193,12 @@ void ClientInterface::receive(const Message& message)
 
 void ClientInterface::addContext(const Message& message)
 {
-    // A page costs far more than its record: an application that goes on for ever keeps its newest ones.
+    // A page takes far more memory than its record. Of an application that makes contexts without end, only
+    // the newest ones are kept.
     if (m_ui->tabWidget_contexts->count() >= mostContexts)
         removeOldestContexts();
     auto* page = new ContextInterface(message, m_ui->tabWidget_contexts);
-    m_ui->tabWidget_contexts->addTab(
-        page, QStringLiteral("Context ") + QString::number(message.i32(offset::contextNumber)));
+    m_ui->tabWidget_contexts->addTab(page, tr("Context %1").arg(message.i32(offset::contextNumber)));
     m_ui->lblNoContexts->hide();
     m_ui->tabWidget_contexts->show();
 }
@@ -213,13 +215,7 @@ void ClientInterface::addErrorListRow(qint32 severity, const Message& message, c
     const QString& description, const QString& function)
 {
     m_errorListModel->append(severity, message.i32(offset::frame), code, description, function);
-    followErrorList();
-}
-
-void ClientInterface::followErrorList()
-{
-    if (m_ui->chkErrorListAutoScroll->isChecked())
-        m_ui->tblErrorList->followEnd();
+    m_ui->tblErrorList->followEnd();
 }
 
 void ClientInterface::fontChanged(const QFont& font)
@@ -269,13 +265,13 @@ void ClientInterface::uncheckErrorListAutoScroll()
 void ClientInterface::errorListWarningsStateChanged(int state)
 {
     m_errorListFilter->setShowWarnings(state == Qt::Checked);
-    followErrorList();
+    m_ui->tblErrorList->followEnd();
 }
 
 void ClientInterface::errorListErrorsStateChanged(int state)
 {
     m_errorListFilter->setShowErrors(state == Qt::Checked);
-    followErrorList();
+    m_ui->tblErrorList->followEnd();
 }
 
 void ClientInterface::showErrorListItemContents(int row, int column, QPoint position)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ConsolePace.h"
 #include "MetaTypes.h"
 
 #include <QPointer>
@@ -40,7 +41,7 @@ public:
 
     void setName(const QString& name) { m_name = name; }
     void setPid(PID_TYPE pid) { m_pid = pid; }
-    /// The tab's title from what the application has told of itself: its quoted name, if known, and its PID.
+    /// The tab's title: the application's name in quotes, where it has sent one, and its PID.
     QString title() const;
 
     const ErrorListModel& errorListModel() const { return *m_errorListModel; }
@@ -52,8 +53,8 @@ public:
     /// Shows one of these pages and gives it the focus.
     void showSubPage(int index);
 
-    /// For the page of a closed tab while its saver is busy: takes no more, and destroys itself when that is
-    /// done.
+    /// For the page of a closed tab while its saver is busy: the page takes no more records, and destroys
+    /// itself when the saver is done.
     void closeOnceSaved();
 
 public Q_SLOTS:
@@ -83,7 +84,7 @@ private:
     void showConsoleMenu(const QPoint& position);
     void addContext(const ui::messages::Message& message);
     void removeOldestContexts();
-    void followErrorList();
+    ConsolePace::Reading reading() const;
     void addErrorListRow(qint32 severity, const ui::messages::Message& message, const QString& code,
         const QString& description, const QString& function);
 

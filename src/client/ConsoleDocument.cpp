@@ -7,8 +7,6 @@
 #include <numeric>
 #include <utility>
 
-using console_entry::Outline;
-
 namespace {
 
 /// Weight of all that is shown; entries of many lines count as many.
@@ -17,7 +15,7 @@ constexpr int liveWeight = 5 * static_cast<int>(ConsoleDocument::liveEntries);
 /// Weight of what is written in one go where it cannot be written bit by bit. Measured: 15 to 50 ms.
 constexpr int mostAtOnce = 1300;
 
-QString noticeText(std::uint64_t count)
+QString earlierEntriesText(std::uint64_t count)
 {
     return QCoreApplication::translate(
         "Console", "%1 earlier entries are no longer shown. \"Save console...\" writes them all to a file.")
@@ -76,7 +74,7 @@ void ConsoleDocument::append(std::string entry)
     write(m_entries.back(), m_writer);
 }
 
-void ConsoleDocument::keep(std::string entry)
+void ConsoleDocument::enqueue(std::string entry)
 {
     const int weight = console_entry::weight(entry);
     m_waiting.push_back({std::move(entry), weight, 0});
@@ -90,7 +88,7 @@ void ConsoleDocument::skipOldest()
 {
     if (!m_waitingOutline)
         m_waitingOutline = outlineAt(m_entries.size());
-    m_waitingOutline->pass(m_waiting.front().bytes);
+    console_entry::follow(m_waiting.front().bytes, *m_waitingOutline);
     m_waitingWeight -= m_waiting.front().weight;
     m_waiting.pop_front();
     ++m_skipped;
@@ -130,16 +128,16 @@ void ConsoleDocument::takeAllWaiting()
 
 void ConsoleDocument::forgetOldest()
 {
-    m_outline.pass(m_entries.front().bytes);
+    console_entry::follow(m_entries.front().bytes, m_outline);
     m_entries.pop_front();
     ++m_forgotten;
 }
 
-Outline ConsoleDocument::outlineAt(std::size_t entry) const
+ConsoleOutline ConsoleDocument::outlineAt(std::size_t entry) const
 {
-    Outline outline = m_outline;
+    ConsoleOutline outline = m_outline;
     for (std::size_t i = 0; i < entry; ++i)
-        outline.pass(m_entries[i].bytes);
+        console_entry::follow(m_entries[i].bytes, outline);
     return outline;
 }
 
@@ -180,13 +178,16 @@ void ConsoleDocument::writeFrom(std::size_t first)
 {
     const Edit edit(m_document);
     addHead();
-    const Outline outline = outlineAt(first);
-    m_writer.moveToEnd();
-    m_writer.setLastWasHeading(false);
-    // What is inside of frames is shown inside of them, with the headings that opened them.
-    for (const std::string& heading : outline.openFrames())
-        console_entry::write(heading, m_writer);
-    m_writer.setLastWasHeading(outline.lastWasHeading());
+    const ConsoleOutline outline = outlineAt(first);
+    if (outline.isInFrame()) {
+        // What is inside of frames is shown inside of them, with the headings that opened them.
+        m_writer.moveToEnd(ConsoleOutline());
+        for (const std::string& heading : outline.openFrames())
+            console_entry::write(heading, m_writer);
+        m_writer.setLastWasHeading(outline.lastWasHeading());
+    } else {
+        m_writer.moveToEnd(outline);
+    }
     m_headLength = lengthOf(*m_document);
     for (std::size_t i = first; i < m_entries.size(); ++i)
         write(m_entries[i], m_writer);
@@ -199,9 +200,10 @@ void ConsoleDocument::addHead()
     const std::uint64_t earlier = m_forgotten + m_first;
     if (earlier == 0)
         return;
-    const Outline outline = outlineAt(m_first);
+    const ConsoleOutline outline = outlineAt(m_first);
+    const bool isOwnLine = outline.isLineEmpty() && !outline.isInFrame();
     QTextCursor cursor(m_document);
-    if (outline.isLineEmpty() && outline.openFrames().empty()) {
+    if (isOwnLine) {
         const QTextBlockFormat format = cursor.blockFormat();
         cursor.insertBlock(format, cursor.blockCharFormat());
         cursor.movePosition(QTextCursor::Start);
@@ -209,9 +211,8 @@ void ConsoleDocument::addHead()
     cursor.setBlockFormat(QTextBlockFormat());
     cursor.setBlockCharFormat(QTextCharFormat());
     const int before = lengthOf(*m_document);
-    cursor.insertText(noticeText(earlier), ConsoleWriter::ownLineFormat());
-    m_headLength =
-        lengthOf(*m_document) - before + (outline.isLineEmpty() && outline.openFrames().empty() ? 1 : 0);
+    cursor.insertText(earlierEntriesText(earlier), ConsoleWriter::ownLineFormat());
+    m_headLength = lengthOf(*m_document) - before + (isOwnLine ? 1 : 0);
 }
 
 void ConsoleDocument::removeHead()
@@ -236,7 +237,7 @@ void ConsoleDocument::removeUpTo(int position)
 bool ConsoleDocument::hasRoomForOlder() const
 {
     return m_first > 0 && !m_closed && m_entries.size() - m_first < liveEntries && m_shownWeight < liveWeight
-        && isInStep();
+        && isUnchanged();
 }
 
 /// From where on entries of a given weight can be put before what is shown: outside of any frame, for inside
@@ -245,14 +246,14 @@ bool ConsoleDocument::hasRoomForOlder() const
 std::size_t ConsoleDocument::fillPlace(int weight) const
 {
     std::vector<std::size_t> places;
-    Outline outline = m_outline;
+    ConsoleOutline outline = m_outline;
     for (std::size_t i = 0; i < m_first; ++i) {
-        if (outline.openFrames().empty())
+        if (!outline.isInFrame())
             places.push_back(i);
-        outline.pass(m_entries[i].bytes);
+        console_entry::follow(m_entries[i].bytes, outline);
     }
     std::size_t first = m_first;
-    if (!outline.openFrames().empty())
+    if (outline.isInFrame())
         return first;
     int sum = 0;
     std::size_t at = m_first;
@@ -271,12 +272,12 @@ bool ConsoleDocument::isFillable() const
     return hasRoomForOlder() && fillPlace(1) < m_first;
 }
 
-bool ConsoleDocument::isDeepenable() const
+bool ConsoleDocument::canRewriteWithOlder() const
 {
     return hasRoomForOlder() && firstOfNewest(mostAtOnce) < m_first && fillPlace(1) == m_first;
 }
 
-void ConsoleDocument::deepen()
+void ConsoleDocument::rewriteWithOlder()
 {
     m_first = firstOfNewest(mostAtOnce);
     for (; m_first > 0; --m_first)
@@ -299,12 +300,11 @@ void ConsoleDocument::fill(int weight)
         cursor.setBlockFormat(QTextBlockFormat());
         cursor.setBlockCharFormat(QTextCharFormat());
     }
-    const std::size_t end = std::exchange(m_first, first);
+    const std::size_t formerFirst = std::exchange(m_first, first);
     addHead();
     cursor.setPosition(m_headLength);
-    ConsoleWriter writer = m_writer.at(cursor);
-    writer.setLastWasHeading(outlineAt(first).lastWasHeading());
-    for (std::size_t i = first; i < end; ++i)
+    ConsoleWriter writer = m_writer.at(cursor, outlineAt(first));
+    for (std::size_t i = first; i < formerFirst; ++i)
         write(m_entries[i], writer);
     if (join)
         joinWithNextBlock(writer.cursor());
@@ -332,39 +332,40 @@ int ConsoleDocument::shownLength() const
         m_headLength, [](int sum, const Entry& entry) { return sum + entry.length; });
 }
 
-/// False when somebody else has changed the document.
-bool ConsoleDocument::isInStep() const
+/// False when somebody else has changed the document, where the lengths of the entries no longer tell their
+/// places.
+bool ConsoleDocument::isUnchanged() const
 {
     return shownLength() == lengthOf(*m_document);
 }
 
-bool ConsoleDocument::trim(int position)
+bool ConsoleDocument::trim(int limit)
 {
-    if (!isInStep() || !outlineAt(m_first).openFrames().empty())
+    if (!isUnchanged() || outlineAt(m_first).isInFrame())
         return false;
-    Outline outline = outlineAt(m_first);
-    int end = m_headLength;
+    ConsoleOutline outline = outlineAt(m_first);
+    int position = m_headLength;
     int weight = m_shownWeight;
     std::size_t keptFrom = m_first;
-    int keptEnd = end;
+    int keptPosition = position;
     int keptWeight = weight;
     for (std::size_t i = m_first;
          i < m_entries.size() && (m_entries.size() - i > liveEntries || weight > liveWeight)
-         && end + m_entries[i].length < position;
+         && position + m_entries[i].length < limit;
          ++i) {
-        outline.pass(m_entries[i].bytes);
-        end += m_entries[i].length;
+        console_entry::follow(m_entries[i].bytes, outline);
+        position += m_entries[i].length;
         weight -= m_entries[i].weight;
-        if (outline.openFrames().empty()) {
+        if (!outline.isInFrame()) {
             keptFrom = i + 1;
-            keptEnd = end;
+            keptPosition = position;
             keptWeight = weight;
         }
     }
     if (keptFrom == m_first)
         return false;
     const Edit edit(m_document);
-    removeUpTo(keptEnd);
+    removeUpTo(keptPosition);
     m_shownWeight = keptWeight;
     m_first = keptFrom;
     m_headLength = 0;
@@ -386,7 +387,7 @@ void ConsoleDocument::clear()
 {
     takeAllWaiting();
     m_outline = outlineAt(m_entries.size());
-    m_outline.clearLines();
+    m_outline.removeText();
     m_entries.clear();
     m_forgotten = 0;
     showFrom(0);

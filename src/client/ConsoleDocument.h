@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ConsoleEntry.h"
+#include "ConsoleOutline.h"
 #include "ConsoleWriter.h"
 
 #include <cstdint>
@@ -12,10 +13,10 @@ class QTextDocument;
 
 /// The newest entries of a console, and a text document that shows them.
 ///
-/// A document cannot take a flood: an entry costs time for every frame that there is. So it holds a bounded
-/// number of entries, and what comes too fast for it waits here, of which again only the newest are kept. A
-/// first line says how many entries stand before those that are shown. Whoever calls decides when to write,
-/// how much at once, and takes care of what the reader sees.
+/// A document cannot take a flood: inserting an entry costs time for every frame that there is. So the
+/// document holds a bounded number of entries. Entries that arrive faster than they can be written wait in a
+/// queue, of which only the newest are kept as well. The first line says how many entries are not shown
+/// before the others. The caller decides when to write and how much at once, and keeps the reader's place.
 class ConsoleDocument {
 public:
     /// Entries that the document holds. Measured: with 2,000, appending one takes 2 to 5 ms, and 50 at once
@@ -32,44 +33,46 @@ public:
 
     /// Writes an entry at the end. Only while none waits.
     void append(std::string entry);
-    /// Keeps an entry for later.
-    void keep(std::string entry);
+    /// Lets an entry wait for appendWaiting() or restart().
+    void enqueue(std::string entry);
     std::size_t waiting() const { return m_waiting.size(); }
-    /// True when entries between what is shown and what waits are gone, so that only restart() goes on.
+    /// True when entries between those that are shown and those that wait were dropped, so that only
+    /// restart() can show the others.
     bool hasGap() const { return m_skipped > 0; }
-    /// Writes the oldest entries that wait at the end, of a given weight at most, but at least one.
+    /// Writes the oldest of the waiting entries at the end, of a given weight at most, but at least one.
     void appendWaiting(int weight);
 
-    /// Writes anew the newest entries of all, of a given weight at most, but at least one.
+    /// Clears the document and writes the newest entries, of a given weight at most, but at least one.
     void restart(int weight);
-    /// Writes anew what is shown, and the line that ended it.
+    /// Clears the document and writes what it has shown, with the line that closed it.
     void rewrite();
     /// True when there are older entries that fill() could add.
     bool isFillable() const;
     /// Adds older entries, of a given weight or a little more, before what is shown.
     void fill(int weight);
-    /// True when there are older entries that only deepen() could add, as what is shown begins inside of a
-    /// frame or right behind a large one.
-    bool isDeepenable() const;
-    /// Writes anew what is shown with some older entries. Those before them are shown no more.
-    void deepen();
+    /// True when there are older entries that fill() cannot add, as what is shown begins inside of a frame or
+    /// right behind a large one.
+    bool canRewriteWithOlder() const;
+    /// Clears the document and writes what it has shown behind some older entries. Those before them are
+    /// never shown again.
+    void rewriteWithOlder();
 
     /// True when the document is so large that it has to be trimmed.
     bool isOverfull() const;
-    /// Takes the oldest entries out, but none from a position of the document on. False when that was not
-    /// enough.
-    bool trim(int position);
-    /// True after so many entries that what they left behind in the document is worth a restart.
-    bool isWorn() const { return m_written > m_wornAfter; }
-    void setWornAfter(std::uint64_t entries) { m_wornAfter = entries; }
+    /// Removes the oldest entries, but none that reaches a limit, which is a position in the document. False
+    /// when the document is still overfull.
+    bool trim(int limit);
+    /// True after so many entries that the formats they left behind in the document are worth a restart.
+    bool needsRebuild() const { return m_written > m_rebuildAfter; }
+    void setRebuildAfter(std::uint64_t entries) { m_rebuildAfter = entries; }
 
-    /// Ends the document with a line that says why nothing is added any more; only restart() goes on.
+    /// Ends the document with a line that says why nothing is added any more. Only restart() opens it again.
     void close(const QString& reason);
     bool isClosed() const { return m_closed; }
 
     void clear();
-    /// The place where the next entry goes.
-    const QTextCursor& end() const { return m_writer.cursor(); }
+    /// The place where the next entry is written.
+    const QTextCursor& writeCursor() const { return m_writer.cursor(); }
 
 private:
     struct Entry {
@@ -90,29 +93,29 @@ private:
     void removeHead();
     void removeUpTo(int position);
     void joinWithNextBlock(QTextCursor cursor);
-    console_entry::Outline outlineAt(std::size_t entry) const;
+    ConsoleOutline outlineAt(std::size_t entry) const;
     std::size_t firstOfNewest(int weight) const;
     std::size_t fillPlace(int weight) const;
     bool hasRoomForOlder() const;
-    bool isInStep() const;
+    bool isUnchanged() const;
     int shownLength() const;
 
     QTextDocument* m_document;
     ConsoleWriter m_writer;
     Entries m_entries; ///< In order without a gap; those from m_first on are in the document.
     std::size_t m_first = 0;
-    console_entry::Outline m_outline; ///< Where the first of m_entries begins.
-    std::uint64_t m_forgotten = 0; ///< Entries before the first of m_entries.
+    ConsoleOutline m_outline; ///< Of the text before the first of m_entries.
+    std::uint64_t m_forgotten = 0; ///< Number of entries before the first of m_entries.
     Entries m_waiting;
     int m_waitingWeight = 0;
-    std::uint64_t m_skipped = 0; ///< Entries between m_entries and m_waiting.
-    std::optional<console_entry::Outline>
-        m_waitingOutline; ///< Where the first that waits begins, after a gap.
-    int m_headLength = 0;
+    std::uint64_t m_skipped = 0; ///< Number of entries that were dropped between m_entries and m_waiting.
+    std::optional<ConsoleOutline>
+        m_waitingOutline; ///< Of the text before m_waiting, where entries were dropped.
+    int m_headLength = 0; ///< Characters before the first entry that is shown.
     int m_shownWeight = 0;
-    std::uint64_t m_written = 0; ///< Entries written since the document was last empty.
-    /// Entries that a document takes before their formats, which it never forgets, are too many.
-    std::uint64_t m_wornAfter = 20 * liveEntries;
+    std::uint64_t m_written = 0; ///< Number of entries written since the document was last empty.
+    /// Number of entries after which their formats, which a document never gives up, are too many.
+    std::uint64_t m_rebuildAfter = 20 * liveEntries;
     bool m_closed = false;
     QString m_closingReason;
 };

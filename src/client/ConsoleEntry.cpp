@@ -4,6 +4,8 @@
 #include "GlEnumerants.h"
 #include "RecordText.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 
 using ui::messages::Message;
@@ -14,10 +16,10 @@ namespace console_entry {
 
 namespace {
 
-/// Marks lines of the window's own; no record of that type ever gets here.
+/// The type of the window's own lines, which no record that is shown has.
 constexpr Type closingLineType = static_cast<Type>(0xFFFFFFFF);
 
-/// An entry is a record from its type on, up to the end of its text.
+/// Where an entry begins in its record. It reaches up to the end of the text.
 constexpr std::size_t start = offset::type;
 
 /// Bytes of text that cost about as much as a line.
@@ -53,27 +55,41 @@ Type typeOf(std::string_view entry)
     return static_cast<Type>(type);
 }
 
+/// For an entry that has its text right behind its type and frame.
+bool endsWithEmptyLine(std::string_view entry)
+{
+    return entry.size() <= offset::text - start || entry.back() == '\n' || entry.back() == '\r';
+}
+
 QString enumerantName(const Message& record, std::size_t at)
 {
     return QString::fromLatin1(gl::enumerantName(record.i32(at)));
 }
 
-QString idText(const Message& record, std::size_t at)
+QString translated(const char* text)
 {
-    return QStringLiteral(" (ID: ") + QString::number(record.u32(at)) + QLatin1Char(')');
+    return QCoreApplication::translate("Console", text);
+}
+
+QString identifiedHeading(const Message& record)
+{
+    return translated(QT_TRANSLATE_NOOP("Console", "%1 (ID: %2)"))
+        .arg(record_text::singleLine(record.text(offset::identifiedText)),
+            QString::number(record.u32(offset::identifiedId)));
 }
 
 QString debugHeading(const Message& record)
 {
-    return enumerantName(record, offset::debugType) + idText(record, offset::debugId)
-        + QStringLiteral("\nSeverity: ") + enumerantName(record, offset::debugSeverity);
+    return translated(QT_TRANSLATE_NOOP("Console", "%1 (ID: %2)\nSeverity: %3"))
+        .arg(enumerantName(record, offset::debugType), QString::number(record.u32(offset::debugId)),
+            enumerantName(record, offset::debugSeverity));
 }
 
 QString glErrorHeading(const Message& record)
 {
-    return QStringLiteral("Error - ") + QString::fromLatin1(gl::errorName(record.u32(offset::glErrorCode)))
-        + QStringLiteral(" in ")
-        + record_text::singleLine(record.text(offset::glErrorFunction, offset::glErrorDescription));
+    return translated(QT_TRANSLATE_NOOP("Console", "Error - %1 in %2"))
+        .arg(QString::fromLatin1(gl::errorName(record.u32(offset::glErrorCode))),
+            record_text::singleLine(record.text(offset::glErrorFunction, offset::glErrorDescription)));
 }
 
 void writeFramed(ConsoleSink& sink, const QString& heading, ConsoleStyle style, const QString& body)
@@ -115,9 +131,7 @@ void write(std::string_view entry, ConsoleSink& sink)
     };
     switch (type) {
     case Type::IdentifiedMessage:
-        sink.heading(record_text::singleLine(record.text(offset::identifiedText))
-                + idText(record, offset::identifiedId),
-            ConsoleStyle::Identified);
+        sink.heading(identifiedHeading(record), ConsoleStyle::Identified);
         break;
     case Type::LineBreak:
         sink.lineBreak();
@@ -129,10 +143,10 @@ void write(std::string_view entry, ConsoleSink& sink)
         sink.plainText(text());
         break;
     case Type::Warning:
-        writeFramed(sink, QStringLiteral("Warning"), ConsoleStyle::Warning, text());
+        writeFramed(sink, translated(QT_TRANSLATE_NOOP("Console", "Warning")), ConsoleStyle::Warning, text());
         break;
     case Type::Error:
-        writeFramed(sink, QStringLiteral("Error"), ConsoleStyle::Error, text());
+        writeFramed(sink, translated(QT_TRANSLATE_NOOP("Console", "Error")), ConsoleStyle::Error, text());
         break;
     case Type::GlError:
         writeFramed(sink, glErrorHeading(record), ConsoleStyle::Error, text());
@@ -150,51 +164,32 @@ int weight(std::string_view entry)
         + static_cast<std::size_t>(std::count(entry.begin(), entry.end(), '\n')));
 }
 
-void Outline::pass(std::string_view entry)
+void follow(std::string_view entry, ConsoleOutline& outline)
 {
-    const Type type = typeOf(entry);
-    if (type == closingLineType) {
-        m_openFrames.clear();
-        passLine(entry);
-        return;
-    }
-    switch (type) {
+    switch (const Type type = typeOf(entry)) {
     case Type::IdentifiedMessage:
-        passHeading();
-        m_openFrames.emplace_back(entry);
+        outline.openFrame(entry);
         break;
     case Type::LineBreak:
-        if (!m_openFrames.empty())
-            m_openFrames.pop_back();
-        m_lineEmpty = true;
+        outline.breakLine();
         break;
     case Type::Information:
-        passLine(entry);
+        outline.addText(endsWithEmptyLine(entry));
+        break;
+    case Type::DebugMessage:
+    case Type::Warning:
+    case Type::Error:
+    case Type::GlError:
+        outline.openFrame();
+        outline.breakLine();
         break;
     default:
-        passHeading();
+        if (type == closingLineType) {
+            outline.leaveFrames();
+            outline.addText(endsWithEmptyLine(entry));
+        }
         break;
     }
-}
-
-void Outline::clearLines()
-{
-    m_openFrames.clear();
-    m_lineEmpty = true;
-}
-
-void Outline::passLine(std::string_view entry)
-{
-    m_lastWasHeading = false;
-    m_lineEmpty = entry.size() <= offset::text - start || entry.back() == '\n' || entry.back() == '\r';
-}
-
-void Outline::passHeading()
-{
-    if (m_openFrames.size() >= ConsoleSink::deepestFrame)
-        m_openFrames.clear();
-    m_lastWasHeading = true;
-    m_lineEmpty = true;
 }
 
 } // namespace console_entry

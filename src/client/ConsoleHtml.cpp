@@ -56,53 +56,46 @@ ConsoleHtml::ConsoleHtml(const QString& title)
 {
 }
 
-void ConsoleHtml::heading(const QString& text, ConsoleStyle style)
+void ConsoleHtml::writeEmptyLine()
 {
-    if (m_depth >= deepestFrame)
-        leaveFrames();
-    if (!m_lastWasHeading)
-        m_page += division("line", QString());
+    m_page += division("line", QString());
+}
+
+void ConsoleHtml::writeHeading(const QString& text, ConsoleStyle style)
+{
     const QLatin1String kind(className(style));
     m_page += QStringLiteral("<div class=\"heading %1\">").arg(kind) + text.toHtmlEscaped()
         + QStringLiteral("</div>\n<div class=\"frame %1\">").arg(kind);
-    ++m_depth;
-    m_lineEmpty = true;
-    m_lastWasHeading = true;
 }
 
-void ConsoleHtml::body(const QString& text)
+void ConsoleHtml::writeBody(const QString& text)
 {
     m_page += text.toHtmlEscaped();
 }
 
-void ConsoleHtml::lineBreak()
+void ConsoleHtml::writeLineBreak(ConsoleOutline::LineBreak kind)
 {
-    if (m_depth > 0) {
-        m_page += QStringLiteral("</div>\n");
-        --m_depth;
-    } else if (m_lineEmpty) {
-        m_page += division("line", QString());
+    switch (kind) {
+    case ConsoleOutline::LineBreak::EndsFrame:
+        leaveFrame();
+        break;
+    case ConsoleOutline::LineBreak::EmptyLine:
+        writeEmptyLine();
+        break;
+    case ConsoleOutline::LineBreak::EndsLine:
+        break; // as the division of the line's text does
     }
-    m_lineEmpty = true;
 }
 
-void ConsoleHtml::line(const QString& text, const char* kind)
+void ConsoleHtml::writeLine(const QString& text, LineKind kind, bool isNewLine)
 {
-    m_page += division(kind, text);
-    m_lineEmpty = text.isEmpty() || text.endsWith(QLatin1Char('\n'));
-    m_lastWasHeading = false;
+    Q_UNUSED(isNewLine)
+    m_page += division(kind == LineKind::Window ? "own" : "line", text);
 }
 
-void ConsoleHtml::closingLine(const QString& text)
+void ConsoleHtml::leaveFrame()
 {
-    leaveFrames();
-    line(text, "own");
-}
-
-void ConsoleHtml::leaveFrames()
-{
-    for (; m_depth > 0; --m_depth)
-        m_page += QStringLiteral("</div>\n");
+    m_page += QStringLiteral("</div>\n");
 }
 
 QString ConsoleHtml::take()

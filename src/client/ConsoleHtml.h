@@ -8,23 +8,19 @@ public:
     /// Begins the page.
     explicit ConsoleHtml(const QString& title);
 
-    void heading(const QString& text, ConsoleStyle style) override;
-    void body(const QString& text) override;
-    void lineBreak() override;
-    void plainText(const QString& text) override { line(text, "line"); }
-    void closingLine(const QString& text) override;
-
-    /// What has been written since the last call.
+    /// Returns what has been written since the last call.
     QString take();
     /// Ends the page. Nothing may be written after it.
     void finish();
 
-private:
-    void line(const QString& text, const char* kind);
-    void leaveFrames();
+protected:
+    void writeEmptyLine() override;
+    void writeHeading(const QString& text, ConsoleStyle style) override;
+    void writeBody(const QString& text) override;
+    void writeLineBreak(ConsoleOutline::LineBreak kind) override;
+    void writeLine(const QString& text, LineKind kind, bool isNewLine) override;
+    void leaveFrame() override;
 
+private:
     QString m_page;
-    int m_depth = 0;
-    bool m_lineEmpty = true;
-    bool m_lastWasHeading = false;
 };

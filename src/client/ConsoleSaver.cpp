@@ -24,7 +24,7 @@ bool isHtml(const QString& path)
     return suffix == QLatin1String("html") || suffix == QLatin1String("htm");
 }
 
-/// A name that is good for a file on any system.
+/// A name that any system takes for a file.
 QString fileName(QString name)
 {
     for (QChar& character : name) {
@@ -43,7 +43,7 @@ struct ConsoleSaver::Job {
         , reader(spool)
     {
         if (isHtml(path))
-            html.emplace(QStringLiteral("Console"));
+            html.emplace(tr("Console"));
     }
     ConsoleSink& sink() { return html ? static_cast<ConsoleSink&>(*html) : text; }
     std::string take() { return (html ? html->take() : text.take()).toStdString(); }
@@ -82,7 +82,7 @@ void ConsoleSaver::ask(const QString& name)
     });
     connect(dialog, &QFileDialog::fileSelected, this, &ConsoleSaver::save);
     connect(dialog, &QObject::destroyed, this, [this] {
-        m_dialog = nullptr; // which has not noticed yet
+        m_dialog = nullptr; // a QPointer is cleared only later
         Q_EMIT busyChanged(isBusy());
     });
     m_dialog = dialog;
@@ -136,6 +136,6 @@ void ConsoleSaver::finish(bool saved, const QString& text)
 {
     m_job.reset();
     Q_EMIT busyChanged(isBusy());
-    Q_EMIT m_console->notice(text);
+    Q_EMIT m_console->statusMessage(text);
     Q_EMIT ended(saved);
 }

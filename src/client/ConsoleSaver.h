@@ -16,21 +16,21 @@ class ConsoleSaver : public QObject {
     Q_OBJECT
 
 public:
-    /// Asks in front of a window, and saves what a console has kept.
+    /// Saves what the console's spool has kept. Dialogs belong to the window.
     ConsoleSaver(Console* console, QWidget* window);
     ~ConsoleSaver() override;
 
-    /// Asks for a file. The name, where known, is proposed for it.
+    /// Asks for a file, and proposes a name for it after that of the application, which may be empty.
     void ask(const QString& name);
     /// Saves to a file, as HTML where its name ends so.
     void save(const QString& path);
     bool isSaving() const { return m_job != nullptr; }
-    /// True from the question for a file until that is saved.
+    /// True from the question for a file until the file is saved.
     bool isBusy() const { return isSaving() || m_dialog; }
 
 Q_SIGNALS:
     void busyChanged(bool busy);
-    /// Comes last when saving has ended: whether the file is complete.
+    /// Emitted last when saving has ended. The file is complete where it was saved.
     void ended(bool saved);
 
 private:

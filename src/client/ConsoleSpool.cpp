@@ -9,12 +9,12 @@
 
 namespace {
 
-/// Bytes that are collected before they go to the disk, and that are read back at once.
+/// Bytes that are collected before they are written to the file, and that are read from it in one go.
 constexpr std::size_t blockSize = 65536;
 
 using Length = std::uint32_t; ///< Stands before each entry.
 
-std::string framed(std::string_view entry)
+std::string withLength(std::string_view entry)
 {
     const auto length = static_cast<Length>(entry.size());
     std::array<char, sizeof length> bytes{};
@@ -42,8 +42,8 @@ ConsoleSpool::~ConsoleSpool() = default;
 void ConsoleSpool::append(std::string_view entry)
 {
     if (m_lost > 0 && m_buffer.empty())
-        m_buffer = framed(missingLine(m_lost));
-    m_buffer += framed(entry);
+        m_buffer = withLength(missingLine(m_lost));
+    m_buffer += withLength(entry);
     ++m_buffered;
     if (m_buffer.size() >= blockSize)
         flush();
@@ -74,27 +74,28 @@ void ConsoleSpool::clear()
 
 ConsoleSpool::Reader::Reader(ConsoleSpool& spool)
     : m_file(spool.m_file)
-    , m_end(spool.m_file->size())
+    , m_fileSize(spool.m_file->size())
     , m_tail(spool.m_buffer)
 {
-    // Where entries are in the buffer, the line that stands in for those before them is as well.
+    // A buffer with entries begins with the line that replaces those before them.
     if (spool.m_lost > 0 && m_tail.empty())
-        m_tail = framed(missingLine(spool.m_lost));
+        m_tail = withLength(missingLine(spool.m_lost));
 }
 
-/// Sees to it that so many bytes can be taken from the buffer.
-bool ConsoleSpool::Reader::provide(std::size_t count)
+/// Reads until the buffer has so many bytes. False at the end.
+bool ConsoleSpool::Reader::bufferBytes(std::size_t count)
 {
     while (isValid() && m_buffer.size() - m_at < count) {
         m_buffer.erase(0, m_at);
         m_at = 0;
-        if (m_fetched < m_end) {
-            const auto size = static_cast<std::size_t>(std::min<std::uint64_t>(blockSize, m_end - m_fetched));
+        if (m_fetched < m_fileSize) {
+            const auto size =
+                static_cast<std::size_t>(std::min<std::uint64_t>(blockSize, m_fileSize - m_fetched));
             const std::string block = m_file->read(m_fetched, size);
             m_broken = block.empty();
             m_fetched += block.size();
             m_buffer += block;
-        } else if (m_fetched == m_end && !m_tail.empty()) {
+        } else if (m_fetched == m_fileSize && !m_tail.empty()) {
             m_buffer += m_tail;
             m_fetched += m_tail.size();
         } else {
@@ -107,10 +108,10 @@ bool ConsoleSpool::Reader::provide(std::size_t count)
 bool ConsoleSpool::Reader::next(std::string_view& entry)
 {
     Length length = 0;
-    if (!provide(sizeof length))
+    if (!bufferBytes(sizeof length))
         return false;
     std::memcpy(&length, m_buffer.data() + m_at, sizeof length);
-    if (!provide(sizeof length + length))
+    if (!bufferBytes(sizeof length + length))
         return false;
     entry = std::string_view(m_buffer).substr(m_at + sizeof length, length);
     m_at += sizeof length + length;

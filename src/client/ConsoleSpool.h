@@ -19,29 +19,30 @@ public:
     explicit ConsoleSpool(QObject* parent);
     ~ConsoleSpool() override;
 
-    /// Keeps an entry behind all others. Where the disk is full, a line that says so stands in for those that
-    /// are missing.
+    /// Keeps an entry behind all others. Entries for which the disk has no room are replaced by a line that
+    /// says how many they are.
     void append(std::string_view entry);
     void clear();
 
-    /// Reads what was kept when it was made, entry by entry, also when the spool is cleared meanwhile.
+    /// Reads a snapshot of the spool entry by entry. Entries that are added later, and clear(), do not change
+    /// it.
     class Reader {
     public:
         explicit Reader(ConsoleSpool& spool);
         /// The next entry; valid until the next call. False at the end.
         bool next(std::string_view& entry);
-        /// False where it could not be read.
+        /// False when the file could not be read.
         bool isValid() const { return !m_broken; }
-        /// Bytes of all, and of those that have been read.
-        std::uint64_t size() const { return m_end + m_tail.size(); }
+        /// Bytes of all entries, and of those that have been read.
+        std::uint64_t size() const { return m_fileSize + m_tail.size(); }
         std::uint64_t position() const { return m_position; }
 
     private:
-        bool provide(std::size_t count);
+        bool bufferBytes(std::size_t count);
 
         std::shared_ptr<platform::ScratchFile> m_file;
-        std::uint64_t m_end;
-        std::string m_tail; ///< What the disk has no room for.
+        std::uint64_t m_fileSize;
+        std::string m_tail; ///< Entries that had not been written to the file.
         std::uint64_t m_position = 0;
         std::uint64_t m_fetched = 0;
         std::string m_buffer;
@@ -50,7 +51,7 @@ public:
     };
 
 Q_SIGNALS:
-    /// The disk takes no more; the reason is a readable text.
+    /// The disk takes no more entries; the reason is a readable text.
     void failed(const QString& reason);
 
 private:
@@ -58,6 +59,6 @@ private:
 
     std::shared_ptr<platform::ScratchFile> m_file;
     std::string m_buffer;
-    std::uint64_t m_buffered = 0; ///< Entries in the buffer.
-    std::uint64_t m_lost = 0;
+    std::uint64_t m_buffered = 0; ///< Number of entries in the buffer.
+    std::uint64_t m_lost = 0; ///< Number of entries for which the disk had no room, since it last had some.
 };

@@ -2,55 +2,25 @@
 
 #include <utility>
 
-void ConsoleText::heading(const QString& text, ConsoleStyle style)
+void ConsoleText::writeHeading(const QString& text, ConsoleStyle style)
 {
     Q_UNUSED(style)
-    if (m_depth >= deepestFrame)
-        leaveFrames();
-    if (!m_lastWasHeading)
-        m_text += QStringLiteral("\n\n");
     m_text += text + QLatin1Char('\n');
-    ++m_depth;
-    m_lineEmpty = true;
-    m_lastWasHeading = true;
 }
 
-void ConsoleText::body(const QString& text)
+void ConsoleText::writeLineBreak(ConsoleOutline::LineBreak kind)
 {
-    m_text += text;
-}
-
-void ConsoleText::lineBreak()
-{
-    if (m_depth > 0) {
-        m_text += QLatin1Char('\n');
-        --m_depth;
-    }
+    if (kind == ConsoleOutline::LineBreak::EndsFrame)
+        leaveFrame();
     m_text += QLatin1Char('\n');
-    m_lineEmpty = true;
 }
 
-void ConsoleText::plainText(const QString& text)
+void ConsoleText::writeLine(const QString& text, LineKind kind, bool isNewLine)
 {
-    if (!m_lineEmpty)
+    Q_UNUSED(kind)
+    if (isNewLine)
         m_text += QLatin1Char('\n');
     m_text += text;
-    m_lineEmpty = text.isEmpty() || text.endsWith(QLatin1Char('\n'));
-    m_lastWasHeading = false;
-}
-
-void ConsoleText::closingLine(const QString& text)
-{
-    leaveFrames();
-    plainText(text);
-}
-
-void ConsoleText::leaveFrames()
-{
-    if (m_depth > 0)
-        m_lineEmpty = true;
-    m_text += QString(m_depth, QLatin1Char('\n'));
-    m_depth = 0;
 }
 
 QString ConsoleText::take()
@@ -61,6 +31,6 @@ QString ConsoleText::take()
 void ConsoleText::finish()
 {
     leaveFrames();
-    if (!m_lineEmpty)
+    if (!outline().isLineEmpty())
         m_text += QLatin1Char('\n');
 }

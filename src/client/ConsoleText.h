@@ -5,22 +5,19 @@
 /// Writes console entries as plain text, as the document on the screen would be copied.
 class ConsoleText : public ConsoleSink {
 public:
-    void heading(const QString& text, ConsoleStyle style) override;
-    void body(const QString& text) override;
-    void lineBreak() override;
-    void plainText(const QString& text) override;
-    void closingLine(const QString& text) override;
-
-    /// What has been written since the last call.
+    /// Returns what has been written since the last call.
     QString take();
     /// Ends the text. Nothing may be written after it.
     void finish();
 
-private:
-    void leaveFrames();
+protected:
+    void writeEmptyLine() override { m_text += QStringLiteral("\n\n"); }
+    void writeHeading(const QString& text, ConsoleStyle style) override;
+    void writeBody(const QString& text) override { m_text += text; }
+    void writeLineBreak(ConsoleOutline::LineBreak kind) override;
+    void writeLine(const QString& text, LineKind kind, bool isNewLine) override;
+    void leaveFrame() override { m_text += QLatin1Char('\n'); }
 
+private:
     QString m_text;
-    int m_depth = 0;
-    bool m_lineEmpty = true;
-    bool m_lastWasHeading = false;
 };

@@ -1,7 +1,5 @@
 #include "ConsoleWriter.h"
 
-#include <QTextFrame>
-
 #include <cstdlib>
 
 namespace {
@@ -16,14 +14,6 @@ constexpr double roomForFrame = 1;
 /// Difference in grey levels, of 255, below which a text gets the console's background for its own.
 constexpr int leastContrast = 80;
 
-int frameDepth(const QTextFrame* frame)
-{
-    int depth = 0;
-    for (; frame && frame->parentFrame(); frame = frame->parentFrame())
-        ++depth;
-    return depth;
-}
-
 QColor difference(const QColor& one, const QColor& other)
 {
     return {std::abs(one.red() - other.red()), std::abs(one.green() - other.green()),
@@ -36,6 +26,19 @@ ConsoleWriter::ConsoleWriter(const QTextCursor& cursor, const QPalette& palette)
     : m_cursor(cursor)
     , m_palette(palette)
 {
+}
+
+ConsoleWriter ConsoleWriter::at(const QTextCursor& cursor, const ConsoleOutline& place) const
+{
+    ConsoleWriter writer(cursor, m_palette);
+    writer.outline() = place;
+    return writer;
+}
+
+void ConsoleWriter::moveToEnd(const ConsoleOutline& place)
+{
+    m_cursor.movePosition(QTextCursor::End);
+    outline() = place;
 }
 
 QTextCharFormat ConsoleWriter::ownLineFormat()
@@ -62,16 +65,13 @@ ConsoleWriter::Look ConsoleWriter::look(ConsoleStyle style) const
     return {base, text, difference(base, text), QTextFrameFormat::BorderStyle_Dotted};
 }
 
-void ConsoleWriter::heading(const QString& text, ConsoleStyle style)
+void ConsoleWriter::writeEmptyLine()
 {
-    if (frameDepth(m_cursor.currentFrame()) >= deepestFrame) {
-        leaveFrames();
-        if (!m_cursor.block().text().isEmpty())
-            m_cursor.insertText(QStringLiteral("\n"), QTextCharFormat());
-    }
-    if (!m_lastWasHeading)
-        m_cursor.insertText(QStringLiteral("\n\n"), QTextCharFormat());
+    m_cursor.insertText(QStringLiteral("\n\n"), QTextCharFormat());
+}
 
+void ConsoleWriter::writeHeading(const QString& text, ConsoleStyle style)
+{
     const Look colors = look(style);
     QTextBlockFormat headingBlock;
     headingBlock.setBackground(colors.headingBackground);
@@ -84,7 +84,6 @@ void ConsoleWriter::heading(const QString& text, ConsoleStyle style)
     headingBlock.setLineHeight(roomForFrame, QTextBlockFormat::LineDistanceHeight);
     m_cursor.setBlockFormat(headingBlock);
     openFrame(colors);
-    m_lastWasHeading = true;
 }
 
 void ConsoleWriter::openFrame(const Look& look)
@@ -107,49 +106,40 @@ void ConsoleWriter::openFrame(const Look& look)
     m_cursor.setCharFormat(bodyCharacters);
 }
 
-void ConsoleWriter::body(const QString& text)
+void ConsoleWriter::writeBody(const QString& text)
 {
     m_cursor.insertText(text, m_cursor.blockCharFormat());
 }
 
-void ConsoleWriter::lineBreak()
+void ConsoleWriter::writeLineBreak(ConsoleOutline::LineBreak kind)
 {
-    // The cursor is always on the last line of its frame, so the next block is behind the frame.
-    const bool leavesFrame = isInFrame();
-    if (leavesFrame) {
-        m_cursor.movePosition(QTextCursor::NextBlock);
+    const bool endsFrame = kind == ConsoleOutline::LineBreak::EndsFrame;
+    if (endsFrame) {
+        leaveFrame();
         QTextBlockFormat low;
         low.setLineHeight(lineAfterFrame, QTextBlockFormat::FixedHeight);
         m_cursor.setBlockFormat(low);
     }
     m_cursor.insertText(QStringLiteral("\n"), m_cursor.blockCharFormat());
-    if (leavesFrame)
+    if (endsFrame)
         m_cursor.setBlockFormat(QTextBlockFormat());
 }
 
-void ConsoleWriter::closingLine(const QString& text)
+void ConsoleWriter::writeLine(const QString& text, LineKind kind, bool isNewLine)
 {
-    leaveFrames();
-    plainText(text, ownLineFormat());
-}
-
-void ConsoleWriter::plainText(const QString& text, QTextCharFormat characters)
-{
-    if (isInFrame())
+    QTextCharFormat characters;
+    if (kind == LineKind::Window)
+        characters = ownLineFormat();
+    if (outline().isInFrame())
         characters.merge(m_cursor.blockCharFormat());
-    if (!m_cursor.block().text().isEmpty())
+    if (isNewLine)
         m_cursor.insertText(QStringLiteral("\n"), characters);
     m_cursor.insertText(text, characters);
     m_cursor.movePosition(QTextCursor::EndOfBlock);
-    m_lastWasHeading = false;
 }
 
-bool ConsoleWriter::isInFrame() const
+void ConsoleWriter::leaveFrame()
 {
-    return frameDepth(m_cursor.currentFrame()) > 0;
-}
-
-void ConsoleWriter::leaveFrames()
-{
-    while (isInFrame() && m_cursor.movePosition(QTextCursor::NextBlock)) { }
+    // The cursor is always on the last line of its frame, so the next block is behind the frame.
+    m_cursor.movePosition(QTextCursor::NextBlock);
 }

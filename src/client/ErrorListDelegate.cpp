@@ -14,7 +14,7 @@ namespace {
 /// Characters of a cell that a tool tip shows; "View contents" shows all of them.
 constexpr qsizetype toolTipLength = 1000;
 
-/// Characters that no screen shows in one row. How many a cell shows is known only from its width.
+/// More characters than any screen shows in one row. How many a cell shows depends on its width.
 constexpr qsizetype rowLength = 2000;
 
 QString cut(const QString& text, qsizetype length)
@@ -22,8 +22,8 @@ QString cut(const QString& text, qsizetype length)
     return text.size() > length ? text.left(length) + QChar(0x2026) : text;
 }
 
-/// As many characters as fill a cell, however narrow they are. Each that is shaped beyond them is shaped for
-/// nothing, several times at every repaint.
+/// As many characters as fill a cell, however narrow they are. Shaping more of them, several times at every
+/// repaint, would be for nothing.
 qsizetype lettersAcross(const QStyleOptionViewItem& option)
 {
     const QFontMetricsF metrics(option.fontMetrics);

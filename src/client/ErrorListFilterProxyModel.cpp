@@ -19,7 +19,7 @@ void ErrorListFilterProxyModel::change(bool& flag, bool value)
     beginResetModel();
     flag = value;
     {
-        // Who listens hears of the reset alone.
+        // Only the reset is announced.
         const QSignalBlocker quiet(this);
         invalidate();
     }

@@ -3,8 +3,8 @@
 #include <QSortFilterProxyModel>
 
 /// Shows the errors, the warnings, both or none of an ErrorListModel; rows of any other severity never.
-/// Another choice resets the model: where errors and warnings take turns, telling each row's coming or going
-/// would take minutes.
+/// Another choice resets the model: where errors and warnings alternate, announcing each row that comes or
+/// goes would take minutes.
 class ErrorListFilterProxyModel : public QSortFilterProxyModel {
     Q_OBJECT
 

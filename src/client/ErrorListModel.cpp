@@ -78,13 +78,13 @@ QVariant ErrorListModel::headerData(int section, Qt::Orientation orientation, in
         return {};
     switch (section) {
     case FrameColumn:
-        return QStringLiteral("Frame");
+        return tr("Frame");
     case FunctionColumn:
-        return QStringLiteral("Function");
+        return tr("Function");
     case CodeColumn:
-        return QStringLiteral("Code");
+        return tr("Code");
     case DescriptionColumn:
-        return QStringLiteral("Description");
+        return tr("Description");
     default:
         return {};
     }

@@ -16,6 +16,7 @@ public:
     /// With one column for names alone, with two for names and support.
     explicit ExtensionModel(int columns, QObject* parent = nullptr);
 
+    /// Both are constants of the program; the support is marked for translation in this class.
     void append(const char* name, const char* support = "");
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;

@@ -17,7 +17,7 @@ TextPool::Reference TextPool::add(std::string_view text)
         return 0;
     Reference& recent = m_recent[std::hash<std::string_view>()(text) % recentTexts];
     if (recent == 0 || this->text(recent) != text)
-        recent = store(text.substr(0, blockSize - sizeof(Length)));
+        recent = append(text.substr(0, blockSize - sizeof(Length)));
     return recent;
 }
 
@@ -26,29 +26,29 @@ std::string_view TextPool::text(Reference reference) const
     if (reference == 0)
         return {};
     Length length = 0;
-    const char* at = place(reference);
+    const char* at = address(reference);
     std::memcpy(&length, at, sizeof length);
     return {at + sizeof length, length};
 }
 
-TextPool::Reference TextPool::store(std::string_view text)
+TextPool::Reference TextPool::append(std::string_view text)
 {
     const auto length = static_cast<Length>(text.size());
     const std::uint64_t size = sizeof length + length;
     // A text never reaches from one block into the next.
-    if (m_blocks.empty() || m_end % blockSize + size > blockSize || m_end % blockSize == 0) {
-        m_end = m_blocks.size() * blockSize;
+    if (m_blocks.empty() || m_size % blockSize + size > blockSize || m_size % blockSize == 0) {
+        m_size = m_blocks.size() * blockSize;
         m_blocks.push_back(std::unique_ptr<char[]>(new char[blockSize]));
     }
-    const Reference reference = m_end + 1; // 0 is the empty text
-    char* at = place(reference);
+    const Reference reference = m_size + 1; // 0 is the empty text
+    char* at = address(reference);
     std::memcpy(at, &length, sizeof length);
     std::memcpy(at + sizeof length, text.data(), text.size());
-    m_end += size;
+    m_size += size;
     return reference;
 }
 
-char* TextPool::place(Reference reference) const
+char* TextPool::address(Reference reference) const
 {
     return m_blocks[(reference - 1) / blockSize].get() + (reference - 1) % blockSize;
 }

@@ -7,8 +7,8 @@
 #include <string_view>
 #include <vector>
 
-/// Keeps texts in few bytes: as they are, without a gap, and those that repeat only once. Repetition is
-/// looked for among recent texts only, so that the search itself never takes more memory.
+/// Keeps texts in few bytes: without gaps, and repeated ones only once. Only recent texts are searched for
+/// repetitions, so that the search takes a fixed amount of memory.
 class TextPool {
 public:
     /// Names a text in the pool; the empty text is 0.
@@ -21,10 +21,10 @@ public:
 private:
     static constexpr std::size_t recentTexts = 2048;
 
-    Reference store(std::string_view text);
-    char* place(Reference reference) const;
+    Reference append(std::string_view text);
+    char* address(Reference reference) const;
 
     std::vector<std::unique_ptr<char[]>> m_blocks;
-    std::uint64_t m_end = 0;
+    std::uint64_t m_size = 0; ///< Bytes used, with the unused ends of full blocks.
     std::array<Reference, recentTexts> m_recent{};
 };

@@ -1,5 +1,5 @@
 #include "ConnectedClient.h"
-#include "EventLoopTurn.h"
+#include "EventLoopBudget.h"
 #include "MetaObjects.h"
 
 #include <QSignalSpy>
@@ -62,7 +62,7 @@ private Q_SLOTS:
     void endDuringAPassWaitsForIt();
     void writingToAGoneApplicationDrainsFirst();
     void passesLetTheEventLoopRun();
-    void clientsShareATurn();
+    void clientsShareAnIteration();
     void failedReadIsABadRead();
     void controlRecordsArrive();
     void deletionWhileReading();
@@ -255,20 +255,22 @@ void TestClient::passesLetTheEventLoopRun()
     QVERIFY2(readWhenServed < count / 2, qPrintable(QString::number(readWhenServed)));
 }
 
-void TestClient::clientsShareATurn()
+void TestClient::clientsShareAnIteration()
 {
     constexpr qint64 all = 10'000'000;
     std::array<quint64, 8> clients{};
-    for (const bool isKnown : {false, true}) {
+    for (const bool isCountKnown : {false, true}) {
         QCoreApplication::processEvents();
         qint64 given = 0;
         for (quint64& client : clients)
-            given += event_loop_turn::readingTime(client);
-        QVERIFY2(given <= (isKnown ? all : 3 * all), qPrintable(QString::number(given)));
-        QVERIFY(event_loop_turn::claimDrawing() && !event_loop_turn::claimDrawing());
-        QVERIFY(event_loop_turn::mayDrawAtOnce(&clients[0]) && event_loop_turn::mayDrawAtOnce(&clients[1]));
-        event_loop_turn::addDrawing(&clients[0], all);
-        QVERIFY(event_loop_turn::mayDrawAtOnce(&clients[0]) && !event_loop_turn::mayDrawAtOnce(&clients[1]));
+            given += event_loop_budget::readingTime(client);
+        QVERIFY2(given <= (isCountKnown ? all : 3 * all), qPrintable(QString::number(given)));
+        QVERIFY(event_loop_budget::claimRefresh() && !event_loop_budget::claimRefresh());
+        QVERIFY(
+            event_loop_budget::mayWriteAtOnce(&clients[0]) && event_loop_budget::mayWriteAtOnce(&clients[1]));
+        event_loop_budget::addWritingTime(&clients[0], all);
+        QVERIFY(event_loop_budget::mayWriteAtOnce(&clients[0])
+            && !event_loop_budget::mayWriteAtOnce(&clients[1]));
     }
 }
 

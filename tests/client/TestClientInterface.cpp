@@ -1,5 +1,7 @@
 #include "ClientInterface.h"
 #include "ConnectedClient.h"
+#include "ConsoleEntry.h"
+#include "ConsoleText.h"
 #include "ErrorListModel.h"
 #include "MetaObjects.h"
 #include "Resources.h"
@@ -155,6 +157,10 @@ void TestClientInterface::consoleText_data()
         identified("assert", 7), info, lineBreak, info} << "\n\nassert (ID: 7)\ninfo\n\ninfo";
     QTest::newRow("several lines stay in their frame")
         << QList<Message>{text(Type::Error, "one\r\ntwo"), info} << "\n\nError\none\ntwo\n\ninfo";
+    QTest::newRow("no more than eight frames are nested")
+        << (QList<Message>(9, identified("deep", 1)) + QList<Message>{info})
+        << QStringLiteral("\n\n") + QStringLiteral("deep (ID: 1)\n").repeated(8) + QString(8, '\n')
+            + QStringLiteral("deep (ID: 1)\ninfo\n");
     QTest::newRow("no other type shows")
         << QList<Message>{make(Type::SetPid), make(Type::ReportText), make(static_cast<Type>(99))} << "";
 }
@@ -165,6 +171,17 @@ void TestClientInterface::consoleText()
     Page page;
     page.receive(messages);
     QTEST(page.document().toPlainText(), "shown");
+
+    ConsoleText saved;
+    for (const Message& message : messages) {
+        if (console_entry::isShown(message.type()))
+            console_entry::write(console_entry::pack(message), saved);
+    }
+    saved.finish();
+    QFETCH(QString, shown);
+    if (!shown.isEmpty() && !shown.endsWith(QLatin1Char('\n')))
+        shown += QLatin1Char('\n');
+    QCOMPARE(saved.take(), shown);
 }
 
 void TestClientInterface::headingsInARowStandClose()
@@ -369,6 +386,19 @@ void TestClientInterface::errorListFollowsTheBoxAtOnce()
 
     page.box.click();
     QVERIFY(page.isAtEnd());
+    // Also in the pause that follows a scroll.
+    page.box.click();
+    page.bar.setValue(0);
+    page.box.click();
+    QVERIFY(page.isAtEnd());
+
+    page.child<QTabWidget>("tabWidget").setCurrentIndex(0);
+    page.fill(30);
+    QTest::qWait(100);
+    page.child<QTabWidget>("tabWidget").setCurrentIndex(1);
+    QTRY_VERIFY(page.isAtEnd());
+    QCOMPARE(page.bar.value(),
+        page.list.rowHeight(0) * page.list.model()->rowCount() - page.list.viewport()->height());
 }
 
 void TestClientInterface::errorListLeavesTheEndToTheReader()

@@ -97,8 +97,9 @@ private Q_SLOTS:
 
     void shownIsTheEndOfAll_data();
     void shownIsTheEndOfAll();
-    void firstRecordsOfATurnAreShownAtOnce();
-    void viewsTakeTurns();
+    void firstRecordsOfAnIterationAreShownAtOnce();
+    void paceOfWriting();
+    void oneViewRefreshesAtATime();
     void heavyFrameHoldsNothingUp();
     void heavyEntriesDoNotPileUp();
     void readerStays();
@@ -159,10 +160,10 @@ void TestConsole::shownIsTheEndOfAll()
     QVERIFY(page.isAtEnd());
 }
 
-void TestConsole::firstRecordsOfATurnAreShownAtOnce()
+void TestConsole::firstRecordsOfAnIterationAreShownAtOnce()
 {
     Page page;
-    for (int turn = 0; turn < 3; ++turn) {
+    for (int iteration = 0; iteration < 3; ++iteration) {
         page.receive(numbered(1000), 200);
         QCOMPARE(page.whyWrong(), QString());
         QCoreApplication::processEvents();
@@ -172,7 +173,56 @@ void TestConsole::firstRecordsOfATurnAreShownAtOnce()
     QVERIFY(QTest::qWaitFor([&] { return page.receive(heavy, 20), page.page.console().isFlooded(); }, 20000));
 }
 
-void TestConsole::viewsTakeTurns()
+void TestConsole::paceOfWriting()
+{
+    using Reading = ConsolePace::Reading;
+    QCoreApplication::processEvents();
+    ConsolePace one;
+    QVERIFY(one.mayWriteAtOnce(Reading::CaughtUp, false));
+    QVERIFY2(!one.mayWriteAtOnce(Reading::CaughtUp, true), "the document is closed");
+    QVERIFY(!one.isFlooded() && !one.isRefreshPending());
+    one.addWritingTime(20'000'000);
+    QVERIFY(one.mayWriteAtOnce(Reading::CaughtUp, false));
+    ConsolePace other;
+    QVERIFY(other.mayWriteAtOnce(Reading::NoConnection, false));
+    QVERIFY2(!other.mayWriteAtOnce(Reading::CaughtUp, false), "the first has taken the time");
+    QVERIFY(!one.mayWriteAtOnce(Reading::Behind, false));
+    for (ConsolePace* pace : {&one, &other})
+        QVERIFY(pace->isFlooded() && pace->isRefreshPending());
+
+    QVERIFY2(!one.beginRefresh(false), "the flood goes on, and nobody looks");
+    QVERIFY(!one.mayWriteAtOnce(Reading::Behind, false));
+    QVERIFY(one.beginRefresh(true));
+    QVERIFY2(!other.beginRefresh(true) && other.isRefreshPending(), "another one refreshes");
+    one.endRefresh(false, false);
+    QVERIFY(one.isFlooded());
+    QSignalSpy due(&one, &ConsolePace::refreshDue);
+    QVERIFY(due.wait());
+    QVERIFY(one.beginRefresh(true));
+    one.endRefresh(true, false);
+    QVERIFY2(one.isFlooded() && one.isRefreshPending(), "entries wait");
+    QVERIFY(due.wait());
+    QVERIFY(one.beginRefresh(false));
+    one.endRefresh(false, false);
+    QVERIFY(!one.isFlooded() && !one.isRefreshPending());
+    QVERIFY(one.mayWriteAtOnce(Reading::CaughtUp, false));
+
+    int atOnce = 0;
+    for (int i = 0; i < 1000; ++i)
+        atOnce += one.mayWriteAtOnce(Reading::CaughtUp, false) ? 1 : 0;
+    QVERIFY2(atOnce > 100 && atOnce < 500, "the rest of an iteration's entries wait");
+    QVERIFY(due.wait());
+    QVERIFY(!one.beginRefresh(false));
+    QVERIFY(one.beginRefresh(true));
+    one.endRefresh(false, false);
+
+    // Once what may be taken in advance is used up, each iteration of the event loop has to wait.
+    one.addWritingTime(60'000'000'000);
+    QCoreApplication::processEvents();
+    QVERIFY(!one.mayWriteAtOnce(Reading::CaughtUp, false));
+}
+
+void TestConsole::oneViewRefreshesAtATime()
 {
     Page one;
     Page other;
@@ -244,7 +294,7 @@ void TestConsole::heavyEntriesDoNotPileUp()
     ConsoleDocument document(&text);
     const std::string entry = console_entry::pack(records::text(Type::Information, std::string(8000, 'x')));
     for (int i = 0; i < live; ++i)
-        document.keep(entry);
+        document.enqueue(entry);
     QVERIFY(document.waiting() * entry.size() < 2'000'000);
     document.restart(1);
     QCOMPARE(console_oracle::earlierEntries(text), live - 1);
@@ -388,6 +438,14 @@ void TestConsole::readerStopsFollowing()
     QVERIFY(page.comesToRest());
     QVERIFY(page.autoScroll->isChecked() && page.isAtEnd());
     QCOMPARE(page.whyWrong(), QString());
+
+    // Who asks for the end is no longer in the middle of a selection.
+    QTest::mousePress(text, Qt::LeftButton, {}, {30, 100});
+    page.autoScroll->click();
+    page.autoScroll->click();
+    page.receive(lines, 50);
+    QVERIFY(page.comesToRest());
+    QVERIFY(page.isAtEnd());
 }
 
 void TestConsole::steadyStreamWearsNothingOut_data()
@@ -471,10 +529,10 @@ void TestConsole::savesWhatWasTrimmed()
     QCOMPARE(html.count(QStringLiteral(
                  "<div class=\"frame error\">a &lt; b &amp; c</div>\n<div class=\"line\">grüß")),
         3 * live / 2);
-    QSignalSpy notices(&page.page.console(), &Console::notice);
+    QSignalSpy messages(&page.page.console(), &Console::statusMessage);
     QCOMPARE(saved(QStringLiteral("missing/console.txt")), QString());
-    QCOMPARE(notices.count(), 1);
-    QVERIFY(notices.at(0).at(0).toString().contains(QStringLiteral("not saved")));
+    QCOMPARE(messages.count(), 1);
+    QVERIFY(messages.at(0).at(0).toString().contains(QStringLiteral("not saved")));
 
     // Without waiting for a file that is being written.
     const platform::FileReplacement other(
@@ -483,7 +541,7 @@ void TestConsole::savesWhatWasTrimmed()
     time.start();
     QCOMPARE(saved(QStringLiteral("busy.txt")), QString());
     QVERIFY(time.elapsed() < 2000);
-    QVERIFY(notices.at(1).at(0).toString().endsWith(QStringLiteral("it is being written already")));
+    QVERIFY(messages.at(1).at(0).toString().endsWith(QStringLiteral("it is being written already")));
 
     page.page.findChild<QPushButton*>(QStringLiteral("btnClear"))->click();
     page.receive({text(Type::Information, "after")}, 1);
@@ -496,7 +554,7 @@ void TestConsole::fullDiskHarmsNothing()
 {
     const QByteArray folder = qgetenv("TMPDIR");
     Page page;
-    QSignalSpy notices(&page.page.console(), &Console::notice);
+    QSignalSpy messages(&page.page.console(), &Console::statusMessage);
     const auto kept = [&page] {
         ConsoleText text;
         ConsoleSpool::Reader reader(page.page.console().spool());
@@ -539,7 +597,7 @@ void TestConsole::fullDiskHarmsNothing()
     page.receive(lines, 100);
     QCOMPARE(nextLine(), lines.size());
     QVERIFY(page.comesToRest());
-    QCOMPARE(notices.count(), 2);
+    QCOMPARE(messages.count(), 2);
     const QStringList shown = page.document().toPlainText().split(QLatin1Char('\n'));
     QCOMPARE(shown.size(), lines.size());
     QVERIFY(shown.last().startsWith(QStringLiteral("999xxx")));

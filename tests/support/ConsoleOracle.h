@@ -37,13 +37,13 @@ inline QString whyWrong(Console& console, const QTextDocument& document)
 {
     const int earlier = earlierEntries(document);
     ConsoleText text;
-    console_entry::Outline outline;
+    ConsoleOutline outline;
     ConsoleSpool::Reader reader(console.spool());
     int number = 0;
     for (std::string_view entry; reader.next(entry); ++number) {
         console_entry::write(entry, text);
         if (number < earlier) {
-            outline.pass(entry);
+            console_entry::follow(entry, outline);
             text.take();
         }
     }
@@ -60,7 +60,7 @@ inline QString whyWrong(Console& console, const QTextDocument& document)
                                                                               : difference(shown, rest);
     shown = shown.mid(shown.indexOf(QLatin1Char('\n')));
     // Inside of frames, the headings that opened them are shown again.
-    if (!outline.openFrames().empty())
+    if (outline.isInFrame())
         return shown.endsWith(rest) ? QString() : QStringLiteral("is not the end of all text in its frames");
     return difference(shown, (outline.isLineEmpty() ? QStringLiteral("\n") : QString()) + rest);
 }
