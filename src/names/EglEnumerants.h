@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string_view>
 
 /// The EGL enumerants that frame-buffer configurations use: attributes and symbolic values.
@@ -16,5 +17,8 @@ const char* symbolicName(std::int32_t value);
 
 /// The value of one of those seven names.
 std::optional<std::int32_t> symbolicValue(std::string_view name);
+
+/// The names of the bits of a mask such as "EGL_SURFACE_TYPE"; none for an attribute that is no mask.
+std::span<const std::string_view> bitNames(std::string_view attribute);
 
 } // namespace egl

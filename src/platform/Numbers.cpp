@@ -50,6 +50,20 @@ std::optional<std::int32_t> parseInt32(std::string_view text)
     return parseWhole<std::int32_t>(text);
 }
 
+std::optional<std::uint32_t> parseHexadecimal(std::string_view text)
+{
+    text = bareNumber(text);
+    if (!text.starts_with("0x") && !text.starts_with("0X"))
+        return std::nullopt;
+    text.remove_prefix(2);
+    constexpr int base = 16;
+    std::uint32_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value, base);
+    if (error != std::errc() || end != text.data() + text.size())
+        return std::nullopt;
+    return value;
+}
+
 std::optional<double> parseReal(std::string_view text)
 {
     const std::optional<double> value = parseWhole<double>(text);

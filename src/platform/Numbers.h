@@ -16,6 +16,9 @@ std::optional<std::int64_t> parseInteger(std::string_view text);
 /// The same, for a value that fits into 32 bits with a sign.
 std::optional<std::int32_t> parseInt32(std::string_view text);
 
+/// The number of up to 32 bits that stands in the text as hexadecimal digits after "0x".
+std::optional<std::uint32_t> parseHexadecimal(std::string_view text);
+
 /// The finite decimal number in the text; nothing when the text is anything else or out of a double's range.
 std::optional<double> parseReal(std::string_view text);
 

@@ -33,6 +33,9 @@ TEST(Numbers, areReadWholeOrRefused)
     EXPECT_EQ(platform::parseInteger("\n -9223372036854775808 "), std::numeric_limits<std::int64_t>::min());
     EXPECT_EQ(platform::parseInteger("+7"), 7);
     EXPECT_EQ(platform::parseReal(" 1e-3\t"), 0.001);
+    EXPECT_EQ(platform::parseHexadecimal(" 0xFFFFFFFF "), 0xFFFFFFFFU);
+    for (const char* text : {"", "10", "0x", "0x100000000", "-0x1", "0x-1", "0x1g"})
+        EXPECT_FALSE(platform::parseHexadecimal(text)) << text;
     for (const char* text : {"", " ", "+", "+-1", "1 2", "1x", "0x10", "9223372036854775808", "1.5"})
         EXPECT_FALSE(platform::parseInteger(text)) << text;
     for (const char* text : {"", "1,5", "1.5.", "inf", "nan", "1e999"})

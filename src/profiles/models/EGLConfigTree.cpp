@@ -21,6 +21,14 @@ QVariant attributeValue(const QVariant& value)
     return named ? QVariant(*named) : numberOrText(value);
 }
 
+/// The key of an attribute's row; nothing for one that no table knows, and for other rows.
+std::optional<EGLAttribKey> attributeKey(const ProfileTreeItem& item)
+{
+    EGLAttribKey key;
+    const std::optional<int> number = item.parent() ? storedNumber(item.data(KeyColumn)) : std::nullopt;
+    return number && findEGLAttribKey(*number, &key) ? std::optional(key) : std::nullopt;
+}
+
 /// Whether the element's parts are attributes of their own.
 bool isCompound(const std::string& element)
 {
@@ -83,10 +91,8 @@ std::optional<int> EGLConfigTreeItem::id() const
 
 std::deque<std::string> EGLConfigTreeItem::path() const
 {
-    EGLAttribKey key;
-    const std::optional<int> number = storedNumber(data(KeyColumn));
-    if (number && findEGLAttribKey(*number, &key))
-        return key.xmlPath;
+    if (const std::optional<EGLAttribKey> key = attributeKey(*this))
+        return key->xmlPath;
     const std::string name = text(KeyColumn);
     const std::size_t slash = name.find('/');
     if (slash == std::string::npos)
@@ -98,13 +104,29 @@ ProfileNode EGLConfigTreeItem::node(const std::string& name) const
 {
     ProfileNode node{name, text(ValueColumn), {}};
     const std::optional<int> value = storedNumber(data(ValueColumn));
-    if (!written(ValueColumn) && value && *egl::symbolicName(*value) != '\0')
-        node.value = egl::symbolicName(*value);
+    const std::optional<EGLAttribKey> key = attributeKey(*this);
+    if (!written(ValueColumn) && value && key)
+        node.value = value_names::eglValue(*key, *value);
     for (int row = 0; row < children().count(); ++row) {
         const auto* part = static_cast<const EGLConfigTreeItem*>(children().at(row));
         node.children.push_back(part->node(part->text(KeyColumn)));
     }
     return node;
+}
+
+/// A mask has an element for each bit, and a row may hold several bits.
+void EGLConfigTreeItem::appendElements(const ProfileNode& node, std::vector<ProfileNode>* nodes) const
+{
+    const std::optional<EGLAttribKey> key = attributeKey(*this);
+    if (written(ValueColumn) || !key || key->single) {
+        nodes->push_back(node);
+        return;
+    }
+    std::size_t begin = 0;
+    for (std::size_t end = 0; end != std::string::npos; begin = end + 1) {
+        end = node.value.find('|', begin);
+        nodes->push_back({node.name, node.value.substr(begin, end - begin), {}});
+    }
 }
 
 std::vector<ProfileNode> EGLConfigTreeItem::attributes() const
@@ -121,7 +143,7 @@ std::vector<ProfileNode> EGLConfigTreeItem::attributes() const
         const auto* attribute = static_cast<const EGLConfigTreeItem*>(children().at(row));
         const std::deque<std::string> path = attribute->path();
         if (path.size() == 1) {
-            nodes.push_back(attribute->node(path.front()));
+            attribute->appendElements(attribute->node(path.front()), &nodes);
             continue;
         }
         const auto found = first.find(path.front());
@@ -185,13 +207,23 @@ QString EGLConfigTree::displayText(const ProfileTreeItem& item, int column) cons
         column == ValueColumn ? value_names::eglValue(text) : value_names::eglAttribute(text));
 }
 
+QString EGLConfigTree::readableText(const ProfileTreeItem& item, int column) const
+{
+    const QVariant& stored = item.data(column);
+    if (column != ValueColumn || !item.parent() || !storedNumber(stored))
+        return displayText(item, column);
+    const std::optional<EGLAttribKey> key = attributeKey(item);
+    return key ? QString::fromStdString(value_names::eglValue(*key, stored.toInt())) : stored.toString();
+}
+
 QVariant EGLConfigTree::storedValue(const ProfileTreeItem& item, int column, const QVariant& value) const
 {
     // Keys below attributes are names of elements, whatever they look like.
     const bool isName = column == KeyColumn && item.parent() && item.parent()->parent();
     if (isName)
         return value.toString();
-    return column == KeyColumn ? numberOrText(value) : attributeValue(value);
+    // Nothing says whether what no table knows goes by names, so it keeps the name that was entered.
+    return column == ValueColumn && attributeKey(item) ? attributeValue(value) : numberOrText(value);
 }
 
 } // namespace models

@@ -37,6 +37,7 @@ private:
         const std::deque<std::string>& path, const ProfileNode& node, const Element& element);
     std::deque<std::string> path() const;
     ProfileNode node(const std::string& name) const;
+    void appendElements(const ProfileNode& node, std::vector<ProfileNode>* nodes) const;
 
     /// Where the row comes from.
     Element m_element{{}, -1};
@@ -58,6 +59,7 @@ public:
 protected:
     std::unique_ptr<ProfileTreeItem> makeItem() const override;
     QString displayText(const ProfileTreeItem& item, int column) const override;
+    QString readableText(const ProfileTreeItem& item, int column) const override;
     QVariant storedValue(const ProfileTreeItem& item, int column, const QVariant& value) const override;
 };
 

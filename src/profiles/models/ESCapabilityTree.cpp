@@ -91,4 +91,14 @@ QString ESCapabilityTree::displayText(const ProfileTreeItem& item, int column) c
     return QString::fromStdString(isPart ? text : value_names::esCapability(text));
 }
 
+QString ESCapabilityTree::readableText(const ProfileTreeItem& item, int column) const
+{
+    if (column != ValueColumn)
+        return displayText(item, column);
+    const std::string value = item.data(ValueColumn).toString().trimmed().toStdString();
+    // Parts are numbers, also where one is called like a capability.
+    const bool isPart = item.parent() && item.parent()->parent();
+    return QString::fromStdString(isPart ? value : value_names::glValue(item.text(KeyColumn), value));
+}
+
 } // namespace models

@@ -33,6 +33,7 @@ public:
 protected:
     std::unique_ptr<ProfileTreeItem> makeItem() const override;
     QString displayText(const ProfileTreeItem& item, int column) const override;
+    QString readableText(const ProfileTreeItem& item, int column) const override;
 
 private:
     void addParts(const QModelIndex& capability);

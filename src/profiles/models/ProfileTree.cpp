@@ -84,13 +84,20 @@ QVariant ProfileTree::data(const QModelIndex& index, int role) const
         return row.data(index.column());
     if (role == Qt::DisplayRole)
         return displayText(row, index.column());
+    if (role == Qt::AccessibleTextRole)
+        return readableText(row, index.column());
     if (role == Qt::ToolTipRole) {
-        const QString stored = row.data(index.column()).toString();
-        const QString shown = displayText(row, index.column());
+        const QString stored = row.data(index.column()).toString().trimmed();
+        const QString shown = readableText(row, index.column());
         const bool hidden = stored != shown && storedNumber(numberOrText(row.data(index.column())));
-        return hidden ? tr("%1 = %2").arg(shown, stored.trimmed()) : QVariant();
+        return hidden ? tr("%1 = %2").arg(shown, stored) : QVariant();
     }
     return {};
+}
+
+QString ProfileTree::readableText(const ProfileTreeItem& item, int column) const
+{
+    return displayText(item, column);
 }
 
 QVariant ProfileTree::storedValue(const ProfileTreeItem& item, int column, const QVariant& value) const

@@ -9,8 +9,9 @@ namespace models {
 /// One section of a profile as a tree: index arithmetic, flags, insertion and removal. What the rows mean is
 /// the business of the classes below it.
 ///
-/// Qt::EditRole gives what is stored. Where Qt::DisplayRole shows a name for a number, Qt::ToolTipRole has
-/// the number.
+/// Qt::EditRole gives what is stored, Qt::DisplayRole the name of any number that has one. What users read is
+/// Qt::AccessibleTextRole, which takes the kind of the key into account: a size is a number, even where an
+/// enumerant has the same one. Where they read a name for a number, Qt::ToolTipRole has the number.
 class ProfileTree : public QAbstractItemModel {
     Q_OBJECT
 
@@ -41,8 +42,9 @@ protected:
     ProfileTreeItems& topItems() { return m_items; }
 
     virtual std::unique_ptr<ProfileTreeItem> makeItem() const = 0;
-    /// What the user sees.
     virtual QString displayText(const ProfileTreeItem& item, int column) const = 0;
+    /// What the user reads.
+    virtual QString readableText(const ProfileTreeItem& item, int column) const;
     /// The value as it is to be stored.
     virtual QVariant storedValue(const ProfileTreeItem& item, int column, const QVariant& value) const;
 

@@ -7,6 +7,7 @@
 #include "ProfileColumns.h"
 #include "UnusedKeys.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace widgets {
@@ -14,6 +15,9 @@ namespace widgets {
 using models::KeyColumn;
 
 namespace {
+
+constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t greatest = std::numeric_limits<std::int32_t>::max();
 
 /// The attribute of a value's row; nothing for one that no table knows.
 std::optional<EGLAttribKey> attribOf(const QModelIndex& index)
@@ -48,16 +52,55 @@ QWidget* makeValueSelector(QWidget* parent, const QModelIndex& index, const EGLA
     return nullptr;
 }
 
-/// The number that an attribute's value stands for, or the name of a bit where the attribute is a mask.
-QVariant parsedValue(const std::string& text, const EGLAttribKey& key)
+/// The bits of a mask by their names, joined by "|"; a null text for anything else.
+QString bitsIn(const QString& text, const EGLAttribKey& key)
 {
+    const std::span<const std::string_view> known = egl::bitNames(key.displayName.text);
+    QStringList bits;
+    for (const QString& bit : text.split(QLatin1Char('|'))) {
+        bits += bit.trimmed();
+        if (std::find(known.begin(), known.end(), bits.last().toStdString()) == known.end())
+            return {};
+    }
+    bits.removeDuplicates();
+    return bits.join(QLatin1Char('|'));
+}
+
+/// The number that an attribute's value stands for, or the names of the bits where the attribute is a mask.
+QVariant parsedValue(const QString& entry, const EGLAttribKey& key)
+{
+    const std::string text = entry.trimmed().toStdString();
     if (const std::optional<std::int32_t> symbol = egl::symbolicValue(text))
         return *symbol;
     if (const std::optional<std::int32_t> number = platform::parseInt32(text))
         return *number;
-    if (!key.single && text.ends_with("_BIT") && egl::enumerantValue(text))
-        return QString::fromStdString(text);
-    return {};
+    // Of what has names all bits count, the one for the sign too.
+    const std::optional<std::uint32_t> hexadecimal = platform::parseHexadecimal(text);
+    if (hexadecimal && (hasNames(valueKind(key.kind)) || *hexadecimal <= std::uint32_t(greatest)))
+        return static_cast<std::int32_t>(*hexadecimal);
+    const QString bits = key.single ? QString() : bitsIn(entry, key);
+    return bits.isNull() ? QVariant() : bits;
+}
+
+QString refusalFor(const EGLAttribKey& key)
+{
+    const QString name = QString::fromStdString(key.displayName.text);
+    if (!key.single)
+        return EGLConfigTreeItemDelegate::tr(
+            "%1 takes the names of bits such as %2, or their sum as a number.")
+            .arg(name,
+                key.displayName.text == "EGL_SURFACE_TYPE"
+                    ? QStringLiteral("EGL_WINDOW_BIT|EGL_PBUFFER_BIT")
+                    : QStringLiteral("EGL_OPENGL_ES_BIT|EGL_OPENGL_ES2_BIT"));
+    const QString numbers = EGLConfigTreeItemDelegate::tr("%1 takes a whole number from %2 to %3")
+                                .arg(name)
+                                .arg(least)
+                                .arg(greatest);
+    if (!hasNames(valueKind(key.kind)))
+        return EGLConfigTreeItemDelegate::tr("%1, also hexadecimal such as 0x10.").arg(numbers);
+    const QString names =
+        key.kind == KeyKind::Boolean ? QStringLiteral("EGL_TRUE") : QStringLiteral("EGL_NONE");
+    return EGLConfigTreeItemDelegate::tr("%1 or a name such as %2.").arg(numbers, names);
 }
 
 } // namespace
@@ -85,33 +128,26 @@ ProfileTreeItemDelegate::Outcome EGLConfigTreeItemDelegate::outcomeOf(
     const QModelIndex& index, const QVariant& entry) const
 {
     const int level = depth(index);
-    if (index.column() == KeyColumn && level == 0) {
-        if (isTaken(index, entry.toInt()))
-            return {{},
-                tr("There is a config %1 already. Enter a number that no other config has.")
-                    .arg(entry.toInt())};
-        return {entry.toInt(), {}};
-    }
+    if (index.column() == KeyColumn && level == 0)
+        return outcomeOfId(index, entry.toString());
     if (index.column() == KeyColumn)
         return {entry.toInt(), {}};
     const std::optional<EGLAttribKey> key = level == 1 ? attribOf(index) : std::nullopt;
     if (!key)
         return {entry, {}};
-    const QVariant value = parsedValue(entry.toString().trimmed().toStdString(), *key);
-    if (value.isValid())
-        return {value, {}};
-    const QString bits = key->single
-        ? QString()
-        : tr(", or the name of a bit such as %1")
-              .arg(QLatin1String(
-                  key->displayName.text == "EGL_SURFACE_TYPE" ? "EGL_WINDOW_BIT" : "EGL_OPENGL_ES2_BIT"));
-    return {{},
-        tr("%1 takes a whole number from %2 to %3, a name such as EGL_DONT_CARE, EGL_NONE, EGL_TRUE or "
-           "EGL_FALSE%4.")
-            .arg(QString::fromStdString(key->displayName.text))
-            .arg(std::numeric_limits<std::int32_t>::min())
-            .arg(std::numeric_limits<std::int32_t>::max())
-            .arg(bits)};
+    const QVariant value = parsedValue(entry.toString(), *key);
+    return value.isValid() ? Outcome{value, {}} : Outcome{{}, refusalFor(*key)};
+}
+
+ProfileTreeItemDelegate::Outcome EGLConfigTreeItemDelegate::outcomeOfId(
+    const QModelIndex& config, const QString& entry)
+{
+    const std::optional<int> id = EGLConfigIDSelector::parsedId(entry);
+    if (!id)
+        return {{}, tr("A config has a whole number from %1 to %2.").arg(least).arg(greatest)};
+    if (isTaken(config, *id))
+        return {{}, tr("There is a config %1 already. Enter a number that no other config has.").arg(*id)};
+    return {*id, {}};
 }
 
 } // namespace widgets

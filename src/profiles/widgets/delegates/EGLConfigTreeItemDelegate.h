@@ -14,6 +14,9 @@ public:
 protected:
     QWidget* makeEditor(QWidget* parent, const QModelIndex& index) const override;
     Outcome outcomeOf(const QModelIndex& index, const QVariant& entry) const override;
+
+private:
+    static Outcome outcomeOfId(const QModelIndex& config, const QString& entry);
 };
 
 } // namespace widgets

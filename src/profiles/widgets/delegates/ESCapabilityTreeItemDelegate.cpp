@@ -67,6 +67,8 @@ QString parsedValue(const std::string& text, ValueKind kind)
     const std::optional<std::int64_t> number = platform::parseInteger(text);
     if (number && gl::isValue(*number))
         return QString::number(*number);
+    if (const std::optional<std::uint32_t> hexadecimal = platform::parseHexadecimal(text))
+        return QString::number(*hexadecimal);
     if (const std::optional<std::int32_t> value = gl::enumerantValue(text))
         return QString::number(static_cast<std::uint32_t>(*value));
     const std::optional<double> real = kind == ValueKind::Real ? platform::parseReal(text) : std::nullopt;
@@ -124,11 +126,11 @@ ProfileTreeItemDelegate::Outcome ESCapabilityTreeItemDelegate::outcomeOf(
     const QString name = keyOf(index).data().toString();
     if (kind == ValueKind::Real)
         return {{}, tr("\"%1\" takes a number such as 1 or 0.5.").arg(name)};
-    return {{},
-        tr("%1 takes a whole number from %2 to %3 or the name of a GL enumerant such as GL_RGBA.")
-            .arg(name)
-            .arg(gl::leastValue)
-            .arg(gl::greatestValue)};
+    const QString numbers =
+        tr("%1 takes a whole number from %2 to %3").arg(name).arg(gl::leastValue).arg(gl::greatestValue);
+    if (!hasNames(*kind))
+        return {{}, tr("%1, also hexadecimal such as 0x10.").arg(numbers)};
+    return {{}, tr("%1 or the name of a GL enumerant such as GL_RGBA.").arg(numbers)};
 }
 
 } // namespace widgets

@@ -119,6 +119,14 @@ QSize ProfileTreeItemDelegate::sizeHint(const QStyleOptionViewItem& option, cons
     return QStyledItemDelegate::sizeHint(option, index) + QSize(frame, frame);
 }
 
+void ProfileTreeItemDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const
+{
+    QStyledItemDelegate::initStyleOption(option, index);
+    const QVariant readable = index.data(Qt::AccessibleTextRole);
+    if (readable.isValid())
+        option->text = displayText(readable, option->locale);
+}
+
 bool ProfileTreeItemDelegate::eventFilter(QObject* object, QEvent* event)
 {
     auto* editor = qobject_cast<QWidget*>(object);
@@ -142,10 +150,8 @@ std::optional<ProfileTreeItemDelegate::Outcome> ProfileTreeItemDelegate::outcome
     if (const auto* selector = qobject_cast<const GenericValueSelector*>(editor))
         return selector->currentIndex() > 0 ? std::optional(outcomeOf(index, selector->currentText()))
                                             : std::nullopt;
-    if (auto* id = qobject_cast<EGLConfigIDSelector*>(editor)) {
-        id->interpretText();
-        return id->isChanged() ? std::optional(outcomeOf(index, id->value())) : std::nullopt;
-    }
+    if (const auto* id = qobject_cast<const EGLConfigIDSelector*>(editor))
+        return id->isChanged() ? std::optional(outcomeOf(index, id->cleanText())) : std::nullopt;
     const auto* line = qobject_cast<const QLineEdit*>(editor);
     if (!line || !line->isModified() || line->text() == storedText(index))
         return std::nullopt;

@@ -4,11 +4,11 @@
 
 namespace widgets {
 
-/// Edits the cells of a profile tree in place. What cannot be stored is refused: Enter leaves the editor
-/// open, leaving it keeps the old value, and either way a tool tip says why. An editor that is left as it was
-/// found writes nothing.
+/// Paints the cells of a profile tree and edits them in place. What cannot be stored is refused: Enter leaves
+/// the editor open, leaving it keeps the old value, and either way a tool tip says why. An editor that is
+/// left as it was found writes nothing.
 ///
-/// Knows the model by its columns and by Qt::EditRole only.
+/// Knows the model by its columns, Qt::EditRole and Qt::AccessibleTextRole only.
 class ProfileTreeItemDelegate : public QStyledItemDelegate {
     Q_OBJECT
 
@@ -34,10 +34,12 @@ protected:
     };
 
     bool eventFilter(QObject* object, QEvent* event) override;
+    /// Paints what screen readers say: Qt::DisplayRole names numbers whatever their key is.
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override;
 
     /// An editor that shows the cell's value; null for a cell that is not edited.
     virtual QWidget* makeEditor(QWidget* parent, const QModelIndex& index) const = 0;
-    /// What becomes of an entry, the text of a line or of a selector or the number of a spin box.
+    /// What becomes of an entry, the text of an editor.
     virtual Outcome outcomeOf(const QModelIndex& index, const QVariant& entry) const = 0;
 
     /// A line with the cell's value as it is stored.

@@ -50,7 +50,8 @@ private slots:
     void leaving_data();
     void leaving();
     void selectorsCommit();
-    void refusesTheIdOfAnotherConfig();
+    void idsOfConfigs();
+    void paintsWhatUsersRead();
     void offersWhatTheRowLacks();
     void longTextsStayWhole();
 
@@ -197,6 +198,15 @@ void TestTreeItemDelegates::entersText_data()
     row("EGL", {"EGL_SURFACE_TYPE"}, "EGL_PBUFFER_BIT", "EGL_PBUFFER_BIT");
     row("EGL", {"EGL_SURFACE_TYPE"}, "EGL_NO_SUCH_BIT", refused);
     row("EGL", {"EGL_SURFACE_TYPE"}, "4", 4);
+    row("EGL", {"EGL_SURFACE_TYPE"}, "EGL_WINDOW_BIT | EGL_PBUFFER_BIT|EGL_WINDOW_BIT",
+        "EGL_WINDOW_BIT|EGL_PBUFFER_BIT");
+    row("EGL", {"EGL_SURFACE_TYPE"}, "EGL_WINDOW_BIT|EGL_OPENGL_BIT", refused);
+    row("EGL", {"EGL_SURFACE_TYPE"}, "EGL_WINDOW_BIT|", refused);
+    row("EGL", {"EGL_SURFACE_TYPE"}, "0xFFFFFFFF", -1);
+    row("EGL", {"EGL_SAMPLES"}, "0x3038", 12344);
+    row("EGL", {"EGL_SAMPLES"}, "0xFFFFFFFF", refused);
+    row("ES", {"GL_SAMPLES"}, "0xFFFFFFFF", "4294967295");
+    row("ES", {"GL_SAMPLES"}, "0x100000000", refused);
     row("EGL", {"odd"}, "<any>", "<any>");
     row("EGL", {"secret", "a"}, "1x", "1x");
     row("ES", {"GL_SAMPLES"}, "4294967295", "4294967295");
@@ -299,7 +309,7 @@ void TestTreeItemDelegates::selectorsCommit()
     QCOMPARE(index.data(), "EGL_NON_CONFORMANT_CONFIG");
 }
 
-void TestTreeItemDelegates::refusesTheIdOfAnotherConfig()
+void TestTreeItemDelegates::idsOfConfigs()
 {
     show("EGL");
     const QPersistentModelIndex index = cell({}, KeyColumn);
@@ -313,6 +323,40 @@ void TestTreeItemDelegates::refusesTheIdOfAnotherConfig()
     QTest::keyClick(id, Qt::Key_Return);
     QTRY_VERIFY(!id);
     QCOMPARE(index.data(Qt::EditRole), 27);
+
+    // A number that was cut off would look like the one that was entered.
+    id = qobject_cast<EGLConfigIDSelector*>(edit(index));
+    QTest::keyClicks(id, QStringLiteral("99999999999"));
+    QTest::keyClick(id, Qt::Key_Return);
+    QVERIFY(QToolTip::text().contains(QStringLiteral("2147483647")));
+    QVERIFY(id && id->isVisible());
+    id->selectAll();
+    QTest::keyClicks(id, QStringLiteral("0x1F"));
+    QTest::keyClick(id, Qt::Key_Return);
+    QTRY_VERIFY(!id);
+    QCOMPARE(index.data(Qt::EditRole), 31);
+}
+
+void TestTreeItemDelegates::paintsWhatUsersRead()
+{
+    const auto painted = [this](const QStringList& path) {
+        struct Access : ProfileTreeItemDelegate {
+            using ProfileTreeItemDelegate::initStyleOption;
+        };
+        QStyleOptionViewItem option;
+        const auto* delegate = static_cast<ProfileTreeItemDelegate*>(m_view->itemDelegate());
+        (delegate->*(&Access::initStyleOption))(&option, cell(path, ValueColumn));
+        return option.text;
+    };
+    show("ES");
+    QCOMPARE(painted({"GL_SAMPLES"}), "4");
+    QCOMPARE(painted({"GL_SHADER_COMPILER"}), "GL_TRUE");
+    QCOMPARE(painted({"GL_ALIASED_POINT_SIZE_RANGE", "min"}), "1");
+    QCOMPARE(painted({"GL_COMPRESSED_TEXTURE_FORMATS"}), "GL_ETC1_RGB8_OES");
+    show("EGL");
+    m_model->setData(cell({"EGL_SAMPLES"}, ValueColumn), 1);
+    QCOMPARE(painted({"EGL_SAMPLES"}), "1");
+    QCOMPARE(painted({"EGL_CONFIG_CAVEAT"}), "EGL_NONE");
 }
 
 void TestTreeItemDelegates::offersWhatTheRowLacks()
