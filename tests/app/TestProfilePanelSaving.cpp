@@ -1,6 +1,8 @@
 #include "ProfilePanelDriver.h"
 
 #include <QFileDialog>
+#include <QLabel>
+#include <QToolTip>
 
 namespace {
 
@@ -28,6 +30,9 @@ private Q_SLOTS:
     void otherProgramsAreNotOverwritten();
     void linksDoNotReachOtherProfiles();
     void failedSaveKeepsTheEdits();
+    void refusedEntriesAreNotSaved();
+    void discardedChangesComeBack();
+    void deletedRowsComeBack();
     void withoutAFolderOneIsChosen();
 };
 
@@ -198,6 +203,123 @@ void TestProfilePanelSaving::failedSaveKeepsTheEdits()
     enterDevice(QStringLiteral("Ours"));
     click("btnSave");
     QVERIFY(content(QStringLiteral("other.xml")).contains(QStringLiteral(">Ours<")));
+}
+
+void TestProfilePanelSaving::refusedEntriesAreNotSaved()
+{
+    const auto save = [this](bool byMouse) {
+        if (byMouse)
+            click("btnSave");
+        else
+            QTest::keyClick(&m_window, Qt::Key_S, Qt::ControlModifier);
+    };
+    // Dialogs of other cases may have left no window active.
+    m_window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&m_window));
+    click("btnEdit");
+    enterDevice(QStringLiteral("Ours"));
+    for (const bool byMouse : {false, true}) {
+        type("eglConfigsView", index("eglConfigsView", {0, 0}, 1), QStringLiteral("many"), Qt::Key_unknown);
+        save(byMouse);
+        QVERIFY(isModifying());
+        QCOMPARE(content(QStringLiteral("mine.xml")), m_xml);
+        auto* line = tree("eglConfigsView")->viewport()->findChild<QLineEdit*>();
+        QVERIFY(line);
+        QCOMPARE(line->text(), QStringLiteral("many"));
+        QTRY_VERIFY(QToolTip::isVisible());
+        QToolTip::hideText();
+        QTest::keyClick(line, Qt::Key_Escape);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    // A list that is read again does not take an entry away that is being typed.
+    enterDevice(QStringLiteral("Mine"));
+    type("eglConfigsView", index("eglConfigsView", {0, 0}, 1), QStringLiteral("5"), Qt::Key_unknown);
+    QFile::remove(path(QStringLiteral("mine.xml")));
+    m_window.reloadProfiles();
+    QCOMPARE(index("eglConfigsView", {0, 0}, 1).data().toString(), QStringLiteral("5"));
+}
+
+void TestProfilePanelSaving::discardedChangesComeBack()
+{
+    const auto bringBack = [this] {
+        return button("btnBringBackChanges");
+    };
+    click("btnEdit");
+    QTest::keyClick(&m_window, Qt::Key_D, Qt::ControlModifier);
+    QVERIFY(isModifying());
+    click("btnDiscard");
+    QVERIFY(!bringBack()->isVisible());
+
+    click("btnEdit");
+    enterDevice(QStringLiteral("Ours"));
+    type("eglConfigsView", index("eglConfigsView", {0, 0}, 1), QStringLiteral("5"), Qt::Key_unknown);
+    click("btnDiscard");
+    QCOMPARE(device(), QStringLiteral("Mine"));
+    QCOMPARE(find<QLabel>("noticeDiscardedText")->text(), QStringLiteral("2 changes discarded."));
+    // Newer changes give way, but are not lost either.
+    click("btnEdit");
+    enterDevice(QStringLiteral("Newer"));
+    click("btnBringBackChanges");
+    QCOMPARE(device(), QStringLiteral("Ours"));
+    click("btnBringBackChanges");
+    QCOMPARE(device(), QStringLiteral("Newer"));
+    click("btnBringBackChanges");
+    click("btnSave");
+    QVERIFY(!bringBack()->isVisible());
+    QCOMPARE(content(QStringLiteral("mine.xml")),
+        QString(m_xml)
+            .replace(QStringLiteral("Mine"), QStringLiteral("Ours"))
+            .replace(QStringLiteral(">8<"), QStringLiteral(">5<")));
+
+    click("btnEdit");
+    enterDevice(QStringLiteral("Gone"));
+    click("btnDiscard");
+    QVERIFY(bringBack()->isVisible());
+    chooser()->setCurrentIndex(1);
+    QVERIFY(!bringBack()->isVisible());
+
+    // Of a profile that is in no file, too.
+    m_answers.enter(fileNameTitle, QString());
+    find<QAction>("actionNew_Profile")->trigger();
+    click("btnEdit");
+    enterDevice(QStringLiteral("Brand new"));
+    click("btnDiscard");
+    QCOMPARE(device(), chooser()->currentText());
+    click("btnBringBackChanges");
+    QCOMPARE(device(), QStringLiteral("Brand new"));
+    m_answers.enter(fileNameTitle, QStringLiteral("new.xml"));
+    click("btnSave");
+    QVERIFY(content(QStringLiteral("new.xml")).contains(QStringLiteral("<device>Brand new</device>")));
+}
+
+void TestProfilePanelSaving::deletedRowsComeBack()
+{
+    click("btnEdit");
+    tree("eglConfigsView")->model()->removeRow(0, index("eglConfigsView", {0}));
+    tree("eglConfigsView")->model()->removeRow(0);
+    tree("capabilitiesView")->model()->removeRows(0, 2, index("capabilitiesView", {0}));
+    QCOMPARE(find<QLabel>("noticeDeletedText")->text(), QStringLiteral("4 rows deleted."));
+    // Discarding takes the deletions along, and back.
+    click("btnDiscard");
+    QVERIFY(!button("btnBringBackRows")->isVisible());
+    click("btnBringBackChanges");
+    QCOMPARE(tree("eglConfigsView")->model()->rowCount(), 0);
+    // The number of a config can have been given away.
+    QVERIFY(tree("eglConfigsView")->model()->insertRow(0));
+    QVERIFY(tree("eglConfigsView")->model()->setData(index("eglConfigsView", {0}), 0));
+    click("btnBringBackRows");
+    QVERIFY(find<QLabel>("noticeDeletedText")->text().contains(QStringLiteral("Config 0")));
+    QVERIFY(tree("eglConfigsView")->model()->setData(index("eglConfigsView", {0}), 3));
+    click("btnBringBackRows");
+    QVERIFY(!button("btnBringBackRows")->isVisible());
+    QCOMPARE(index("eglConfigsView", {0, 0}).data().toString(), QStringLiteral("EGL_RED_SIZE"));
+    tree("eglConfigsView")->model()->removeRow(1);
+    enterDevice(QStringLiteral("Ours"));
+    click("btnSave");
+    QCOMPARE(content(QStringLiteral("mine.xml")),
+        QString(m_xml).replace(QStringLiteral("Mine"), QStringLiteral("Ours")));
+    click("btnEdit");
+    QVERIFY(!button("btnBringBackRows")->isVisible());
 }
 
 void TestProfilePanelSaving::withoutAFolderOneIsChosen()

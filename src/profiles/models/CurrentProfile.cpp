@@ -8,6 +8,8 @@
 
 #include <QFile>
 
+#include <filesystem>
+
 namespace models {
 
 namespace {
@@ -118,6 +120,7 @@ CurrentProfile::Pointer CurrentProfile::shownFromList() const
 void CurrentProfile::show(const Pointer& profile)
 {
     takeBackFailedSave();
+    m_discarded.reset();
     m_state = profile ? State::Listed : State::None;
     m_stored.reset();
     if (profile) {
@@ -133,6 +136,7 @@ void CurrentProfile::newProfile()
         return;
     const WritablePointer added = m_catalogue->newProfile();
     takeBackFailedSave();
+    m_discarded.reset();
     m_state = State::UnsavedNew;
     m_stored = added->data();
     Q_EMIT shownChanged(added);
@@ -186,12 +190,26 @@ bool CurrentProfile::saveCopy(const WritablePointer& copy, const ProfileData& ed
     return true;
 }
 
+/// Whether the file has these edits already: it is the one that was read, and nothing was changed.
+bool CurrentProfile::isStoredInFile(
+    const Pointer& profile, const ProfileData& edited, const std::string& directory) const
+{
+    const std::filesystem::path path = profile_file::pathFor(directory, profile->data().fileName());
+    std::error_code error;
+    return edited == *m_stored && std::filesystem::exists(path, error)
+        && m_catalogue->mayOverwrite(*profile, path.string());
+}
+
 bool CurrentProfile::saveInPlace(const Pointer& profile, const ProfileData& edited)
 {
     const std::string directory = m_controller->directoryForSaving();
     if (directory.empty())
         return false;
     const std::string& name = profile->data().fileName();
+    if (isStoredInFile(profile, edited, directory)) {
+        takeBackFailedSave();
+        return true;
+    }
     if (!name.empty() && !m_catalogue->mayOverwrite(*profile, profile_file::pathFor(directory, name).string())
         && !m_controller->mayReplace(name))
         return false;
@@ -206,6 +224,7 @@ bool CurrentProfile::saveInPlace(const Pointer& profile, const ProfileData& edit
 /// Reads the list after a save and announces it once, together with the choice of what was saved.
 void CurrentProfile::finishSave(const Pointer& saved, const std::string& directory)
 {
+    m_discarded.reset();
     m_state = State::Listed;
     m_lastListed = saved;
     m_stored = saved->data();
@@ -232,11 +251,23 @@ void CurrentProfile::takeBackFailedSave()
 void CurrentProfile::discard()
 {
     if (!shownFromList()) {
+        const Unlisted discarded{m_state, m_stored.value_or(ProfileData())};
         show(chosen());
+        m_discarded = discarded;
         return;
     }
     takeBackFailedSave();
     Q_EMIT editsDiscarded();
+}
+
+void CurrentProfile::takeBackDiscard()
+{
+    if (!m_discarded)
+        return;
+    takeBackFailedSave();
+    m_state = m_discarded->state;
+    m_stored = m_discarded->stored;
+    m_discarded.reset();
 }
 
 } // namespace models

@@ -67,12 +67,18 @@ public:
     void newProfile();
 
     /// Save what the editor holds: in place where that is possible, or as a copy in any case. What was saved
-    /// becomes the chosen profile. False when nothing was saved.
+    /// becomes the chosen profile. A file that holds the edits already is not written again. False when
+    /// nothing was saved.
     bool save(const ProfileData& edited);
     bool saveAs(const ProfileData& edited);
 
     /// Drops unsaved edits; of a profile that is in no list all of it, for the chosen one.
     void discard();
+    /// Takes the last discard() back, unless another profile has been shown since: what is stored is again
+    /// what the edits were made on. The edits themselves are the editor's.
+    void takeBackDiscard();
+    /// Whether that would show another profile, one that is in no list.
+    bool hasDiscardedUnlisted() const { return m_discarded.has_value(); }
 
 Q_SIGNALS:
     /// The catalogue has another list, in which the chosen profile is looked up again.
@@ -90,6 +96,11 @@ Q_SIGNALS:
     void fileSaved(const QString& path);
 
 private:
+    /// What is shown, when it is not a profile of the list.
+    struct Unlisted {
+        State state;
+        ProfileData stored;
+    };
     using WritablePointer = std::shared_ptr<ProfileDataWrapper>;
 
     Pointer chosenOrRemembered() const;
@@ -100,6 +111,8 @@ private:
     void show(const Pointer& profile);
     Pointer shownFromList() const;
 
+    bool isStoredInFile(
+        const Pointer& profile, const ProfileData& edited, const std::string& directory) const;
     bool canSave() const;
     WritablePointer copyOfStored();
     bool saveInPlace(const Pointer& profile, const ProfileData& edited);
@@ -114,6 +127,7 @@ private:
     WeakProfile m_chosen;
     WeakProfile m_lastListed;
     std::optional<ProfileData> m_stored;
+    std::optional<Unlisted> m_discarded;
 };
 
 } // namespace models

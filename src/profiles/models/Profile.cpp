@@ -32,8 +32,29 @@ Profile::Profile(const ProfileDataWrapper& profile, QObject* parent)
 
 void Profile::setEditable(bool editable)
 {
-    for (ProfileTree* tree : std::initializer_list<ProfileTree*>{&m_capabilities, &m_extensions, &m_configs})
+    for (ProfileTree* tree : trees())
         tree->setWritable(editable);
+}
+
+int Profile::removedRowCount() const
+{
+    return m_capabilities.removedRowCount() + m_extensions.removedRowCount() + m_configs.removedRowCount();
+}
+
+QString Profile::restoreRemovedRows()
+{
+    QString taken;
+    for (ProfileTree* tree : trees()) {
+        const QString found = tree->restoreRemovedRows();
+        taken = taken.isEmpty() ? found : taken;
+    }
+    return taken;
+}
+
+void Profile::forgetRemovedRows()
+{
+    for (ProfileTree* tree : trees())
+        tree->forgetRemovedRows();
 }
 
 std::string Profile::writeTo(ProfileData& document) const

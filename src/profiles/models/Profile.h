@@ -6,6 +6,7 @@
 
 #include <QObject>
 
+#include <array>
 #include <string>
 
 class ProfileDataWrapper;
@@ -25,11 +26,18 @@ public:
 
     void setEditable(bool editable);
 
+    /// Rows that were removed from the trees, as ProfileTree has it.
+    int removedRowCount() const;
+    QString restoreRemovedRows();
+    void forgetRemovedRows();
+
     /// Replaces the three sections of a document by what the trees hold. What nobody changed is written as it
     /// was. Returns why nothing was written: a row at the top holds no number; else "".
     std::string writeTo(ProfileData& document) const;
 
 private:
+    std::array<ProfileTree*, 3> trees() { return {&m_capabilities, &m_extensions, &m_configs}; }
+
     ESCapabilityTree m_capabilities;
     ESExtensionTree m_extensions;
     EGLConfigTree m_configs;

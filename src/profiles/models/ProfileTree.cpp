@@ -149,9 +149,53 @@ bool ProfileTree::removeRows(int row, int count, const QModelIndex& parent)
     if (count < 1 || row < 0 || row + count > rowCount(parent))
         return false;
     beginRemoveRows(parent, row, row + count - 1);
-    siblings(parent).remove(row, count);
+    m_removed.push_back({item(parent), row, siblings(parent).take(row, count)});
     endRemoveRows();
     return true;
+}
+
+int ProfileTree::removedRowCount() const
+{
+    int rows = 0;
+    for (const Removal& removal : m_removed) {
+        // A row without a key is one that could not be added.
+        rows += static_cast<int>(std::count_if(removal.items.begin(), removal.items.end(),
+            [](const auto& row) { return !row->data(KeyColumn).toString().isEmpty(); }));
+    }
+    return rows;
+}
+
+/// The first of removed rows at the top whose number has been given to another one.
+const ProfileTreeItem* ProfileTree::takenRow(const Removal& removal) const
+{
+    for (const auto& row : removal.items) {
+        for (int other = 0; !removal.parent && other < m_items.count(); ++other) {
+            if (m_items.at(other)->data(KeyColumn) == row->data(KeyColumn))
+                return row.get();
+        }
+    }
+    return nullptr;
+}
+
+QString ProfileTree::restoreRemovedRows()
+{
+    // From the last one on: a parent is back before what was removed below it earlier.
+    for (; !m_removed.empty(); m_removed.pop_back()) {
+        Removal& removal = m_removed.back();
+        if (const ProfileTreeItem* taken = takenRow(removal))
+            return displayText(*taken, KeyColumn);
+        const QModelIndex parent =
+            removal.parent ? createIndex(removal.parent->row(), 0, removal.parent) : QModelIndex();
+        std::erase_if(
+            removal.items, [](const auto& row) { return row->data(KeyColumn).toString().isEmpty(); });
+        if (removal.items.empty())
+            continue;
+        const int row = std::min(removal.row, rowCount(parent));
+        beginInsertRows(parent, row, row + static_cast<int>(removal.items.size()) - 1);
+        siblings(parent).insert(row, std::move(removal.items));
+        endInsertRows();
+    }
+    return {};
 }
 
 } // namespace models

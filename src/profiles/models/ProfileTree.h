@@ -34,7 +34,15 @@ public:
     /// False also for a value that the row must not have, such as the id of another config.
     bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
     bool insertRows(int row, int count, const QModelIndex& parent = {}) override;
+    /// The rows can be brought back until they are forgotten.
     bool removeRows(int row, int count, const QModelIndex& parent = {}) override;
+
+    /// How many rows can be brought back; those that stood below one of them are not counted.
+    int removedRowCount() const;
+    /// Puts all removed rows back to where they were. Stops before a row at the top whose number another one
+    /// has by now, and returns what that one is called; empty when all are back.
+    QString restoreRemovedRows();
+    void forgetRemovedRows() { m_removed.clear(); }
 
 protected:
     ProfileTree(int columns, QObject* parent);
@@ -49,10 +57,20 @@ protected:
     virtual QVariant storedValue(const ProfileTreeItem& item, int column, const QVariant& value) const;
 
 private:
+    /// Rows that were taken out together.
+    struct Removal {
+        /// None at the top. It is alive, since whatever is taken out is kept.
+        ProfileTreeItem* parent;
+        int row;
+        std::vector<std::unique_ptr<ProfileTreeItem>> items;
+    };
+
     ProfileTreeItems& siblings(const QModelIndex& parent);
+    const ProfileTreeItem* takenRow(const Removal& removal) const;
     bool isTaken(const ProfileTreeItem& item, int column, const QVariant& value) const;
 
     ProfileTreeItems m_items{nullptr};
+    std::vector<Removal> m_removed;
     int m_columns;
     bool m_writable = false;
 };

@@ -24,10 +24,14 @@ void ProfileTreeItems::append(std::unique_ptr<ProfileTreeItem> item)
     m_items.push_back(std::move(item));
 }
 
-void ProfileTreeItems::remove(int row, int count)
+std::vector<std::unique_ptr<ProfileTreeItem>> ProfileTreeItems::take(int row, int count)
 {
-    m_items.erase(m_items.begin() + row, m_items.begin() + row + count);
+    const auto first = m_items.begin() + row;
+    std::vector<std::unique_ptr<ProfileTreeItem>> taken(
+        std::make_move_iterator(first), std::make_move_iterator(first + count));
+    m_items.erase(first, first + count);
     renumber(row);
+    return taken;
 }
 
 void ProfileTreeItems::renumber(int first)

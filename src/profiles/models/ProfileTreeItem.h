@@ -29,7 +29,8 @@ public:
     /// Puts the items before `row`, which is at most count().
     void insert(int row, std::vector<std::unique_ptr<ProfileTreeItem>> items);
     void append(std::unique_ptr<ProfileTreeItem> item);
-    void remove(int row, int count);
+    /// Takes rows out; their parents stay theirs until they are put in elsewhere.
+    std::vector<std::unique_ptr<ProfileTreeItem>> take(int row, int count);
 
 private:
     void renumber(int first);

@@ -4,13 +4,18 @@
 #include "EGLConfigTreeView.h"
 #include "ESCapabilityTreeView.h"
 #include "ESExtensionTreeView.h"
+#include "NoticeBar.h"
 #include "PlainMessageBox.h"
+#include "ProfileChanges.h"
 #include "ProfileDataWrapper.h"
 #include "models/Profile.h"
 #include "ui_Profile.h"
 
 #include <QLabel>
 #include <QPushButton>
+
+#include <algorithm>
+#include <utility>
 
 namespace widgets {
 
@@ -30,6 +35,8 @@ Profile::Profile(models::CurrentProfile& current, QWidget* parent)
     , m_extensionsView(new ESExtensionTreeView(this))
     , m_eglConfigsView(new EGLConfigTreeView(this))
     , m_current(current)
+    , m_discardedNotice(new NoticeBar(QStringLiteral("noticeDiscarded"), this))
+    , m_deletedNotice(new NoticeBar(QStringLiteral("noticeDeleted"), this))
 {
     m_ui->setupUi(this);
     m_fields = {{
@@ -40,6 +47,7 @@ Profile::Profile(models::CurrentProfile& current, QWidget* parent)
     for (const Field& field : m_fields)
         field.edit->installEventFilter(this);
     setUpViews();
+    setUpNotices();
     retranslateUi();
     if (parent)
         m_ui->profileInfoSplitter->setSizes({parent->width() / 2, parent->width() / 2});
@@ -47,7 +55,7 @@ Profile::Profile(models::CurrentProfile& current, QWidget* parent)
     connect(m_ui->btnEdit, SIGNAL(pressed()), SLOT(editPressed()));
     connect(m_ui->btnSave, SIGNAL(pressed()), SLOT(savePressed()));
     connect(m_ui->btnSaveAs, SIGNAL(pressed()), SLOT(saveAsPressed()));
-    connect(&m_current, &models::CurrentProfile::shownChanged, this, &Profile::setProfile);
+    connect(&m_current, &models::CurrentProfile::shownChanged, this, &Profile::showOther);
     connect(&m_current, &models::CurrentProfile::editsDiscarded, this, &Profile::dropEdits);
     m_current.setEditor(this);
     view();
@@ -81,8 +89,7 @@ void Profile::retranslateUi()
     m_ui->btnEdit->setShortcut(Qt::CTRL | Qt::Key_E);
     m_ui->btnSave->setShortcut(QKeySequence::Save);
     m_ui->btnSaveAs->setShortcut(Qt::CTRL | Qt::SHIFT | Qt::Key_S);
-    m_ui->btnDiscard->setShortcut(Qt::CTRL | Qt::Key_D);
-    for (QPushButton* button : {m_ui->btnEdit, m_ui->btnSave, m_ui->btnSaveAs, m_ui->btnDiscard})
+    for (QPushButton* button : {m_ui->btnEdit, m_ui->btnSave, m_ui->btnSaveAs})
         button->setToolTip(QStringLiteral("%1 (%2)").arg(
             button->toolTip(), button->shortcut().toString(QKeySequence::NativeText)));
 }
@@ -126,15 +133,30 @@ void Profile::setProfile(const WeakProfile& profile)
         return;
     }
     fillFields(shown->data());
-    m_model.reset();
-    m_model = std::make_unique<models::Profile>(*shown);
-    m_capabilitiesView->setModel(&m_model->capabilities());
-    m_extensionsView->setModel(&m_model->extensions());
-    m_eglConfigsView->setModel(&m_model->configs());
+    showModel(std::make_unique<models::Profile>(*shown));
     if (m_mode == Mode::Modifying)
         modify();
     else
         view();
+}
+
+/// Shows the profile that another one gives way to, with all that was taken from it.
+void Profile::showOther(const WeakProfile& profile)
+{
+    m_discarded.reset();
+    setProfile(profile);
+}
+
+void Profile::showModel(std::unique_ptr<models::Profile> model)
+{
+    m_model = std::move(model);
+    m_capabilitiesView->setModel(&m_model->capabilities());
+    m_extensionsView->setModel(&m_model->extensions());
+    m_eglConfigsView->setModel(&m_model->configs());
+    for (const ProfileTreeView* profileView : views())
+        connect(profileView->model(), &QAbstractItemModel::rowsRemoved, this, &Profile::showNotices,
+            Qt::UniqueConnection);
+    showNotices();
 }
 
 /// Shows the same profile again, as it is stored, with the same rows open.
@@ -157,6 +179,7 @@ void Profile::clear()
         profileView->setModel(nullptr);
     m_model.reset();
     view();
+    showNotices();
 }
 
 void Profile::setEditable(bool editable)
@@ -196,11 +219,12 @@ void Profile::modify()
     setEditable(true);
 }
 
-void Profile::finishEdits()
+/// False where an open editor has an entry that cannot be stored; the editor stays open and says why.
+bool Profile::finishEdits()
 {
-    // The keyboard presses a button without taking the focus from an editor.
-    for (ProfileTreeView* profileView : views())
-        profileView->finishEdit();
+    // The buttons are pressed without taking the focus from an editor.
+    const auto all = views();
+    return std::all_of(all.begin(), all.end(), [](ProfileTreeView* view) { return view->finishEdit(); });
 }
 
 void Profile::editPressed()
@@ -211,8 +235,12 @@ void Profile::editPressed()
 
 void Profile::discardPressed()
 {
+    finishEdits();
+    std::optional<DiscardedEdits> taken = takeEdits();
     view();
     m_current.discard();
+    m_discarded = std::move(taken);
+    showNotices();
 }
 
 void Profile::savePressed()
@@ -228,8 +256,7 @@ void Profile::saveAsPressed()
 /// Hands the edits over and goes on to viewing when they were saved. Says so when they cannot be written.
 void Profile::saveBy(bool (models::CurrentProfile::*save)(const ProfileData&))
 {
-    finishEdits();
-    if (!m_current.stored() || !m_model)
+    if (!finishEdits() || !m_current.stored() || !m_model)
         return;
     ProfileData edited = *m_current.stored();
     const std::string reason = write(edited);
@@ -243,6 +270,7 @@ void Profile::saveBy(bool (models::CurrentProfile::*save)(const ProfileData&))
         return;
     if (m_current.stored())
         fillFields(*m_current.stored());
+    forgetTaken();
     view();
 }
 
@@ -263,7 +291,12 @@ void Profile::newProfile()
         m_current.newProfile();
 }
 
-bool Profile::hasUnsavedEdits() const
+bool Profile::hasUnsavedEdits()
+{
+    return !finishEdits() || differsFromStored();
+}
+
+bool Profile::differsFromStored() const
 {
     const ProfileData* stored = m_current.stored();
     if (!m_model || !stored || m_mode == Mode::Viewing)
@@ -274,7 +307,6 @@ bool Profile::hasUnsavedEdits() const
 
 bool Profile::mayLeave()
 {
-    finishEdits();
     if (!hasUnsavedEdits())
         return true;
     PlainMessageBox box(QMessageBox::Question, tr("Save changes"),
@@ -287,6 +319,96 @@ bool Profile::mayLeave()
     else if (answer == QMessageBox::Discard)
         discardPressed();
     return answer != QMessageBox::Cancel && !hasUnsavedEdits();
+}
+
+void Profile::setUpNotices()
+{
+    constexpr int belowTheTexts = 1;
+    for (NoticeBar* notice : {m_deletedNotice, m_discardedNotice})
+        m_ui->profileLayout->insertWidget(belowTheTexts, notice);
+    connect(m_discardedNotice->addButton(QStringLiteral("btnBringBackChanges"), tr("&Bring back"),
+                tr("Go on with the changes that were discarded")),
+        &QPushButton::clicked, this, &Profile::bringBackEdits);
+    connect(m_deletedNotice->addButton(QStringLiteral("btnBringBackRows"), tr("B&ring back"),
+                tr("Put the deleted rows back to where they were")),
+        &QPushButton::clicked, this, &Profile::bringBackRows);
+    // With the focus, a button that is pressed would end an open editor before it can refuse.
+    for (QPushButton* button : {m_ui->btnSave, m_ui->btnSaveAs, m_ui->btnDiscard})
+        button->setFocusPolicy(Qt::TabFocus);
+}
+
+void Profile::showNotices()
+{
+    QString discarded;
+    if (m_discarded) {
+        const std::size_t changes = m_discarded->changes;
+        discarded = changes == 1 ? tr("1 change discarded.")
+            : changes > 1        ? tr("%1 changes discarded.").arg(changes)
+                                 : tr("Changes discarded.");
+    }
+    const int rows = m_model && m_mode == Mode::Modifying ? m_model->removedRowCount() : 0;
+    m_discardedNotice->setText(discarded);
+    m_deletedNotice->setText(rows == 0 ? QString()
+            : rows == 1                ? tr("1 row deleted.")
+                                       : tr("%1 rows deleted.").arg(rows));
+}
+
+/// Takes the edits out of the panel, which must show something else then; nothing where there are none.
+std::optional<Profile::DiscardedEdits> Profile::takeEdits()
+{
+    if (!differsFromStored())
+        return std::nullopt;
+    DiscardedEdits taken;
+    ProfileData edited = *m_current.stored();
+    if (write(edited).empty())
+        taken.changes = countChanges(*m_current.stored(), edited);
+    for (std::size_t i = 0; i < m_fields.size(); ++i)
+        taken.texts[i] = m_fields[i].edit->text();
+    taken.model = std::move(m_model);
+    return taken;
+}
+
+void Profile::bringBackEdits()
+{
+    if (!m_discarded)
+        return;
+    if (m_current.hasDiscardedUnlisted() && hasUnsavedEdits()) {
+        m_discardedNotice->setText(
+            tr("Save the changes of this profile first, with \"Save As...\": they would be lost."));
+        return;
+    }
+    DiscardedEdits back = *std::exchange(m_discarded, std::nullopt);
+    // What has been changed meanwhile can be brought back in its turn.
+    finishEdits();
+    std::optional<DiscardedEdits> taken = takeEdits();
+    m_current.takeBackDiscard();
+    fillFields(*m_current.stored());
+    for (std::size_t i = 0; i < m_fields.size(); ++i)
+        m_fields[i].edit->setText(back.texts[i]);
+    showModel(std::move(back.model));
+    m_discarded = std::move(taken);
+    modify();
+    showNotices();
+    m_capabilitiesView->setFocus();
+}
+
+void Profile::bringBackRows()
+{
+    if (!m_model || !finishEdits())
+        return;
+    const QString taken = m_model->restoreRemovedRows();
+    showNotices();
+    if (!taken.isEmpty())
+        m_deletedNotice->setText(
+            tr("There is another \"%1\" by now. Delete or rename it to bring the old one back.").arg(taken));
+}
+
+/// After a save, what was taken before it is not offered any more.
+void Profile::forgetTaken()
+{
+    m_discarded.reset();
+    m_model->forgetRemovedRows();
+    showNotices();
 }
 
 } // namespace widgets

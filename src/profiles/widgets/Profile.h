@@ -8,6 +8,7 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 #include <string>
 
 class QLabel;
@@ -27,6 +28,7 @@ namespace widgets {
 class EGLConfigTreeView;
 class ESCapabilityTreeView;
 class ESExtensionTreeView;
+class NoticeBar;
 class ProfileTreeView;
 
 /// The panel that shows a hardware profile and lets the user change it. Edits are made on copies in the
@@ -48,7 +50,7 @@ public:
     void newProfile();
     void retranslateUi();
 
-    bool hasUnsavedEdits() const override;
+    bool hasUnsavedEdits() override;
     bool mayLeave() override;
 
 public Q_SLOTS:
@@ -72,14 +74,31 @@ private:
         QString shown;
     };
 
+    /// Edits that "Discard" took.
+    struct DiscardedEdits {
+        std::unique_ptr<models::Profile> model;
+        std::array<QString, 3> texts;
+        /// 0 where they cannot be counted.
+        std::size_t changes = 0;
+    };
+
     void setUpViews();
+    void setUpNotices();
+    void showNotices();
+    void showOther(const WeakProfile& profile);
+    void showModel(std::unique_ptr<models::Profile> model);
+    std::optional<DiscardedEdits> takeEdits();
+    void bringBackEdits();
+    void bringBackRows();
+    void forgetTaken();
     void showText(Field& field, const QString& text);
     void fillFields(const ProfileData& document);
     void view();
     void modify();
     void setEditable(bool editable);
     std::array<ProfileTreeView*, 3> views() const;
-    void finishEdits();
+    bool finishEdits();
+    bool differsFromStored() const;
     void dropEdits();
 
     std::string write(ProfileData& document) const;
@@ -91,6 +110,9 @@ private:
     EGLConfigTreeView* m_eglConfigsView;
     std::unique_ptr<models::Profile> m_model;
     models::CurrentProfile& m_current;
+    NoticeBar* m_discardedNotice;
+    NoticeBar* m_deletedNotice;
+    std::optional<DiscardedEdits> m_discarded;
     Mode m_mode = Mode::Viewing;
     std::array<Field, 3> m_fields;
 };

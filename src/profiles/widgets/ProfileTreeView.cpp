@@ -1,6 +1,7 @@
 #include "ProfileTreeView.h"
 
 #include "ProfileColumns.h"
+#include "ProfileTreeItemDelegate.h"
 
 #include <QAction>
 #include <QHeaderView>
@@ -79,13 +80,17 @@ void ProfileTreeView::setEditable(bool editable)
         action->setEnabled(editable);
 }
 
-void ProfileTreeView::finishEdit()
+bool ProfileTreeView::finishEdit()
 {
     QWidget* editor = state() == EditingState ? indexWidget(currentIndex()) : nullptr;
     if (!editor)
-        return;
+        return true;
+    const auto* delegate = qobject_cast<ProfileTreeItemDelegate*>(itemDelegateForIndex(currentIndex()));
+    if (delegate && delegate->refuses(editor))
+        return false;
     commitData(editor);
     closeEditor(editor, QAbstractItemDelegate::NoHint);
+    return true;
 }
 
 /// Values take what room there is, and can be scrolled to where that is too little.

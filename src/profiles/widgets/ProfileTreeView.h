@@ -22,8 +22,9 @@ public:
     /// Whether there is a context menu. Whether cells can be edited is the model's affair.
     void setEditable(bool editable);
 
-    /// Ends an edit that is under way, with what was typed if it is acceptable.
-    void finishEdit();
+    /// Ends an edit that is under way, with what was typed. False where that cannot be stored: the editor
+    /// stays open then and a tool tip says why.
+    bool finishEdit();
 
     /// The keys of the rows at the top that are open, and opening them again in another model.
     QStringList openRows() const;

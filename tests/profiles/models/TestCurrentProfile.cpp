@@ -52,7 +52,7 @@ public:
 
 class Editor : public ProfileEditor {
 public:
-    bool hasUnsavedEdits() const override { return hasEdits; }
+    bool hasUnsavedEdits() override { return hasEdits; }
     bool mayLeave() override { return !hasEdits || leave(); }
 
     bool hasEdits = false;
@@ -351,6 +351,12 @@ void TestCurrentProfile::savingInPlace()
     QCOMPARE(f.current.chosen(), before);
     QCOMPARE(f.stored(), QStringLiteral("A2"));
     QVERIFY(f.content("a.xml").contains("A2"));
+
+    // What is in the file already is not written again.
+    f.answers.isDiskFull = true;
+    QVERIFY(f.current.save(f.edited("A2")));
+    QCOMPARE(f.announced(), QString());
+    f.answers.isDiskFull = false;
 
     // Another program's content is not replaced without a question.
     f.write("a.xml", documentA);

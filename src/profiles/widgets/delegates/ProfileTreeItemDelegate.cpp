@@ -144,6 +144,17 @@ bool ProfileTreeItemDelegate::eventFilter(QObject* object, QEvent* event)
     return QStyledItemDelegate::eventFilter(object, event);
 }
 
+bool ProfileTreeItemDelegate::refuses(QWidget* editor) const
+{
+    const QModelIndex index = cellOf(editor);
+    const std::optional<Outcome> outcome =
+        index.isValid() ? outcomeOfEditor(editor, index) : std::optional<Outcome>();
+    if (!outcome || outcome->refusal.isEmpty())
+        return false;
+    showRefusalLater(editor->parentWidget(), editor->geometry(), outcome->refusal);
+    return true;
+}
+
 std::optional<ProfileTreeItemDelegate::Outcome> ProfileTreeItemDelegate::outcomeOfEditor(
     QWidget* editor, const QModelIndex& index) const
 {

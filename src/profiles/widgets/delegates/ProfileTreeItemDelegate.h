@@ -26,6 +26,9 @@ public:
 
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
+    /// Whether what was entered in an editor cannot be stored, which a tool tip says then.
+    bool refuses(QWidget* editor) const;
+
 protected:
     /// What to store for an entry, or why it is refused.
     struct Outcome {
