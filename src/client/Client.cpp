@@ -1,14 +1,11 @@
 #include "Client.h"
 
+#include "ControlRecordSender.h"
 #include "EventLoopBudget.h"
 #include "RecordText.h"
 
 #include <QElapsedTimer>
 #include <QLocalSocket>
-
-#ifndef Q_OS_WIN
-#include <poll.h>
-#endif
 
 using ui::messages::Message;
 using ui::messages::recordSize;
@@ -17,27 +14,15 @@ namespace offset = ui::messages::offset;
 
 namespace {
 
-/// Bytes that are buffered for a socket in each direction. What an application sends beyond them stays in the
-/// system's buffers.
+/// Bytes that are buffered for a socket. What an application sends beyond them stays in the system's buffers.
 constexpr qint64 bufferLimit = 64 * static_cast<qint64>(recordSize);
-
-/// True when the other end is closed. Writing to such a socket would throw its unread bytes away.
-bool hasHungUp(const QLocalSocket& socket)
-{
-#ifdef Q_OS_WIN
-    Q_UNUSED(socket)
-    return false;
-#else
-    pollfd state{static_cast<int>(socket.socketDescriptor()), 0, 0};
-    return poll(&state, 1, 0) == 1 && (state.revents & (POLLHUP | POLLERR)) != 0;
-#endif
-}
 
 } // namespace
 
 Client::Client(QObject* parent, QLocalSocket* socket)
     : QObject(parent)
     , m_socket(socket)
+    , m_controlSender(new ControlRecordSender(socket, this))
 {
     registerClientMetaTypes();
     socket->setReadBufferSize(bufferLimit);
@@ -52,6 +37,8 @@ void Client::socketReadyRead()
 {
     if (!m_saidGoodbye)
         readRecords(true);
+    else if (m_socket)
+        m_socket->readAll(); // An application that goes on writing would wait for ever.
 }
 
 void Client::readRecords(bool bounded)
@@ -174,41 +161,15 @@ void Client::socketDisconnected()
 
 void Client::wireframeOn()
 {
-    write(Message::wireframeOn());
+    m_controlSender->send(Message::wireframeOn());
 }
 
 void Client::wireframeOff()
 {
-    write(Message::wireframeOff());
+    m_controlSender->send(Message::wireframeOff());
 }
 
 void Client::notifyServerStop()
 {
-    write(Message::notifyServerStop());
-}
-
-void Client::write(const Message& message)
-{
-    const QPointer<Client> self(this);
-    drainClosedSocket();
-    // For an application that never reads, the bytes to write would pile up without limit.
-    if (self && m_socket && m_socket->state() == QLocalSocket::ConnectedState
-        && m_socket->bytesToWrite() < bufferLimit)
-        m_socket->write(message.data(), static_cast<qint64>(recordSize));
-}
-
-void Client::drainClosedSocket()
-{
-    if (m_saidGoodbye || m_reading)
-        return;
-    const QPointer<Client> self(this);
-    while (self && m_socket && m_socket->state() == QLocalSocket::ConnectedState && hasHungUp(*m_socket)) {
-        const qint64 before = m_socket->bytesAvailable();
-        readRecords(false);
-        if (!self || !m_socket || m_saidGoodbye)
-            return;
-        // A record whose first bytes have been buffered may be completed by what is still in the system.
-        if (!m_socket->waitForReadyRead(0) && m_socket->bytesAvailable() == before)
-            return;
-    }
+    m_controlSender->send(Message::notifyServerStop());
 }

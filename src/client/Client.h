@@ -5,15 +5,16 @@
 #include <QObject>
 #include <QPointer>
 
+class ControlRecordSender;
 class QLocalSocket;
 
-/// One connected application: cuts its byte stream into records, emits a signal for each, and writes the
+/// One connected application: cuts its byte stream into records, emits a signal for each, and sends the
 /// control records. Works on the thread of its socket; every signal is emitted before the next record is
 /// read.
 ///
 /// A read pass lasts about ten milliseconds at most, which all clients share, and then goes on through the
 /// event loop, so that a flood of records leaves the window alive. What an application sent before its end is
-/// always read before the end is reported.
+/// always read before the end is reported. What it sends behind its good-bye is thrown away.
 class Client : public QObject {
     Q_OBJECT
 
@@ -53,10 +54,9 @@ private:
     Step readRecord();
     Step dispatch(const ui::messages::Message& message);
     void continueLater();
-    void write(const ui::messages::Message& message);
-    void drainClosedSocket();
 
     QPointer<QLocalSocket> m_socket;
+    ControlRecordSender* m_controlSender;
     bool m_saidGoodbye = false;
     bool m_continuationPending = false;
     bool m_hasBacklog = false;

@@ -1,5 +1,6 @@
 #include "TextViewPlace.h"
 
+#include <QAbstractTextDocumentLayout>
 #include <QScrollBar>
 #include <QTextEdit>
 
@@ -13,5 +14,12 @@ TextViewPlace::TextViewPlace(QTextEdit* view)
 void TextViewPlace::restore() const
 {
     QScrollBar& bar = *m_view->verticalScrollBar();
-    bar.setValue(bar.value() + m_view->cursorRect(m_top).top() - m_y);
+    const int value = bar.value() + m_view->cursorRect(m_top).top() - m_y;
+    if (value > bar.maximum()) {
+        // The view can be scrolled only as far as its text is laid out, which the layout does not announce.
+        QAbstractTextDocumentLayout& layout = *m_view->document()->documentLayout();
+        layout.pageCount();
+        Q_EMIT layout.documentSizeChanged(layout.documentSize());
+    }
+    bar.setValue(value);
 }

@@ -336,6 +336,11 @@ void TestMainWindow::statusCounts()
         + bytes(text(Type::Warning, "c")) + bytes(text(Type::Information, "d")));
     QTRY_COMPARE(session.status("lblErrorCount"), QStringLiteral("2 errors"));
     QCOMPARE(session.status("lblWarningCount"), QStringLiteral("1 warning"));
+    // Also while errors arrive without a pause.
+    QVERIFY(QTest::qWaitFor([&session] {
+        session.applications.front()->send(text(Type::Error, "e"));
+        return session.status("lblErrorCount") != QStringLiteral("2 errors");
+    }));
 }
 
 void TestMainWindow::systemReport()

@@ -2,10 +2,12 @@
 #include "EventLoopBudget.h"
 #include "MetaObjects.h"
 
+#include <QElapsedTimer>
 #include <QSignalSpy>
 #include <QThread>
 
 #include <array>
+#include <atomic>
 #include <thread>
 
 using namespace records;
@@ -60,7 +62,10 @@ private Q_SLOTS:
     void everythingBeforeADisconnectIsRead();
     void endBetweenTwoPassesDrainsFirst();
     void endDuringAPassWaitsForIt();
-    void writingToAGoneApplicationDrainsFirst();
+    void writingToAGoneApplicationLosesNothing();
+    void wireframeUntilTheEndLosesNothing();
+    void unreadControlRecordsEndWithTheLastState();
+    void goodbyeLetsTheApplicationGoOn();
     void passesLetTheEventLoopRun();
     void clientsShareAnIteration();
     void failedReadIsABadRead();
@@ -217,7 +222,7 @@ void TestClient::endDuringAPassWaitsForIt()
     QTRY_COMPARE(journal.entries, QStringList({"message 8 x", "message 8 x", "message 8 x", "icky"}));
 }
 
-void TestClient::writingToAGoneApplicationDrainsFirst()
+void TestClient::writingToAGoneApplicationLosesNothing()
 {
     ConnectedClient connection;
     Journal journal(connection.start());
@@ -232,6 +237,87 @@ void TestClient::writingToAGoneApplicationDrainsFirst()
     QCOMPARE(journal.entries.at(9), QStringLiteral("message 8 9"));
 }
 
+/// The applications never read, so their control records pile up, and each dies at another moment.
+void TestClient::wireframeUntilTheEndLosesNothing()
+{
+    constexpr int rounds = 500;
+    constexpr int count = 60;
+    const std::string error = bytes(text(Type::Error, "x"));
+    int incomplete = 0;
+    for (int round = 0; round < rounds; ++round) {
+        ConnectedClient connection;
+        Client& client = connection.start();
+        int read = 0;
+        bool hasEnded = false;
+        connect(&client, &Client::clientMessage, this, [&read] { ++read; });
+        connect(&client, &Client::ickyDisconnect, this, [&hasEnded] { hasEnded = true; });
+        std::thread application([&] {
+            for (int i = 0; i < count; ++i)
+                connection.application->send(error);
+            connection.application->close();
+        });
+        QElapsedTimer time;
+        time.start();
+        while (!hasEnded && time.elapsed() < 10000) {
+            client.wireframeOn();
+            client.wireframeOff();
+            QCoreApplication::processEvents();
+        }
+        application.join();
+        incomplete += read == count ? 0 : 1;
+    }
+    QCOMPARE(incomplete, 0);
+}
+
+void TestClient::unreadControlRecordsEndWithTheLastState()
+{
+    ConnectedClient connection;
+    Client& client = connection.start();
+    constexpr int switched = 2000;
+    for (int i = 0; i < switched; ++i) {
+        client.wireframeOff();
+        client.wireframeOn();
+    }
+    client.wireframeOff();
+    client.notifyServerStop();
+    QCOMPARE(connection.socket->bytesToWrite(), 0);
+    const auto lastTypes = [&connection] {
+        return connection.application->receivedTypes().last(2);
+    };
+    QTRY_COMPARE(lastTypes(), QList<quint32>({13, 11}));
+    QVERIFY(connection.application->receivedTypes().size() < switched);
+    client.wireframeOn();
+    QTRY_COMPARE(connection.application->receivedTypes().last(), 12U);
+}
+
+void TestClient::goodbyeLetsTheApplicationGoOn()
+{
+    constexpr int count = 500;
+    ConnectedClient connection;
+    Journal journal(connection.start());
+    // A slow reader has full buffers when it comes to the good-bye.
+    connect(connection.client.get(), &Client::clientMessage, &journal, [] { QThread::msleep(3); });
+    std::atomic<bool> hasSentAll = false;
+    std::thread application([&] {
+        for (int i = 0; i < 100; ++i)
+            connection.application->send(text(Type::Error, "x"));
+        connection.application->send(make(Type::CleanDisconnect));
+        bool isSent = true;
+        for (int i = 0; i < count && isSent; ++i)
+            isSent = connection.application->send(text(Type::Error, "too late"));
+        hasSentAll = isSent;
+        connection.application->close();
+    });
+    const QPointer<QLocalSocket> socket(connection.socket);
+    const bool hasClosed = QTest::qWaitFor([&socket] { return !socket; });
+    if (socket)
+        socket->abort(); // lets the application's send() return
+    application.join();
+    QVERIFY(hasClosed && hasSentAll);
+    QCOMPARE(journal.entries.size(), 101);
+    QCOMPARE(journal.entries.last(), QStringLiteral("clean"));
+}
+
 void TestClient::passesLetTheEventLoopRun()
 {
     constexpr int count = 40;
@@ -239,7 +325,9 @@ void TestClient::passesLetTheEventLoopRun()
     Client& client = connection.start();
     int read = 0;
     int readWhenServed = -1;
+    bool wasBehind = false;
     connect(&client, &Client::clientMessage, this, [&] {
+        wasBehind |= client.hasBacklog();
         if (read++ == 0) {
             QMetaObject::invokeMethod(
                 this, [&] { readWhenServed = read; }, Qt::QueuedConnection);
@@ -253,6 +341,7 @@ void TestClient::passesLetTheEventLoopRun()
     QTRY_COMPARE(read, count);
     application.join();
     QVERIFY2(readWhenServed < count / 2, qPrintable(QString::number(readWhenServed)));
+    QVERIFY(wasBehind && !client.hasBacklog());
 }
 
 void TestClient::clientsShareAnIteration()
@@ -268,7 +357,8 @@ void TestClient::clientsShareAnIteration()
         QVERIFY(event_loop_budget::claimRefresh() && !event_loop_budget::claimRefresh());
         QVERIFY(
             event_loop_budget::mayWriteAtOnce(&clients[0]) && event_loop_budget::mayWriteAtOnce(&clients[1]));
-        event_loop_budget::addWritingTime(&clients[0], all);
+        for (int part = 0; part < 4; ++part) // each too short to count alone
+            event_loop_budget::addWritingTime(&clients[0], all / 4);
         QVERIFY(event_loop_budget::mayWriteAtOnce(&clients[0])
             && !event_loop_budget::mayWriteAtOnce(&clients[1]));
     }

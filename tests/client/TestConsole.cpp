@@ -123,6 +123,7 @@ void TestConsole::shownIsTheEndOfAll_data()
     const Message mark = identified("mark", 7);
     QTest::newRow("errors") << QList<Message>{error};
     QTest::newRow("lines") << QList<Message>{info};
+    QTest::newRow("lines with a carriage return") << QList<Message>{text(Type::Information, "infoA\r")};
     QTest::newRow("all kinds") << QList<Message>{error, debugRecord, info, error, info, info, mark, info,
         lineBreak, text(Type::Warning, "two\nlines"), lineBreak};
     QTest::newRow("in an open frame") << (QList<Message>{mark} + QList<Message>(6000, info));
@@ -217,7 +218,8 @@ void TestConsole::paceOfWriting()
     one.endRefresh(false, false);
 
     // Once what may be taken in advance is used up, each iteration of the event loop has to wait.
-    one.addWritingTime(60'000'000'000);
+    for (int second = 0; second < 60; ++second)
+        one.addWritingTime(1'000'000'000);
     QCoreApplication::processEvents();
     QVERIFY(!one.mayWriteAtOnce(Reading::CaughtUp, false));
 }
@@ -298,6 +300,14 @@ void TestConsole::heavyEntriesDoNotPileUp()
     QVERIFY(document.waiting() * entry.size() < 2'000'000);
     document.restart(1);
     QCOMPARE(console_oracle::earlierEntries(text), live - 1);
+
+    // What is trimmed weighs nothing any more.
+    document.clear();
+    while (!document.isOverfull())
+        document.append(entry);
+    QVERIFY(document.trim(text.characterCount()));
+    document.append(entry);
+    QVERIFY(!document.isOverfull());
 }
 
 void TestConsole::readerStays()
@@ -382,6 +392,11 @@ void TestConsole::newLayoutMovesNobody()
     layOutAnew(700, 8);
     QCOMPARE(page.topLine(), top);
     page.page.resize(400, 500);
+    QTest::qWait(100);
+    QCOMPARE(page.topLine(), top);
+    QFont font = page.view->font();
+    font.setPointSize(17);
+    page.page.fontChanged(font);
     QTest::qWait(100);
     QCOMPARE(page.topLine(), top);
     page.page.resize(500, 450);

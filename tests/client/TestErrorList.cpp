@@ -271,6 +271,7 @@ void TestErrorList::filterKeepsTheReadersPlace()
     QCOMPARE(view.rowViewportPosition(view.rowAt(0)), -5);
     proxy.setShowWarnings(true);
     QCOMPARE(place(), QStringLiteral("100 200 196 197 199 200"));
+    QVERIFY2(view.hasAutoScroll(), "else keys would move the current cell out of sight");
     proxy.setShowErrors(false);
     QCOMPARE(place(), QStringLiteral("99 ")); // the nearest warning
     proxy.setShowWarnings(false);

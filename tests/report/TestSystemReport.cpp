@@ -149,6 +149,11 @@ void TestSystemReport::tooLong()
     QVERIFY(text.contains(QStringLiteral("GL_EXTX_framebuffer_mixed_formats")));
     QVERIFY2(text.endsWith(QStringLiteral("too long: 6806 of its entries are left out.\n")),
         qPrintable(text.right(100)));
+
+    receiver.clear();
+    receiver.receive(keyed(Type::ReportKeyedText, 1, 'x' + lines + 'x'));
+    receiver.receive(make(Type::ReportComplete));
+    QVERIFY2(page.viewer().text().endsWith(QStringLiteral("\n   x\n")), "a new report has all the room");
 }
 
 void TestSystemReport::page()
