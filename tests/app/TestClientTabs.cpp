@@ -130,9 +130,9 @@ void TestClientTabs::wheelNeedsTheFocus()
         QCOMPARE(box->currentIndex(), before);
         QCOMPARE(box->focusPolicy(), Qt::StrongFocus);
     }
-    profiles.setFocus();
-    turnWheelOver(profiles);
-    QCOMPARE(profiles.currentIndex(), 1);
+    fonts.setFocus();
+    turnWheelOver(fonts);
+    QCOMPARE(fonts.currentIndex(), 1);
 }
 
 /// At the size that the window has at first, with more applications than there is room for.
