@@ -10,6 +10,7 @@
 #include "Resources.h"
 #include "SaveReadOnlyProfile.h"
 #include "SocketFile.h"
+#include "StartUpFailure.h"
 #include "TerminationSignals.h"
 
 #include <QDir>
@@ -36,12 +37,12 @@ int& prepareProcess(int& argc)
     return argc;
 }
 
-/// Loads the store and returns it; throws std::runtime_error with the reason where that fails.
+/// Loads the store and returns it; throws StartUpFailure where that fails.
 Preferences& load(Preferences& preferences)
 {
     std::string error;
     if (!preferences.load(error))
-        throw std::runtime_error(error);
+        throw StartUpFailure(error, preferences.loadProblem());
     return preferences;
 }
 

@@ -9,12 +9,12 @@
 #include "DocumentationOpener.h"
 #include "ErrorListModel.h"
 #include "FeedbackDialog.h"
-#include "FileErrors.h"
 #include "FocusedWheel.h"
 #include "LocalListener.h"
 #include "MonitorStatus.h"
 #include "PlainMessageBox.h"
 #include "Preferences.h"
+#include "PreferencesReporter.h"
 #include "Product.h"
 #include "ProfileCatalogue.h"
 #include "ProfileChooser.h"
@@ -71,6 +71,7 @@ MainWindow::MainWindow(WindowController* controller, Preferences& preferences)
     m_clientTabs = m_ui->clienttabs;
     m_ui->mainTabWidget->setFocus();
     m_status = new MonitorStatus(m_ui->statusbar);
+    m_preferencesReporter = std::make_unique<PreferencesReporter>(m_preferences, *m_status);
     setUpHelp();
     setUpPages();
     setUpProfiles();
@@ -78,12 +79,10 @@ MainWindow::MainWindow(WindowController* controller, Preferences& preferences)
     setUpActions();
     setUpMenus();
     setUpServer();
-    m_preferences.setSaveObserver([this](const SaveOutcome& outcome) { reportSave(outcome); });
 }
 
 MainWindow::~MainWindow()
 {
-    m_preferences.setSaveObserver({});
     // Sockets announce their end while they are destroyed; nobody is left here to hear it.
     for (Client* client : findChildren<Client*>(QString(), Qt::FindDirectChildrenOnly))
         delete client;
@@ -320,20 +319,6 @@ void MainWindow::fontChanged(const QFont& font)
     if (font.family().trimmed().isEmpty())
         return;
     m_preferences.set(settings::guiFont, font.family().toLatin1().toStdString());
-}
-
-/// Shows in the status bar what a save of the preferences did beyond saving.
-void MainWindow::reportSave(const SaveOutcome& outcome)
-{
-    if (const auto* failure = std::get_if<save_outcome::NotSaved>(&outcome))
-        statusBar()->showMessage(
-            tr("The preferences could not be saved: %1").arg(QString::fromStdString(failure->reason)),
-            messageTime);
-    if (const auto* unreadable = std::get_if<save_outcome::UnreadableSetAside>(&outcome))
-        statusBar()->showMessage(
-            tr("The preferences file could not be read, so it was replaced. A copy of it is kept as \"%1\".")
-                .arg(QString::fromStdString(platform::readablePath(unreadable->copy))),
-            3 * messageTime);
 }
 
 void MainWindow::fatalError(Error error)

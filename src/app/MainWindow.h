@@ -14,6 +14,7 @@ class ClientInterface;
 class ClientTabWidget;
 class LocalListener;
 class MonitorStatus;
+class PreferencesReporter;
 class ProfileCatalogue;
 class ProfileChooser;
 class RecentFilesMenu;
@@ -102,13 +103,13 @@ private:
     void showClientCount();
     void consoleSaved(bool saved);
     void openRecentProfile(const QString& path);
-    void reportSave(const SaveOutcome& outcome);
 
     std::unique_ptr<Ui::MainWindow> m_ui;
     WindowController* m_controller;
     Preferences& m_preferences;
     ClientTabWidget* m_clientTabs = nullptr;
     MonitorStatus* m_status = nullptr;
+    std::unique_ptr<PreferencesReporter> m_preferencesReporter;
     SystemReportGUIReceiver* m_reportReceiver = nullptr;
     SystemReportViewer* m_reportViewer = nullptr;
     std::shared_ptr<TSRStatsInterface> m_stats;

@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QStatusBar>
 #include <QStyle>
+#include <QToolButton>
 
 #include <algorithm>
 
@@ -43,6 +44,7 @@ MonitorStatus::MonitorStatus(QStatusBar* bar)
     m_skipped->setObjectName(QStringLiteral("lblSkippedProfiles"));
     m_skipped->hide();
     bar->addWidget(m_skipped, 1);
+    addPreferencesPart();
 
     m_clients = new QLabel(bar);
     m_clients->setObjectName(QStringLiteral("lblClients"));
@@ -73,6 +75,52 @@ QLabel* MonitorStatus::addPart(const QString& objectName, const QString& icon)
     layout->addWidget(text);
     m_bar->addPermanentWidget(part);
     return text;
+}
+
+/// The message about the preferences file, and the button that hides it.
+void MonitorStatus::addPreferencesPart()
+{
+    m_preferencesPart = new QWidget(m_bar);
+    auto* layout = new QHBoxLayout(m_preferencesPart);
+    layout->setContentsMargins(0, 0, 0, 0);
+    m_preferences = new ElidedLabel(m_preferencesPart);
+    m_preferences->setObjectName(QStringLiteral("lblPreferences"));
+    layout->addWidget(m_preferences, 1);
+    auto* hide = new QToolButton(m_preferencesPart);
+    hide->setObjectName(QStringLiteral("btnHidePreferencesMessage"));
+    hide->setIcon(hide->style()->standardIcon(QStyle::SP_DialogCloseButton));
+    hide->setAutoRaise(true);
+    hide->setFocusPolicy(Qt::TabFocus);
+    hide->setToolTip(tr("Hide this message"));
+    hide->setAccessibleName(hide->toolTip());
+    layout->addWidget(hide);
+    m_bar->addWidget(m_preferencesPart, 1);
+    m_preferencesPart->hide();
+    connect(hide, &QToolButton::clicked, this, [this] {
+        m_preferencesEvent.clear();
+        setPreferencesProblem({});
+    });
+}
+
+void MonitorStatus::setPreferencesProblem(const QString& problem)
+{
+    m_preferencesProblem = problem;
+    showPreferences();
+}
+
+void MonitorStatus::addPreferencesEvent(const QString& event)
+{
+    m_preferencesEvent = event;
+    showPreferences();
+}
+
+void MonitorStatus::showPreferences()
+{
+    QStringList texts{m_preferencesProblem, m_preferencesEvent};
+    texts.removeAll(QString());
+    m_preferences->setText(texts.join(QLatin1Char(' ')));
+    m_preferences->setToolTip(plainToolTip(texts.join(QLatin1Char('\n'))));
+    m_preferencesPart->setVisible(!texts.isEmpty());
 }
 
 void MonitorStatus::setListening(const QString& path, const QString& problem)

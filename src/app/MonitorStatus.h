@@ -25,6 +25,10 @@ public:
     /// Why a second instance could not see this one; empty when it could.
     void setInstanceProblem(const QString& problem);
     void setClientCount(std::size_t count);
+    /// What is wrong with the preferences file now; empty for nothing.
+    void setPreferencesProblem(const QString& problem);
+    /// Something about the preferences file that happened once, which stays until the user hides it.
+    void addPreferencesEvent(const QString& event);
     /// Names the profile files that could not be loaded, with their reasons.
     void setSkippedProfiles(const std::vector<ProfileCatalogue::BrokenFile>& files);
     void addErrors(int count);
@@ -32,6 +36,8 @@ public:
 
 private:
     QLabel* addPart(const QString& objectName, const QString& icon);
+    void addPreferencesPart();
+    void showPreferences();
     void showCountsSoon();
     void showCounts();
 
@@ -40,6 +46,10 @@ private:
     QLabel* m_listening;
     QLabel* m_instance;
     QLabel* m_skipped;
+    QWidget* m_preferencesPart = nullptr;
+    QLabel* m_preferences = nullptr;
+    QString m_preferencesProblem;
+    QString m_preferencesEvent;
     QLabel* m_clients;
     QLabel* m_errors;
     QLabel* m_warnings;

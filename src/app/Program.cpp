@@ -2,8 +2,8 @@
 
 #include "CommandLine.h"
 #include "Controller.h"
-
-#include <QMessageBox>
+#include "PlainMessageBox.h"
+#include "StartUpFailure.h"
 
 #include <cstdio>
 #include <optional>
@@ -34,15 +34,13 @@ private:
     std::vector<char*> m_values;
 };
 
-void showStartUpFailure(Arguments arguments, const std::string& message)
+void showStartUpFailure(Arguments arguments, const std::string& text, const std::string& details = {})
 {
     // The Controller, and with it the application object, is gone by now.
     const QApplication application(arguments.count(), arguments.values());
-    QMessageBox box;
-    box.setIcon(QMessageBox::Critical);
-    box.setWindowTitle(QStringLiteral("Corvale GUI"));
-    box.setText(QString::fromStdString(message));
-    box.exec();
+    PlainMessageBox(QMessageBox::Critical, QStringLiteral("Corvale GUI"), QString::fromStdString(text),
+        QString::fromStdString(details), nullptr)
+        .exec();
 }
 
 } // namespace
@@ -61,6 +59,9 @@ int runProgram(int argc, char** argv)
         Arguments arguments(original);
         Controller controller(arguments.count(), arguments.values());
         return controller.run();
+    } catch (const StartUpFailure& failure) {
+        showStartUpFailure(original, failure.what(), failure.details());
+        return 0;
     } catch (const std::runtime_error& failure) {
         showStartUpFailure(original, failure.what());
         return 0;

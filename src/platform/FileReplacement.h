@@ -34,6 +34,8 @@ public:
     /// False when the temporary file cannot be had; reason() says why.
     bool ready() const { return m_descriptor >= 0; }
     const std::string& reason() const { return m_reason; }
+    /// Whether it is not ready since somebody else is replacing the same file.
+    bool isTaken() const { return m_isTaken; }
 
     /// Writes bytes that come before those of commit(), for content that is made piece by piece, and now and
     /// then durably, so that commit() does not take long. False, with a reason(), when they do not fit; then
@@ -60,6 +62,7 @@ private:
     int m_descriptor = -1;
     std::size_t m_unsynced = 0; ///< Bytes appended since they were last made durable.
     bool m_hasOld = false;
+    bool m_isTaken = false;
     unsigned int m_mode = 0;
     unsigned int m_owner = 0;
     unsigned int m_group = 0;

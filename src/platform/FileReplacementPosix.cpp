@@ -110,7 +110,8 @@ bool FileReplacement::claimTemporary(Turn turn)
             const int errorNumber = S_ISREG(opened.st_mode) ? errno : EINVAL;
             close(descriptor);
             fail("write", errorNumber);
-            if (errorNumber == EBUSY)
+            m_isTaken = errorNumber == EBUSY;
+            if (m_isTaken)
                 m_reason = "Cannot write " + readablePath(m_target) + ": it is being written already";
             return false;
         }

@@ -1,6 +1,7 @@
 #include "PlistPreferences.h"
 
 #include "CorruptCopy.h"
+#include "FileErrors.h"
 #include "FileReplacement.h"
 #include "GuardedFile.h"
 #include "Limits.h"
@@ -39,8 +40,12 @@ std::unique_ptr<TSRPreferencesImpl> PlistPreferences::platformLayer()
 
 bool PlistPreferences::load(std::string& error, bool watch)
 {
-    if (!readDocument(error))
+    m_loadProblem.clear();
+    if (!readDocument(error)) {
+        if (m_loadProblem.empty())
+            m_loadProblem = "Cannot read " + platform::readablePath(m_path) + ": " + error;
         return false;
+    }
     m_watching = watch;
     recordStamp();
     return true;
@@ -50,6 +55,7 @@ std::optional<std::string> PlistPreferences::readFile(std::string& error)
 {
     auto file = m_layer->open(m_storeName, TSRPreferencesImpl::Mode::Read, m_folderKind, false, error);
     std::optional<std::string> bytes;
+    m_path = file->path;
     if (file->stream) {
         platform::FileBytes read = platform::readStream(file->stream, platform::limits::fileSize);
         if (read.ok)
@@ -65,6 +71,7 @@ bool PlistPreferences::readDocument(std::string& error)
     std::optional<std::string> bytes = m_layer ? readFile(openError) : std::nullopt;
     if (!bytes) {
         error = "ERROR: " + openError;
+        m_loadProblem = m_layer ? m_layer->openFailureReason() : std::string();
         return false;
     }
     m_document = std::make_unique<XMLDocument>();
@@ -94,6 +101,8 @@ bool PlistPreferences::save(bool force)
     auto file = m_layer->open(m_storeName, TSRPreferencesImpl::Mode::Write, m_folderKind, true, ignored);
     // Without a stream the save counts as done; the values stay pending, so that the next one writes them.
     const bool hasStream = file->stream != nullptr;
+    m_isTaken = m_layer->isTaken();
+    m_unwrittenReason = m_layer->openFailureReason();
     std::string text;
     const bool written = !hasStream || writeTo(*file, text);
     m_layer->close(std::move(file), written);
@@ -108,6 +117,12 @@ bool PlistPreferences::save(bool force)
     }
     recordStamp();
     return true;
+}
+
+void PlistPreferences::setWaits(bool waits)
+{
+    if (m_layer)
+        m_layer->setWaits(waits);
 }
 
 /// Everything between opening the stream and committing it.

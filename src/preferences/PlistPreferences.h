@@ -37,7 +37,7 @@ public:
 
     /// Writes the file if anything was set since the last load or save, or if forced. False when it could not
     /// be written; the values count as unsaved then. True, and nothing written, when the file layer gave no
-    /// stream.
+    /// stream; unwrittenReason() tells.
     bool save(bool force);
 
     // Getters. `result` may be null. On a code other than success, and if asked to, they copy the default
@@ -74,6 +74,21 @@ public:
     /// Why the last save() failed, as readable text.
     const std::string& saveError() const { return m_saveError; }
 
+    /// Why the last save() that counts as a success has written nothing, as readable text; empty when it has
+    /// written.
+    const std::string& unwrittenReason() const { return m_unwrittenReason; }
+    /// Whether that was since another process is replacing the file, so that another try may succeed.
+    bool isTaken() const { return m_isTaken; }
+    /// Whether a save waits a few seconds for such a process. It does so at first.
+    void setWaits(bool waits);
+
+    /// Why the last load() failed, as readable text that names the file.
+    const std::string& loadProblem() const { return m_loadProblem; }
+    /// Whether the file holds something that is no property list. The next save puts it aside.
+    bool isUnreadable() const { return m_unreadable; }
+    /// The file; empty before the first load.
+    const std::filesystem::path& path() const { return m_path; }
+
 private:
     template <typename T>
     ResultCode get(std::string_view keyPath, T* result, const T* defaultValue, bool useDefault) const;
@@ -106,4 +121,8 @@ private:
     std::map<property_list::KeyPath, property_list::Value> m_pending;
     std::filesystem::path m_corruptCopy;
     std::string m_saveError;
+    std::string m_unwrittenReason;
+    bool m_isTaken = false;
+    std::string m_loadProblem;
+    std::filesystem::path m_path;
 };

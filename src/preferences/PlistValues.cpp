@@ -3,6 +3,7 @@
 #include "Base64.h"
 #include "CImmutableByteWrapper.h"
 #include "CVectorByteWrapper.h"
+#include "ControlCharacters.h"
 #include "Numbers.h"
 #include "XmlText.h"
 
@@ -42,7 +43,7 @@ struct Writer {
     {
         element.SetName(nameText(value ? ElementName::True : ElementName::False));
     }
-    void operator()(const std::string& value) const { setText(element, value); }
+    void operator()(const std::string& value) const { setText(element, control_characters::hidden(value)); }
     void operator()(std::int64_t value) const { setText(element, platform::formatInteger(value)); }
     void operator()(double value) const { setText(element, platform::formatReal(value)); }
     void operator()(const Data& value) const
@@ -57,7 +58,8 @@ struct Writer {
     {
         element.DeleteChildren();
         for (const std::string& member : value)
-            setText(*element.InsertNewChildElement(nameText(ElementName::String)), member);
+            setText(*element.InsertNewChildElement(nameText(ElementName::String)),
+                control_characters::hidden(member));
     }
 };
 
@@ -98,7 +100,7 @@ bool read(const XMLElement& element, std::string& value)
         return false;
     // All of the text, blanks and line ends included, so not the formatted extraction that stops at the first
     // one.
-    const std::string text = platform::textOf(element);
+    const std::string text = control_characters::restored(platform::textOf(element));
     CImmutableByteWrapper source(text);
     value.assign(std::istreambuf_iterator<char>(&source), std::istreambuf_iterator<char>());
     return true;

@@ -3,10 +3,12 @@
 #include "PlistPreferences.h"
 #include "Settings.h"
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <initializer_list>
 #include <memory>
+#include <optional>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -16,6 +18,9 @@
 namespace save_outcome {
 
 struct Saved { };
+
+/// Not saved yet, since another process is replacing the file. trySavingAgain() goes on.
+struct Waiting { };
 
 struct NotSaved {
     /// Readable text.
@@ -29,8 +34,8 @@ struct UnreadableSetAside {
 
 } // namespace save_outcome
 
-using SaveOutcome =
-    std::variant<save_outcome::Saved, save_outcome::NotSaved, save_outcome::UnreadableSetAside>;
+using SaveOutcome = std::variant<save_outcome::Saved, save_outcome::NotSaved,
+    save_outcome::UnreadableSetAside, save_outcome::Waiting>;
 
 /// The program's settings in their file. Whoever changes a setting does it here: the change is saved at once,
 /// and one observer hears what became of that, whoever made the change.
@@ -57,6 +62,12 @@ public:
     /// Reads the file, and watches it for changes by others from then on. False, with the reason in the error
     /// text, where that fails.
     bool load(std::string& error) { return m_store.load(error, true); }
+    /// Why load() failed, as readable text that names the file.
+    const std::string& loadProblem() const { return m_store.loadProblem(); }
+    /// Whether the file holds something that is no property list, so that the defaults are in force. The next
+    /// save puts it aside.
+    bool isUnreadable() const { return m_store.isUnreadable(); }
+    const std::filesystem::path& path() const { return m_store.path(); }
 
     /// The stored value, or the default where there is none of this type.
     template <typename T> T get(const Setting<T>& setting) const
@@ -80,6 +91,14 @@ public:
         m_store.set(setting.keyPath, std::move(value));
     }
 
+    /// Whether a change waits until another process has replaced the file. Whoever observes the saves calls
+    /// trySavingAgain() after a short while then; without an observer, a save itself waits.
+    bool isWaiting() const { return m_giveUpTime.has_value(); }
+    /// Saves what waits, if there is something; after some seconds it is reported as not saved.
+    void trySavingAgain();
+    /// Saves what waits for the last time, and waits for the other process itself.
+    void finishSaving();
+
     /// Sets the one who is called after each save; none for nobody.
     void setSaveObserver(SaveObserver observer) { m_observer = std::move(observer); }
 
@@ -89,9 +108,13 @@ private:
     void read(const std::string& keyPath, property_list::List& value) const;
     /// Saves after changes of which one may have been refused, since a file cannot hold it.
     SaveOutcome save(bool refused);
+    SaveOutcome waitOrGiveUp();
+    void report(const SaveOutcome& outcome) const;
 
     PlistPreferences m_store;
     SaveObserver m_observer;
+    /// Until when a change waits for another process; none while nothing waits.
+    std::optional<std::chrono::steady_clock::time_point> m_giveUpTime;
     /// The last copy of an unreadable file that an outcome has named.
     std::filesystem::path m_reportedCopy;
 };

@@ -55,6 +55,13 @@ public:
     /// does not look.
     const std::string& commitFailure() const { return m_commitFailure; }
 
+    /// Why the last open() gave no stream, as readable text that names the file; empty when it gave one.
+    const std::string& openFailureReason() const { return m_openFailureReason; }
+    /// Whether the last open() gave no stream since another process is replacing the file.
+    bool isTaken() const { return m_isTaken; }
+    /// Whether open() waits a few seconds while another process replaces the file. It does so at first.
+    void setWaits(bool waits) { m_waits = waits; }
+
 protected:
     static constexpr const char* folderName = "Brindlewood";
     static constexpr const char* openFailure = "Failed to open preference file.";
@@ -63,4 +70,7 @@ protected:
     static std::uint32_t stampOf(std::uint32_t modificationTime);
 
     std::string m_commitFailure;
+    std::string m_openFailureReason;
+    bool m_isTaken = false;
+    bool m_waits = true;
 };

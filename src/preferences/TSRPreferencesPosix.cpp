@@ -72,6 +72,13 @@ std::optional<fs::path> parentFolder(int folderKind)
     return own ? own : homeConfiguration();
 }
 
+std::string failure(const char* what, const fs::path& path)
+{
+    const int errorNumber = errno;
+    return std::string("Cannot ") + what + ' ' + platform::readablePath(path) + ": "
+        + platform::errorText(errorNumber);
+}
+
 std::FILE* openInPlace(const fs::path& path)
 {
     const int descriptor = ::open(path.c_str(), O_WRONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC | O_NOCTTY, 0666);
@@ -101,45 +108,66 @@ std::unique_ptr<TSRPreferencesFile> TSRPreferencesPosix::open(
 {
     auto file = std::make_unique<PosixFile>();
     error = openFailure;
+    m_openFailureReason.clear();
+    m_isTaken = false;
     std::string folder;
-    if (!folderPath(folder, folderKind))
+    if (!folderPath(folder, folderKind)) {
+        m_openFailureReason = "There is no folder for preferences: set HOME to your home folder";
         return file;
+    }
     file->path = fs::path(folder) / (storeName + ".plist");
     if (mode == Mode::Read) {
         file->stream = openForReading(file->path, folderKind);
     } else if (!atomic) {
         file->stream = openInPlace(file->path);
+        if (!file->stream)
+            m_openFailureReason = failure("write", file->path);
     } else {
-        file->replacement.emplace(file->path);
+        file->replacement.emplace(file->path, turn());
         if (file->replacement->ready())
             file->stream = open_memstream(&file->buffer, &file->size);
         m_replacing = file->stream != nullptr;
+        m_openFailureReason = file->replacement->reason();
+        m_isTaken = file->replacement->isTaken();
+        if (!m_replacing && m_openFailureReason.empty())
+            m_openFailureReason = failure("write", file->path);
     }
     return file;
+}
+
+platform::FileReplacement::Turn TSRPreferencesPosix::turn() const
+{
+    return m_waits ? platform::FileReplacement::Turn::Wait : platform::FileReplacement::Turn::Refuse;
 }
 
 std::FILE* TSRPreferencesPosix::openForReading(const fs::path& path, int folderKind)
 {
     platform::OpenedFile opened = platform::openForReading(path, platform::limits::fileSize);
     if (opened.absent && !m_replacing) {
-        createFile(path, folderKind);
+        const std::string reason = createFile(path, folderKind);
         opened = platform::openForReading(path, platform::limits::fileSize);
+        if (opened.absent && !reason.empty())
+            opened.reason = reason;
     }
+    m_openFailureReason = opened.reason;
     return opened.stream.release();
 }
 
 /// Our folder is made as well, and of its missing parents the user's configuration folder, which a new
 /// account may lack.
-void TSRPreferencesPosix::createFile(const fs::path& path, int folderKind) const
+std::string TSRPreferencesPosix::createFile(const fs::path& path, int folderKind) const
 {
     const std::optional<fs::path> parent = parentFolder(folderKind);
     if (folderKind != allUsers && parent)
         mkdir(parent->c_str(), 0700);
-    mkdir(path.parent_path().c_str(), folderKind == allUsers ? 0755 : 0700);
-    platform::FileReplacement replacement(path);
+    const fs::path folder = path.parent_path();
+    if (mkdir(folder.c_str(), folderKind == allUsers ? 0755 : 0700) != 0 && errno != EEXIST)
+        return failure("make the folder", folder);
+    platform::FileReplacement replacement(path, turn());
     // Another process may have made the file, and filled it, while we waited for our turn.
     if (replacement.ready() && platform::openForReading(path, platform::limits::fileSize).absent)
-        replacement.commit(property_list::emptyFile);
+        return replacement.commit(property_list::emptyFile).reason;
+    return replacement.reason();
 }
 
 void TSRPreferencesPosix::close(std::unique_ptr<TSRPreferencesFile> file, bool commit)

@@ -1,10 +1,10 @@
 #pragma once
 
+#include "FileReplacement.h"
 #include "TSRPreferencesImpl.h"
 
 /// The file layer where there are no known folders. This user's file is in `$XDG_CONFIG_HOME/Brindlewood`,
-/// else
-/// `~/.config/Brindlewood`; the one of all users in the first of `$XDG_CONFIG_DIRS`, else `/etc/xdg`, +
+/// else `~/.config/Brindlewood`; the one of all users in the first of `$XDG_CONFIG_DIRS`, else `/etc/xdg`, +
 /// `/Brindlewood`.
 ///
 /// Atomic writing goes to memory, and the commit replaces the file durably. Between open() and close() the
@@ -18,8 +18,10 @@ public:
     bool modificationStamp(const std::string& storeName, int folderKind, std::uint32_t& stamp) override;
 
 private:
+    platform::FileReplacement::Turn turn() const;
     std::FILE* openForReading(const std::filesystem::path& path, int folderKind);
-    void createFile(const std::filesystem::path& path, int folderKind) const;
+    /// Makes the file, unless it exists; returns the reason where that fails.
+    std::string createFile(const std::filesystem::path& path, int folderKind) const;
 
     bool m_replacing = false;
 };

@@ -1,8 +1,10 @@
 #include "TSRPreferencesWindows.h"
 
+#include "FileErrors.h"
 #include "PropertyList.h"
 
 #include <array>
+#include <cerrno>
 #include <cwchar>
 
 #include <sys/stat.h>
@@ -118,12 +120,16 @@ std::unique_ptr<TSRPreferencesFile> TSRPreferencesWindows::open(
 {
     auto file = std::make_unique<TSRPreferencesFile>();
     error = openFailure;
+    m_openFailureReason = "There is no folder for preferences";
     if (!filePath(file->path, storeName, folderKind))
         return file;
     if (mode == Mode::Read)
         file->stream = openForReading(file->path);
     else
         file->stream = _wfopen((file->path.native() + (atomic ? temporarySuffix : L"")).c_str(), L"wb");
+    m_openFailureReason = file->stream
+        ? std::string()
+        : "Cannot open " + platform::readablePath(file->path) + ": " + platform::errorText(errno);
     return file;
 }
 

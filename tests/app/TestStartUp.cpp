@@ -114,6 +114,7 @@ private:
 
 /// What the message box of a failed start said; set before runProgram() returns.
 QString startUpFailure;
+QString startUpDetails;
 
 /// Answers the box of a failed start, whose application object nobody outside can reach before it is shown.
 void answerStartUpFailure()
@@ -125,6 +126,7 @@ void answerStartUpFailure()
         if (!box)
             return;
         startUpFailure = box->text();
+        startUpDetails = box->informativeText();
         if (box->icon() == QMessageBox::Critical)
             box->accept();
     });
@@ -244,7 +246,18 @@ void TestStartUp::preferencesThatCannotBeLoaded()
     startUpFailure.clear();
     QCOMPARE(runProgram(1, arguments), 0);
     QCOMPARE(startUpFailure, QStringLiteral("ERROR: Failed to open preference file."));
+    QCOMPARE(startUpDetails, QStringLiteral("Cannot read %1: it is not a regular file").arg(file));
     QVERIFY(QDir().rmdir(file));
+
+    QFile broken(file);
+    QVERIFY(broken.open(QIODevice::WriteOnly));
+    broken.write("<plist><dict><string/></dict></plist>");
+    broken.close();
+    QCOMPARE(runProgram(1, arguments), 0);
+    QCOMPARE(startUpFailure, QStringLiteral("ERROR: Missing <key> tag\n"));
+    QVERIFY2(startUpDetails.contains(file) && startUpDetails.contains(QStringLiteral("Missing <key> tag")),
+        qPrintable(startUpDetails));
+    QVERIFY(broken.remove());
 }
 
 void TestStartUp::somethingElseInTheWay_data()

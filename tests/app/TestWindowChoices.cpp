@@ -1,6 +1,7 @@
 #include "CurrentProfile.h"
 #include "DialogAnswers.h"
 #include "DlgPreferences.h"
+#include "FileReplacement.h"
 #include "ProfileCatalogue.h"
 #include "ProfileMetaTypes.h"
 #include "RecentFilesMenu.h"
@@ -9,10 +10,12 @@
 
 #include <QComboBox>
 #include <QDesktopServices>
+#include <QElapsedTimer>
 #include <QFontComboBox>
 #include <QLineEdit>
 #include <QMenu>
 #include <QStatusBar>
+#include <QToolButton>
 
 #include <functional>
 
@@ -47,6 +50,7 @@ private Q_SLOTS:
     void consoleFont();
     void unreadablePreferencesAreKept_data();
     void unreadablePreferencesAreKept();
+    void preferencesThatCannotBeSaved();
     void profileChooser();
     void reloadDisturbsNobody();
     void recentProfiles();
@@ -120,16 +124,59 @@ void TestWindowChoices::unreadablePreferencesAreKept()
     file.write("my notes, no property list");
     file.close();
     Session session;
+    const auto message = [&session] {
+        return session.status("lblPreferences");
+    };
+    QVERIFY2(message().contains(file.fileName()), "it is announced at the start");
     QVERIFY(file.open(QIODevice::ReadOnly));
     QCOMPARE(file.readAll(), QByteArray("my notes, no property list"));
     ProfileCatalogue catalogue(session.preferences);
     session.window.setCatalogue(catalogue);
     change(session);
-    const QString message = session.window.statusBar()->currentMessage();
-    QVERIFY2(message.contains(QStringLiteral("Corvale.plist.corrupt")), qPrintable(message));
+    QVERIFY2(message().contains(QStringLiteral("Corvale.plist.corrupt")), qPrintable(message()));
     QFile copy(file.fileName() + QStringLiteral(".corrupt"));
     QVERIFY(copy.open(QIODevice::ReadOnly));
     QCOMPARE(copy.readAll(), QByteArray("my notes, no property list"));
+}
+
+void TestWindowChoices::preferencesThatCannotBeSaved()
+{
+    const auto session = std::make_unique<Session>();
+    session->window.show();
+    const QString path =
+        qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/Brindlewood/Corvale.plist");
+    const auto choose = [&session](const char* theme) {
+        session->window.findChild<QAction*>(QLatin1String(theme))->trigger();
+    };
+    const auto stored = [] {
+        Preferences onDisk;
+        return QString::fromStdString(Session::loaded(onDisk).get(settings::theme));
+    };
+    const auto& label = *session->window.findChild<QLabel*>(QStringLiteral("lblPreferences"));
+    QVERIFY(QDir().mkpath(path + QStringLiteral(".tmp")));
+    choose("actionTheme_dark");
+    QVERIFY(label.isVisible());
+    QVERIFY2(label.toolTip().contains(path) && label.text().contains(QStringLiteral("Is a directory")),
+        qPrintable(label.text()));
+    session->window.findChild<QToolButton*>(QStringLiteral("btnHidePreferencesMessage"))->click();
+    QVERIFY(!label.isVisible());
+    choose("actionTheme_light");
+    QVERIFY(label.isVisible());
+    QVERIFY(QDir().rmdir(path + QStringLiteral(".tmp")));
+    choose("actionTheme_dark");
+    QVERIFY2(!label.isVisible(), "a success takes the message away");
+
+    auto other = std::make_unique<platform::FileReplacement>(QFile::encodeName(path).toStdString());
+    QElapsedTimer time;
+    time.start();
+    choose("actionTheme_light");
+    QVERIFY2(time.elapsed() < 2000, "the window must not wait for another process");
+    QCOMPARE(stored(), QStringLiteral("dark"));
+    QTRY_VERIFY_WITH_TIMEOUT(label.isVisible(), 10000);
+    choose("actionTheme_system");
+    other.reset();
+    QTRY_COMPARE(stored(), QStringLiteral("system"));
+    QVERIFY(!label.isVisible());
 }
 
 void TestWindowChoices::profileChooser()

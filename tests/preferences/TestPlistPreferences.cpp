@@ -54,6 +54,27 @@ TEST_F(Preferences, withoutADocumentNothingWorks)
     EXPECT_FALSE(store.save(true)) << "a failed load gives no document";
 }
 
+/// XML has no control characters, not even as references, and other readers refuse a file that has them.
+TEST_F(Preferences, controlCharactersAreWrittenAsXmlHasThem)
+{
+    std::string all = "\xEF\x80\x80 \xEF\x80\x81\xEF\x80\x80\xEF\x80\x9F \xEF\x80\xA0 \xEF\x80";
+    for (char c = 1; c <= ' '; ++c)
+        all += c;
+    ASSERT_TRUE(store.load(error, false));
+    EXPECT_EQ(store.setString("text", all), ResultCode::Success);
+    EXPECT_EQ(store.setList("list", {"a", all}), ResultCode::Success);
+    EXPECT_TRUE(store.save(false));
+    for (const char c : disk.content)
+        EXPECT_TRUE(static_cast<unsigned char>(c) >= ' ' || c == '\t' || c == '\n') << static_cast<int>(c);
+    ASSERT_TRUE(store.load(error, false));
+    std::string text;
+    property_list::List list;
+    store.getString("text", &text, nullptr, false);
+    store.getList("list", &list, nullptr, false);
+    EXPECT_EQ(text, all);
+    EXPECT_EQ(list, (property_list::List{"a", all}));
+}
+
 TEST_F(Preferences, gettersAskForTheirType)
 {
     loadDocument(

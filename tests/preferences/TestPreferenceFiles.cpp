@@ -301,6 +301,8 @@ TEST_F(PreferenceFiles, fullDiskAndReadOnlyFolder)
         store->setString("kept", "2");
         EXPECT_TRUE(store->save(false))
             << "without a temporary file there is no stream, and that counts as done";
+        EXPECT_NE(store->unwrittenReason().find(file.native() + ": Read-only"), std::string::npos)
+            << store->unwrittenReason();
         EXPECT_EQ(stored("kept"), "1");
         return 0;
     });

@@ -48,6 +48,7 @@ using Kinds = std::vector<std::size_t>;
 constexpr std::size_t saved = 0;
 constexpr std::size_t notSaved = 1;
 constexpr std::size_t setAside = 2;
+constexpr std::size_t waiting = 3;
 
 } // namespace
 
@@ -120,6 +121,44 @@ TEST_F(Settings, failuresAreReportedWithTheirReason)
     preferences.set({{settings::guiFont, "Mono"}, {settings::currentProfile, std::string("a\0b", 3)}});
     EXPECT_EQ(outcomeKinds(), (Kinds{notSaved, notSaved})) << "a file cannot hold the second value";
     EXPECT_EQ(onDisk(settings::theme) + onDisk(settings::guiFont), "darkMono");
+}
+
+TEST_F(Settings, whatCannotBeOpenedIsReportedAsWell)
+{
+    load();
+    disk.writable = false;
+    preferences.set(settings::theme, "dark");
+    ASSERT_EQ(outcomes.size(), 1U);
+    ASSERT_EQ(outcomes[0].index(), notSaved);
+    EXPECT_EQ(std::get<save_outcome::NotSaved>(outcomes[0]).reason, "the folder is read-only");
+    disk.writable = true;
+    preferences.set(settings::guiFont, "Mono");
+    EXPECT_EQ(outcomeKinds(), (Kinds{notSaved, saved}));
+    EXPECT_EQ(onDisk(settings::theme), "dark") << "the next save takes it along";
+}
+
+TEST_F(Settings, aChangeWaitsForAnotherProcess)
+{
+    load();
+    disk.taken = true;
+    preferences.set(settings::theme, "dark");
+    preferences.trySavingAgain();
+    EXPECT_FALSE(disk.waits) << "whoever observes must not be held up";
+    EXPECT_TRUE(preferences.isWaiting());
+    disk.taken = false;
+    preferences.trySavingAgain();
+    preferences.trySavingAgain();
+    EXPECT_FALSE(preferences.isWaiting());
+    EXPECT_EQ(outcomeKinds(), (Kinds{waiting, waiting, saved}));
+    EXPECT_EQ(onDisk(settings::theme), "dark");
+
+    disk.taken = true;
+    preferences.set(settings::theme, "light");
+    preferences.setSaveObserver({});
+    disk.taken = false;
+    preferences.finishSaving();
+    EXPECT_TRUE(disk.waits);
+    EXPECT_EQ(onDisk(settings::theme), "light");
 }
 
 TEST_F(Settings, eachCopyOfAnUnreadableFileIsReportedOnce)

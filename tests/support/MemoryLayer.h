@@ -13,6 +13,8 @@ struct MemoryDisk {
     std::uint32_t stamp = 1;
     bool readable = true;
     bool writable = true;
+    bool taken = false; ///< Nobody but the other process can write.
+    bool waits = false; ///< What the last opening was told.
     int reads = 0;
     int commits = 0;
     std::string commitFailure;
@@ -35,7 +37,7 @@ public:
         error = "no stream";
         file->path = std::filesystem::temp_directory_path() / "Store.plist";
         if (mode == Mode::Write)
-            file->stream = m_disk.writable ? open_memstream(&file->buffer, &file->size) : nullptr;
+            openForWriting(*file);
         else if (++m_disk.reads; m_disk.readable)
             file->stream = m_disk.content.empty()
                 ? std::fopen("/dev/null", "rb")
@@ -76,6 +78,15 @@ private:
         char* buffer = nullptr;
         std::size_t size = 0;
     };
+
+    void openForWriting(MemoryFile& file)
+    {
+        m_disk.waits = m_waits;
+        m_isTaken = m_disk.taken;
+        if (m_disk.writable && !m_disk.taken)
+            file.stream = open_memstream(&file.buffer, &file.size);
+        m_openFailureReason = file.stream ? "" : "the folder is read-only";
+    }
 
     MemoryDisk& m_disk;
 };
