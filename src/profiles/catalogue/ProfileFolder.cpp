@@ -119,12 +119,12 @@ ProfileFolder::Entry ProfileFolder::load(const fs::path& path) const
         && before->second.digest == digest)
         return Entry{stamp, digest, before->second.profile};
     const Pointer loaded = ProfileDataWrapper::fromFile(path.string(), true);
-    const Pointer same = known(path, *loaded);
+    const Pointer same = wrapperWith(path, *loaded);
     return Entry{stamp, digest, same ? same : loaded};
 }
 
 /// The wrapper that holds what was loaded, as it does when it has just been saved there.
-ProfileFolder::Pointer ProfileFolder::known(const fs::path& path, const ProfileDataWrapper& loaded) const
+ProfileFolder::Pointer ProfileFolder::wrapperWith(const fs::path& path, const ProfileDataWrapper& loaded) const
 {
     const auto found = std::find_if(m_unsaved.begin(), m_unsaved.end(), [&](const Pointer& profile) {
         return profile->data().fileName() == path.filename() && isSaved(profile->data(), loaded.data());

@@ -69,7 +69,7 @@ private:
 
     std::vector<std::filesystem::path> list(const std::filesystem::path& folder);
     Entry load(const std::filesystem::path& path) const;
-    Pointer known(const std::filesystem::path& path, const ProfileDataWrapper& loaded) const;
+    Pointer wrapperWith(const std::filesystem::path& path, const ProfileDataWrapper& loaded) const;
 
     /// What was read, by path without links.
     std::map<std::string, Entry> m_files;
