@@ -33,6 +33,7 @@ private Q_SLOTS:
     void refusedEntriesAreNotSaved();
     void discardedChangesComeBack();
     void deletedRowsComeBack();
+    void hiddenElementsAreNamed();
     void withoutAFolderOneIsChosen();
 };
 
@@ -320,6 +321,35 @@ void TestProfilePanelSaving::deletedRowsComeBack()
         QString(m_xml).replace(QStringLiteral("Mine"), QStringLiteral("Ours")));
     click("btnEdit");
     QVERIFY(!button("btnBringBackRows")->isVisible());
+}
+
+void TestProfilePanelSaving::hiddenElementsAreNamed()
+{
+    QVERIFY(find<QLabel>("noticeHiddenText")->text().isEmpty());
+    write(QStringLiteral("mine.xml"),
+        "<profile>\n<es version=\"3.1\"/>\n<device>Mine</device>\n"
+        "<egl>\n<config id=\"0x10\"/></egl></profile>");
+    m_window.reloadProfiles();
+    QCOMPARE(find<QLabel>("noticeHiddenText")->text(),
+        QStringLiteral("The file keeps what cannot be shown here: <es version=\"3.1\"> in line 2, "
+                       "<config id=\"0x10\"> in line 5."));
+    QVERIFY(find<QLabel>("noticeHiddenText")->toolTip().contains(QStringLiteral("whole number")));
+    // A save orders the file anew.
+    click("btnEdit");
+    enterDevice(QStringLiteral("Ours"));
+    click("btnSave");
+    QVERIFY(
+        find<QLabel>("noticeHiddenText")->text().contains(QStringLiteral("<es version=\"3.1\"> in line 6")));
+    // What others write beside the configurations is theirs, too.
+    const QString saved = content(QStringLiteral("mine.xml"));
+    click("btnEdit");
+    enterDevice(QStringLiteral("Mine"));
+    const QString theirs = QString(saved).replace(QStringLiteral("0x10"), QStringLiteral("0x11"));
+    write(QStringLiteral("mine.xml"), theirs.toUtf8());
+    m_window.reloadProfiles();
+    m_answers.enter(fileNameTitle, QString());
+    click("btnSave");
+    QCOMPARE(content(QStringLiteral("mine.xml")), theirs);
 }
 
 void TestProfilePanelSaving::withoutAFolderOneIsChosen()

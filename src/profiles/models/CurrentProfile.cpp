@@ -5,6 +5,7 @@
 #include "ProfileDataWrapper.h"
 #include "ProfileEditor.h"
 #include "ProfileFile.h"
+#include "ProfileWriter.h"
 
 #include <QFile>
 
@@ -227,6 +228,8 @@ void CurrentProfile::finishSave(const Pointer& saved, const std::string& directo
     m_discarded.reset();
     m_state = State::Listed;
     m_lastListed = saved;
+    // From now on the profile goes by the file that was written, with its lines.
+    saved->edit()->setSource(writeProfile(saved->data()));
     m_stored = saved->data();
     const std::string path = profile_file::pathFor(directory, saved->data().fileName()).string();
     const Pointer before = chosen();

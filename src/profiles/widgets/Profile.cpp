@@ -4,6 +4,7 @@
 #include "EGLConfigTreeView.h"
 #include "ESCapabilityTreeView.h"
 #include "ESExtensionTreeView.h"
+#include "HiddenElements.h"
 #include "NoticeBar.h"
 #include "PlainMessageBox.h"
 #include "ProfileChanges.h"
@@ -21,9 +22,27 @@ namespace widgets {
 
 namespace {
 
+/// Lines of a tool tip at most.
+constexpr qsizetype mostExplained = 20;
+
 QString fromUtf8(const std::string& text)
 {
     return QString::fromStdString(text);
+}
+
+QString reasonText(HiddenElement::Reason reason)
+{
+    switch (reason) {
+    case HiddenElement::Reason::Version:
+        return Profile::tr("its version is not a whole number");
+    case HiddenElement::Reason::Id:
+        return Profile::tr("its id is not a whole number");
+    case HiddenElement::Reason::Repeated:
+        return Profile::tr("only the first one counts");
+    case HiddenElement::Reason::Unknown:
+        break;
+    }
+    return Profile::tr("the element is not known here");
 }
 
 } // namespace
@@ -35,6 +54,7 @@ Profile::Profile(models::CurrentProfile& current, QWidget* parent)
     , m_extensionsView(new ESExtensionTreeView(this))
     , m_eglConfigsView(new EGLConfigTreeView(this))
     , m_current(current)
+    , m_hiddenNotice(new NoticeBar(QStringLiteral("noticeHidden"), this))
     , m_discardedNotice(new NoticeBar(QStringLiteral("noticeDiscarded"), this))
     , m_deletedNotice(new NoticeBar(QStringLiteral("noticeDeleted"), this))
 {
@@ -133,6 +153,7 @@ void Profile::setProfile(const WeakProfile& profile)
         return;
     }
     fillFields(shown->data());
+    showHiddenElements(shown->data());
     showModel(std::make_unique<models::Profile>(*shown));
     if (m_mode == Mode::Modifying)
         modify();
@@ -178,6 +199,7 @@ void Profile::clear()
     for (ProfileTreeView* profileView : views())
         profileView->setModel(nullptr);
     m_model.reset();
+    m_hiddenNotice->setText({});
     view();
     showNotices();
 }
@@ -270,6 +292,8 @@ void Profile::saveBy(bool (models::CurrentProfile::*save)(const ProfileData&))
         return;
     if (m_current.stored())
         fillFields(*m_current.stored());
+    if (m_current.stored())
+        showHiddenElements(*m_current.stored());
     forgetTaken();
     view();
 }
@@ -324,7 +348,7 @@ bool Profile::mayLeave()
 void Profile::setUpNotices()
 {
     constexpr int belowTheTexts = 1;
-    for (NoticeBar* notice : {m_deletedNotice, m_discardedNotice})
+    for (NoticeBar* notice : {m_hiddenNotice, m_deletedNotice, m_discardedNotice})
         m_ui->profileLayout->insertWidget(belowTheTexts, notice);
     connect(m_discardedNotice->addButton(QStringLiteral("btnBringBackChanges"), tr("&Bring back"),
                 tr("Go on with the changes that were discarded")),
@@ -351,6 +375,29 @@ void Profile::showNotices()
     m_deletedNotice->setText(rows == 0 ? QString()
             : rows == 1                ? tr("1 row deleted.")
                                        : tr("%1 rows deleted.").arg(rows));
+}
+
+/// Names what is in the file and nowhere on the page; the tool tip says why.
+void Profile::showHiddenElements(const ProfileData& document)
+{
+    constexpr qsizetype mostNamed = 3;
+    constexpr qsizetype longestTag = 60;
+    QStringList named;
+    QStringList explained;
+    for (const HiddenElement& element : hiddenElements(document)) {
+        QString tag = fromUtf8(element.tag);
+        if (tag.size() > longestTag)
+            tag = tag.left(longestTag) + QChar(0x2026);
+        named << tr("%1 in line %2").arg(tag).arg(element.line);
+        explained << tr("Line %1: %2: %3").arg(element.line).arg(tag, reasonText(element.reason));
+    }
+    const qsizetype more = named.size() - mostNamed;
+    QString text = QStringList(named.mid(0, mostNamed)).join(QStringLiteral(", "));
+    if (more > 0)
+        text = tr("%1, and %2 more").arg(text).arg(more);
+    m_hiddenNotice->setText(
+        named.isEmpty() ? QString() : tr("The file keeps what cannot be shown here: %1.").arg(text),
+        QStringList(explained.mid(0, mostExplained)).join(QLatin1Char('\n')));
 }
 
 /// Takes the edits out of the panel, which must show something else then; nothing where there are none.
@@ -383,6 +430,7 @@ void Profile::bringBackEdits()
     std::optional<DiscardedEdits> taken = takeEdits();
     m_current.takeBackDiscard();
     fillFields(*m_current.stored());
+    showHiddenElements(*m_current.stored());
     for (std::size_t i = 0; i < m_fields.size(); ++i)
         m_fields[i].edit->setText(back.texts[i]);
     showModel(std::move(back.model));

@@ -85,6 +85,7 @@ private:
     void setUpViews();
     void setUpNotices();
     void showNotices();
+    void showHiddenElements(const ProfileData& document);
     void showOther(const WeakProfile& profile);
     void showModel(std::unique_ptr<models::Profile> model);
     std::optional<DiscardedEdits> takeEdits();
@@ -110,6 +111,7 @@ private:
     EGLConfigTreeView* m_eglConfigsView;
     std::unique_ptr<models::Profile> m_model;
     models::CurrentProfile& m_current;
+    NoticeBar* m_hiddenNotice;
     NoticeBar* m_discardedNotice;
     NoticeBar* m_deletedNotice;
     std::optional<DiscardedEdits> m_discarded;
