@@ -119,7 +119,11 @@ void MainWindow::setUpProfiles()
     m_ui->actionNew_Profile->setEnabled(m_controller != nullptr);
     connect(m_currentProfile, &models::CurrentProfile::listChanged, this,
         [this] { m_status->setSkippedProfiles(m_catalogue->brokenFiles()); });
-    connect(m_currentProfile, &models::CurrentProfile::fileSaved, this, &MainWindow::addRecentProfile);
+    connect(m_currentProfile, &models::CurrentProfile::fileSaved, this, [this](const QString& path) {
+        addRecentProfile(path);
+        statusBar()->showMessage(tr("The profile is saved in \"%1\".").arg(path), messageTime);
+    });
+    connect(m_currentProfile, &models::CurrentProfile::editedChanged, this, &MainWindow::markEdits);
     connect(m_currentProfile, &models::CurrentProfile::shownLost, this, [this] {
         statusBar()->showMessage(
             tr("The profile that you are changing is not in the list any more. \"Save\" keeps your "
@@ -388,6 +392,20 @@ void MainWindow::preferencesEdited(const QStringList& savedFiles)
     reloadProfiles();
     for (const QString& file : savedFiles)
         addRecentProfile(file);
+    if (!savedFiles.isEmpty())
+        statusBar()->showMessage(
+            tr("The imported profile is saved in \"%1\".").arg(savedFiles.last()), messageTime);
+}
+
+/// The title has a place for the mark of unsaved changes only while there are some.
+void MainWindow::markEdits(bool edited)
+{
+    const QString title = QStringLiteral("Corvale GUI");
+    if (edited)
+        setWindowTitle(title + QStringLiteral("[*]"));
+    setWindowModified(edited);
+    if (!edited)
+        setWindowTitle(title);
 }
 
 void MainWindow::optionChanged()

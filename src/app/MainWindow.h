@@ -102,6 +102,7 @@ private:
     void showClientCount();
     void consoleSaved(bool saved);
     void openRecentProfile(const QString& path);
+    void markEdits(bool edited);
     void reportSave(const SaveOutcome& outcome);
 
     std::unique_ptr<Ui::MainWindow> m_ui;

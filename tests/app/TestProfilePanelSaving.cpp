@@ -2,6 +2,7 @@
 
 #include <QFileDialog>
 #include <QLabel>
+#include <QStatusBar>
 #include <QToolTip>
 
 namespace {
@@ -34,6 +35,7 @@ private Q_SLOTS:
     void discardedChangesComeBack();
     void deletedRowsComeBack();
     void hiddenElementsAreNamed();
+    void unsavedChangesAreMarked();
     void withoutAFolderOneIsChosen();
 };
 
@@ -350,6 +352,32 @@ void TestProfilePanelSaving::hiddenElementsAreNamed()
     m_answers.enter(fileNameTitle, QString());
     click("btnSave");
     QCOMPARE(content(QStringLiteral("mine.xml")), theirs);
+}
+
+void TestProfilePanelSaving::unsavedChangesAreMarked()
+{
+    const auto isMarked = [this](bool wanted) {
+        return m_window.isWindowModified() == wanted
+            && chooser()->itemIcon(chooser()->currentIndex()).isNull() != wanted;
+    };
+    click("btnEdit");
+    QTRY_VERIFY(isMarked(false));
+    QCOMPARE(m_window.windowTitle(), QStringLiteral("Corvale GUI"));
+    enterDevice(QStringLiteral("Ours"));
+    QTRY_VERIFY(isMarked(true));
+    QCOMPARE(chooser()->currentText(), QStringLiteral("Mine (mine.xml)"));
+    enterDevice(QStringLiteral("Mine"));
+    QTRY_VERIFY(isMarked(false));
+    tree("capabilitiesView")->model()->removeRow(0);
+    QTRY_VERIFY(isMarked(true));
+    click("btnDiscard");
+    QTRY_VERIFY(isMarked(false));
+    click("btnBringBackChanges");
+    QTRY_VERIFY(isMarked(true));
+    click("btnSave");
+    QTRY_VERIFY(isMarked(false));
+    QCOMPARE(m_window.windowTitle(), QStringLiteral("Corvale GUI"));
+    QVERIFY(find<QStatusBar>("statusbar")->currentMessage().contains(path(QStringLiteral("mine.xml"))));
 }
 
 void TestProfilePanelSaving::withoutAFolderOneIsChosen()

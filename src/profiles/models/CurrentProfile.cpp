@@ -10,6 +10,7 @@
 #include <QFile>
 
 #include <filesystem>
+#include <utility>
 
 namespace models {
 
@@ -261,6 +262,12 @@ void CurrentProfile::discard()
     }
     takeBackFailedSave();
     Q_EMIT editsDiscarded();
+}
+
+void CurrentProfile::setEdited(bool edited)
+{
+    if (std::exchange(m_edited, edited) != edited)
+        Q_EMIT editedChanged(edited);
 }
 
 void CurrentProfile::takeBackDiscard()

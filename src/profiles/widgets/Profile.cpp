@@ -14,6 +14,7 @@
 
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 
 #include <algorithm>
 #include <utility>
@@ -54,6 +55,7 @@ Profile::Profile(models::CurrentProfile& current, QWidget* parent)
     , m_extensionsView(new ESExtensionTreeView(this))
     , m_eglConfigsView(new EGLConfigTreeView(this))
     , m_current(current)
+    , m_comparison(new QTimer(this))
     , m_hiddenNotice(new NoticeBar(QStringLiteral("noticeHidden"), this))
     , m_discardedNotice(new NoticeBar(QStringLiteral("noticeDiscarded"), this))
     , m_deletedNotice(new NoticeBar(QStringLiteral("noticeDeleted"), this))
@@ -64,8 +66,14 @@ Profile::Profile(models::CurrentProfile& current, QWidget* parent)
         {m_ui->lblRenderer, m_ui->editRenderer, &ProfileData::renderer, &ProfileData::setRenderer, {}},
         {m_ui->lblVendor, m_ui->editVendor, &ProfileData::vendor, &ProfileData::setVendor, {}},
     }};
-    for (const Field& field : m_fields)
+    for (const Field& field : m_fields) {
         field.edit->installEventFilter(this);
+        connect(field.edit, &QLineEdit::textChanged, this, &Profile::noteChange);
+    }
+    // Many rows can change at once.
+    m_comparison->setSingleShot(true);
+    m_comparison->setInterval(0);
+    connect(m_comparison, &QTimer::timeout, this, [this] { m_current.setEdited(differsFromStored()); });
     setUpViews();
     setUpNotices();
     retranslateUi();
@@ -174,9 +182,13 @@ void Profile::showModel(std::unique_ptr<models::Profile> model)
     m_capabilitiesView->setModel(&m_model->capabilities());
     m_extensionsView->setModel(&m_model->extensions());
     m_eglConfigsView->setModel(&m_model->configs());
-    for (const ProfileTreeView* profileView : views())
-        connect(profileView->model(), &QAbstractItemModel::rowsRemoved, this, &Profile::showNotices,
-            Qt::UniqueConnection);
+    for (const ProfileTreeView* profileView : views()) {
+        const QAbstractItemModel* tree = profileView->model();
+        connect(tree, &QAbstractItemModel::rowsRemoved, this, &Profile::showNotices, Qt::UniqueConnection);
+        connect(tree, &QAbstractItemModel::rowsRemoved, this, &Profile::noteChange, Qt::UniqueConnection);
+        connect(tree, &QAbstractItemModel::rowsInserted, this, &Profile::noteChange, Qt::UniqueConnection);
+        connect(tree, &QAbstractItemModel::dataChanged, this, &Profile::noteChange, Qt::UniqueConnection);
+    }
     showNotices();
 }
 
@@ -212,9 +224,16 @@ void Profile::setEditable(bool editable)
         profileView->setEditable(editable);
 }
 
+/// Has the page compared with the file as soon as the change is complete.
+void Profile::noteChange()
+{
+    m_comparison->start();
+}
+
 void Profile::view()
 {
     m_mode = Mode::Viewing;
+    noteChange();
     for (Field& field : m_fields) {
         field.edit->setFrame(false);
         field.edit->setReadOnly(true);
@@ -229,6 +248,7 @@ void Profile::view()
 void Profile::modify()
 {
     m_mode = Mode::Modifying;
+    noteChange();
     for (Field& field : m_fields) {
         field.edit->setFrame(true);
         field.edit->setReadOnly(false);

@@ -13,6 +13,7 @@
 
 class QLabel;
 class QLineEdit;
+class QTimer;
 
 namespace Ui {
 class profile;
@@ -85,6 +86,7 @@ private:
     void setUpViews();
     void setUpNotices();
     void showNotices();
+    void noteChange();
     void showHiddenElements(const ProfileData& document);
     void showOther(const WeakProfile& profile);
     void showModel(std::unique_ptr<models::Profile> model);
@@ -111,6 +113,7 @@ private:
     EGLConfigTreeView* m_eglConfigsView;
     std::unique_ptr<models::Profile> m_model;
     models::CurrentProfile& m_current;
+    QTimer* m_comparison;
     NoticeBar* m_hiddenNotice;
     NoticeBar* m_discardedNotice;
     NoticeBar* m_deletedNotice;
