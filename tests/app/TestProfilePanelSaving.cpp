@@ -36,6 +36,8 @@ private Q_SLOTS:
     void deletedRowsComeBack();
     void hiddenElementsAreNamed();
     void unsavedChangesAreMarked();
+    void emptyPagesSayWhatToDo();
+    void theChooserFollowsTheQuestion();
     void withoutAFolderOneIsChosen();
 };
 
@@ -378,6 +380,42 @@ void TestProfilePanelSaving::unsavedChangesAreMarked()
     QTRY_VERIFY(isMarked(false));
     QCOMPARE(m_window.windowTitle(), QStringLiteral("Corvale GUI"));
     QVERIFY(find<QStatusBar>("statusbar")->currentMessage().contains(path(QStringLiteral("mine.xml"))));
+}
+
+void TestProfilePanelSaving::emptyPagesSayWhatToDo()
+{
+    QVERIFY(!find<>("noticeHost")->isVisible());
+    QVERIFY(!find<>("noticeEmpty")->isVisible());
+    choose(QStringLiteral("Host"));
+    QVERIFY(find<>("btnChooseProfile")->isEnabled());
+    m_answers.enter(fileNameTitle, QStringLiteral("new.xml"));
+    QTest::mouseClick(find<>("btnNewProfile"), Qt::LeftButton);
+    QCOMPARE(device(), QStringLiteral("New profile"));
+    QVERIFY(!find<>("noticeHost")->isVisible());
+    QTRY_VERIFY(find<>("noticeEmpty")->isVisible());
+    QTest::mouseClick(find<>("btnAddFirstConfig"), Qt::LeftButton);
+    QVERIFY(isModifying());
+    QCOMPARE(tree("eglConfigsView")->model()->rowCount(), 1);
+    QTRY_VERIFY(!find<>("noticeEmpty")->isVisible());
+}
+
+void TestProfilePanelSaving::theChooserFollowsTheQuestion()
+{
+    chooser()->setCurrentIndex(1);
+    const QString builtin = chooser()->currentText();
+    click("btnEdit");
+    enterDevice(QStringLiteral("A copy"));
+    m_answers.press(saveTitle, QStringLiteral("Save"));
+    m_answers.press(saveTitle, QStringLiteral("Cancel"));
+    choose(QStringLiteral("Mine (mine.xml)"));
+    QCOMPARE(chooser()->currentText(), builtin);
+    m_answers.press(saveTitle, QStringLiteral("Save"));
+    m_answers.press(saveTitle, QStringLiteral("Copy"));
+    m_answers.enter(fileNameTitle, QStringLiteral("copy.xml"));
+    choose(QStringLiteral("Mine (mine.xml)"));
+    QCOMPARE(chooser()->currentText(), QStringLiteral("Mine (mine.xml)"));
+    QCOMPARE(device(), QStringLiteral("Mine"));
+    QVERIFY(content(QStringLiteral("copy.xml")).contains(QStringLiteral("A copy")));
 }
 
 void TestProfilePanelSaving::withoutAFolderOneIsChosen()

@@ -56,6 +56,7 @@ Profile::Profile(models::CurrentProfile& current, QWidget* parent)
     , m_eglConfigsView(new EGLConfigTreeView(this))
     , m_current(current)
     , m_comparison(new QTimer(this))
+    , m_emptyNotice(new NoticeBar(QStringLiteral("noticeEmpty"), this))
     , m_hiddenNotice(new NoticeBar(QStringLiteral("noticeHidden"), this))
     , m_discardedNotice(new NoticeBar(QStringLiteral("noticeDiscarded"), this))
     , m_deletedNotice(new NoticeBar(QStringLiteral("noticeDeleted"), this))
@@ -73,9 +74,13 @@ Profile::Profile(models::CurrentProfile& current, QWidget* parent)
     // Many rows can change at once.
     m_comparison->setSingleShot(true);
     m_comparison->setInterval(0);
-    connect(m_comparison, &QTimer::timeout, this, [this] { m_current.setEdited(differsFromStored()); });
+    connect(m_comparison, &QTimer::timeout, this, [this] {
+        m_current.setEdited(differsFromStored());
+        showEmptyNotice();
+    });
     setUpViews();
     setUpNotices();
+    setUpEmptyNotice();
     retranslateUi();
     if (parent)
         m_ui->profileInfoSplitter->setSizes({parent->width() / 2, parent->width() / 2});
@@ -212,6 +217,7 @@ void Profile::clear()
         profileView->setModel(nullptr);
     m_model.reset();
     m_hiddenNotice->setText({});
+    m_emptyNotice->setText({});
     view();
     showNotices();
 }
@@ -379,6 +385,41 @@ void Profile::setUpNotices()
     // With the focus, a button that is pressed would end an open editor before it can refuse.
     for (QPushButton* button : {m_ui->btnSave, m_ui->btnSaveAs, m_ui->btnDiscard})
         button->setFocusPolicy(Qt::TabFocus);
+}
+
+void Profile::setUpEmptyNotice()
+{
+    constexpr int belowTheTexts = 1;
+    m_ui->profileLayout->insertWidget(belowTheTexts, m_emptyNotice);
+    m_addApi = m_emptyNotice->addButton(QStringLiteral("btnAddFirstApi"), tr("Add &API..."),
+        tr("Choose an OpenGL ES version that the device supports"));
+    m_addConfig = m_emptyNotice->addButton(QStringLiteral("btnAddFirstConfig"), tr("Add &Config"),
+        tr("Add an EGL configuration to fill with attributes"));
+    const auto modifyFirst = [this] {
+        if (m_mode == Mode::Viewing)
+            editPressed();
+    };
+    connect(m_addApi, &QPushButton::clicked, this, [this, modifyFirst] {
+        modifyFirst();
+        m_extensionsView->addAPITriggered();
+    });
+    connect(m_addConfig, &QPushButton::clicked, this, [this, modifyFirst] {
+        modifyFirst();
+        m_eglConfigsView->addConfigTriggered();
+    });
+}
+
+/// Says what to do with a profile that has nothing to show yet.
+void Profile::showEmptyNotice()
+{
+    const auto all = views();
+    const bool isEmpty = m_model && std::all_of(all.begin(), all.end(), [](const ProfileTreeView* view) {
+        return view->model() && view->model()->rowCount() == 0;
+    });
+    m_emptyNotice->setText(isEmpty
+            ? tr("This profile is empty. Add the OpenGL ES versions that the device supports, and its EGL "
+                 "configs. It is often faster to modify a similar device and save it with \"Save As...\".")
+            : QString());
 }
 
 void Profile::showNotices()

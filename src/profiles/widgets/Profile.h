@@ -13,6 +13,7 @@
 
 class QLabel;
 class QLineEdit;
+class QPushButton;
 class QTimer;
 
 namespace Ui {
@@ -85,6 +86,8 @@ private:
 
     void setUpViews();
     void setUpNotices();
+    void setUpEmptyNotice();
+    void showEmptyNotice();
     void showNotices();
     void noteChange();
     void showHiddenElements(const ProfileData& document);
@@ -114,6 +117,9 @@ private:
     std::unique_ptr<models::Profile> m_model;
     models::CurrentProfile& m_current;
     QTimer* m_comparison;
+    NoticeBar* m_emptyNotice;
+    QPushButton* m_addApi;
+    QPushButton* m_addConfig;
     NoticeBar* m_hiddenNotice;
     NoticeBar* m_discardedNotice;
     NoticeBar* m_deletedNotice;
