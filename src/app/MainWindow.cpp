@@ -12,6 +12,7 @@
 #include "FocusedWheel.h"
 #include "LocalListener.h"
 #include "MonitorStatus.h"
+#include "NoticeBar.h"
 #include "PlainMessageBox.h"
 #include "Preferences.h"
 #include "PreferencesReporter.h"
@@ -39,6 +40,7 @@
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QShortcut>
 
 namespace {
@@ -114,17 +116,47 @@ void MainWindow::setUpProfiles()
     m_profileChooser = new ProfileChooser(*m_currentProfile, m_ui->cmbProfile);
     m_profilePanel = new widgets::Profile(*m_currentProfile, m_ui->tabProfileProperties);
     m_profilePanel->clear();
+    setUpHostNotice();
     m_ui->profilePropertiesTabLayout->addWidget(m_profilePanel);
     m_ui->actionNew_Profile->setEnabled(m_controller != nullptr);
     connect(m_currentProfile, &models::CurrentProfile::listChanged, this,
         [this] { m_status->setSkippedProfiles(m_catalogue->brokenFiles()); });
-    connect(m_currentProfile, &models::CurrentProfile::fileSaved, this, &MainWindow::addRecentProfile);
+    connect(m_currentProfile, &models::CurrentProfile::fileSaved, this, [this](const QString& path) {
+        addRecentProfile(path);
+        statusBar()->showMessage(tr("The profile is saved in \"%1\".").arg(path), messageTime);
+    });
+    connect(m_currentProfile, &models::CurrentProfile::editedChanged, this, &MainWindow::markEdits);
     connect(m_currentProfile, &models::CurrentProfile::shownLost, this, [this] {
         statusBar()->showMessage(
             tr("The profile that you are changing is not in the list any more. \"Save\" keeps your "
                "changes as a new one."),
             messageTime);
     });
+}
+
+/// Says above the empty page what "Host" is, and what else there is to choose.
+void MainWindow::setUpHostNotice()
+{
+    auto* notice = new widgets::NoticeBar(QStringLiteral("noticeHost"), m_ui->tabProfileProperties);
+    const QPushButton* choose = notice->addButton(
+        QStringLiteral("btnChooseProfile"), tr("C&hoose..."), tr("Open the list of devices"));
+    const QPushButton* create = notice->addButton(
+        QStringLiteral("btnNewProfile"), tr("Ne&w Profile..."), tr("Make a profile of your own"));
+    connect(choose, &QPushButton::clicked, m_ui->cmbProfile, [this] {
+        m_ui->cmbProfile->setFocus();
+        m_ui->cmbProfile->showPopup();
+    });
+    connect(create, &QPushButton::clicked, m_ui->actionNew_Profile, &QAction::trigger);
+    m_ui->profilePropertiesTabLayout->addWidget(notice);
+    const auto show = [this, notice] {
+        const bool isHost = m_currentProfile->state() == models::CurrentProfile::State::None;
+        notice->setText(isHost
+                ? tr("\"Host\" is this computer's own hardware, so there is nothing to change. "
+                     "Choose a device that applications are to find instead, or make one.")
+                : QString());
+    };
+    connect(m_currentProfile, &models::CurrentProfile::shownChanged, notice, show);
+    show();
 }
 
 void MainWindow::setUpFonts()
@@ -373,6 +405,20 @@ void MainWindow::preferencesEdited(const QStringList& savedFiles)
     reloadProfiles();
     for (const QString& file : savedFiles)
         addRecentProfile(file);
+    if (!savedFiles.isEmpty())
+        statusBar()->showMessage(
+            tr("The imported profile is saved in \"%1\".").arg(savedFiles.last()), messageTime);
+}
+
+/// The title has a place for the mark of unsaved changes only while there are some.
+void MainWindow::markEdits(bool edited)
+{
+    const QString title = QStringLiteral("Corvale GUI");
+    if (edited)
+        setWindowTitle(title + QStringLiteral("[*]"));
+    setWindowModified(edited);
+    if (!edited)
+        setWindowTitle(title);
 }
 
 void MainWindow::optionChanged()

@@ -97,12 +97,14 @@ private:
     void setUpHelp();
     void setUpPages();
     void setUpProfiles();
+    void setUpHostNotice();
     void setUpServer();
     void countProblems(const ClientInterface& page);
     void clientDisconnected(Client* client, const QString& text, bool isClean);
     void showClientCount();
     void consoleSaved(bool saved);
     void openRecentProfile(const QString& path);
+    void markEdits(bool edited);
 
     std::unique_ptr<Ui::MainWindow> m_ui;
     WindowController* m_controller;

@@ -7,6 +7,7 @@
 #include "ProfileMetaTypes.h"
 
 #include <QComboBox>
+#include <QIcon>
 #include <QSignalBlocker>
 
 #include <stdexcept>
@@ -45,6 +46,7 @@ ProfileChooser::ProfileChooser(models::CurrentProfile& current, QComboBox* box)
     m_box->addItem(QStringLiteral("Host"));
     connect(&m_current, &models::CurrentProfile::listChanged, this, &ProfileChooser::showList);
     connect(&m_current, &models::CurrentProfile::chosenChanged, this, &ProfileChooser::showChosen);
+    connect(&m_current, &models::CurrentProfile::editedChanged, this, &ProfileChooser::markEdits);
 }
 
 void ProfileChooser::pick()
@@ -72,8 +74,22 @@ void ProfileChooser::showChosen()
     const QSignalBlocker blocker(m_box);
     const auto chosen = m_current.chosen();
     for (int i = 0; i < m_box->count(); ++i) {
-        if (m_box->itemData(i).value<WeakProfile>().lock() == chosen)
-            return m_box->setCurrentIndex(i);
+        if (m_box->itemData(i).value<WeakProfile>().lock() == chosen) {
+            m_box->setCurrentIndex(i);
+            break;
+        }
+    }
+    markEdits();
+}
+
+/// Puts a pencil beside the profile that has unsaved edits; its name stays what it is.
+void ProfileChooser::markEdits()
+{
+    const bool isChosen = m_current.state() == models::CurrentProfile::State::Listed;
+    const QIcon pencil(QStringLiteral(":/CorvaleResources/Edit"));
+    for (int i = 0; i < m_box->count(); ++i) {
+        const bool isMarked = i == m_box->currentIndex() && isChosen && m_current.isEdited();
+        m_box->setItemIcon(i, isMarked ? pencil : QIcon());
     }
 }
 

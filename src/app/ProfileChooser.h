@@ -27,6 +27,7 @@ public:
 private:
     void showList();
     void showChosen();
+    void markEdits();
     void addProfile(const std::shared_ptr<ProfileDataWrapper>& profile);
 
     models::CurrentProfile& m_current;

@@ -19,10 +19,10 @@ SystemReportPage::SystemReportPage(SystemReportGUIReceiver* receiver, QWidget* p
     connect(receiver, SIGNAL(ready(const SystemReport&)), m_ui->viewer, SLOT(setReport(const SystemReport&)));
     connect(m_ui->btnClear, &QPushButton::clicked, receiver, &SystemReportGUIReceiver::clear);
     connect(m_ui->btnClear, &QPushButton::clicked, m_ui->viewer, &SystemReportViewer::clearReport);
-    for (QPushButton* button : {m_ui->btnCopy, m_ui->btnSave})
+    for (QPushButton* button : {m_ui->btnCopy, m_ui->btnSaveReport})
         connect(m_ui->viewer, &SystemReportViewer::reportChanged, button, &QWidget::setEnabled);
     connect(m_ui->btnCopy, &QPushButton::clicked, this, &SystemReportPage::copy);
-    connect(m_ui->btnSave, &QPushButton::clicked, this, &SystemReportPage::save);
+    connect(m_ui->btnSaveReport, &QPushButton::clicked, this, &SystemReportPage::save);
 }
 
 SystemReportPage::~SystemReportPage() = default;

@@ -2,6 +2,7 @@
 
 #include <QFileDialog>
 #include <QLabel>
+#include <QStatusBar>
 #include <QToolTip>
 
 namespace {
@@ -33,6 +34,10 @@ private Q_SLOTS:
     void refusedEntriesAreNotSaved();
     void discardedChangesComeBack();
     void deletedRowsComeBack();
+    void hiddenElementsAreNamed();
+    void unsavedChangesAreMarked();
+    void emptyPagesSayWhatToDo();
+    void theChooserFollowsTheQuestion();
     void withoutAFolderOneIsChosen();
 };
 
@@ -320,6 +325,97 @@ void TestProfilePanelSaving::deletedRowsComeBack()
         QString(m_xml).replace(QStringLiteral("Mine"), QStringLiteral("Ours")));
     click("btnEdit");
     QVERIFY(!button("btnBringBackRows")->isVisible());
+}
+
+void TestProfilePanelSaving::hiddenElementsAreNamed()
+{
+    QVERIFY(find<QLabel>("noticeHiddenText")->text().isEmpty());
+    write(QStringLiteral("mine.xml"),
+        "<profile>\n<es version=\"3.1\"/>\n<device>Mine</device>\n"
+        "<egl>\n<config id=\"0x10\"/></egl></profile>");
+    m_window.reloadProfiles();
+    QCOMPARE(find<QLabel>("noticeHiddenText")->text(),
+        QStringLiteral("The file keeps what cannot be shown here: <es version=\"3.1\"> in line 2, "
+                       "<config id=\"0x10\"> in line 5."));
+    QVERIFY(find<QLabel>("noticeHiddenText")->toolTip().contains(QStringLiteral("whole number")));
+    // A save orders the file anew.
+    click("btnEdit");
+    enterDevice(QStringLiteral("Ours"));
+    click("btnSave");
+    QVERIFY(
+        find<QLabel>("noticeHiddenText")->text().contains(QStringLiteral("<es version=\"3.1\"> in line 6")));
+    // What others write beside the configurations is theirs, too.
+    const QString saved = content(QStringLiteral("mine.xml"));
+    click("btnEdit");
+    enterDevice(QStringLiteral("Mine"));
+    const QString theirs = QString(saved).replace(QStringLiteral("0x10"), QStringLiteral("0x11"));
+    write(QStringLiteral("mine.xml"), theirs.toUtf8());
+    m_window.reloadProfiles();
+    m_answers.enter(fileNameTitle, QString());
+    click("btnSave");
+    QCOMPARE(content(QStringLiteral("mine.xml")), theirs);
+}
+
+void TestProfilePanelSaving::unsavedChangesAreMarked()
+{
+    const auto isMarked = [this](bool wanted) {
+        return m_window.isWindowModified() == wanted
+            && chooser()->itemIcon(chooser()->currentIndex()).isNull() != wanted;
+    };
+    click("btnEdit");
+    QTRY_VERIFY(isMarked(false));
+    QCOMPARE(m_window.windowTitle(), QStringLiteral("Corvale GUI"));
+    enterDevice(QStringLiteral("Ours"));
+    QTRY_VERIFY(isMarked(true));
+    QCOMPARE(chooser()->currentText(), QStringLiteral("Mine (mine.xml)"));
+    enterDevice(QStringLiteral("Mine"));
+    QTRY_VERIFY(isMarked(false));
+    tree("capabilitiesView")->model()->removeRow(0);
+    QTRY_VERIFY(isMarked(true));
+    click("btnDiscard");
+    QTRY_VERIFY(isMarked(false));
+    click("btnBringBackChanges");
+    QTRY_VERIFY(isMarked(true));
+    click("btnSave");
+    QTRY_VERIFY(isMarked(false));
+    QCOMPARE(m_window.windowTitle(), QStringLiteral("Corvale GUI"));
+    QVERIFY(find<QStatusBar>("statusbar")->currentMessage().contains(path(QStringLiteral("mine.xml"))));
+}
+
+void TestProfilePanelSaving::emptyPagesSayWhatToDo()
+{
+    QVERIFY(!find<>("noticeHost")->isVisible());
+    QVERIFY(!find<>("noticeEmpty")->isVisible());
+    choose(QStringLiteral("Host"));
+    QVERIFY(find<>("btnChooseProfile")->isEnabled());
+    m_answers.enter(fileNameTitle, QStringLiteral("new.xml"));
+    QTest::mouseClick(find<>("btnNewProfile"), Qt::LeftButton);
+    QCOMPARE(device(), QStringLiteral("New profile"));
+    QVERIFY(!find<>("noticeHost")->isVisible());
+    QTRY_VERIFY(find<>("noticeEmpty")->isVisible());
+    QTest::mouseClick(find<>("btnAddFirstConfig"), Qt::LeftButton);
+    QVERIFY(isModifying());
+    QCOMPARE(tree("eglConfigsView")->model()->rowCount(), 1);
+    QTRY_VERIFY(!find<>("noticeEmpty")->isVisible());
+}
+
+void TestProfilePanelSaving::theChooserFollowsTheQuestion()
+{
+    chooser()->setCurrentIndex(1);
+    const QString builtin = chooser()->currentText();
+    click("btnEdit");
+    enterDevice(QStringLiteral("A copy"));
+    m_answers.press(saveTitle, QStringLiteral("Save"));
+    m_answers.press(saveTitle, QStringLiteral("Cancel"));
+    choose(QStringLiteral("Mine (mine.xml)"));
+    QCOMPARE(chooser()->currentText(), builtin);
+    m_answers.press(saveTitle, QStringLiteral("Save"));
+    m_answers.press(saveTitle, QStringLiteral("Copy"));
+    m_answers.enter(fileNameTitle, QStringLiteral("copy.xml"));
+    choose(QStringLiteral("Mine (mine.xml)"));
+    QCOMPARE(chooser()->currentText(), QStringLiteral("Mine (mine.xml)"));
+    QCOMPARE(device(), QStringLiteral("Mine"));
+    QVERIFY(content(QStringLiteral("copy.xml")).contains(QStringLiteral("A copy")));
 }
 
 void TestProfilePanelSaving::withoutAFolderOneIsChosen()

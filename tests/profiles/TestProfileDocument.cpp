@@ -203,6 +203,83 @@ TEST(ProfileDocument, whatCannotBeReadSurvives)
     EXPECT_NE(readProfile("<profile><new/></profile>"), readProfile("<profile/>"));
 }
 
+/// A profile as people write them by hand, in the order of a save.
+constexpr char byHand[] = R"(<?xml-stylesheet href="x.css"?>
+<!-- Mine. -->
+<profile xmlns:m="urn:mine" m:owner="me">
+    <!-- the board -->
+    <device m:since="3">Board<!-- v2 --></device>
+    <es version="2" tested="yes">
+        <extension rank="1">GL_a</extension>
+        <extension>GL_b</extension>
+        <!-- halved -->
+        <max_texture_size unit="px">4096</max_texture_size> <!-- same line -->
+        <format of="1">1</format>
+        <format of="2">2</format>
+        <format of="3">3</format>
+        <!-- the end -->
+    </es>
+    <egl vendor="x">
+        <config id="4" name="small"><red_size>8</red_size><swap_interval><min m:x="1">0</min><!-- c --><max>1</max></swap_interval></config>
+        <config id="5" name="without"/>
+    </egl>
+    <m:notes>kept</m:notes>
+</profile>
+<!-- after -->
+)";
+
+TEST(ProfileDocument, aSaveChangesWhatWasChangedAlone)
+{
+    const ProfileData read = readProfile(byHand);
+    const std::string normal = writeProfile(read);
+    for (const char* kept : {"<?xml-stylesheet href", "<!-- Mine. -->", "xmlns:m=\"urn:mine\"", "m:owner",
+             "<!-- the board -->", "m:since=\"3\">Board<!-- v2 --><", "tested=", "rank=", "unit=\"px\"",
+             "<!-- same line -->", "<!-- the end -->", "vendor=\"x\"", "name=\"small\"", "m:x=\"1\"",
+             "<!-- c -->", "name=\"without\"", "<m:notes>", "<!-- after -->"})
+        EXPECT_NE(normal.find(kept), std::string::npos) << kept;
+    EXPECT_EQ(writeProfile(readProfile(normal)), normal);
+    const auto expect = [&normal](const ProfileData& edited, std::string_view old, std::string_view changed) {
+        std::string expected = normal;
+        ASSERT_NE(expected.find(old), std::string::npos);
+        EXPECT_EQ(writeProfile(edited), expected.replace(expected.find(old), old.size(), changed));
+    };
+    ProfileData edited = read;
+    edited.setDevice("Other");
+    expect(edited, "Board<", "Other<");
+    edited = read;
+    edited.extensions()[2][0] = "GL_ab";
+    expect(edited, "GL_a<", "GL_ab<");
+    edited = read;
+    edited.capabilities()[2][0].value = "8192";
+    expect(edited, "4096", "8192");
+    edited = read;
+    edited.capabilities()[2].erase(edited.capabilities()[2].begin() + 2);
+    expect(edited, "        <format of=\"2\">2</format>\n", "");
+    edited = read;
+    edited.configs()[4][1].children[0].value = "7";
+    expect(edited, ">0<", ">7<");
+    edited = read;
+    edited.configs().erase(4);
+    EXPECT_EQ(writeProfile(edited).find("small"), std::string::npos);
+}
+
+TEST(ProfileDocument, otherMarkupIsAnotherDocument)
+{
+    const ProfileData plain = readProfile("<profile><egl><x/></egl></profile>");
+    for (const char* other : {"<profile><egl><x/><!-- c --></egl></profile>",
+             "<profile><egl><x a='1'/></egl></profile>", "<profile a='1'><egl><x/></egl></profile>"})
+        EXPECT_NE(readProfile(other), plain) << other;
+    EXPECT_EQ(readProfile("<?xml version='1.0'?>\n<profile>\n<egl><x/>\n</egl></profile>"), plain);
+    // Sections of one version become one, and keep what both have.
+    const std::string united = saved("<es version='2' a='1'><x>1</x></es><!-- c -->"
+                                     "<es version='02' b='2'><!-- d --><y>2</y></es>"
+                                     "<device a='1'/><device>second</device>");
+    EXPECT_EQ(united,
+        "<profile>\n    <!-- c -->\n    <device a=\"1\"></device>\n    <es version=\"2\" a=\"1\" b=\"2\">\n"
+        "        <x>1</x>\n        <!-- d -->\n        <y>2</y>\n    </es>\n    <egl/>\n"
+        "    <device>second</device>\n</profile>\n");
+}
+
 TEST(ProfileDocument, namesComeFromWhatThereIs)
 {
     ProfileData profile = readProfile("<profile/>");

@@ -79,6 +79,12 @@ void TestProfileSaving::asksForAName()
     answers.enter(title, QString());
     QVERIFY(!profile_saving::saveAs(m_profile, folder()));
     QCOMPARE(contentOf(name), m_xml);
+    // What is no name of a file is refused before anything else is asked.
+    QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("sub")));
+    for (const char* unusable : {"..", ".", "a/b", ".hidden", "a.tmp", "sub"}) {
+        answers.enter(title, QString::fromLatin1(unusable));
+        answers.press(title, QStringLiteral("OK"));
+    }
     answers.enter(title, name);
     answers.press(title, QStringLiteral("Replace"));
     QVERIFY(profile_saving::saveAs(m_profile, folder()));

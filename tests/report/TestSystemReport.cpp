@@ -65,7 +65,7 @@ void saveAs(SystemReportPage& page, const QString& path)
         dialog.findChild<QLineEdit*>()->setText(path);
         QTest::keyClick(&dialog, Qt::Key_Return);
     });
-    page.findChild<QPushButton*>(QStringLiteral("btnSave"))->click();
+    page.findChild<QPushButton*>(QStringLiteral("btnSaveReport"))->click();
 }
 
 } // namespace
@@ -165,7 +165,7 @@ void TestSystemReport::page()
         return page.findChild<QPushButton*>(QString::fromLatin1(name));
     };
     const QString hint = page.viewer().toPlainText();
-    QVERIFY(!button("btnCopy")->isEnabled() && !button("btnSave")->isEnabled());
+    QVERIFY(!button("btnCopy")->isEnabled() && !button("btnSaveReport")->isEnabled());
     receiver.receive(keyed(Type::ReportKeyedText, 1, "\xC3\xA9"));
     receiver.receive(make(Type::ReportComplete));
     const QString report = page.viewer().toPlainText();
@@ -190,7 +190,7 @@ void TestSystemReport::page()
             QTest::keyClick(&dialog, Qt::Key_Return);
         });
     });
-    button("btnSave")->click();
+    button("btnSaveReport")->click();
     QVERIFY(told);
 
     receiver.receive(keyed(Type::ReportKeyedText, 2, "too late"));

@@ -73,15 +73,34 @@ QString enteredName(const QString& suggested, QWidget* parent)
     return dialog.exec() == QDialog::Accepted ? dialog.textValue() : QString();
 }
 
-/// Asks again while the user does not want to replace the file of that name. Empty when they cancelled or
-/// entered nothing.
+/// Whether a profile can be saved under that name; a message box says why not.
+bool isUsable(const std::string& name, const std::filesystem::path& path, QWidget* parent)
+{
+    std::error_code error;
+    QString reason = QString::fromStdString(profile_file::whyNoFileName(name));
+    if (reason.isEmpty() && std::filesystem::is_directory(path, error))
+        reason = tr("There is a folder of that name.");
+    if (reason.isEmpty())
+        return true;
+    PlainMessageBox(QMessageBox::Warning, tr("Choose a file name"),
+        tr("'%1' cannot be the name of a profile's file.").arg(QString::fromStdString(name)),
+        tr("%1\n\nEnter another name, for example \"board.xml\".").arg(reason), owner(parent))
+        .exec();
+    return false;
+}
+
+/// Asks again while a name cannot be used, or the user does not want to replace the file of that name. Empty
+/// when they cancelled or entered nothing.
 std::string askForFileName(const ProfileData& profile, const std::string& directory, QWidget* parent)
 {
     QString name = suggestedName(profile);
+    const auto isGood = [&](const std::string& wanted) {
+        const std::filesystem::path path = profile_file::pathFor(directory, wanted);
+        return isUsable(wanted, path, parent) && mayReplace(path, parent);
+    };
     do {
         name = enteredName(name, owner(parent));
-    } while (!name.isEmpty() && !directory.empty()
-        && !mayReplace(profile_file::pathFor(directory, name.toStdString()), parent));
+    } while (!name.isEmpty() && !directory.empty() && !isGood(name.toStdString()));
     return name.toStdString();
 }
 

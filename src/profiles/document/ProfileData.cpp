@@ -1,5 +1,7 @@
 #include "ProfileData.h"
 
+#include "ProfileWriter.h"
+
 #include <stdexcept>
 #include <tuple>
 
@@ -18,7 +20,9 @@ bool ProfileData::operator==(const ProfileData& other) const
 {
     const auto saved = [](const ProfileData& profile) {
         return std::tie(profile.m_device, profile.m_renderer, profile.m_vendor, profile.m_capabilities,
-            profile.m_extensions, profile.m_configs, profile.m_foreign, profile.m_foreignInEgl);
+            profile.m_extensions, profile.m_configs);
     };
-    return saved(*this) == saved(other);
+    if (saved(*this) != saved(other))
+        return false;
+    return m_source == other.m_source || writeProfile(*this) == writeProfile(other);
 }

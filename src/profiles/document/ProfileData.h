@@ -3,7 +3,9 @@
 #include "ProfileNode.h"
 
 #include <map>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// A hardware profile: one emulated device with its strings, its capabilities and extensions for each API
@@ -43,12 +45,10 @@ public:
     const Configs& configs() const { return m_configs; }
     Configs& configs() { return m_configs; }
 
-    /// XML text of elements that this program cannot read and that survive nevertheless, as children of
-    /// `profile` and of `egl`.
-    const std::string& foreign() const { return m_foreign; }
-    void setForeign(const std::string& elements) { m_foreign = elements; }
-    const std::string& foreignInEgl() const { return m_foreignInEgl; }
-    void setForeignInEgl(const std::string& elements) { m_foreignInEgl = elements; }
+    /// The document that the profile was read from, none for one that was made. A save keeps what it has
+    /// beyond the above: comments, further attributes and elements.
+    const std::shared_ptr<const std::string>& source() const { return m_source; }
+    void setSource(std::string_view document) { m_source = std::make_shared<const std::string>(document); }
 
     /// Compares what is saved, so not the file name.
     bool operator==(const ProfileData& other) const;
@@ -61,6 +61,5 @@ private:
     Capabilities m_capabilities;
     Extensions m_extensions;
     Configs m_configs;
-    std::string m_foreign;
-    std::string m_foreignInEgl;
+    std::shared_ptr<const std::string> m_source;
 };

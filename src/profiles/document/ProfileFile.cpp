@@ -118,17 +118,24 @@ std::string whyNotSavable(const ProfileData& profile)
     return {};
 }
 
+std::string whyNoFileName(const std::string& name)
+{
+    if (!isFileName(name))
+        return "Cannot write the profile: '" + name + "' is no name for a file";
+    if (name.starts_with('.') || name.ends_with(".tmp"))
+        return "Cannot write '" + name + "': files that begin with '.' or end in '.tmp' are not listed";
+    return {};
+}
+
 std::optional<Failure> write(const ProfileData& profile, const std::string& directory)
 {
     const std::string& name = profile.fileName();
     if (directory.empty())
         return Failure{false,
             "Cannot write '" + name + "': no profiles directory is set, choose one in the preferences"};
-    if (!isFileName(name))
-        return Failure{false, "Cannot write the profile: '" + name + "' is no name for a file"};
-    if (name.starts_with('.') || name.ends_with(".tmp"))
-        return Failure{
-            false, "Cannot write '" + name + "': files that begin with '.' or end in '.tmp' are not listed"};
+    const std::string unusable = whyNoFileName(name);
+    if (!unusable.empty())
+        return Failure{false, unusable};
     const fs::path path = pathFor(directory, name);
     const std::string hazard = whyNotSavable(profile);
     if (!hazard.empty())

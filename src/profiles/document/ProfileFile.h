@@ -29,6 +29,9 @@ std::filesystem::path pathFor(const std::string& directory, const std::string& f
 /// name; empty when nothing speaks against saving.
 std::string whyNotSavable(const ProfileData& profile);
 
+/// Why no profile can have a file of that name, as readable text; empty when one can.
+std::string whyNoFileName(const std::string& name);
+
 /// Puts the profile into its file as a whole or not at all, and never anywhere but into the directory itself.
 std::optional<Failure> write(const ProfileData& profile, const std::string& directory);
 

@@ -2,7 +2,7 @@
 
 #include "GuardedFile.h"
 #include "Limits.h"
-#include "Numbers.h"
+#include "ProfileElements.h"
 #include "Utf8.h"
 #include "XmlText.h"
 
@@ -13,7 +13,8 @@
 #include <tinyxml2.h>
 
 using platform::textOf;
-using platform::XmlLayout;
+using profile_elements::number;
+using profile_elements::readNode;
 using tinyxml2::XMLAttribute;
 using tinyxml2::XMLDocument;
 using tinyxml2::XMLElement;
@@ -47,23 +48,6 @@ std::string textOfChild(const XMLElement& parent, const char* name)
     return child ? textOf(*child) : std::string();
 }
 
-/// The attribute as an int; nothing when it is missing, is not an integer as a whole, or does not fit.
-std::optional<int> number(const XMLElement& element, const char* attribute)
-{
-    const char* text = element.Attribute(attribute);
-    return text ? platform::parseInt32(text) : std::nullopt;
-}
-
-ProfileNode readNode(const XMLElement& element)
-{
-    ProfileNode node{element.Name(), {}, {}};
-    for (const XMLElement* child = element.FirstChildElement(); child; child = child->NextSiblingElement())
-        node.children.push_back(readNode(*child));
-    if (node.children.empty())
-        node.value = textOf(element);
-    return node;
-}
-
 void readApi(ProfileData& profile, const XMLElement& api, int version)
 {
     std::vector<std::string>& extensions = profile.extensions()[version];
@@ -77,19 +61,13 @@ void readApi(ProfileData& profile, const XMLElement& api, int version)
 
 void readEgl(ProfileData& profile, const XMLElement& egl)
 {
-    std::string foreign;
     for (const XMLElement* child = egl.FirstChildElement(); child; child = child->NextSiblingElement()) {
         const bool isConfig = child->Name() == std::string_view("config");
         const std::optional<int> id = isConfig ? number(*child, "id") : std::nullopt;
-        if (!id) {
-            foreign += platform::printXml(*child, XmlLayout::Compact);
-            continue;
-        }
-        for (const XMLElement* attribute = child->FirstChildElement(); attribute;
+        for (const XMLElement* attribute = id ? child->FirstChildElement() : nullptr; attribute;
              attribute = attribute->NextSiblingElement())
             profile.configs()[*id].push_back(readNode(*attribute));
     }
-    profile.setForeignInEgl(foreign);
 }
 
 void readRoot(ProfileData& profile, const XMLElement& root)
@@ -100,16 +78,11 @@ void readRoot(ProfileData& profile, const XMLElement& root)
     const XMLElement* egl = root.FirstChildElement("egl");
     if (egl)
         readEgl(profile, *egl);
-    std::string foreign;
     for (const XMLElement* child = root.FirstChildElement(); child; child = child->NextSiblingElement()) {
-        const std::string_view name = child->Name();
-        const std::optional<int> version = name == "es" ? number(*child, "version") : std::nullopt;
-        if (version)
+        const bool isApi = child->Name() == std::string_view("es");
+        if (const std::optional<int> version = isApi ? number(*child, "version") : std::nullopt)
             readApi(profile, *child, *version);
-        else if (child != egl && name != "device" && name != "renderer" && name != "vendor")
-            foreign += platform::printXml(*child, XmlLayout::Compact);
     }
-    profile.setForeign(foreign);
     for (auto& [version, names] : profile.extensions())
         std::sort(names.begin(), names.end());
 }
@@ -132,6 +105,7 @@ std::string read(ProfileData& profile, std::string_view document)
     if (!root)
         return "No <profile> element was found";
     readRoot(profile, *root);
+    profile.setSource(document);
     return {};
 }
 

@@ -1,20 +1,67 @@
 #include "ProfileWriter.h"
 
+#include "ElementOrder.h"
 #include "Limits.h"
 #include "ProfileData.h"
+#include "ProfileElements.h"
 #include "XmlText.h"
 
+#include <algorithm>
+#include <deque>
 #include <map>
+#include <set>
+#include <utility>
 
 #include <tinyxml2.h>
 
+using profile_elements::number;
+using profile_elements::readNode;
 using tinyxml2::XMLDocument;
 using tinyxml2::XMLElement;
 using tinyxml2::XMLNode;
 
 namespace {
 
-/// Builds and prints the document of a profile. To be used once.
+/// Tells nodes apart by everything that is in them.
+std::string fingerprint(const ProfileNode& node)
+{
+    constexpr char end = '\0';
+    std::string text = node.name + end + node.value + end;
+    for (const ProfileNode& child : node.children)
+        text += fingerprint(child);
+    return text + end;
+}
+
+ProfileNode extensionNode(const std::string& name)
+{
+    return {"extension", name, {}};
+}
+
+/// Whether nothing would be lost with an element but its own text or elements.
+bool isBare(const XMLElement& element, const char* ownAttribute = "")
+{
+    for (const auto* attribute = element.FirstAttribute(); attribute; attribute = attribute->Next()) {
+        if (attribute->Name() != std::string_view(ownAttribute))
+            return false;
+    }
+    for (const XMLNode* node = element.FirstChild(); node; node = node->NextSibling()) {
+        if (!node->ToText())
+            return false;
+    }
+    return true;
+}
+
+void deleteTexts(XMLElement& element)
+{
+    for (XMLNode* node = element.FirstChild(); node;) {
+        XMLNode* text = std::exchange(node, node->NextSibling());
+        if (text->ToText())
+            element.DeleteChild(text);
+    }
+}
+
+/// Writes a profile into the tree of the document that it was read from, so that everything else in it stays.
+/// To be used once.
 class Writer {
 public:
     explicit Writer(const ProfileData& profile)
@@ -25,101 +72,229 @@ public:
     std::string write();
 
 private:
-    XMLElement* append(XMLNode* parent, const char* name);
-    void appendText(XMLNode* parent, const char* name, const std::string& text);
-    void appendNode(XMLNode* parent, const ProfileNode& node);
-    void appendForeign(XMLNode* parent, const std::string& elements);
-    void appendApis(XMLNode* root);
-    void appendEgl(XMLNode* root);
-    XMLElement* api(XMLNode* root, int version);
+    using Sections = std::map<int, XMLElement*>;
+
+    void readSource();
+    XMLElement* takeText(const char* name, const std::string& text);
+    void setText(XMLElement& element, const std::string& text);
+    void setNode(XMLElement& element, const ProfileNode& node);
+    void setNodes(XMLElement& parent, const std::vector<ProfileNode>& nodes, bool isApi);
+    Sections sectionsOf(XMLElement& parent, const char* name, const char* attribute);
+    XMLElement* section(Sections& sections, const char* name, const char* attribute, int value);
+    void takeApis(XmlElements& order);
+    XMLElement* takeEgl();
 
     const ProfileData& m_profile;
     XMLDocument m_document{true, tinyxml2::PRESERVE_WHITESPACE};
-    std::map<int, XMLElement*> m_apis;
+    XMLElement* m_root = nullptr;
 };
 
 std::string Writer::write()
 {
-    XMLElement* root = append(&m_document, "profile");
-    if (!m_profile.device().empty())
-        appendText(root, "device", m_profile.device());
-    if (!m_profile.renderer().empty())
-        appendText(root, "renderer", m_profile.renderer());
-    if (!m_profile.vendor().empty())
-        appendText(root, "vendor", m_profile.vendor());
-    appendApis(root);
-    appendEgl(root);
-    appendForeign(root, m_profile.foreign());
+    readSource();
+    XmlElements order;
+    for (const auto& [name, text] : {std::pair("device", &m_profile.device()),
+             std::pair("renderer", &m_profile.renderer()), std::pair("vendor", &m_profile.vendor())}) {
+        if (XMLElement* element = takeText(name, *text))
+            order.push_back(element);
+    }
+    takeApis(order);
+    order.push_back(takeEgl());
+    XmlElements others;
+    for (XMLElement* child = m_root->FirstChildElement(); child; child = child->NextSiblingElement()) {
+        const std::string_view name = child->Name();
+        const bool isFirstText = (name == "device" || name == "renderer" || name == "vendor")
+            && m_root->FirstChildElement(child->Name()) == child;
+        const bool isApi = name == "es" && number(*child, "version");
+        if (!isFirstText && !isApi && std::find(order.begin(), order.end(), child) == order.end())
+            others.push_back(child);
+    }
+    order.insert(order.end(), others.begin(), others.end());
+    orderElements(*m_root, order);
     return platform::printXml(
         m_document, platform::XmlLayout::IndentedAroundText, platform::limits::fileSize);
 }
 
-XMLElement* Writer::append(XMLNode* parent, const char* name)
+/// Parses what the profile was read from, without what a save does not write.
+void Writer::readSource()
 {
-    XMLElement* element = m_document.NewElement(name);
-    parent->InsertEndChild(element);
+    const bool isRead = m_profile.source() && platform::parseXml(m_document, *m_profile.source()).empty();
+    m_root = isRead ? m_document.FirstChildElement("profile") : nullptr;
+    if (!m_root) {
+        m_document.Clear();
+        m_root = m_document.NewElement("profile");
+        m_document.InsertEndChild(m_root);
+    }
+    m_document.SetBOM(false);
+    for (XMLNode* node = m_document.FirstChild(); node;) {
+        XMLNode* declaration = std::exchange(node, node->NextSibling());
+        if (declaration->ToDeclaration() && std::string_view(declaration->Value()).starts_with("xml "))
+            m_document.DeleteChild(declaration);
+    }
+    deleteTexts(*m_root);
+}
+
+/// The element of a text of the profile; none where it would say nothing.
+XMLElement* Writer::takeText(const char* name, const std::string& text)
+{
+    XMLElement* element = m_root->FirstChildElement(name);
+    // The first one counts, so an empty one before another has a meaning.
+    if (text.empty() && (!element || (isBare(*element) && !element->NextSiblingElement(name))))
+        return nullptr;
+    if (!element)
+        element = m_root->InsertNewChildElement(name);
+    setText(*element, text);
     return element;
 }
 
-void Writer::appendText(XMLNode* parent, const char* name, const std::string& text)
+/// Every such element begins with a text, if only an empty one: it keeps what follows on its line.
+void Writer::setText(XMLElement& element, const std::string& text)
 {
-    append(parent, name)->InsertEndChild(m_document.NewText(text.c_str()));
+    const bool isOther = platform::textOf(element) != text;
+    if (isOther)
+        deleteTexts(element);
+    if (isOther || !element.FirstChild() || !element.FirstChild()->ToText())
+        element.InsertFirstChild(m_document.NewText(isOther ? text.c_str() : ""));
 }
 
-void Writer::appendNode(XMLNode* parent, const ProfileNode& node)
+void Writer::setNode(XMLElement& element, const ProfileNode& node)
 {
-    // Every node gets a text, if only an empty one: it keeps the node's children on its line.
-    XMLElement* element = append(parent, node.name.c_str());
-    element->InsertEndChild(m_document.NewText(node.value.c_str()));
-    for (const ProfileNode& child : node.children)
-        appendNode(element, child);
+    // A text beside parts is not read, so it stays what it is.
+    const bool keepsText = !node.children.empty() && element.FirstChildElement();
+    setText(element, keepsText ? platform::textOf(element) : node.value);
+    setNodes(element, node.children, false);
 }
 
-void Writer::appendForeign(XMLNode* parent, const std::string& elements)
+/// Makes these the elements of a parent. An element that is there already is taken for the node that equals
+/// it, else for one of its name. The extensions of an API are texts, whatever elements stand in them.
+void Writer::setNodes(XMLElement& parent, const std::vector<ProfileNode>& nodes, bool isApi)
 {
-    if (elements.empty())
-        return;
-    XMLDocument foreign(true, tinyxml2::PRESERVE_WHITESPACE);
-    foreign.Parse(elements.data(), elements.size());
-    for (const XMLNode* node = foreign.FirstChild(); node; node = node->NextSibling())
-        parent->InsertEndChild(node->DeepClone(&m_document));
+    const auto isExtension = [isApi](const std::string& name) {
+        return isApi && name == "extension";
+    };
+    std::map<std::string, std::deque<XMLElement*>> equal;
+    XmlElements there;
+    for (XMLElement* child = parent.FirstChildElement(); child; child = child->NextSiblingElement()) {
+        there.push_back(child);
+        const ProfileNode node =
+            isExtension(child->Name()) ? extensionNode(platform::textOf(*child)) : readNode(*child);
+        equal[fingerprint(node)].push_back(child);
+    }
+    XmlElements order(nodes.size());
+    std::set<const XMLElement*> taken;
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        std::deque<XMLElement*>& same = equal[fingerprint(nodes[i])];
+        if (same.empty())
+            continue;
+        order[i] = same.front();
+        same.pop_front();
+        taken.insert(order[i]);
+    }
+    std::map<std::string, std::deque<XMLElement*>> named;
+    for (XMLElement* child : there) {
+        if (!taken.contains(child))
+            named[child->Name()].push_back(child);
+    }
+    for (std::size_t i = 0; i < nodes.size(); ++i) {
+        std::deque<XMLElement*>& rest = named[nodes[i].name];
+        if (!order[i] && !rest.empty()) {
+            order[i] = rest.front();
+            rest.pop_front();
+        }
+        if (!order[i])
+            order[i] = m_document.NewElement(nodes[i].name.c_str());
+        if (isExtension(nodes[i].name))
+            setText(*order[i], nodes[i].value);
+        else
+            setNode(*order[i], nodes[i]);
+    }
+    // Texts keep their place before the elements.
+    if (there != order)
+        orderElements(parent, order);
 }
 
-void Writer::appendApis(XMLNode* root)
+/// The elements with that name and a proper number. Those with the same number become one.
+Writer::Sections Writer::sectionsOf(XMLElement& parent, const char* name, const char* attribute)
 {
+    Sections sections;
+    for (XMLElement* child = parent.FirstChildElement(name); child;) {
+        XMLElement* found = std::exchange(child, child->NextSiblingElement(name));
+        const std::optional<int> value = number(*found, attribute);
+        if (!value)
+            continue;
+        deleteTexts(*found);
+        const auto [place, isFirst] = sections.emplace(*value, found);
+        if (isFirst)
+            continue;
+        XMLElement& first = *place->second;
+        while (XMLNode* node = found->FirstChild())
+            first.InsertEndChild(node);
+        for (const auto* more = found->FirstAttribute(); more; more = more->Next()) {
+            if (!first.Attribute(more->Name()))
+                first.SetAttribute(more->Name(), more->Value());
+        }
+    }
+    return sections;
+}
+
+XMLElement* Writer::section(Sections& sections, const char* name, const char* attribute, int value)
+{
+    XMLElement*& element = sections[value];
+    if (!element)
+        element = m_document.NewElement(name);
+    element->SetAttribute(attribute, value);
+    return element;
+}
+
+void Writer::takeApis(XmlElements& order)
+{
+    Sections sections = sectionsOf(*m_root, "es", "version");
+    std::map<int, std::vector<ProfileNode>> nodes;
     // Versions that have capabilities alone come after all others.
+    std::vector<int> versions;
     for (const auto& [version, extensions] : m_profile.extensions()) {
-        XMLElement* element = api(root, version);
-        for (const std::string& extension : extensions)
-            appendText(element, "extension", extension);
+        versions.push_back(version);
+        std::transform(
+            extensions.begin(), extensions.end(), std::back_inserter(nodes[version]), extensionNode);
     }
     for (const auto& [version, capabilities] : m_profile.capabilities()) {
-        XMLElement* element = api(root, version);
-        for (const ProfileNode& capability : capabilities)
-            appendNode(element, capability);
+        if (!nodes.contains(version))
+            versions.push_back(version);
+        nodes[version].insert(nodes[version].end(), capabilities.begin(), capabilities.end());
+    }
+    for (const int version : versions) {
+        order.push_back(section(sections, "es", "version", version));
+        setNodes(*order.back(), nodes[version], true);
     }
 }
 
-XMLElement* Writer::api(XMLNode* root, int version)
+XMLElement* Writer::takeEgl()
 {
-    XMLElement*& element = m_apis[version];
-    if (!element) {
-        element = append(root, "es");
-        element->SetAttribute("version", version);
+    XMLElement* egl = m_root->FirstChildElement("egl");
+    if (!egl)
+        egl = m_root->InsertNewChildElement("egl");
+    deleteTexts(*egl);
+    Sections sections = sectionsOf(*egl, "config", "id");
+    XmlElements order;
+    std::set<int> written;
+    for (auto& [id, config] : sections) {
+        // One without attributes says nothing, unless somebody has written more into it.
+        const bool isEmpty = !config->FirstChildElement() && !isBare(*config, "id");
+        if (isEmpty && !m_profile.configs().contains(id))
+            written.insert(id);
     }
-    return element;
-}
-
-void Writer::appendEgl(XMLNode* root)
-{
-    XMLElement* egl = append(root, "egl");
     for (const auto& [id, attributes] : m_profile.configs()) {
-        XMLElement* config = append(egl, "config");
-        config->SetAttribute("id", id);
-        for (const ProfileNode& attribute : attributes)
-            appendNode(config, attribute);
+        setNodes(*section(sections, "config", "id", id), attributes, false);
+        written.insert(id);
     }
-    appendForeign(egl, m_profile.foreignInEgl());
+    for (const int id : written)
+        order.push_back(sections[id]);
+    for (XMLElement* child = egl->FirstChildElement(); child; child = child->NextSiblingElement()) {
+        if (child->Name() != std::string_view("config") || !number(*child, "id"))
+            order.push_back(child);
+    }
+    orderElements(*egl, order);
+    return egl;
 }
 
 } // namespace

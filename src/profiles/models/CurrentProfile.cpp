@@ -5,10 +5,12 @@
 #include "ProfileDataWrapper.h"
 #include "ProfileEditor.h"
 #include "ProfileFile.h"
+#include "ProfileWriter.h"
 
 #include <QFile>
 
 #include <filesystem>
+#include <utility>
 
 namespace models {
 
@@ -227,6 +229,8 @@ void CurrentProfile::finishSave(const Pointer& saved, const std::string& directo
     m_discarded.reset();
     m_state = State::Listed;
     m_lastListed = saved;
+    // From now on the profile goes by the file that was written, with its lines.
+    saved->edit()->setSource(writeProfile(saved->data()));
     m_stored = saved->data();
     const std::string path = profile_file::pathFor(directory, saved->data().fileName()).string();
     const Pointer before = chosen();
@@ -258,6 +262,12 @@ void CurrentProfile::discard()
     }
     takeBackFailedSave();
     Q_EMIT editsDiscarded();
+}
+
+void CurrentProfile::setEdited(bool edited)
+{
+    if (std::exchange(m_edited, edited) != edited)
+        Q_EMIT editedChanged(edited);
 }
 
 void CurrentProfile::takeBackDiscard()

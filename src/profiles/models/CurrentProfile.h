@@ -80,6 +80,10 @@ public:
     /// Whether that would show another profile, one that is in no list.
     bool hasDiscardedUnlisted() const { return m_discarded.has_value(); }
 
+    /// Whether the editor holds edits that are in no file, as it said last.
+    bool isEdited() const { return m_edited; }
+    void setEdited(bool edited);
+
 Q_SIGNALS:
     /// The catalogue has another list, in which the chosen profile is looked up again.
     void listChanged();
@@ -92,6 +96,8 @@ Q_SIGNALS:
     void shownLost();
     /// The profile that is shown is to be shown without the edits.
     void editsDiscarded();
+    /// There are edits that are in no file, or there are none any more.
+    void editedChanged(bool edited);
     /// A profile was saved to the file.
     void fileSaved(const QString& path);
 
@@ -124,6 +130,7 @@ private:
     ProfileCatalogue* m_catalogue = nullptr;
     ProfileEditor* m_editor = nullptr;
     State m_state = State::None;
+    bool m_edited = false;
     WeakProfile m_chosen;
     WeakProfile m_lastListed;
     std::optional<ProfileData> m_stored;

@@ -4,6 +4,7 @@
 #include "EGLConfigTreeView.h"
 #include "ESCapabilityTreeView.h"
 #include "ESExtensionTreeView.h"
+#include "HiddenElements.h"
 #include "NoticeBar.h"
 #include "PlainMessageBox.h"
 #include "ProfileChanges.h"
@@ -13,6 +14,7 @@
 
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 
 #include <algorithm>
 #include <utility>
@@ -21,9 +23,27 @@ namespace widgets {
 
 namespace {
 
+/// Lines of a tool tip at most.
+constexpr qsizetype mostExplained = 20;
+
 QString fromUtf8(const std::string& text)
 {
     return QString::fromStdString(text);
+}
+
+QString reasonText(HiddenElement::Reason reason)
+{
+    switch (reason) {
+    case HiddenElement::Reason::Version:
+        return Profile::tr("its version is not a whole number");
+    case HiddenElement::Reason::Id:
+        return Profile::tr("its id is not a whole number");
+    case HiddenElement::Reason::Repeated:
+        return Profile::tr("only the first one counts");
+    case HiddenElement::Reason::Unknown:
+        break;
+    }
+    return Profile::tr("the element is not known here");
 }
 
 } // namespace
@@ -35,6 +55,9 @@ Profile::Profile(models::CurrentProfile& current, QWidget* parent)
     , m_extensionsView(new ESExtensionTreeView(this))
     , m_eglConfigsView(new EGLConfigTreeView(this))
     , m_current(current)
+    , m_comparison(new QTimer(this))
+    , m_emptyNotice(new NoticeBar(QStringLiteral("noticeEmpty"), this))
+    , m_hiddenNotice(new NoticeBar(QStringLiteral("noticeHidden"), this))
     , m_discardedNotice(new NoticeBar(QStringLiteral("noticeDiscarded"), this))
     , m_deletedNotice(new NoticeBar(QStringLiteral("noticeDeleted"), this))
 {
@@ -44,10 +67,20 @@ Profile::Profile(models::CurrentProfile& current, QWidget* parent)
         {m_ui->lblRenderer, m_ui->editRenderer, &ProfileData::renderer, &ProfileData::setRenderer, {}},
         {m_ui->lblVendor, m_ui->editVendor, &ProfileData::vendor, &ProfileData::setVendor, {}},
     }};
-    for (const Field& field : m_fields)
+    for (const Field& field : m_fields) {
         field.edit->installEventFilter(this);
+        connect(field.edit, &QLineEdit::textChanged, this, &Profile::noteChange);
+    }
+    // Many rows can change at once.
+    m_comparison->setSingleShot(true);
+    m_comparison->setInterval(0);
+    connect(m_comparison, &QTimer::timeout, this, [this] {
+        m_current.setEdited(differsFromStored());
+        showEmptyNotice();
+    });
     setUpViews();
     setUpNotices();
+    setUpEmptyNotice();
     retranslateUi();
     if (parent)
         m_ui->profileInfoSplitter->setSizes({parent->width() / 2, parent->width() / 2});
@@ -133,6 +166,7 @@ void Profile::setProfile(const WeakProfile& profile)
         return;
     }
     fillFields(shown->data());
+    showHiddenElements(shown->data());
     showModel(std::make_unique<models::Profile>(*shown));
     if (m_mode == Mode::Modifying)
         modify();
@@ -153,9 +187,13 @@ void Profile::showModel(std::unique_ptr<models::Profile> model)
     m_capabilitiesView->setModel(&m_model->capabilities());
     m_extensionsView->setModel(&m_model->extensions());
     m_eglConfigsView->setModel(&m_model->configs());
-    for (const ProfileTreeView* profileView : views())
-        connect(profileView->model(), &QAbstractItemModel::rowsRemoved, this, &Profile::showNotices,
-            Qt::UniqueConnection);
+    for (const ProfileTreeView* profileView : views()) {
+        const QAbstractItemModel* tree = profileView->model();
+        connect(tree, &QAbstractItemModel::rowsRemoved, this, &Profile::showNotices, Qt::UniqueConnection);
+        connect(tree, &QAbstractItemModel::rowsRemoved, this, &Profile::noteChange, Qt::UniqueConnection);
+        connect(tree, &QAbstractItemModel::rowsInserted, this, &Profile::noteChange, Qt::UniqueConnection);
+        connect(tree, &QAbstractItemModel::dataChanged, this, &Profile::noteChange, Qt::UniqueConnection);
+    }
     showNotices();
 }
 
@@ -178,6 +216,8 @@ void Profile::clear()
     for (ProfileTreeView* profileView : views())
         profileView->setModel(nullptr);
     m_model.reset();
+    m_hiddenNotice->setText({});
+    m_emptyNotice->setText({});
     view();
     showNotices();
 }
@@ -190,9 +230,16 @@ void Profile::setEditable(bool editable)
         profileView->setEditable(editable);
 }
 
+/// Has the page compared with the file as soon as the change is complete.
+void Profile::noteChange()
+{
+    m_comparison->start();
+}
+
 void Profile::view()
 {
     m_mode = Mode::Viewing;
+    noteChange();
     for (Field& field : m_fields) {
         field.edit->setFrame(false);
         field.edit->setReadOnly(true);
@@ -207,6 +254,7 @@ void Profile::view()
 void Profile::modify()
 {
     m_mode = Mode::Modifying;
+    noteChange();
     for (Field& field : m_fields) {
         field.edit->setFrame(true);
         field.edit->setReadOnly(false);
@@ -270,6 +318,8 @@ void Profile::saveBy(bool (models::CurrentProfile::*save)(const ProfileData&))
         return;
     if (m_current.stored())
         fillFields(*m_current.stored());
+    if (m_current.stored())
+        showHiddenElements(*m_current.stored());
     forgetTaken();
     view();
 }
@@ -324,7 +374,7 @@ bool Profile::mayLeave()
 void Profile::setUpNotices()
 {
     constexpr int belowTheTexts = 1;
-    for (NoticeBar* notice : {m_deletedNotice, m_discardedNotice})
+    for (NoticeBar* notice : {m_hiddenNotice, m_deletedNotice, m_discardedNotice})
         m_ui->profileLayout->insertWidget(belowTheTexts, notice);
     connect(m_discardedNotice->addButton(QStringLiteral("btnBringBackChanges"), tr("&Bring back"),
                 tr("Go on with the changes that were discarded")),
@@ -335,6 +385,41 @@ void Profile::setUpNotices()
     // With the focus, a button that is pressed would end an open editor before it can refuse.
     for (QPushButton* button : {m_ui->btnSave, m_ui->btnSaveAs, m_ui->btnDiscard})
         button->setFocusPolicy(Qt::TabFocus);
+}
+
+void Profile::setUpEmptyNotice()
+{
+    constexpr int belowTheTexts = 1;
+    m_ui->profileLayout->insertWidget(belowTheTexts, m_emptyNotice);
+    m_addApi = m_emptyNotice->addButton(QStringLiteral("btnAddFirstApi"), tr("Add &API..."),
+        tr("Choose an OpenGL ES version that the device supports"));
+    m_addConfig = m_emptyNotice->addButton(QStringLiteral("btnAddFirstConfig"), tr("Add &Config"),
+        tr("Add an EGL configuration to fill with attributes"));
+    const auto modifyFirst = [this] {
+        if (m_mode == Mode::Viewing)
+            editPressed();
+    };
+    connect(m_addApi, &QPushButton::clicked, this, [this, modifyFirst] {
+        modifyFirst();
+        m_extensionsView->addAPITriggered();
+    });
+    connect(m_addConfig, &QPushButton::clicked, this, [this, modifyFirst] {
+        modifyFirst();
+        m_eglConfigsView->addConfigTriggered();
+    });
+}
+
+/// Says what to do with a profile that has nothing to show yet.
+void Profile::showEmptyNotice()
+{
+    const auto all = views();
+    const bool isEmpty = m_model && std::all_of(all.begin(), all.end(), [](const ProfileTreeView* view) {
+        return view->model() && view->model()->rowCount() == 0;
+    });
+    m_emptyNotice->setText(isEmpty
+            ? tr("This profile is empty. Add the OpenGL ES versions that the device supports, and its EGL "
+                 "configs. It is often faster to modify a similar device and save it with \"Save As...\".")
+            : QString());
 }
 
 void Profile::showNotices()
@@ -351,6 +436,29 @@ void Profile::showNotices()
     m_deletedNotice->setText(rows == 0 ? QString()
             : rows == 1                ? tr("1 row deleted.")
                                        : tr("%1 rows deleted.").arg(rows));
+}
+
+/// Names what is in the file and nowhere on the page; the tool tip says why.
+void Profile::showHiddenElements(const ProfileData& document)
+{
+    constexpr qsizetype mostNamed = 3;
+    constexpr qsizetype longestTag = 60;
+    QStringList named;
+    QStringList explained;
+    for (const HiddenElement& element : hiddenElements(document)) {
+        QString tag = fromUtf8(element.tag);
+        if (tag.size() > longestTag)
+            tag = tag.left(longestTag) + QChar(0x2026);
+        named << tr("%1 in line %2").arg(tag).arg(element.line);
+        explained << tr("Line %1: %2: %3").arg(element.line).arg(tag, reasonText(element.reason));
+    }
+    const qsizetype more = named.size() - mostNamed;
+    QString text = QStringList(named.mid(0, mostNamed)).join(QStringLiteral(", "));
+    if (more > 0)
+        text = tr("%1, and %2 more").arg(text).arg(more);
+    m_hiddenNotice->setText(
+        named.isEmpty() ? QString() : tr("The file keeps what cannot be shown here: %1.").arg(text),
+        QStringList(explained.mid(0, mostExplained)).join(QLatin1Char('\n')));
 }
 
 /// Takes the edits out of the panel, which must show something else then; nothing where there are none.
@@ -383,6 +491,7 @@ void Profile::bringBackEdits()
     std::optional<DiscardedEdits> taken = takeEdits();
     m_current.takeBackDiscard();
     fillFields(*m_current.stored());
+    showHiddenElements(*m_current.stored());
     for (std::size_t i = 0; i < m_fields.size(); ++i)
         m_fields[i].edit->setText(back.texts[i]);
     showModel(std::move(back.model));

@@ -13,6 +13,8 @@
 
 class QLabel;
 class QLineEdit;
+class QPushButton;
+class QTimer;
 
 namespace Ui {
 class profile;
@@ -84,7 +86,11 @@ private:
 
     void setUpViews();
     void setUpNotices();
+    void setUpEmptyNotice();
+    void showEmptyNotice();
     void showNotices();
+    void noteChange();
+    void showHiddenElements(const ProfileData& document);
     void showOther(const WeakProfile& profile);
     void showModel(std::unique_ptr<models::Profile> model);
     std::optional<DiscardedEdits> takeEdits();
@@ -110,6 +116,11 @@ private:
     EGLConfigTreeView* m_eglConfigsView;
     std::unique_ptr<models::Profile> m_model;
     models::CurrentProfile& m_current;
+    QTimer* m_comparison;
+    NoticeBar* m_emptyNotice;
+    QPushButton* m_addApi;
+    QPushButton* m_addConfig;
+    NoticeBar* m_hiddenNotice;
     NoticeBar* m_discardedNotice;
     NoticeBar* m_deletedNotice;
     std::optional<DiscardedEdits> m_discarded;
