@@ -236,6 +236,7 @@ void MainWindow::countProblems(const ClientInterface& page)
 void MainWindow::showClientCount()
 {
     m_status->setClientCount(m_clients.size());
+    m_clientTabs->setConnectedCount(m_clients.size());
 }
 
 void MainWindow::setClientPID(Client* client, PID_TYPE pid)
