@@ -149,11 +149,20 @@ void ClientTabWidget::addPlaceholder()
 {
     auto* page = new ClientInterface(nullptr, 0, QFontDatabase::systemFont(QFontDatabase::FixedFont), this);
     page->setEnabled(false);
+    page->setConnectedWithoutTab(m_connectedCount);
     const int index = addTab(page, QStringLiteral("Disconnected"));
     const auto side = static_cast<QTabBar::ButtonPosition>(
         style()->styleHint(QStyle::SH_TabBar_CloseButtonPosition, nullptr, tabBar()));
     if (QWidget* closeButton = tabBar()->tabButton(index, side))
         closeButton->resize(0, 0);
+}
+
+void ClientTabWidget::setConnectedCount(std::size_t count)
+{
+    m_connectedCount = count;
+    ClientInterface* first = pageAt(0);
+    if (first && first->state() == ClientInterface::State::Fresh && !first->client())
+        first->setConnectedWithoutTab(count);
 }
 
 void ClientTabWidget::setPid(const Client* client, PID_TYPE pid)

@@ -51,6 +51,9 @@ public:
     /// The page of a client; none once its tab is closed.
     ClientInterface* pageOf(const Client* client) const;
 
+    /// The number of applications that are connected, which may have no tab any more.
+    void setConnectedCount(std::size_t count);
+
     void setPid(const Client* client, PID_TYPE pid);
     void setName(const Client* client, const QString& name);
     /// Ends a client's session on its page with a text.
@@ -68,4 +71,6 @@ private:
     void removePage(int index);
     void focusCurrent(int subPage);
     void showTitle(const ClientInterface& page);
+
+    std::size_t m_connectedCount = 0;
 };

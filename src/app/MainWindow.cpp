@@ -4,6 +4,7 @@
 #include "Client.h"
 #include "ClientInterface.h"
 #include "Console.h"
+#include "ConsoleFontSize.h"
 #include "ConsoleSaver.h"
 #include "CurrentProfile.h"
 #include "DocumentationOpener.h"
@@ -162,7 +163,9 @@ void MainWindow::setUpHostNotice()
 void MainWindow::setUpFonts()
 {
     const QString family = QString::fromLatin1(m_preferences.get(settings::guiFont));
-    m_ui->cmbFont->setCurrentFont(QFont(family.isEmpty() ? fixedFontFamily() : family));
+    // With any size that is not to be used: the box would take an equal one, which is not set, for the same.
+    m_ui->cmbFont->setCurrentFont(QFont(family.isEmpty() ? fixedFontFamily() : family, 1));
+    m_consoleFontSize = new ConsoleFontSize(m_preferences, m_ui->cmbFont);
     m_reportViewer->setFont(m_ui->cmbFont->currentFont());
     // Connected last: what has just been read need not be stored.
     connect(m_ui->cmbFont, SIGNAL(currentFontChanged(const QFont&)), SLOT(fontChanged(const QFont&)));
@@ -242,6 +245,7 @@ void MainWindow::serverNewConnection()
     connect(m_ui->cmbFont, SIGNAL(currentFontChanged(const QFont&)), page, SLOT(fontChanged(const QFont&)));
     connect(&page->console(), &Console::statusMessage, this,
         [this](const QString& text) { statusBar()->showMessage(text, messageTime); });
+    connect(&page->console(), &Console::zoomWanted, m_consoleFontSize, &ConsoleFontSize::change);
     // Its page is done with the save as well before the window closes.
     connect(&page->saver(), &ConsoleSaver::ended, this, &MainWindow::consoleSaved, Qt::QueuedConnection);
     countProblems(*page);
@@ -267,6 +271,7 @@ void MainWindow::countProblems(const ClientInterface& page)
 void MainWindow::showClientCount()
 {
     m_status->setClientCount(m_clients.size());
+    m_clientTabs->setConnectedCount(m_clients.size());
 }
 
 void MainWindow::setClientPID(Client* client, PID_TYPE pid)

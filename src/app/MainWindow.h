@@ -12,6 +12,7 @@ class AboutBox;
 class Client;
 class ClientInterface;
 class ClientTabWidget;
+class ConsoleFontSize;
 class LocalListener;
 class MonitorStatus;
 class PreferencesReporter;
@@ -119,6 +120,7 @@ private:
     models::CurrentProfile* m_currentProfile = nullptr;
     ProfileChooser* m_profileChooser = nullptr;
     widgets::Profile* m_profilePanel = nullptr;
+    ConsoleFontSize* m_consoleFontSize = nullptr;
     RecentFilesMenu* m_recentProfiles = nullptr;
     ProfileCatalogue* m_catalogue = nullptr;
     QLocalServer* m_server = nullptr;

@@ -65,17 +65,47 @@ void ClientInterface::setUpErrorList()
     m_errorListFilter->setSourceModel(m_errorListModel);
     m_ui->tblErrorList->setModel(m_errorListFilter);
     m_ui->tblErrorList->setFollowButton(m_ui->chkErrorListAutoScroll);
+    for (const QAbstractItemModel* model : {static_cast<QAbstractItemModel*>(m_errorListModel),
+             static_cast<QAbstractItemModel*>(m_errorListFilter)}) {
+        connect(model, &QAbstractItemModel::rowsInserted, this, &ClientInterface::updateErrorListHint);
+        connect(model, &QAbstractItemModel::modelReset, this, &ClientInterface::updateErrorListHint);
+    }
+    updateErrorListHint();
+}
+
+void ClientInterface::updateErrorListHint()
+{
+    const bool isEmpty = m_errorListFilter->rowCount() == 0;
+    if (!isEmpty && m_ui->lblErrorListEmpty->isHidden())
+        return; // as at nearly every row that arrives
+    m_ui->lblErrorListEmpty->setText(m_errorListModel->rowCount() == 0
+            ? tr("No errors or warnings. Those that the application reports appear here by themselves.")
+            : tr("All rows are hidden. Tick \"Errors\" or \"Warnings\" above to show them."));
+    m_ui->lblErrorListEmpty->setVisible(isEmpty);
 }
 
 void ClientInterface::setUpContexts()
 {
     // A tab widget without pages shows nothing at all, so words stand in for it.
-    m_ui->lblNoContexts->setText(m_client
-            ? tr("No rendering context yet. Each context that the application creates gets a page here.")
-            : tr("No application is connected. Start a program that loads the Corvale libraries, and it "
-                 "appears here by itself."));
+    if (m_client)
+        m_ui->lblNoContexts->setText(
+            tr("No rendering context yet. Each context that the application creates gets a page here."));
+    else
+        setConnectedWithoutTab(0);
     colourContextsHint();
     m_ui->tabWidget_contexts->hide();
+}
+
+void ClientInterface::setConnectedWithoutTab(std::size_t count)
+{
+    const QString start =
+        tr("Start a program that loads the Corvale libraries, and it appears here by itself.");
+    QString state = tr("No application is connected.");
+    if (count == 1)
+        state = tr("An application is still connected, but its tab is closed.");
+    else if (count > 1)
+        state = tr("%1 applications are still connected, but their tabs are closed.").arg(count);
+    m_ui->lblNoContexts->setText(state + QLatin1Char(' ') + start);
 }
 
 void ClientInterface::colourContextsHint()
@@ -111,7 +141,7 @@ void ClientInterface::showConsoleMenu(const QPoint& position)
 void ClientInterface::makeConnections()
 {
     connect(m_ui->btnClear, &QPushButton::clicked, m_console, &Console::clear);
-    connect(m_ui->btnSaveConsole, &QPushButton::clicked, this, [this] { m_saver->ask(m_name); });
+    connect(m_ui->btnSaveConsole, &QPushButton::clicked, this, [this] { m_saver->ask(m_name, m_pid); });
     connect(m_saver, &ConsoleSaver::busyChanged, m_ui->btnSaveConsole, &QPushButton::setDisabled);
     connect(
         m_ui->txtConsole, &QTextEdit::customContextMenuRequested, this, &ClientInterface::showConsoleMenu);

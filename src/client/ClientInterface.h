@@ -44,6 +44,9 @@ public:
     /// The tab's title: the application's name in quotes, where it has sent one, and its PID.
     QString title() const;
 
+    /// Has the page that stands in for "no application" say how many are connected whose tabs are closed.
+    void setConnectedWithoutTab(std::size_t count);
+
     const ErrorListModel& errorListModel() const { return *m_errorListModel; }
     Console& console() { return *m_console; }
     const ConsoleSaver& saver() const { return *m_saver; }
@@ -81,6 +84,7 @@ private:
     void makeConnections();
 
     void colourContextsHint();
+    void updateErrorListHint();
     void showConsoleMenu(const QPoint& position);
     void addContext(const ui::messages::Message& message);
     void removeOldestContexts();

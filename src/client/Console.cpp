@@ -33,6 +33,7 @@ Console::Console(QTextEdit* view, QAbstractButton* autoScroll, QObject* parent)
     connect(&m_pace, &ConsolePace::refreshDue, this, &Console::refresh);
     connect(&m_follower, &ConsoleFollower::endWanted, this, &Console::showEnd);
     connect(&m_follower, &ConsoleFollower::paletteChanged, this, &Console::recolour);
+    connect(&m_follower, &ConsoleFollower::zoomWanted, this, &Console::zoomWanted);
     connect(&m_follower, &ConsoleFollower::viewShown, this, [this] {
         if (m_document.waiting() > 0)
             m_pace.refreshNow();

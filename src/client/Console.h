@@ -43,6 +43,8 @@ public:
 Q_SIGNALS:
     /// A text that the status bar is to show.
     void statusMessage(const QString& text);
+    /// The reader wants a font that is larger by some points, or smaller.
+    void zoomWanted(int points);
 
 private:
     void addEntry(std::string entry, ConsolePace::Reading reading);

@@ -74,7 +74,7 @@ QString translated(const char* text)
 QString identifiedHeading(const Message& record)
 {
     return translated(QT_TRANSLATE_NOOP("Console", "%1 (ID: %2)"))
-        .arg(record_text::singleLine(record.text(offset::identifiedText)),
+        .arg(record_text::multiLine(record.text(offset::identifiedText)),
             QString::number(record.u32(offset::identifiedId)));
 }
 

@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 #include <QScrollBar>
 #include <QTextEdit>
+#include <QWheelEvent>
 
 #include <algorithm>
 #include <utility>
@@ -60,6 +61,13 @@ void ConsoleFollower::keepDuring(const std::function<void()>& rewriting)
 
 bool ConsoleFollower::eventFilter(QObject* watched, QEvent* event)
 {
+    if (event->type() == QEvent::Wheel && watched == m_view->viewport()) {
+        const auto& wheel = static_cast<const QWheelEvent&>(*event);
+        if (wheel.modifiers().testFlag(Qt::ControlModifier)) {
+            zoom(wheel);
+            return true; // The view would change its own font only.
+        }
+    }
     if (event->type() == QEvent::FontChange || event->type() == QEvent::Resize)
         keepPlaceDuringLayout();
     else if (watched == m_view)
@@ -67,6 +75,15 @@ bool ConsoleFollower::eventFilter(QObject* watched, QEvent* event)
     else
         viewportEvent(*event);
     return EndFollower::eventFilter(watched, event);
+}
+
+void ConsoleFollower::zoom(const QWheelEvent& event)
+{
+    m_wheelAngle += event.angleDelta().y();
+    const int notches = m_wheelAngle / QWheelEvent::DefaultDeltasPerStep;
+    m_wheelAngle %= QWheelEvent::DefaultDeltasPerStep;
+    if (notches != 0)
+        Q_EMIT zoomWanted(notches);
 }
 
 void ConsoleFollower::viewEvent(const QEvent& event)

@@ -7,6 +7,7 @@
 
 class QTextCursor;
 class QTextEdit;
+class QWheelEvent;
 class TextViewPlace;
 
 /// Follows the end of a console's text view, or leaves what the reader sees and has selected where it is: a
@@ -29,6 +30,8 @@ public:
 Q_SIGNALS:
     void paletteChanged();
     void viewShown();
+    /// The reader has turned the wheel with Ctrl: notches upwards.
+    void zoomWanted(int notches);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -37,8 +40,10 @@ private:
     void viewEvent(const QEvent& event);
     void viewportEvent(const QEvent& event);
     void keyPressed();
+    void zoom(const QWheelEvent& event);
     void keepPlaceDuringLayout();
 
     QTextEdit* m_view;
+    int m_wheelAngle = 0; ///< Turned with Ctrl, short of a notch.
     std::unique_ptr<TextViewPlace> m_place; ///< While the view lays its text out anew.
 };

@@ -5,6 +5,7 @@
 #include "ConsoleText.h"
 #include "FileReplacement.h"
 
+#include <QDateTime>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileDialog>
@@ -25,13 +26,17 @@ bool isHtml(const QString& path)
 }
 
 /// A name that any system takes for a file.
-QString fileName(QString name)
+QString fileName(const QString& application, PID_TYPE pid, const QDateTime& time)
 {
+    QString name = QStringLiteral("%1-%2-%3")
+                       .arg(application.isEmpty() ? QStringLiteral("console") : application)
+                       .arg(pid)
+                       .arg(time.toString(QStringLiteral("yyyyMMdd-HHmmss")));
     for (QChar& character : name) {
         if (!character.isLetterOrNumber() && !QStringLiteral("-_.").contains(character))
             character = QLatin1Char('-');
     }
-    return name.isEmpty() ? QStringLiteral("console") : name + QStringLiteral("-console");
+    return name + QStringLiteral(".txt");
 }
 
 } // namespace
@@ -64,7 +69,7 @@ ConsoleSaver::ConsoleSaver(Console* console, QWidget* window)
 
 ConsoleSaver::~ConsoleSaver() = default;
 
-void ConsoleSaver::ask(const QString& name)
+void ConsoleSaver::ask(const QString& name, PID_TYPE pid)
 {
     if (isBusy())
         return;
@@ -76,7 +81,7 @@ void ConsoleSaver::ask(const QString& name)
     const QString html = tr("Web page (*.html)");
     dialog->setNameFilters({text, html});
     dialog->setDefaultSuffix(QStringLiteral("txt"));
-    dialog->selectFile(fileName(name) + QStringLiteral(".txt"));
+    dialog->selectFile(fileName(name, pid, QDateTime::currentDateTime()));
     connect(dialog, &QFileDialog::filterSelected, dialog, [dialog, html](const QString& filter) {
         dialog->setDefaultSuffix(filter == html ? QStringLiteral("html") : QStringLiteral("txt"));
     });

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "MetaTypes.h"
+
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -20,8 +22,9 @@ public:
     ConsoleSaver(Console* console, QWidget* window);
     ~ConsoleSaver() override;
 
-    /// Asks for a file, and proposes a name for it after that of the application, which may be empty.
-    void ask(const QString& name);
+    /// Asks for a file, and proposes a name for it with that of the application, which may be empty, its PID
+    /// and the time.
+    void ask(const QString& name, PID_TYPE pid);
     /// Saves to a file, as HTML where its name ends so.
     void save(const QString& path);
     bool isSaving() const { return m_job != nullptr; }

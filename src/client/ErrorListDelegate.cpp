@@ -22,6 +22,16 @@ QString cut(const QString& text, qsizetype length)
     return text.size() > length ? text.left(length) + QChar(0x2026) : text;
 }
 
+/// In a layout from right to left, a number before a Latin text would go to the text's other end.
+QString inOwnDirection(const QString& text, Qt::LayoutDirection layout)
+{
+    constexpr QChar leftToRightIsolate(0x2066);
+    constexpr QChar endOfIsolate(0x2069);
+    if (layout == Qt::LeftToRight || text.isRightToLeft())
+        return text;
+    return leftToRightIsolate + text + endOfIsolate;
+}
+
 /// As many characters as fill a cell, however narrow they are. Shaping more of them, several times at every
 /// repaint, would be for nothing.
 qsizetype lettersAcross(const QStyleOptionViewItem& option)
@@ -49,7 +59,7 @@ QString ErrorListDelegate::displayText(const QVariant& value, const QLocale& loc
 void ErrorListDelegate::initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const
 {
     QStyledItemDelegate::initStyleOption(option, index);
-    option->text = cut(option->text, lettersAcross(*option));
+    option->text = inOwnDirection(cut(option->text, lettersAcross(*option)), option->direction);
 }
 
 bool ErrorListDelegate::helpEvent(
@@ -60,7 +70,8 @@ bool ErrorListDelegate::helpEvent(
     const QString text = index.data(Qt::DisplayRole).toString();
     const bool fits = text.size() <= std::min(rowLength, lettersAcross(option))
         && !text.contains(QLatin1Char('\n')) && sizeHint(option, index).width() <= option.rect.width();
-    QToolTip::showText(event->globalPos(), fits ? QString() : plainToolTip(cut(text, toolTipLength)),
+    QToolTip::showText(event->globalPos(),
+        fits ? QString() : plainToolTip(inOwnDirection(cut(text, toolTipLength), option.direction)),
         view->viewport(), view->visualRect(index));
     return true;
 }

@@ -2,7 +2,9 @@
 
 #include "ErrorList.h"
 #include "ErrorListDelegate.h"
+#include "ErrorListModel.h"
 
+#include <QAbstractProxyModel>
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QFontMetrics>
@@ -17,6 +19,16 @@ namespace {
 
 /// Milliseconds between two scrolls to the end, each of which takes about one.
 constexpr int scrollPause = 50;
+
+/// A cell of tab-separated text, in quotes where it could be taken for several.
+QString quotedCell(QString text)
+{
+    const bool isQuoted = std::any_of(text.cbegin(), text.cend(),
+        [](QChar character) { return QStringLiteral("\t\n\"").contains(character); });
+    if (!isQuoted)
+        return text;
+    return QLatin1Char('"') + text.replace(QLatin1Char('"'), QStringLiteral("\"\"")) + QLatin1Char('"');
+}
 
 } // namespace
 
@@ -187,10 +199,35 @@ void ErrorListView::copySelection() const
         return;
     std::sort(cells.begin(), cells.end());
     QString text;
-    for (qsizetype i = 0; i < cells.size(); ++i) {
-        if (i > 0)
-            text += QLatin1Char(cells[i].row() == cells[i - 1].row() ? '\t' : '\n');
-        text += cells[i].data().toString();
+    if (cells.size() == 1)
+        text = cells.front().data().toString();
+    int row = -1;
+    for (qsizetype i = 0; cells.size() > 1 && i < cells.size(); ++i) {
+        if (cells[i].row() != row) {
+            if (i > 0)
+                text += QLatin1Char('\n');
+            row = cells[i].row();
+            text += severityText(cells[i]);
+        }
+        text += QLatin1Char('\t') + quotedCell(cells[i].data().toString());
     }
     QGuiApplication::clipboard()->setText(text);
+}
+
+QString ErrorListView::severityText(const QModelIndex& cell) const
+{
+    QModelIndex source = cell;
+    if (const auto* filter = qobject_cast<const QAbstractProxyModel*>(model()))
+        source = filter->mapToSource(cell);
+    const auto* errors = qobject_cast<const ErrorListModel*>(source.model());
+    if (!errors)
+        return {};
+    switch (errors->severity(source.row())) {
+    case error_list::SeverityError:
+        return tr("Error");
+    case error_list::SeverityWarning:
+        return tr("Warning");
+    default:
+        return {};
+    }
 }

@@ -8,9 +8,10 @@
 #include <QTimer>
 
 /// The table of a client's errors and warnings. Its context menu, a double click and the Return key ask for
-/// the full contents of a cell; Ctrl+C copies the selected cells as lines of tab-separated text. When a
-/// filter resets its model, the reader keeps the place, the current cell and the selection as far as they are
-/// still shown.
+/// the full contents of a cell; Ctrl+C copies a cell as it is, and several as lines of tab-separated cells
+/// that begin with the severity. Cells with tabs, line breaks or quotes are quoted there, as spreadsheets do
+/// it. When a filter resets its model, the reader keeps the place, the current cell and the selection as far
+/// as they are still shown.
 class ErrorListView : public QTableView {
     Q_OBJECT
 
@@ -43,6 +44,7 @@ private:
     void followEndIfPending();
     void requestContents(const QModelIndex& index);
     void copySelection() const;
+    QString severityText(const QModelIndex& cell) const;
     void setUpRows();
     void setUpColumns();
 

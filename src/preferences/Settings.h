@@ -39,6 +39,9 @@ inline const Setting<std::string> currentProfile{ofThisVersion("/current_profile
 /// Family of the console font. MainWindow, which takes the desktop's fixed-width font for an empty one.
 inline const Setting<std::string> guiFont{ofThisVersion("/gui_font")};
 
+/// Points by which the console's font is larger than the application's, a whole number. ConsoleFontSize.
+inline const Setting<std::string> consoleFontPoints{ofThisVersion("/console_font_points")};
+
 /// The folder of the user's profiles. Read by ProfileCatalogue and DlgPreferences, written by DlgPreferences
 /// and by Controller when it asks for the folder.
 inline const Setting<std::string> profilesDirectory{

@@ -194,9 +194,14 @@ void TestMainWindow::closedTabLeavesItsClientAlone()
     QTest::qWait(50);
     QCOMPARE(session.titles(), QStringList("Disconnected"));
     QCOMPARE(session.status("lblClients"), QStringLiteral("1 client connected"));
+    const auto hint = [&session] {
+        return session.tabs().widget(0)->findChild<QLabel*>(QStringLiteral("lblNoContexts"))->text();
+    };
+    QVERIFY(hint().startsWith(QStringLiteral("An application is still connected")));
     QCOMPARE(application.receivedTypes(), QList<quint32>());
     application.close();
     QTRY_COMPARE(session.status("lblClients"), QStringLiteral("0 clients connected"));
+    QVERIFY(hint().startsWith(QStringLiteral("No application is connected")));
 }
 
 void TestMainWindow::closingTheWindowTellsEveryClient()

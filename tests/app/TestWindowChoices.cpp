@@ -16,6 +16,7 @@
 #include <QMenu>
 #include <QStatusBar>
 #include <QToolButton>
+#include <QWheelEvent>
 
 #include <functional>
 
@@ -51,6 +52,7 @@ private Q_SLOTS:
     void unreadablePreferencesAreKept_data();
     void unreadablePreferencesAreKept();
     void preferencesThatCannotBeSaved();
+    void consoleFontSize();
     void profileChooser();
     void reloadDisturbsNobody();
     void recentProfiles();
@@ -77,6 +79,49 @@ void TestWindowChoices::consoleFont()
 
     const Session next;
     QCOMPARE(next.window.findChild<QFontComboBox*>(QStringLiteral("cmbFont"))->currentFont().family(), other);
+}
+
+void TestWindowChoices::consoleFontSize()
+{
+    const qreal standard = QFontInfo(QApplication::font()).pointSizeF();
+    const auto sizes = [](const Session& window) {
+        QList<qreal> all;
+        for (int i = 0; i < window.tabs().count(); ++i)
+            all.append(window.tabs()
+                           .widget(i)
+                           ->findChild<QTextEdit*>(QStringLiteral("txtConsole"))
+                           ->font()
+                           .pointSizeF());
+        return all;
+    };
+    {
+        Session session;
+        session.window.show();
+        QVERIFY(QTest::qWaitForWindowActive(&session.window));
+        session.connectApplication();
+        session.connectApplication();
+        QCOMPARE(sizes(session), QList<qreal>({standard, standard}));
+        QTest::keyClick(&session.window, Qt::Key_Plus, Qt::ControlModifier);
+        QCOMPARE(sizes(session), QList<qreal>({standard + 1, standard + 1}));
+        QWidget* text =
+            session.tabs().widget(0)->findChild<QTextEdit*>(QStringLiteral("txtConsole"))->viewport();
+        for (const int angle : {120, 60, 60, -120, 240}) { // three notches in all
+            QWheelEvent wheel(
+                {9, 9}, text->mapToGlobal(QPointF(9, 9)), {}, {0, angle}, {}, Qt::ControlModifier, {}, false);
+            QCoreApplication::sendEvent(text, &wheel);
+        }
+        QCOMPARE(sizes(session), QList<qreal>({standard + 4, standard + 4}));
+        QTest::keyClick(&session.window, Qt::Key_Minus, Qt::ControlModifier);
+        session.connectApplication();
+        QCOMPARE(sizes(session), QList<qreal>(3, standard + 3));
+    }
+    Session next;
+    next.window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&next.window));
+    next.connectApplication();
+    QCOMPARE(sizes(next), QList<qreal>({standard + 3}));
+    QTest::keyClick(&next.window, Qt::Key_0, Qt::ControlModifier);
+    QCOMPARE(sizes(next), QList<qreal>({standard}));
 }
 
 void TestWindowChoices::unreadablePreferencesAreKept_data()

@@ -11,6 +11,7 @@
 #include <QFontDatabase>
 #include <QGroupBox>
 #include <QHeaderView>
+#include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
@@ -276,7 +277,7 @@ void TestClientInterface::textCannotForgeStructure()
         glError(1280, "gl\nEvil\xEF\xB7\x90", "<b>bold</b>\xE2\x80\xA8\xEF\xB7\x91"),
         text(Type::Information, "<h1>plain</h1>\x1B[0m")});
     QCOMPARE(page.document().toPlainText(),
-        QStringLiteral(u"\n\na Error\uFFFDx (ID: 1)\n\n\n\n\nError - GL_INVALID_ENUM in gl Evil\uFFFD\n"
+        QStringLiteral(u"\n\na\nError\uFFFDx (ID: 1)\n\n\n\n\nError - GL_INVALID_ENUM in gl Evil\uFFFD\n"
                        "<b>bold</b>\uFFFD\uFFFD\n\n<h1>plain</h1>\u241B[0m")
             .replace(QStringLiteral("\n\n\n\n\nError"), QStringLiteral("\n\n\nError")));
     QCOMPARE(page.document().rootFrame()->childFrames().size(), 2);
@@ -303,6 +304,8 @@ void TestClientInterface::errorListRowsAndFilter()
     page.receive({text(Type::Error, "e", 0xFFFFFFFF), text(Type::Warning, "w", 3),
         glError(1281, "glViewport", "neg\native", 4), text(Type::Information, "no row")});
     const QAbstractItemModel& shown = *page.child<QTableView>("tblErrorList").model();
+    const auto& hint = page.child<QLabel>("lblErrorListEmpty");
+    QVERIFY(hint.isHidden());
     const auto row = [&shown](int number) {
         QStringList cells;
         for (int column = 0; column < shown.columnCount(); ++column)
@@ -318,8 +321,18 @@ void TestClientInterface::errorListRowsAndFilter()
     QCOMPARE(row(0).last(), QStringLiteral("w"));
     page.child<QCheckBox>("chkWarnings").click();
     QCOMPARE(shown.rowCount(), 0);
+    QVERIFY(!hint.isHidden() && hint.text().contains(QStringLiteral("Tick")));
     page.child<QCheckBox>("chkErrors").click();
     QCOMPARE(shown.rowCount(), 2);
+    QVERIFY(hint.isHidden());
+
+    // Rows that arrive while their kind is hidden change what the empty list says.
+    Page filtered;
+    const auto& empty = filtered.child<QLabel>("lblErrorListEmpty");
+    filtered.child<QCheckBox>("chkErrors").click();
+    QVERIFY(!empty.isHidden() && empty.text().startsWith(QStringLiteral("No errors")));
+    filtered.page.receive(text(Type::Error, "e"));
+    QVERIFY(!empty.isHidden() && empty.text().contains(QStringLiteral("Tick")));
 }
 
 void TestClientInterface::autoScroll()

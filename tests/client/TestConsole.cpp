@@ -9,6 +9,7 @@
 #include <QCheckBox>
 #include <QDir>
 #include <QElapsedTimer>
+#include <QFileDialog>
 #include <QFontDatabase>
 #include <QPushButton>
 #include <QScrollBar>
@@ -561,7 +562,14 @@ void TestConsole::savesWhatWasTrimmed()
     page.page.findChild<QPushButton*>(QStringLiteral("btnClear"))->click();
     page.receive({text(Type::Information, "after")}, 1);
     QCOMPARE(saved(QStringLiteral("console.txt")), QStringLiteral("after\n"));
+    page.page.setName(QStringLiteral("a/b c"));
+    page.page.setPid(4711);
     page.page.findChild<QPushButton*>(QStringLiteral("btnSaveConsole"))->click();
+    const QString proposed =
+        QFileInfo(page.page.findChild<QFileDialog*>()->selectedFiles().value(0)).fileName();
+    QVERIFY2(
+        QRegularExpression(QStringLiteral("^a-b-c-4711-\\d{8}-\\d{6}\\.txt$")).match(proposed).hasMatch(),
+        qPrintable(proposed));
     QVERIFY2(qobject_cast<QTextEdit*>(page.page.focusWidget()), "and not \"Clear\"");
 }
 

@@ -13,6 +13,7 @@
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTextLayout>
 #include <QTimer>
 #include <QToolTip>
 
@@ -65,6 +66,7 @@ private Q_SLOTS:
     void viewMayGoWhileItsMenuIsOpen();
     void keys();
     void longTexts();
+    void orderInRightToLeftLayouts();
     void filterKeepsTheReadersPlace();
 };
 
@@ -195,6 +197,7 @@ void TestErrorList::viewMayGoWhileItsMenuIsOpen()
 void TestErrorList::keys()
 {
     List list;
+    list.model.append(SeverityError, -1, QString(), QStringLiteral("say \"no\""), QString());
     ErrorListView view;
     view.setModel(&list.proxy);
     view.show();
@@ -207,7 +210,12 @@ void TestErrorList::keys()
     view.selectAll();
     QTest::keySequence(&view, QKeySequence::Copy);
     QCOMPARE(QGuiApplication::clipboard()->text(),
-        QStringLiteral("0\tglEnable\tGL_INVALID_ENUM\tbad cap\n7\t\t\tslow\n\t\t\ttwo\nlines"));
+        QStringLiteral("Error\t0\tglEnable\tGL_INVALID_ENUM\tbad cap\nWarning\t7\t\t\tslow\n"
+                       "Error\t\t\t\t\"two\nlines\"\nError\t\t\t\t\"say \"\"no\"\"\""));
+    view.selectionModel()->setCurrentIndex(
+        list.proxy.index(2, DescriptionColumn), QItemSelectionModel::ClearAndSelect);
+    QTest::keySequence(&view, QKeySequence::Copy);
+    QCOMPARE(QGuiApplication::clipboard()->text(), QStringLiteral("two\nlines"));
 }
 
 void TestErrorList::longTexts()
@@ -238,6 +246,38 @@ void TestErrorList::longTexts()
     QHelpEvent help(QEvent::ToolTip, place.center(), view.viewport()->mapToGlobal(place.center()));
     QCoreApplication::sendEvent(view.viewport(), &help);
     QVERIFY(!QToolTip::text().isEmpty());
+}
+
+void TestErrorList::orderInRightToLeftLayouts()
+{
+    List list;
+    list.model.append(SeverityError, 1, QString(), QStringLiteral("5 bad calls"), QString());
+    list.model.append(SeverityError, 1, QString(), QStringLiteral(u"5 \u05D0\u05D1"), QString());
+    struct Delegate : ErrorListDelegate {
+        using ErrorListDelegate::initStyleOption;
+    };
+    const Delegate delegate;
+    /// Where a line in a layout's direction shows the space behind the digit: 0 at its left end, 1 at its
+    /// right one.
+    const auto placeOfSpace = [&](int row, Qt::LayoutDirection direction) {
+        QStyleOptionViewItem option;
+        option.direction = direction;
+        option.rect = QRect(0, 0, 1000, 20);
+        delegate.initStyleOption(&option, list.proxy.index(row, DescriptionColumn));
+        QTextLayout layout(option.text);
+        QTextOption text;
+        text.setTextDirection(direction);
+        layout.setTextOption(text);
+        layout.beginLayout();
+        QTextLine line = layout.createLine();
+        line.setLineWidth(option.rect.width());
+        layout.endLayout();
+        const qreal x = line.cursorToX(static_cast<int>(option.text.indexOf(QLatin1Char(' '))));
+        return (x - line.naturalTextRect().left()) / line.naturalTextWidth();
+    };
+    QVERIFY(placeOfSpace(3, Qt::LeftToRight) < 0.5);
+    QVERIFY(placeOfSpace(3, Qt::RightToLeft) < 0.5);
+    QVERIFY(placeOfSpace(4, Qt::RightToLeft) > 0.5);
 }
 
 void TestErrorList::filterKeepsTheReadersPlace()
