@@ -75,7 +75,10 @@ void ClientInterface::setUpContexts()
             : tr("No application is connected. Start a program that loads the Corvale libraries, and it "
                  "appears here by itself."));
     colourContextsHint();
-    m_ui->tabWidget_contexts->hide();
+    // The pages of contexts need much room; the window must not grow when the first one comes.
+    m_ui->contextsArea->hide();
+    m_ui->contextsAreaContents->setAutoFillBackground(false);
+    m_ui->contextsArea->viewport()->setAutoFillBackground(false);
 }
 
 void ClientInterface::colourContextsHint()
@@ -200,7 +203,7 @@ void ClientInterface::addContext(const Message& message)
     auto* page = new ContextInterface(message, m_ui->tabWidget_contexts);
     m_ui->tabWidget_contexts->addTab(page, tr("Context %1").arg(message.i32(offset::contextNumber)));
     m_ui->lblNoContexts->hide();
-    m_ui->tabWidget_contexts->show();
+    m_ui->contextsArea->show();
 }
 
 void ClientInterface::removeOldestContexts()
