@@ -33,6 +33,23 @@ install_missing() {
         >/dev/null
 }
 
+# show_progress LOG: passes what a build says on to the log, and shows how far it is: in one line that changes on a
+# terminal, else every ten seconds.
+show_progress() {
+    local line shown=-10
+    while IFS= read -r line; do
+        printf '%s\n' "$line" >>"$1"
+        [[ $line =~ ^\[([0-9]+/[0-9]+)\] ]] || continue
+        if [ -t 1 ]; then
+            printf '\rBuilding: step %s\033[K' "${BASH_REMATCH[1]}"
+        elif [ $((SECONDS - shown)) -ge 10 ]; then
+            shown=$SECONDS
+            echo "Building: step ${BASH_REMATCH[1]}"
+        fi
+    done
+    [ ! -t 1 ] || echo
+}
+
 # build TARGET...: configures where that has not been done, and builds the targets in release mode.
 build() {
     local log
@@ -43,7 +60,7 @@ build() {
     fi
     if ! cmake --build --preset release --target "$@" -- -n 2>/dev/null | grep -q 'no work to do'; then
         echo "Building"
-        cmake --build --preset release --target "$@" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
+        cmake --build --preset release --target "$@" 2>&1 | show_progress "$log" || { cat "$log" >&2; exit 1; }
     fi
     rm -f "$log"
 }

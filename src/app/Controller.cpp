@@ -178,6 +178,7 @@ bool Controller::saveAs(ProfileData& profile, const std::string& directory)
 
 int Controller::run()
 {
+    m_mainWindow.restorePlace();
     m_mainWindow.show();
     m_mainWindow.showSplash();
     return QApplication::exec();

@@ -29,6 +29,7 @@
 #include "TSRStats.h"
 #include "ThemeMenu.h"
 #include "WindowController.h"
+#include "WindowState.h"
 #include "ui_MainWindow.h"
 #include "widgets/Profile.h"
 
@@ -38,6 +39,7 @@
 #include <QFile>
 #include <QFontDatabase>
 #include <QFontInfo>
+#include <QLabel>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QMessageBox>
@@ -107,6 +109,8 @@ void MainWindow::setUpPages()
     auto* reportPage = new SystemReportPage(m_reportReceiver, m_ui->tabSystemReport);
     m_ui->systemReportTabLayout->addWidget(reportPage);
     m_reportViewer = &reportPage->viewer();
+    connect(reportPage, &SystemReportPage::statusMessage, this,
+        [this](const QString& text) { statusBar()->showMessage(text, messageTime); });
     connect(
         m_ui->cmbFont, SIGNAL(currentFontChanged(const QFont&)), m_reportViewer, SLOT(setFont(const QFont&)));
 }
@@ -163,8 +167,9 @@ void MainWindow::setUpHostNotice()
 void MainWindow::setUpFonts()
 {
     const QString family = QString::fromLatin1(m_preferences.get(settings::guiFont));
+    const bool isThere = !family.isEmpty() && m_ui->cmbFont->findText(family, Qt::MatchFixedString) >= 0;
     // With any size that is not to be used: the box would take an equal one, which is not set, for the same.
-    m_ui->cmbFont->setCurrentFont(QFont(family.isEmpty() ? fixedFontFamily() : family, 1));
+    m_ui->cmbFont->setCurrentFont(QFont(isThere ? family : fixedFontFamily(), 1));
     m_consoleFontSize = new ConsoleFontSize(m_preferences, m_ui->cmbFont);
     m_reportViewer->setFont(m_ui->cmbFont->currentFont());
     // Connected last: what has just been read need not be stored.
@@ -220,6 +225,11 @@ void MainWindow::setUpServer()
     m_listener->start();
 }
 
+void MainWindow::restorePlace()
+{
+    m_windowState = new WindowState(*this, m_preferences);
+}
+
 void MainWindow::setInstanceProblem(const QString& problem)
 {
     m_status->setInstanceProblem(problem);
@@ -248,6 +258,8 @@ void MainWindow::serverNewConnection()
     connect(&page->console(), &Console::zoomWanted, m_consoleFontSize, &ConsoleFontSize::change);
     // Its page is done with the save as well before the window closes.
     connect(&page->saver(), &ConsoleSaver::ended, this, &MainWindow::consoleSaved, Qt::QueuedConnection);
+    if (m_windowState)
+        m_windowState->follow(*page);
     countProblems(*page);
     page->setLive();
     m_clients.insert(client);
@@ -338,6 +350,8 @@ void MainWindow::closeEvent(QCloseEvent* event)
         event->ignore();
         return;
     }
+    if (m_windowState)
+        m_windowState->save();
     // Telling a client may find that it is gone, which takes it out of the set.
     const std::set<Client*> clients = m_clients;
     for (Client* client : clients) {
@@ -371,6 +385,7 @@ void MainWindow::fatalError(Error error)
 
 void MainWindow::showSplash()
 {
+    m_aboutBox->keepClearOf(m_clientTabs->findChild<QLabel*>(QStringLiteral("lblNoContexts")));
     m_aboutBox->showAtStart();
 }
 

@@ -24,6 +24,7 @@ class SystemReportGUIReceiver;
 class SystemReportViewer;
 class TSRStatsInterface;
 class WindowController;
+class WindowState;
 
 namespace Ui {
 class MainWindow;
@@ -71,6 +72,10 @@ public:
     bool end();
     /// Shows the about box as a splash, unless the user does not want that.
     void showSplash();
+
+    /// Gives the window the size, the place and the choices of the last time, and remembers those of this
+    /// time. To be called before it is shown.
+    void restorePlace();
 
 public Q_SLOTS:
     void onAbout();
@@ -121,6 +126,7 @@ private:
     ProfileChooser* m_profileChooser = nullptr;
     widgets::Profile* m_profilePanel = nullptr;
     ConsoleFontSize* m_consoleFontSize = nullptr;
+    WindowState* m_windowState = nullptr;
     RecentFilesMenu* m_recentProfiles = nullptr;
     ProfileCatalogue* m_catalogue = nullptr;
     QLocalServer* m_server = nullptr;

@@ -93,7 +93,10 @@ void ClientInterface::setUpContexts()
     else
         setConnectedWithoutTab(0);
     colourContextsHint();
-    m_ui->tabWidget_contexts->hide();
+    // The pages of contexts need much room; the window must not grow when the first one comes.
+    m_ui->contextsArea->hide();
+    m_ui->contextsAreaContents->setAutoFillBackground(false);
+    m_ui->contextsArea->viewport()->setAutoFillBackground(false);
 }
 
 void ClientInterface::setConnectedWithoutTab(std::size_t count)
@@ -230,7 +233,7 @@ void ClientInterface::addContext(const Message& message)
     auto* page = new ContextInterface(message, m_ui->tabWidget_contexts);
     m_ui->tabWidget_contexts->addTab(page, tr("Context %1").arg(message.i32(offset::contextNumber)));
     m_ui->lblNoContexts->hide();
-    m_ui->tabWidget_contexts->show();
+    m_ui->contextsArea->show();
 }
 
 void ClientInterface::removeOldestContexts()

@@ -11,6 +11,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QWindow>
 
 namespace {
@@ -87,7 +88,28 @@ void AboutBox::showAtStart()
     // Before it is on the screen, the window does not know where it is, and nothing can be centred on it.
     const QWindow* behind = windowBehind();
     if (!behind || behind->isExposed())
-        show();
+        showBesideText();
+}
+
+/// Shows the box below the text that is to be seen, else above it; by itself it would be in the middle.
+void AboutBox::showBesideText()
+{
+    if (m_textInSight && m_textInSight->isVisible() && !isVisible()) {
+        constexpr int distance = 12;
+        const QRect room = m_textInSight->contentsRect();
+        QRect text = m_textInSight->fontMetrics().boundingRect(
+            room, Qt::AlignCenter | Qt::TextWordWrap, m_textInSight->text());
+        text.moveTo(m_textInSight->mapToGlobal(text.topLeft()));
+        const QRect screen = m_textInSight->screen()->availableGeometry();
+        QRect place(QPoint(), sizeHint());
+        place.moveCenter(text.center());
+        place.moveTop(text.bottom() + distance);
+        if (place.bottom() > screen.bottom())
+            place.moveBottom(text.top() - distance);
+        if (screen.contains(place))
+            move(place.topLeft());
+    }
+    show();
 }
 
 void AboutBox::showForced()
@@ -120,7 +142,7 @@ const QWindow* AboutBox::windowBehind() const
 bool AboutBox::eventFilter(QObject* watched, QEvent* event)
 {
     if (event->type() == QEvent::Expose && watched == windowBehind() && windowBehind()->isExposed())
-        show();
+        showBesideText();
     // A shortcut takes its key away before it counts as pressed.
     const bool pressed = event->type() == QEvent::KeyPress || event->type() == QEvent::ShortcutOverride
         || event->type() == QEvent::MouseButtonPress;

@@ -1,9 +1,11 @@
 #pragma once
 
 #include <QDialog>
+#include <QPointer>
 
 class Preferences;
 class QCheckBox;
+class QLabel;
 
 /// Shows the splash image, the product's name and version, and those of the libraries. It comes by itself
 /// when the program starts, unless the user does not want that, or when it is asked for. Any click or key
@@ -19,6 +21,8 @@ public:
     /// Shows the box, if the user wants it at start, beside what goes on: it takes no focus, and goes as soon
     /// as a key or a mouse button is pressed anywhere in the program. Whatever that was meant for gets it.
     void showAtStart();
+    /// Has the box that comes at the start leave this widget's text in sight, where the desktop lets it.
+    void keepClearOf(QLabel* text) { m_textInSight = text; }
     /// Shows the box in front of its parent until it is closed.
     void showForced();
     /// Takes a box away that has come by itself.
@@ -32,10 +36,12 @@ protected:
 
 private:
     void forgetStart();
+    void showBesideText();
     const QWindow* windowBehind() const;
     void readChoice();
 
     Preferences& m_preferences;
     QCheckBox* m_atStart;
+    QPointer<QLabel> m_textInSight;
     bool m_starting = false;
 };

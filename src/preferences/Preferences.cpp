@@ -86,3 +86,8 @@ void Preferences::read(const std::string& keyPath, property_list::List& value) c
 {
     m_store.getList(keyPath, &value, nullptr, false);
 }
+
+void Preferences::read(const std::string& keyPath, property_list::Data& value) const
+{
+    m_store.getData(keyPath, &value, nullptr, false);
+}

@@ -74,7 +74,7 @@ public:
     {
         T value = setting.defaultValue();
         read(setting.keyPath, value);
-        return value;
+        return setting.isAbsentWhenEmpty && value == T() ? setting.defaultValue() : value;
     }
 
     /// Changes a setting and saves.
@@ -106,6 +106,7 @@ private:
     void read(const std::string& keyPath, bool& value) const;
     void read(const std::string& keyPath, std::string& value) const;
     void read(const std::string& keyPath, property_list::List& value) const;
+    void read(const std::string& keyPath, property_list::Data& value) const;
     /// Saves after changes of which one may have been refused, since a file cannot hold it.
     SaveOutcome save(bool refused);
     SaveOutcome waitOrGiveUp();

@@ -15,6 +15,8 @@ template <typename T> struct Setting {
     Default defaultValue = [] {
         return T();
     };
+    /// Whether an empty value counts as none.
+    bool isAbsentWhenEmpty = false;
 };
 
 /// Every setting of the program, each with those who read and write it.
@@ -42,10 +44,10 @@ inline const Setting<std::string> guiFont{ofThisVersion("/gui_font")};
 /// Points by which the console's font is larger than the application's, a whole number. ConsoleFontSize.
 inline const Setting<std::string> consoleFontPoints{ofThisVersion("/console_font_points")};
 
-/// The folder of the user's profiles. Read by ProfileCatalogue and DlgPreferences, written by DlgPreferences
-/// and by Controller when it asks for the folder.
+/// The folder of the user's profiles; the default holds for an empty one as well. Read by ProfileCatalogue
+/// and DlgPreferences, written by DlgPreferences and by Controller when it asks for the folder.
 inline const Setting<std::string> profilesDirectory{
-    ofThisVersion("/profiles_directory"), profilesDirectoryOfEnvironment};
+    ofThisVersion("/profiles_directory"), profilesDirectoryOfEnvironment, true};
 
 /// Whether contexts are created strictly. DlgPreferences.
 inline const Setting<bool> strictContextMode{ofThisVersion("/strict_context_mode")};
@@ -61,6 +63,21 @@ inline const Setting<std::string> theme{ofThisVersion("/theme"), systemTheme};
 
 /// Paths of the profile files used last, the most recent first. RecentFilesMenu.
 inline const Setting<property_list::List> recentFiles{ofThisVersion("/RecentFiles")};
+
+// What WindowState remembers of the main window.
+/// As QWidget::saveGeometry() gives it.
+inline const Setting<property_list::Data> windowGeometry{ofThisVersion("/window/geometry")};
+/// Object name of the chosen page.
+inline const Setting<std::string> windowPage{ofThisVersion("/window/page")};
+/// As QSplitter::saveState() gives them.
+inline const Setting<property_list::Data> profileSplitter{ofThisVersion("/window/profile_splitter")};
+inline const Setting<property_list::Data> profileListsSplitter{
+    ofThisVersion("/window/profile_lists_splitter")};
+/// As QHeaderView::saveState() gives it.
+inline const Setting<property_list::Data> errorListColumns{ofThisVersion("/window/error_list_columns")};
+inline const Setting<bool> autoCloseTabs{ofThisVersion("/window/auto_close_tabs")};
+inline const Setting<bool> showWarnings{ofThisVersion("/window/show_warnings"), alwaysTrue};
+inline const Setting<bool> showErrors{ofThisVersion("/window/show_errors"), alwaysTrue};
 
 /// Whether usage may be collected. Read by TSRStats and FeedbackDialog, written by FeedbackDialog.
 inline const Setting<bool> collectUsage{"Stats/CollectUsage", alwaysTrue};

@@ -32,9 +32,10 @@ SystemReportViewer& SystemReportPage::viewer() const
     return *m_ui->viewer;
 }
 
-void SystemReportPage::copy() const
+void SystemReportPage::copy()
 {
     QGuiApplication::clipboard()->setText(m_ui->viewer->text());
+    Q_EMIT statusMessage(tr("The system report was copied to the clipboard."));
 }
 
 void SystemReportPage::save()

@@ -23,8 +23,12 @@ public:
 
     SystemReportViewer& viewer() const;
 
+Q_SIGNALS:
+    /// Something worth a passing message.
+    void statusMessage(const QString& text);
+
 private:
-    void copy() const;
+    void copy();
     void save();
 
     std::unique_ptr<Ui::SystemReportPage> m_ui;

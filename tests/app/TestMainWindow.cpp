@@ -12,6 +12,7 @@
 
 #include <QFileDialog>
 #include <QFontComboBox>
+#include <QLabel>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPlainTextEdit>
@@ -356,6 +357,11 @@ void TestMainWindow::systemReport()
     session.window.showSplash();
     const auto& splash = *session.window.findChild<AboutBox*>();
     QVERIFY(splash.isVisible());
+    const auto& hint = *session.window.findChild<QLabel*>(QStringLiteral("lblNoContexts"));
+    const QRect room(hint.mapToGlobal(QPoint()), hint.size());
+    const QRect text = hint.fontMetrics().boundingRect(room, Qt::AlignCenter | Qt::TextWordWrap, hint.text());
+    QVERIFY(hint.isVisible());
+    QVERIFY2(!splash.geometry().intersects(text), "the newcomer's hint is covered");
     const auto& viewer =
         *session.window.findChild<QWidget*>(QStringLiteral("tabSystemReport"))->findChild<QPlainTextEdit*>();
     QCOMPARE(viewer.toPlainText(),
@@ -370,6 +376,8 @@ void TestMainWindow::systemReport()
     QTRY_VERIFY(viewer.toPlainText().contains(QStringLiteral("Brindlewood B300")));
     QVERIFY2(!splash.isVisible(), "an application has come");
     QCOMPARE(viewer.font().family(), session.window.findChild<QFontComboBox*>()->currentFont().family());
+    session.window.findChild<QPushButton*>(QStringLiteral("btnCopy"))->click();
+    QVERIFY(session.window.statusBar()->currentMessage().contains(QStringLiteral("copied")));
     session.window.onFeedback();
     const auto& feedback = *session.window.findChild<FeedbackDialog*>();
     QVERIFY(feedback.findChild<QPlainTextEdit*>()->toPlainText().endsWith(viewer.toPlainText()));

@@ -118,6 +118,17 @@ void TestProfilePanel::menusOfferWhatIsMissing()
     menu("capabilitiesView", {});
     QCOMPARE(
         offered("capabilitiesView", index("capabilitiesView", {3})), QStringLiteral("Add Capability|Delete"));
+
+    // What a menu does not offer at its place, the keys do elsewhere.
+    offered("eglConfigsView", {});
+    m_window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&m_window));
+    tree("eglConfigsView")->setFocus();
+    QTRY_VERIFY(tree("eglConfigsView")->hasFocus());
+    tree("eglConfigsView")->setCurrentIndex(index("eglConfigsView", {0, 0}));
+    const int attributes = tree("eglConfigsView")->model()->rowCount(index("eglConfigsView", {0}));
+    QTest::keyClick(tree("eglConfigsView"), Qt::Key_Delete);
+    QTRY_COMPARE(tree("eglConfigsView")->model()->rowCount(index("eglConfigsView", {0})), attributes - 1);
 }
 
 void TestProfilePanel::rowsAreAddedAndDeleted()

@@ -165,6 +165,9 @@ void TestStartUp::socketsAreForTheUserAlone()
         QVERIFY(S_ISSOCK(status.st_mode));
         QCOMPARE(status.st_mode & 077U, 0U);
     }
+    // Held for good, the lock would delay each further start.
+    const QString lock = path("CorvaleGUI-%1.lock").arg(geteuid());
+    QTRY_VERIFY2(!QFile::exists(lock), qPrintable(lock));
 }
 
 void TestStartUp::startsAgainAfterACrash()

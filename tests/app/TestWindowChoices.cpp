@@ -1,6 +1,7 @@
 #include "CurrentProfile.h"
 #include "DialogAnswers.h"
 #include "DlgPreferences.h"
+#include "ErrorListView.h"
 #include "FileReplacement.h"
 #include "ProfileCatalogue.h"
 #include "ProfileMetaTypes.h"
@@ -12,8 +13,12 @@
 #include <QDesktopServices>
 #include <QElapsedTimer>
 #include <QFontComboBox>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QMenu>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QSplitter>
 #include <QStatusBar>
 #include <QToolButton>
 #include <QWheelEvent>
@@ -49,6 +54,9 @@ private Q_SLOTS:
     }
 
     void consoleFont();
+    void typedFont();
+    void arrangementIsRemembered();
+    void contextsDoNotGrowTheWindow();
     void unreadablePreferencesAreKept_data();
     void unreadablePreferencesAreKept();
     void preferencesThatCannotBeSaved();
@@ -122,6 +130,108 @@ void TestWindowChoices::consoleFontSize()
     QCOMPARE(sizes(next), QList<qreal>({standard + 3}));
     QTest::keyClick(&next.window, Qt::Key_0, Qt::ControlModifier);
     QCOMPARE(sizes(next), QList<qreal>({standard}));
+}
+
+void TestWindowChoices::typedFont()
+{
+    Session session;
+    session.window.show();
+    session.window.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&session.window));
+    auto& combo = *session.window.findChild<QFontComboBox*>(QStringLiteral("cmbFont"));
+    const QString before = combo.currentFont().family();
+    const QString other = combo.itemText(combo.currentIndex() == 0 ? 1 : 0);
+    const QSignalSpy changes(&combo, &QFontComboBox::currentFontChanged);
+    const auto type = [&combo](const QString& text) {
+        combo.lineEdit()->setFocus();
+        combo.lineEdit()->selectAll();
+        QTest::keyClick(combo.lineEdit(), Qt::Key_Delete);
+        QTest::keyClicks(combo.lineEdit(), text);
+    };
+    for (const char* text : {"zzz", ""}) {
+        type(QString::fromLatin1(text));
+        session.autoClose().setFocus();
+        QCOMPARE(combo.currentText(), before);
+    }
+    QCOMPARE(changes.size(), 0);
+    QCOMPARE(session.preferences.get(settings::guiFont), std::string());
+    type(other.toLower());
+    QTest::keyClick(combo.lineEdit(), Qt::Key_Return);
+    QCOMPARE(combo.currentText(), other);
+    QCOMPARE(changes.size(), 1);
+    QCOMPARE(session.preferences.get(settings::guiFont), other.toStdString());
+
+    session.preferences.set(settings::guiFont, "zzz");
+    const Session next;
+    QCOMPARE(next.window.findChild<QFontComboBox*>(QStringLiteral("cmbFont"))->currentText(), before);
+}
+
+void TestWindowChoices::arrangementIsRemembered()
+{
+    const auto header = [](const Session& session) {
+        return session.tabs().widget(0)->findChild<ErrorListView*>()->horizontalHeader();
+    };
+    const auto warnings = [](const Session& session) {
+        return session.tabs().widget(0)->findChild<QCheckBox*>(QStringLiteral("chkWarnings"));
+    };
+    const auto splitter = [](const Session& session) {
+        return session.window.findChild<QSplitter*>(QStringLiteral("profileInfoSplitter"));
+    };
+    const auto pages = [](const Session& session) {
+        return session.window.findChild<QTabWidget*>(QStringLiteral("mainTabWidget"));
+    };
+    auto first = std::make_unique<Session>();
+    Session& session = *first;
+    session.window.restorePlace();
+    const QSize screen = session.window.screen()->availableSize();
+    QCOMPARE(session.window.size(), (screen * 2 / 3).boundedTo({1200, 800}));
+    session.window.show();
+    pages(session)->setCurrentIndex(0);
+    session.window.resize(780, 640);
+    session.window.move(5000, 20);
+    session.connectApplication();
+    header(session)->resizeSection(1, 123);
+    warnings(session)->click();
+    session.autoClose().click();
+    QCoreApplication::processEvents();
+    const QList<int> sizes = splitter(session)->sizes();
+    splitter(session)->setSizes({sizes[0] - 30, sizes[1] + 30});
+    const QList<int> expected = splitter(session)->sizes();
+    QVERIFY(expected != sizes);
+    session.window.close();
+    first.reset();
+
+    Session next;
+    next.window.restorePlace();
+    next.window.show();
+    next.connectApplication();
+    QCoreApplication::processEvents();
+    QCOMPARE(next.window.size(), QSize(780, 640));
+    QVERIFY2(next.window.screen()->availableGeometry().intersects(next.window.geometry()),
+        "the place was on a screen that is gone");
+    QCOMPARE(pages(next)->currentIndex(), 0);
+    QCOMPARE(splitter(next)->sizes(), expected);
+    QCOMPARE(header(next)->sectionSize(1), 123);
+    QVERIFY(!warnings(next)->isChecked());
+    QVERIFY(next.autoClose().isChecked());
+}
+
+void TestWindowChoices::contextsDoNotGrowTheWindow()
+{
+    Session session;
+    session.window.show();
+    RawClient& application = session.connectApplication();
+    QCoreApplication::processEvents();
+    session.window.resize(session.window.minimumSizeHint());
+    QCoreApplication::processEvents();
+    const QSize before = session.window.size();
+    application.send(records::bytes(records::context(1)));
+    const auto* contexts =
+        session.tabs().widget(0)->findChild<QTabWidget*>(QStringLiteral("tabWidget_contexts"));
+    QTRY_COMPARE(contexts->count(), 1);
+    QCoreApplication::processEvents();
+    QVERIFY(contexts->isVisible());
+    QCOMPARE(session.window.size(), before);
 }
 
 void TestWindowChoices::unreadablePreferencesAreKept_data()

@@ -173,6 +173,11 @@ void TestHelp::splash()
     QTest::keyClick(entry, Qt::Key_X);
     QVERIFY(!box.isVisible());
     QCOMPARE(entry->text(), QStringLiteral("x"));
+    window.hide();
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    QCoreApplication::processEvents();
+    QVERIFY2(!box.isVisible(), "it comes once, not whenever the window does");
 
     box.showAtStart();
     box.showForced();

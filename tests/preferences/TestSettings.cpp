@@ -64,7 +64,9 @@ TEST_F(Settings, defaultsHoldWhereNothingOfTheTypeIsStored)
     setenv("CORVALE_PROFILE_PATH", "/from/environment", 1);
     EXPECT_EQ(preferences.get(settings::profilesDirectory), "/from/environment");
     preferences.set(settings::profilesDirectory, "");
-    EXPECT_EQ(preferences.get(settings::profilesDirectory), "") << "a stored value of any kind counts";
+    EXPECT_EQ(preferences.get(settings::profilesDirectory), "/from/environment") << "an empty one is none";
+    preferences.set(settings::profilesDirectory, "/stored");
+    EXPECT_EQ(preferences.get(settings::profilesDirectory), "/stored");
     unsetenv("CORVALE_PROFILE_PATH");
 }
 

@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -72,6 +73,8 @@ private Q_SLOTS:
     void initTestCase() { registerResources(); }
     void init();
     void storesWhenAcceptedAlone();
+    void storesNoDirectoryOfTheEnvironment();
+    void offersToMakeTheDirectory();
     void advancedKeepsTheWidth();
     void fileListTakesDeleteAlone();
     void imports_data();
@@ -100,18 +103,66 @@ void TestDlgPreferences::storesWhenAcceptedAlone()
     QCOMPARE(ownMethods(DlgPreferences::staticMetaObject),
         QStringList({"accept()", "browseProfilesDirectory()", "importBrowseProfiles()", "importProfiles()",
             "advancedExpandChanged(int)", "updateImportButtonText()", "showWhatsThisContextMode()"}));
+    QVERIFY(QDir().mkdir(path(QStringLiteral("Büro"))));
     for (const auto button : {QDialogButtonBox::Cancel, QDialogButtonBox::Ok}) {
         Session session;
         QCOMPARE(session.find<QLineEdit>("txtProfilesDirectory").text(), QStringLiteral("/somewhere"));
         QVERIFY(session.find<QRadioButton>("radioLoose").isChecked());
-        session.find<QLineEdit>("txtProfilesDirectory").setText(QStringLiteral("/Büro"));
+        session.find<QLineEdit>("txtProfilesDirectory").setText(path(QStringLiteral("Büro")));
         session.click("radioStrict");
         session.finish(button);
         QVERIFY(!session.dialog.isVisible());
     }
     const Session next;
-    QCOMPARE(next.find<QLineEdit>("txtProfilesDirectory").text(), QStringLiteral("/Büro"));
+    QCOMPARE(next.find<QLineEdit>("txtProfilesDirectory").text(), path(QStringLiteral("Büro")));
     QVERIFY(next.find<QRadioButton>("radioStrict").isChecked());
+}
+
+void TestDlgPreferences::storesNoDirectoryOfTheEnvironment()
+{
+    const auto hint = [](const Session& session) {
+        return session.find<QLabel>("lblDirectoryHint").text();
+    };
+    qunsetenv("CORVALE_PROFILE_PATH");
+    {
+        const Session session;
+        QVERIFY2(
+            hint(session).startsWith(QStringLiteral("No directory is in force")), qPrintable(hint(session)));
+        session.finish(QDialogButtonBox::Ok);
+    }
+    for (const QString& folder : {m_folder->path(), QDir::tempPath()}) {
+        qputenv("CORVALE_PROFILE_PATH", QFile::encodeName(folder));
+        const Session session;
+        QCOMPARE(session.find<QLineEdit>("txtProfilesDirectory").text(), folder);
+        QVERIFY2(hint(session).contains(QStringLiteral("CORVALE_PROFILE_PATH")), qPrintable(hint(session)));
+        session.click("radioStrict");
+        session.finish(QDialogButtonBox::Ok);
+    }
+    qunsetenv("CORVALE_PROFILE_PATH");
+}
+
+void TestDlgPreferences::offersToMakeTheDirectory()
+{
+    Session session;
+    auto& directory = session.find<QLineEdit>("txtProfilesDirectory");
+    const auto finish = [&](const char* text, const char* title, const char* button) {
+        directory.setText(path(QString::fromLatin1(text)));
+        session.answers.press(QString::fromLatin1(title), QString::fromLatin1(button));
+        session.finish(QDialogButtonBox::Ok);
+        QCOMPARE(session.answers.problems(), QStringList());
+    };
+    finish("new/one", "Preferences", "Cancel");
+    QVERIFY(session.dialog.isVisible());
+    QVERIFY(!QFile::exists(path(QStringLiteral("new"))));
+    QFile file(path(QStringLiteral("file")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    finish("file", "Preferences", "OK");
+    QVERIFY(session.dialog.isVisible());
+    QCOMPARE(QString::fromStdString(session.preferences.get(settings::profilesDirectory)), QString());
+    finish("new/one", "Preferences", "Make Directory");
+    QVERIFY(!session.dialog.isVisible());
+    QVERIFY(QFileInfo(path(QStringLiteral("new/one"))).isDir());
+    QCOMPARE(session.preferences.get(settings::profilesDirectory), directory.text().toStdString());
 }
 
 void TestDlgPreferences::advancedKeepsTheWidth()

@@ -1,15 +1,19 @@
 #include "DlgPreferences.h"
 
 #include "ClickableLabel.h"
+#include "ElidedLabel.h"
 #include "FileListWidget.h"
 #include "PlainMessageBox.h"
+#include "PlainToolTip.h"
 #include "Preferences.h"
 #include "ProfileImport.h"
 #include "ui_DlgPreferences.h"
 
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QFont>
+#include <QPushButton>
 #include <QWhatsThis>
 
 namespace {
@@ -35,8 +39,10 @@ DlgPreferences::DlgPreferences(Preferences* preferences, QWidget* parent)
     m_ui->setupUi(this);
     addHelpLabel();
     addFileList();
-    m_ui->txtProfilesDirectory->setText(
-        QString::fromStdString(m_preferences->get(settings::profilesDirectory)));
+    addDirectoryHint();
+    m_directoryBefore = QString::fromStdString(m_preferences->get(settings::profilesDirectory));
+    m_ui->txtProfilesDirectory->setText(m_directoryBefore);
+    explainDirectory();
     m_ui->grpProfilesAdvanced->hide();
     m_ui->btnImport->setEnabled(false);
     const bool strict = m_preferences->get(settings::strictContextMode);
@@ -75,8 +81,38 @@ void DlgPreferences::addFileList()
     setTabOrder(m_ui->chkExpandProfilesAdvanced, m_files);
 }
 
+void DlgPreferences::addDirectoryHint()
+{
+    m_directoryHint = new ElidedLabel(this);
+    m_directoryHint->setObjectName(QStringLiteral("lblDirectoryHint"));
+    m_ui->profilesLayout->insertWidget(1, m_directoryHint);
+}
+
+/// Says which directory is in force, and why.
+void DlgPreferences::explainDirectory()
+{
+    const QString entered = m_ui->txtProfilesDirectory->text();
+    const QString ofEnvironment = QString::fromStdString(settings::profilesDirectoryOfEnvironment());
+    QString hint;
+    if (!entered.isEmpty() && !QFileInfo(entered).isDir())
+        hint = tr("There is no such directory yet.");
+    else if (entered.isEmpty() && ofEnvironment.isEmpty())
+        hint = tr("No directory is in force: choose where your profiles are to be kept.");
+    else if (entered.isEmpty())
+        hint = tr("In force: \"%1\", from the environment variable CORVALE_PROFILE_PATH.").arg(ofEnvironment);
+    else if (entered == ofEnvironment)
+        hint = tr("In force, as the environment variable CORVALE_PROFILE_PATH says.");
+    else if (!ofEnvironment.isEmpty())
+        hint = tr("In force instead of \"%1\", which CORVALE_PROFILE_PATH says.").arg(ofEnvironment);
+    else
+        hint = tr("In force, as chosen here.");
+    m_directoryHint->setText(hint);
+    m_directoryHint->setToolTip(plainToolTip(hint));
+}
+
 void DlgPreferences::setUpConnections()
 {
+    connect(m_ui->txtProfilesDirectory, &QLineEdit::textChanged, this, &DlgPreferences::explainDirectory);
     connect(m_ui->btnBrowse, SIGNAL(clicked()), SLOT(browseProfilesDirectory()));
     connect(m_ui->chkExpandProfilesAdvanced, SIGNAL(stateChanged(int)), SLOT(advancedExpandChanged(int)));
     connect(m_ui->btnImportBrowse, SIGNAL(clicked()), SLOT(importBrowseProfiles()));
@@ -89,9 +125,42 @@ void DlgPreferences::setUpConnections()
 
 void DlgPreferences::accept()
 {
-    m_preferences->set({{settings::profilesDirectory, m_ui->txtProfilesDirectory->text().toStdString()},
-        {settings::strictContextMode, m_ui->radioStrict->isChecked()}});
+    const QString directory = m_ui->txtProfilesDirectory->text();
+    const Preferences::Change mode(settings::strictContextMode, m_ui->radioStrict->isChecked());
+    if (directory == m_directoryBefore) {
+        // A directory that comes from the environment must not be in the way of its next value.
+        m_preferences->set({mode});
+    } else {
+        if (!isDirectoryUsable())
+            return;
+        m_preferences->set({{settings::profilesDirectory, directory.toStdString()}, mode});
+    }
     close();
+}
+
+bool DlgPreferences::isDirectoryUsable()
+{
+    const QString directory = m_ui->txtProfilesDirectory->text();
+    if (directory.isEmpty() || QFileInfo(directory).isDir())
+        return true;
+    const auto tell = [this, &directory](const QString& reason) {
+        PlainMessageBox(QMessageBox::Warning, windowTitle(), tr("The directory cannot be used"),
+            reason.arg(directory), this)
+            .exec();
+        m_ui->txtProfilesDirectory->setFocus();
+        return false;
+    };
+    if (QFileInfo::exists(directory))
+        return tell(tr("\"%1\" is no directory."));
+    PlainMessageBox question(QMessageBox::Question, windowTitle(), tr("There is no such directory"),
+        tr("\"%1\" does not exist. Make it, and keep profiles there?").arg(directory), this,
+        QMessageBox::Cancel);
+    QPushButton* make = question.addButton(tr("&Make Directory"), QMessageBox::AcceptRole);
+    question.setDefaultButton(make);
+    question.exec();
+    if (question.clickedButton() != make)
+        return false;
+    return QDir().mkpath(directory) || tell(tr("\"%1\" could not be made. May you write in its folder?"));
 }
 
 void DlgPreferences::browseProfilesDirectory()

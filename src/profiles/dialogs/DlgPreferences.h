@@ -6,6 +6,7 @@
 #include <memory>
 
 class ClickableLabel;
+class ElidedLabel;
 class FileListWidget;
 class Preferences;
 class ProfileImport;
@@ -39,12 +40,18 @@ public Q_SLOTS:
 private:
     void addHelpLabel();
     void addFileList();
+    void addDirectoryHint();
     void setUpConnections();
+    void explainDirectory();
+    /// Whether profiles can be kept in the directory that was entered; offers to make it.
+    bool isDirectoryUsable();
     void saveImport(const ProfileImport& import, const QString& path);
 
     std::unique_ptr<Ui::DlgPreferences> m_ui;
     FileListWidget* m_files = nullptr;
     Preferences* m_preferences;
     ClickableLabel* m_contextModeHelp = nullptr;
+    ElidedLabel* m_directoryHint = nullptr;
+    QString m_directoryBefore;
     QStringList m_savedFiles;
 };
