@@ -36,6 +36,13 @@ void Profile::setEditable(bool editable)
         tree->setWritable(editable);
 }
 
+void Profile::refresh(const ProfileData& document)
+{
+    m_capabilities.refresh(document.capabilities());
+    m_extensions.refresh(document.extensions());
+    m_configs.refresh(document.configs());
+}
+
 std::string Profile::writeTo(ProfileData& document) const
 {
     std::string reason = whyNotWritable(m_capabilities, "version of an API");

@@ -36,10 +36,16 @@ public:
     bool insertRows(int row, int count, const QModelIndex& parent = {}) override;
     bool removeRows(int row, int count, const QModelIndex& parent = {}) override;
 
+    /// Puts a copy of a row, with all rows below it, right behind it and gives it that key, if it is valid.
+    /// Returns the copy, or an invalid index for a key that another row must not have.
+    QModelIndex duplicate(const QModelIndex& index, const QVariant& key = {});
+
 protected:
     ProfileTree(int columns, QObject* parent);
 
     ProfileTreeItems& topItems() { return m_items; }
+    /// Announces a reset and takes all rows away, until endResetModel().
+    void beginAnew();
 
     virtual std::unique_ptr<ProfileTreeItem> makeItem() const = 0;
     virtual QString displayText(const ProfileTreeItem& item, int column) const = 0;
@@ -49,8 +55,9 @@ protected:
     virtual QVariant storedValue(const ProfileTreeItem& item, int column, const QVariant& value) const;
 
 private:
+    std::unique_ptr<ProfileTreeItem> copyOf(const ProfileTreeItem& item) const;
     ProfileTreeItems& siblings(const QModelIndex& parent);
-    bool isTaken(const ProfileTreeItem& item, int column, const QVariant& value) const;
+    bool isTaken(const QVariant& key, const ProfileTreeItem* except = nullptr) const;
 
     ProfileTreeItems m_items{nullptr};
     int m_columns;
