@@ -137,15 +137,20 @@ void Profile::setProfile(const WeakProfile& profile)
         view();
 }
 
-/// Shows the same profile again, as it is stored, with the same rows open.
+/// Shows the same profile again, as it is stored, at the same place.
 void Profile::dropEdits()
 {
-    std::array<QStringList, 3> openRows;
-    for (std::size_t i = 0; i < openRows.size(); ++i)
-        openRows[i] = views()[i]->openRows();
-    setProfile(m_current.lastListed());
-    for (std::size_t i = 0; i < openRows.size(); ++i)
-        views()[i]->reopenRows(openRows[i]);
+    const auto listed = m_current.lastListed().lock();
+    if (!m_model || !listed) {
+        setProfile(m_current.lastListed());
+        return;
+    }
+    m_model->refresh(listed->data());
+    fillFields(listed->data());
+    if (m_mode == Mode::Modifying)
+        modify();
+    else
+        view();
 }
 
 void Profile::clear()
@@ -241,8 +246,10 @@ void Profile::saveBy(bool (models::CurrentProfile::*save)(const ProfileData&))
     }
     if (!(m_current.*save)(edited))
         return;
-    if (m_current.stored())
+    if (m_current.stored()) {
         fillFields(*m_current.stored());
+        m_model->refresh(*m_current.stored());
+    }
     view();
 }
 
