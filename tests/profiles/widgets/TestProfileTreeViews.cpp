@@ -11,6 +11,7 @@
 #include <QAction>
 #include <QComboBox>
 #include <QCompleter>
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QTest>
@@ -245,6 +246,12 @@ void TestProfileTreeViews::refreshKeepsThePlace()
     QVERIFY(m_view->selectionModel()->isSelected(m_view->currentIndex()));
     QVERIFY(!m_view->isExpanded(at({1})));
     QVERIFY(m_view->isExpanded(at({2})) && m_view->isExpanded(at({59})));
+
+    // Without a current row, too.
+    m_view->setCurrentIndex({});
+    m_view->verticalScrollBar()->setValue(60);
+    m_profile->refresh(edited);
+    QCOMPARE(m_view->verticalScrollBar()->value(), 60);
 }
 
 void TestProfileTreeViews::duplicates()
@@ -371,6 +378,14 @@ void TestProfileTreeViews::valuesStayInSight()
                 || m_view->visualRect(at({0, 0}, ValueColumn)).right() < room,
             qPrintable(QString::number(width)));
     }
+    // A key that is cut can be read nevertheless.
+    m_view->resize(100, 300);
+    QCoreApplication::processEvents();
+    const QPoint place = m_view->visualRect(at({0, 0})).center();
+    QHelpEvent help(QEvent::ToolTip, place, m_view->viewport()->mapToGlobal(place));
+    QApplication::sendEvent(m_view->viewport(), &help);
+    QVERIFY(QToolTip::text().contains(QStringLiteral("EGL_SURFACE_TYPE")));
+
     m_view->resize(500, 300);
     QCoreApplication::processEvents();
     QVERIFY(m_view->columnWidth(KeyColumn) >= m_view->sizeHintForIndex(at({0, 0})).width());
