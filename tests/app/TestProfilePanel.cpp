@@ -64,6 +64,7 @@ void TestProfilePanel::viewingAndModifying()
     QCOMPARE(row(index("eglConfigsView", {0, 0})), QStringLiteral("EGL_RED_SIZE=8"));
     QCOMPARE(tree("extensionsView")->model()->rowCount(), 1);
     QVERIFY(tree("eglConfigsView")->isExpanded(index("eglConfigsView", {0})));
+    QCOMPARE(tree("eglConfigsView")->currentIndex(), index("eglConfigsView", {0, 0}, 1));
 
     choose(QStringLiteral("Host"));
     QVERIFY(!find<widgets::Profile>("profile")->isEnabled());
@@ -87,6 +88,8 @@ void TestProfilePanel::savingChangesOneValue()
     QCOMPARE(content(QStringLiteral("mine.xml")), expected);
     QCOMPARE(chooser()->currentText(), QStringLiteral("Mine (mine.xml)"));
 
+    QCOMPARE(tree("eglConfigsView")->currentIndex(), index("eglConfigsView", {0, 0}, 1));
+
     // Saved is saved: leaving asks nothing, and a second save changes nothing.
     click("btnEdit");
     click("btnSave");
@@ -105,11 +108,11 @@ void TestProfilePanel::menusOfferWhatIsMissing()
     };
     QCOMPARE(offered("eglConfigsView", {}), QStringLiteral("Add Config"));
     QCOMPARE(offered("eglConfigsView", index("eglConfigsView", {0})),
-        QStringLiteral("Add Config|Add Attribute|Delete"));
+        QStringLiteral("Add Config|Add Attribute|Delete|Duplicate"));
     QCOMPARE(offered("eglConfigsView", index("eglConfigsView", {0, 1}, 1)),
-        QStringLiteral("Add Attribute|Delete"));
+        QStringLiteral("Add Attribute|Delete|Duplicate"));
     QCOMPARE(offered("extensionsView", index("extensionsView", {0})),
-        QStringLiteral("Add API|Add Extension|Delete"));
+        QStringLiteral("Add API|Add Extension|Delete|Duplicate"));
     QCOMPARE(offered("capabilitiesView", {}), QStringLiteral("Add API"));
     for (const int version : {11, 3, 31}) {
         QVERIFY(tree("capabilitiesView")->model()->insertRow(0));
@@ -172,7 +175,11 @@ void TestProfilePanel::rowsAreAddedAndDeleted()
         selected.select(cell, QItemSelectionModel::Select);
     m_answers.choose(QStringLiteral("Delete"));
     menu("eglConfigsView", index("eglConfigsView", {0, 3}));
+    add("capabilitiesView", {}, "Add API", "OpenGL ES 3.0");
+    add("capabilitiesView", index("capabilitiesView", {0}), "Add Capability", "GL_MAX_DRAW_BUFFERS");
     click("btnSave");
+    QCOMPARE(index("extensionsView", {1}).data().toString(), QStringLiteral("OpenGL ES 3.0"));
+    QCOMPARE(index("capabilitiesView", {1}).data().toString(), QStringLiteral("OpenGL ES 3.0"));
     QCOMPARE(content(QStringLiteral("mine.xml")),
         QString(m_xml)
             .replace(
@@ -182,8 +189,10 @@ void TestProfilePanel::rowsAreAddedAndDeleted()
                     "</max_texture_size>\n        <max_viewport_dims><width>64</width><height>64</height>"
                     "</max_viewport_dims>"))
             .replace(QStringLiteral("    <egl>"),
-                QStringLiteral("    <es version=\"31\">\n        <extension>GL_EXT_robustness</extension>\n"
-                               "    </es>\n    <egl>")));
+                QStringLiteral(
+                    "    <es version=\"3\">\n        <max_draw_buffers>4</max_draw_buffers>\n"
+                    "    </es>\n    <es version=\"31\">\n        <extension>GL_EXT_robustness</extension>\n"
+                    "    </es>\n    <egl>")));
 }
 
 int main(int argc, char** argv)

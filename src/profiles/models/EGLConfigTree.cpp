@@ -84,6 +84,12 @@ void EGLConfigTreeItem::appendAttribute(
     children().append(std::move(attribute));
 }
 
+void EGLConfigTreeItem::copyCells(const ProfileTreeItem& other)
+{
+    ProfileTreeItem::copyCells(other);
+    m_element = static_cast<const EGLConfigTreeItem&>(other).m_element;
+}
+
 std::optional<int> EGLConfigTreeItem::id() const
 {
     return storedNumber(data(KeyColumn));
@@ -160,6 +166,18 @@ std::vector<ProfileNode> EGLConfigTreeItem::attributes() const
 
 EGLConfigTree::EGLConfigTree(const ProfileData::Configs& configs, QObject* parent)
     : ProfileTree(columns, parent)
+{
+    fill(configs);
+}
+
+void EGLConfigTree::refresh(const ProfileData::Configs& configs)
+{
+    beginAnew();
+    fill(configs);
+    endResetModel();
+}
+
+void EGLConfigTree::fill(const ProfileData::Configs& configs)
 {
     for (const auto& [id, attributes] : configs)
         topItems().append(std::make_unique<EGLConfigTreeItem>(id, attributes));

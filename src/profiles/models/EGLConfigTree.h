@@ -19,6 +19,8 @@ public:
     /// A config with its attributes; those in compound elements have rows of their own.
     EGLConfigTreeItem(int id, const std::vector<ProfileNode>& attributes);
 
+    void copyCells(const ProfileTreeItem& other) override;
+
     /// The id of a config; nothing when what it holds is no number.
     std::optional<int> id() const;
 
@@ -50,6 +52,9 @@ class EGLConfigTree : public ProfileTree {
 public:
     explicit EGLConfigTree(const ProfileData::Configs& configs, QObject* parent = nullptr);
 
+    /// Shows these instead, by a reset of the model.
+    void refresh(const ProfileData::Configs& configs);
+
     /// The rows as a document holds them. Rows at the top that hold no number are left out.
     ProfileData::Configs configs() const;
 
@@ -61,6 +66,9 @@ protected:
     QString displayText(const ProfileTreeItem& item, int column) const override;
     QString readableText(const ProfileTreeItem& item, int column) const override;
     QVariant storedValue(const ProfileTreeItem& item, int column, const QVariant& value) const override;
+
+private:
+    void fill(const ProfileData::Configs& configs);
 };
 
 } // namespace models

@@ -32,6 +32,18 @@ ProfileNode ESCapabilityTreeItem::node() const
 ESCapabilityTree::ESCapabilityTree(const ProfileData::Capabilities& capabilities, QObject* parent)
     : ProfileTree(columns, parent)
 {
+    fill(capabilities);
+}
+
+void ESCapabilityTree::refresh(const ProfileData::Capabilities& capabilities)
+{
+    beginAnew();
+    fill(capabilities);
+    endResetModel();
+}
+
+void ESCapabilityTree::fill(const ProfileData::Capabilities& capabilities)
+{
     for (const auto& [version, nodes] : capabilities) {
         auto api = std::make_unique<ESCapabilityTreeItem>(columns, version);
         for (const ProfileNode& node : nodes)

@@ -23,6 +23,9 @@ class ESCapabilityTree : public ProfileTree {
 public:
     explicit ESCapabilityTree(const ProfileData::Capabilities& capabilities, QObject* parent = nullptr);
 
+    /// Shows these instead, by a reset of the model.
+    void refresh(const ProfileData::Capabilities& capabilities);
+
     /// The rows as a document holds them. A version without capabilities has no entry, and rows at the top
     /// that hold no number are left out.
     ProfileData::Capabilities capabilities() const;
@@ -36,6 +39,7 @@ protected:
     QString readableText(const ProfileTreeItem& item, int column) const override;
 
 private:
+    void fill(const ProfileData::Capabilities& capabilities);
     void addParts(const QModelIndex& capability);
 };
 

@@ -16,6 +16,18 @@ constexpr int columns = 1;
 ESExtensionTree::ESExtensionTree(const ProfileData::Extensions& extensions, QObject* parent)
     : ProfileTree(columns, parent)
 {
+    fill(extensions);
+}
+
+void ESExtensionTree::refresh(const ProfileData::Extensions& extensions)
+{
+    beginAnew();
+    fill(extensions);
+    endResetModel();
+}
+
+void ESExtensionTree::fill(const ProfileData::Extensions& extensions)
+{
     for (const auto& [version, names] : extensions) {
         auto api = std::make_unique<ESExtensionTreeItem>(columns, version);
         for (const std::string& name : names) {

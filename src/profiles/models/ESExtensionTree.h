@@ -19,6 +19,9 @@ class ESExtensionTree : public ProfileTree {
 public:
     explicit ESExtensionTree(const ProfileData::Extensions& extensions, QObject* parent = nullptr);
 
+    /// Shows these instead, by a reset of the model.
+    void refresh(const ProfileData::Extensions& extensions);
+
     /// The rows as a document holds them, with the extensions sorted by their bytes. Rows at the top that
     /// hold no number are left out.
     ProfileData::Extensions extensions() const;
@@ -26,6 +29,9 @@ public:
 protected:
     std::unique_ptr<ProfileTreeItem> makeItem() const override;
     QString displayText(const ProfileTreeItem& item, int column) const override;
+
+private:
+    void fill(const ProfileData::Extensions& extensions);
 };
 
 } // namespace models

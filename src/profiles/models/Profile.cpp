@@ -57,6 +57,13 @@ void Profile::forgetRemovedRows()
         tree->forgetRemovedRows();
 }
 
+void Profile::refresh(const ProfileData& document)
+{
+    m_capabilities.refresh(document.capabilities());
+    m_extensions.refresh(document.extensions());
+    m_configs.refresh(document.configs());
+}
+
 std::string Profile::writeTo(ProfileData& document) const
 {
     std::string reason = whyNotWritable(m_capabilities, "version of an API");

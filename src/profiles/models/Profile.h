@@ -30,6 +30,9 @@ public:
     int removedRowCount() const;
     QString restoreRemovedRows();
     void forgetRemovedRows();
+    /// Shows a document anew, such as the one that was just saved, whose order may be another. Views keep the
+    /// place of their reader.
+    void refresh(const ProfileData& document);
 
     /// Replaces the three sections of a document by what the trees hold. What nobody changed is written as it
     /// was. Returns why nothing was written: a row at the top holds no number; else "".

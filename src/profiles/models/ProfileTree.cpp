@@ -106,12 +106,10 @@ QVariant ProfileTree::storedValue(const ProfileTreeItem& item, int column, const
 }
 
 /// Two configs with one id, or two sections with one version, would be one after the next load.
-bool ProfileTree::isTaken(const ProfileTreeItem& item, int column, const QVariant& value) const
+bool ProfileTree::isTaken(const QVariant& key, const ProfileTreeItem* except) const
 {
-    if (item.parent() || column != KeyColumn)
-        return false;
     for (int row = 0; row < m_items.count(); ++row) {
-        if (row != item.row() && m_items.at(row)->data(KeyColumn) == value)
+        if (m_items.at(row) != except && m_items.at(row)->data(KeyColumn) == key)
             return true;
     }
     return false;
@@ -123,7 +121,7 @@ bool ProfileTree::setData(const QModelIndex& index, const QVariant& value, int r
         return false;
     ProfileTreeItem& row = *item(index);
     const QVariant stored = storedValue(row, index.column(), value);
-    if (isTaken(row, index.column(), stored))
+    if (!row.parent() && index.column() == KeyColumn && isTaken(stored, &row))
         return false;
     row.setData(index.column(), stored);
     Q_EMIT dataChanged(index, index);
@@ -142,6 +140,42 @@ bool ProfileTree::insertRows(int row, int count, const QModelIndex& parent)
     endInsertRows();
     Q_EMIT layoutChanged();
     return true;
+}
+
+QModelIndex ProfileTree::duplicate(const QModelIndex& index, const QVariant& key)
+{
+    if (!index.isValid())
+        return {};
+    const int row = index.row() + 1;
+    const QModelIndex above = index.parent();
+    std::vector<std::unique_ptr<ProfileTreeItem>> copies;
+    copies.push_back(copyOf(*item(index)));
+    if (key.isValid())
+        copies.front()->setData(KeyColumn, storedValue(*item(index), KeyColumn, key));
+    // It has no row yet, and its original counts as another one.
+    if (!above.isValid() && isTaken(copies.front()->data(KeyColumn)))
+        return {};
+    beginInsertRows(above, row, row);
+    siblings(above).insert(row, std::move(copies));
+    endInsertRows();
+    return this->index(row, KeyColumn, above);
+}
+
+std::unique_ptr<ProfileTreeItem> ProfileTree::copyOf(const ProfileTreeItem& item) const
+{
+    std::unique_ptr<ProfileTreeItem> copy = makeItem();
+    copy->copyCells(item);
+    for (int row = 0; row < item.children().count(); ++row)
+        copy->children().append(copyOf(*item.children().at(row)));
+    return copy;
+}
+
+void ProfileTree::beginAnew()
+{
+    beginResetModel();
+    // What was taken out stood among rows that go now.
+    forgetRemovedRows();
+    m_items.take(0, m_items.count());
 }
 
 bool ProfileTree::removeRows(int row, int count, const QModelIndex& parent)

@@ -44,10 +44,16 @@ public:
     QString restoreRemovedRows();
     void forgetRemovedRows() { m_removed.clear(); }
 
+    /// Puts a copy of a row, with all rows below it, right behind it and gives it that key, if it is valid.
+    /// Returns the copy, or an invalid index for a key that another row must not have.
+    QModelIndex duplicate(const QModelIndex& index, const QVariant& key = {});
+
 protected:
     ProfileTree(int columns, QObject* parent);
 
     ProfileTreeItems& topItems() { return m_items; }
+    /// Announces a reset and takes all rows away, until endResetModel().
+    void beginAnew();
 
     virtual std::unique_ptr<ProfileTreeItem> makeItem() const = 0;
     virtual QString displayText(const ProfileTreeItem& item, int column) const = 0;
@@ -67,7 +73,8 @@ private:
 
     ProfileTreeItems& siblings(const QModelIndex& parent);
     const ProfileTreeItem* takenRow(const Removal& removal) const;
-    bool isTaken(const ProfileTreeItem& item, int column, const QVariant& value) const;
+    std::unique_ptr<ProfileTreeItem> copyOf(const ProfileTreeItem& item) const;
+    bool isTaken(const QVariant& key, const ProfileTreeItem* except = nullptr) const;
 
     ProfileTreeItems m_items{nullptr};
     std::vector<Removal> m_removed;

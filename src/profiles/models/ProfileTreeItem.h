@@ -53,6 +53,9 @@ public:
     ProfileTreeItems& children() { return m_children; }
     const ProfileTreeItems& children() const { return m_children; }
 
+    /// Takes over the values of another row, with their texts in the document, not the rows below it.
+    virtual void copyCells(const ProfileTreeItem& other) { m_cells = other.m_cells; }
+
     int columnCount() const { return static_cast<int>(m_cells.size()); }
     /// The stored value of a column that exists.
     const QVariant& data(int column) const { return cell(column).value; }

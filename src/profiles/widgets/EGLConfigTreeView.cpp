@@ -36,8 +36,14 @@ void EGLConfigTreeView::onContextMenuRequested(const QPoint& pos)
 
 void EGLConfigTreeView::addConfigTriggered()
 {
-    if (const auto* configs = qobject_cast<models::EGLConfigTree*>(model()))
-        addRow(configs->rowCount(), {}, configs->freeId());
+    if (model())
+        addRow(model()->rowCount(), {}, freeKey());
+}
+
+QVariant EGLConfigTreeView::freeKey() const
+{
+    const auto* configs = qobject_cast<models::EGLConfigTree*>(model());
+    return configs ? configs->freeId() : QVariant();
 }
 
 void EGLConfigTreeView::addAttribTriggered()
@@ -51,6 +57,12 @@ void EGLConfigTreeView::addAttribTriggered()
         if (findEGLAttribKey(attribute, &key))
             names << QString::fromStdString(key.displayName.text);
     }
+    // A mask has a row for each bit.
+    visitEGLAttribKeys([&names](const EGLAttribKey& attribute) {
+        const QString name = QString::fromStdString(attribute.displayName.text);
+        if (attribute.kind == KeyKind::Mask && !names.contains(name))
+            names << name;
+    });
     const QString chosen = ask(QStringLiteral("Add Attribute"), QStringLiteral("Select an attribute"), names);
     if (!findEGLAttribKey(EGLAttribKey::DisplayName{chosen.toStdString()}, &key))
         return;

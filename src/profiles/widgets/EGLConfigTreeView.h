@@ -25,6 +25,9 @@ public Q_SLOTS:
     void onContextMenuRequested(const QPoint& pos);
     void addConfigTriggered();
     void addAttribTriggered();
+
+protected:
+    QVariant freeKey() const override;
 };
 
 } // namespace widgets

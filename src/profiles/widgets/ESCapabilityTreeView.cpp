@@ -6,8 +6,42 @@
 #include "UnusedKeys.h"
 
 #include <QAction>
+#include <QRegularExpression>
 
 namespace widgets {
+
+namespace {
+
+/// The element for a capability that is called by either of its names; empty for what cannot be an element.
+/// Elements that no table knows are called like the others.
+QString elementOf(const QString& entry)
+{
+    static const QRegularExpression enumerant(QStringLiteral("^GL_([A-Z][A-Z0-9_]*)$"));
+    static const QRegularExpression element(QStringLiteral("^[A-Za-z_][A-Za-z0-9_.-]*$"));
+    const QString name = entry.trimmed();
+    ESCapabilityKeyNode node;
+    if (findKeyNode(ESCapabilityKey::DisplayName{name.toStdString()}, &node) && node.key.value != 0)
+        return QString::fromStdString(node.key.xmlName.text);
+    const QRegularExpressionMatch match = enumerant.match(name);
+    if (match.hasMatch())
+        return match.captured(1).toLower();
+    return element.match(name).hasMatch() ? name : QString();
+}
+
+QString refusalFor(const QModelIndex& api, const QString& entry)
+{
+    const QString element = elementOf(entry);
+    // That one would be read as an extension.
+    if (element.isEmpty() || element == QLatin1String("extension"))
+        return ESCapabilityTreeView::tr("Enter the name of a limit, such as GL_MAX_SAMPLES or max_samples.");
+    ESCapabilityKeyNode node;
+    const bool isKnown = findKeyNode(ESCapabilityKey::XMLName{element.toStdString()}, &node);
+    if (isKnown && node.key.kind != KeyKind::List && keysBelow(api.model(), api).contains(element))
+        return ESCapabilityTreeView::tr("%1 is there already. Choose another one.").arg(entry.trimmed());
+    return {};
+}
+
+} // namespace
 
 ESCapabilityTreeView::ESCapabilityTreeView(QWidget* parent)
     : ESTreeView(QStringLiteral("Add API"), QStringLiteral("Add Capability"), parent)
@@ -40,16 +74,24 @@ void ESCapabilityTreeView::addCapabilityTriggered()
         if (findKeyNode(name, &node))
             names << QString::fromStdString(node.key.displayName.text);
     }
-    const QString chosen =
-        ask(QStringLiteral("Add Capability"), QStringLiteral("Select a capability"), names);
-    if (findKeyNode(ESCapabilityKey::DisplayName{chosen.toStdString()}, &node))
-        fillIn(addRow(api, QString::fromStdString(node.key.xmlName.text)));
+    visitESCapabilityKeyNodes([&names](const ESCapabilityKeyNode& capability) {
+        const QString name = QString::fromStdString(capability.key.displayName.text);
+        if (capability.key.kind == KeyKind::List && !names.contains(name))
+            names << name;
+    });
+    const QString chosen = askForAny(QStringLiteral("Add Capability"), QStringLiteral("Select a capability"),
+        names, [&api](const QString& name) { return refusalFor(api, name); });
+    if (!chosen.isEmpty())
+        fillIn(addRow(api, elementOf(chosen)));
 }
 
 /// Gives a new capability values to start from and lets the user change the first of them.
 void ESCapabilityTreeView::fillIn(const QModelIndex& capability)
 {
-    const QString value = new_values::forCapability(capability.data(Qt::EditRole).toString());
+    esapi::API api;
+    const bool isKnown = esapi::findAPI(capability.parent().data(Qt::EditRole).toInt(), &api);
+    const QString value = new_values::forCapability(
+        capability.data(Qt::EditRole).toString(), isKnown ? api.esVersion() : gl::EsVersion::Es20);
     const int parts = model()->rowCount(capability);
     for (int row = 0; row < parts; ++row)
         model()->setData(model()->index(row, models::ValueColumn, capability), value);

@@ -4,6 +4,7 @@
 #include "UnusedKeys.h"
 
 #include <QAction>
+#include <QRegularExpression>
 
 namespace widgets {
 
@@ -27,8 +28,17 @@ void ESExtensionTreeView::addExtensionTriggered()
     const QModelIndex api = contextTop();
     if (!api.isValid())
         return;
-    const QString chosen =
-        ask(QStringLiteral("Add Extension"), QStringLiteral("Select an extension"), unusedExtensions(api));
+    const QSet<QString> listed = keysBelow(model(), api);
+    const auto refusalFor = [&listed](const QString& entry) {
+        static const QRegularExpression word(QStringLiteral("^[A-Za-z0-9_]+$"));
+        if (!word.match(entry.trimmed()).hasMatch())
+            return tr("Enter the name of an extension, such as GL_OES_depth24.");
+        return listed.contains(entry.trimmed())
+            ? tr("%1 is there already. Choose another one.").arg(entry.trimmed())
+            : QString();
+    };
+    const QString chosen = askForAny(QStringLiteral("Add Extension"), QStringLiteral("Select an extension"),
+        unusedExtensions(api), refusalFor);
     if (!chosen.isEmpty())
         addRow(api, chosen);
 }

@@ -9,6 +9,12 @@ std::set<esapi::API> ESTreeView::unusedAPIs(const QAbstractItemModel* model)
     return model ? widgets::unusedAPIs(model) : std::set<esapi::API>();
 }
 
+QVariant ESTreeView::freeKey() const
+{
+    const std::set<esapi::API> apis = unusedAPIs(model());
+    return apis.empty() ? QVariant() : apis.begin()->shortVersion();
+}
+
 void ESTreeView::addAPITriggered()
 {
     const std::set<esapi::API> apis = unusedAPIs(model());

@@ -20,6 +20,8 @@ public Q_SLOTS:
 
 protected:
     using ProfileTreeView::ProfileTreeView;
+
+    QVariant freeKey() const override;
 };
 
 } // namespace widgets

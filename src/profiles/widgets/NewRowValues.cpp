@@ -27,25 +27,29 @@ QVariant forAttribute(int attribute)
     return found == values.end() ? QVariant(0) : found->second;
 }
 
-QString forCapability(const QString& element)
+QString forCapability(const QString& element, gl::EsVersion version)
 {
-    static const std::map<QString, const char*> names{
+    using gl::EsVersion;
+    const bool hasEtc2 = version >= EsVersion::Es30;
+    const std::map<QString, const char*> names{
         {"shader_binary_format", "GL_TSR_BINARY_BWD"},
-        {"compressed_texture_format", "GL_ETC1_RGB8_OES"},
+        {"compressed_texture_format", hasEtc2 ? "GL_COMPRESSED_RGB8_ETC2" : "GL_ETC1_RGB8_OES"},
         {"implementation_color_read_type", "GL_UNSIGNED_BYTE"},
         {"implementation_color_read_format", "GL_RGBA"},
     };
     if (const auto name = names.find(element); name != names.end())
         return QString::number(gl::enumerantValue(name->second).value_or(0));
-    // 2.0 asks for a single pixel only; the same as for textures is of more use.
-    static const std::map<QString, int> numbers{
-        {"max_renderbuffer_size", 64}, {"max_viewport_dims", 64}, {"sample_buffers", 0}, {"samples", 0}};
-    if (const auto number = numbers.find(element); number != numbers.end())
-        return QString::number(number->second);
+    if (element == QLatin1String("sample_buffers") || element == QLatin1String("samples"))
+        return QStringLiteral("0");
     ESCapabilityKeyNode node;
-    findKeyNode(ESCapabilityKey::XMLName{element.toStdString()}, &node);
-    for (const gl::EsVersion version : {gl::EsVersion::Es20, gl::EsVersion::Es11}) {
-        if (const auto minimum = gl::minimum(node.key.displayName.text, version))
+    std::string enumerant = "GL_" + element.toUpper().toStdString();
+    if (findKeyNode(ESCapabilityKey::XMLName{element.toStdString()}, &node))
+        enumerant = node.key.displayName.text;
+    // 2.0 asks for a single pixel only, and nothing for viewports; the same as for textures is of more use.
+    if (element == QLatin1String("max_renderbuffer_size") || element == QLatin1String("max_viewport_dims"))
+        enumerant = "GL_MAX_TEXTURE_SIZE";
+    for (const EsVersion asking : {version, EsVersion::Es20, EsVersion::Es11}) {
+        if (const auto minimum = gl::minimum(enumerant, asking))
             return QString::number(minimum->values.front(), 'f', QLocale::FloatingPointShortest);
     }
     return QStringLiteral("1");

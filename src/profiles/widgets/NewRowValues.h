@@ -1,5 +1,7 @@
 #pragma once
 
+#include "EsVersion.h"
+
 #include <QString>
 #include <QVariant>
 
@@ -10,8 +12,8 @@ namespace new_values {
 /// For an EGL attribute by its enumerant; what the standard says of a config that was given nothing.
 QVariant forAttribute(int attribute);
 
-/// For a capability, or for each part of a compound one, by the element name; mostly the least that OpenGL
-/// ES 2.0 or 1.1 requires.
-QString forCapability(const QString& element);
+/// For a capability, or for each part of a compound one, by the element name; mostly the least that the
+/// version requires.
+QString forCapability(const QString& element, gl::EsVersion version);
 
 } // namespace new_values

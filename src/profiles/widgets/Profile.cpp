@@ -9,6 +9,7 @@
 #include "PlainMessageBox.h"
 #include "ProfileChanges.h"
 #include "ProfileDataWrapper.h"
+#include "TreePlace.h"
 #include "models/Profile.h"
 #include "ui_Profile.h"
 
@@ -197,15 +198,19 @@ void Profile::showModel(std::unique_ptr<models::Profile> model)
     showNotices();
 }
 
-/// Shows the same profile again, as it is stored, with the same rows open.
+/// Shows the same profile again, as it is stored, at the same place.
 void Profile::dropEdits()
 {
-    std::array<QStringList, 3> openRows;
-    for (std::size_t i = 0; i < openRows.size(); ++i)
-        openRows[i] = views()[i]->openRows();
+    std::array<TreePlace, 3> places;
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        if (views()[i]->model())
+            places[i] = TreePlace(*views()[i]);
+    }
     setProfile(m_current.lastListed());
-    for (std::size_t i = 0; i < openRows.size(); ++i)
-        views()[i]->reopenRows(openRows[i]);
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        if (views()[i]->model())
+            places[i].restore(*views()[i]);
+    }
 }
 
 void Profile::clear()
@@ -316,11 +321,12 @@ void Profile::saveBy(bool (models::CurrentProfile::*save)(const ProfileData&))
     }
     if (!(m_current.*save)(edited))
         return;
-    if (m_current.stored())
+    if (m_current.stored()) {
         fillFields(*m_current.stored());
-    if (m_current.stored())
         showHiddenElements(*m_current.stored());
-    forgetTaken();
+        forgetTaken();
+        m_model->refresh(*m_current.stored());
+    }
     view();
 }
 

@@ -2,10 +2,12 @@
 
 #include "ProfileColumns.h"
 #include "ProfileTreeItemDelegate.h"
+#include "models/ProfileTree.h"
 
 #include <QAction>
 #include <QHeaderView>
 #include <QInputDialog>
+#include <QKeyEvent>
 #include <QMenu>
 #include <QScrollBar>
 #include <QSet>
@@ -37,11 +39,6 @@ QAction* makeAction(QMenu* menu, ProfileTreeView* view, const QString& text, con
     return action;
 }
 
-QString keyText(const QModelIndex& index)
-{
-    return index.data(Qt::EditRole).toString();
-}
-
 } // namespace
 
 ProfileTreeView::ProfileTreeView(const QString& addTop, const QString& addChild, QWidget* parent)
@@ -50,6 +47,7 @@ ProfileTreeView::ProfileTreeView(const QString& addTop, const QString& addChild,
     , m_addTop(makeAction(m_menu, this, addTop, Qt::CTRL | Qt::Key_Insert))
     , m_addChild(makeAction(m_menu, this, addChild, Qt::Key_Insert))
     , m_delete(makeAction(m_menu, this, QStringLiteral("Delete"), QKeySequence::Delete))
+    , m_duplicate(makeAction(m_menu, this, tr("Duplicate"), Qt::CTRL | Qt::SHIFT | Qt::Key_D))
 {
     setStyleSheet(QStringLiteral("QLineEdit, QSpinBox { background-color: white; }"));
     setSelectionMode(ExtendedSelection);
@@ -57,17 +55,29 @@ ProfileTreeView::ProfileTreeView(const QString& addTop, const QString& addChild,
     header()->setResizeContentsPrecision(rowsMeasured);
     header()->setStretchLastSection(false);
     setEditTriggers(DoubleClicked | EditKeyPressed | SelectedClicked);
+    // Names begin alike and differ at their ends.
+    setTextElideMode(Qt::ElideMiddle);
     connect(m_delete, SIGNAL(triggered()), SLOT(deleteItemTriggered()));
+    connect(m_duplicate, &QAction::triggered, this, &ProfileTreeView::duplicateRow);
     setEditable(false);
 }
 
 void ProfileTreeView::setModel(QAbstractItemModel* model)
 {
+    if (model == this->model())
+        return;
+    if (this->model())
+        disconnect(this->model(), nullptr, this, nullptr);
     QTreeView::setModel(model);
     m_contextIndex = QModelIndex();
     if (!model)
         return;
     resizeToFit();
+    connect(model, &QAbstractItemModel::modelAboutToBeReset, this, [this] { m_place = TreePlace(*this); });
+    connect(model, &QAbstractItemModel::modelReset, this, [this] {
+        m_place.restore(*this);
+        resizeToFit();
+    });
     connect(model, SIGNAL(dataChanged(const QModelIndex&, const QModelIndex&)), this, SLOT(resizeToFit()),
         Qt::UniqueConnection);
     connect(this, SIGNAL(expanded(const QModelIndex&)), this, SLOT(resizeToFit()), Qt::UniqueConnection);
@@ -76,7 +86,7 @@ void ProfileTreeView::setModel(QAbstractItemModel* model)
 void ProfileTreeView::setEditable(bool editable)
 {
     setContextMenuPolicy(editable ? Qt::CustomContextMenu : Qt::NoContextMenu);
-    for (QAction* action : {m_addTop, m_addChild, m_delete})
+    for (QAction* action : {m_addTop, m_addChild, m_delete, m_duplicate})
         action->setEnabled(editable);
 }
 
@@ -93,11 +103,16 @@ bool ProfileTreeView::finishEdit()
     return true;
 }
 
-/// Values take what room there is, and can be scrolled to where that is too little.
-void ProfileTreeView::fitValues()
+/// Values take what room there is, and can be scrolled to where that is too little. In a narrow view keys
+/// give way, so that something of the values is always in sight.
+void ProfileTreeView::fitColumns()
 {
-    if (header()->count() > ValueColumn)
-        setColumnWidth(ValueColumn, std::max(m_valueWidth, viewport()->width() - columnWidth(KeyColumn)));
+    if (!isVisible() || header()->count() <= ValueColumn)
+        return;
+    const int room = viewport()->width();
+    const int forValues = std::min(m_valueWidth, room * 2 / 5);
+    setColumnWidth(KeyColumn, std::min(m_keyWidth, room - forValues));
+    setColumnWidth(ValueColumn, std::max(m_valueWidth, room - columnWidth(KeyColumn)));
 }
 
 /// Keeps the keys in sight: values may be wider than the view.
@@ -111,27 +126,13 @@ void ProfileTreeView::scrollTo(const QModelIndex& index, ScrollHint hint)
 void ProfileTreeView::resizeEvent(QResizeEvent* event)
 {
     QTreeView::resizeEvent(event);
-    fitValues();
+    fitColumns();
 }
 
-QStringList ProfileTreeView::openRows() const
+void ProfileTreeView::showEvent(QShowEvent* event)
 {
-    QStringList keys;
-    for (int row = 0; model() && row < model()->rowCount(); ++row) {
-        const QModelIndex index = model()->index(row, KeyColumn);
-        if (isExpanded(index))
-            keys << keyText(index);
-    }
-    return keys;
-}
-
-void ProfileTreeView::reopenRows(const QStringList& keys)
-{
-    for (int row = 0; model() && row < model()->rowCount(); ++row) {
-        const QModelIndex index = model()->index(row, KeyColumn);
-        if (keys.contains(keyText(index)))
-            expand(index);
-    }
+    QTreeView::showEvent(event);
+    fitColumns();
 }
 
 void ProfileTreeView::resizeToFit()
@@ -143,9 +144,10 @@ void ProfileTreeView::resizeToFit()
     }
     m_hasResized = true;
     resizeColumnToContents(KeyColumn);
+    m_keyWidth = columnWidth(KeyColumn);
     if (model() && model()->columnCount() > ValueColumn)
         m_valueWidth = sizeHintForColumn(ValueColumn);
-    fitValues();
+    fitColumns();
     QTimer::singleShot(0, this, [this] {
         m_hasResized = false;
         if (std::exchange(m_resizesAgain, false))
@@ -167,10 +169,11 @@ void ProfileTreeView::showMenu(const QPoint& pos, bool canAddTop)
     m_addTop->setVisible(canAddTop && !isChild);
     m_addChild->setVisible(isRow);
     m_delete->setVisible(isRow);
+    m_duplicate->setVisible(isChild || (isRow && freeKey().isValid()));
     if (m_addTop->isVisible() || isRow)
         m_menu->exec(viewport()->mapToGlobal(pos));
     // What is hidden does not hear its shortcut.
-    for (QAction* action : {m_addTop, m_addChild, m_delete})
+    for (QAction* action : {m_addTop, m_addChild, m_delete, m_duplicate})
         action->setVisible(true);
 }
 
@@ -187,6 +190,14 @@ QString ProfileTreeView::ask(const QString& title, const QString& label, const Q
     bool accepted = false;
     const QString name = QInputDialog::getItem(this, title, label, names, 0, false, &accepted);
     return accepted ? name : QString();
+}
+
+QString ProfileTreeView::askForAny(const QString& title, const QString& label, const QStringList& names,
+    const NameChooser::RefusalFor& refusalFor)
+{
+    NameChooser chooser(label, names, refusalFor, this);
+    chooser.setWindowTitle(title);
+    return chooser.exec() == QDialog::Accepted ? chooser.textValue().trimmed() : QString();
 }
 
 QModelIndex ProfileTreeView::addRow(const QModelIndex& parent, const QVariant& key)
@@ -214,7 +225,134 @@ QModelIndex ProfileTreeView::addRow(int row, const QModelIndex& parent, const QV
     return added;
 }
 
+QModelIndex ProfileTreeView::valueOf(const QModelIndex& index) const
+{
+    return index.siblingAtColumn(model()->columnCount() > ValueColumn ? ValueColumn : KeyColumn);
+}
+
+/// Makes the cell current and edits it; false, with the current cell unchanged, for one without an editor.
+bool ProfileTreeView::editCell(const QModelIndex& cell)
+{
+    if (!cell.isValid() || !(cell.flags() & Qt::ItemIsEditable))
+        return false;
+    const QPersistentModelIndex before = currentIndex();
+    setCurrentIndex(cell);
+    edit(cell, AllEditTriggers, nullptr);
+    if (state() == EditingState)
+        return true;
+    setCurrentIndex(before);
+    return false;
+}
+
+/// Edits the value of a row: the first of its parts for a compound one, the key for one without a value.
+void ProfileTreeView::editRow(const QModelIndex& row)
+{
+    if (editCell(valueOf(row)))
+        return;
+    if (row.parent().isValid() && model()->hasChildren(row)) {
+        expand(row);
+        if (editCell(valueOf(model()->index(0, KeyColumn, row))))
+            return;
+    }
+    editCell(row);
+}
+
+void ProfileTreeView::editNextValue(bool forwards)
+{
+    QModelIndex row = currentIndex();
+    if (forwards && row.column() == KeyColumn && row != valueOf(row) && editCell(valueOf(row)))
+        return;
+    do
+        row = forwards ? indexBelow(row) : indexAbove(row);
+    while (row.isValid() && !(row.parent().isValid() && editCell(valueOf(row))));
+}
+
+void ProfileTreeView::keyPressEvent(QKeyEvent* event)
+{
+    const QModelIndex row = currentIndex().siblingAtColumn(KeyColumn);
+    const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
+    const bool isF2 = event->key() == Qt::Key_F2;
+    const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (state() == EditingState || !(row.flags() & Qt::ItemIsEditable))
+        QTreeView::keyPressEvent(event);
+    else if (modifiers == Qt::NoModifier && (isF2 || isEnter))
+        editRow(row);
+    else if (modifiers == Qt::ShiftModifier && isF2)
+        editCell(row);
+    else
+        QTreeView::keyPressEvent(event);
+}
+
+QModelIndex ProfileTreeView::moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers)
+{
+    const QModelIndex current = currentIndex();
+    const QModelIndex key = current.siblingAtColumn(KeyColumn);
+    const CursorAction toValue = isRightToLeft() ? MoveLeft : MoveRight;
+    const CursorAction toKey = isRightToLeft() ? MoveRight : MoveLeft;
+    if (action == toValue && current.isValid() && !model()->hasChildren(key))
+        return valueOf(current);
+    if (action == toKey && current.column() == ValueColumn)
+        return key;
+    // Rows without others below them may count as expanded.
+    if (action == toKey && key.parent().isValid() && !(model()->hasChildren(key) && isExpanded(key)))
+        return key.parent();
+    return QTreeView::moveCursor(action, modifiers);
+}
+
+void ProfileTreeView::closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint)
+{
+    const bool isNext = hint == QAbstractItemDelegate::EditNextItem;
+    const bool isPrevious = hint == QAbstractItemDelegate::EditPreviousItem;
+    QTreeView::closeEditor(editor, isNext || isPrevious ? QAbstractItemDelegate::NoHint : hint);
+    if (isNext || isPrevious)
+        editNextValue(isNext);
+}
+
+void ProfileTreeView::duplicateRow()
+{
+    auto* tree = qobject_cast<models::ProfileTree*>(model());
+    const QModelIndex row = QModelIndex(m_contextIndex).siblingAtColumn(KeyColumn);
+    const bool isTop = row.isValid() && !row.parent().isValid();
+    const QVariant key = isTop ? freeKey() : QVariant();
+    if (!tree || !row.isValid() || (isTop && !key.isValid()))
+        return;
+    const bool isOpen = isExpanded(row);
+    const QModelIndex copy = tree->duplicate(row, key);
+    if (!copy.isValid())
+        return;
+    setExpanded(copy, isOpen);
+    setCurrentIndex(copy);
+    scrollTo(copy);
+}
+
+/// Leaves the row current and selected that takes the place of those that went, so that the next one can be
+/// deleted at once.
 void ProfileTreeView::deleteItemTriggered()
+{
+    const QModelIndex current = currentIndex();
+    const auto goes = [this](const QModelIndex& row) {
+        return selectionModel()->isSelected(row) || selectionModel()->isSelected(valueOf(row));
+    };
+    QModelIndex next = current.siblingAtColumn(KeyColumn);
+    for (QModelIndex up = next; up.isValid(); up = up.parent()) {
+        if (goes(up))
+            next = up;
+    }
+    const QModelIndex first = next;
+    while (next.isValid() && goes(next))
+        next = next.siblingAtRow(next.row() + 1);
+    for (int row = first.row() - 1; !next.isValid() && row >= 0; --row) {
+        if (!goes(first.siblingAtRow(row)))
+            next = first.siblingAtRow(row);
+    }
+    const QPersistentModelIndex stays = next.isValid() ? next : first.parent();
+    const int column = current.column();
+    removeSelected();
+    if (stays.isValid())
+        setCurrentIndex(stays.sibling(stays.row(), column));
+}
+
+void ProfileTreeView::removeSelected()
 {
     QSet<QModelIndex> selected;
     for (const QModelIndex& index : selectedIndexes())

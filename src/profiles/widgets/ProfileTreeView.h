@@ -1,5 +1,8 @@
 #pragma once
 
+#include "NameChooser.h"
+#include "TreePlace.h"
+
 #include <QPersistentModelIndex>
 #include <QString>
 #include <QStringList>
@@ -10,8 +13,12 @@ class QMenu;
 
 namespace widgets {
 
-/// A view of one section of a profile. While it is editable it has a context menu with three actions: one
-/// that adds a row at the top, one that adds a row below such a row, and "Delete".
+/// A view of one section of a profile. While it is editable it has a context menu: adding a row at the top,
+/// adding a row below such a row, "Delete", and "Duplicate".
+///
+/// F2 and Enter edit the value of the current row, or its key where it has no value; Shift+F2 edits the key.
+/// Tab goes from value to value. The left and right keys move between key and value where there is nothing to
+/// open or close. When the model is reset, the reader's place is kept.
 class ProfileTreeView : public QTreeView {
     Q_OBJECT
 
@@ -26,10 +33,6 @@ public:
     /// stays open then and a tool tip says why.
     bool finishEdit();
 
-    /// The keys of the rows at the top that are open, and opening them again in another model.
-    QStringList openRows() const;
-    void reopenRows(const QStringList& keys);
-
 public Q_SLOTS:
     void deleteItemTriggered();
     void resizeToFit();
@@ -39,6 +42,10 @@ protected:
     ProfileTreeView(const QString& addTop, const QString& addChild, QWidget* parent);
 
     void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    QModelIndex moveCursor(CursorAction action, Qt::KeyboardModifiers modifiers) override;
+    void closeEditor(QWidget* editor, QAbstractItemDelegate::EndEditHint hint) override;
     void currentChanged(const QModelIndex& current, const QModelIndex& previous) override;
 
     QAction* addTopAction() const { return m_addTop; }
@@ -52,6 +59,12 @@ protected:
 
     /// Asks for one of the names; empty when the user cancelled.
     QString ask(const QString& title, const QString& label, const QStringList& names);
+    /// Asks for a name, also for one that is not among these.
+    QString askForAny(const QString& title, const QString& label, const QStringList& names,
+        const NameChooser::RefusalFor& refusalFor);
+
+    /// The key for a copy of a row at the top; invalid where there is none left.
+    virtual QVariant freeKey() const = 0;
 
     /// Adds a row with that key below the remembered place, or as the first one where that is the parent
     /// itself. Shows it and returns its index, an invalid one when the model refused.
@@ -59,14 +72,23 @@ protected:
     QModelIndex addRow(int row, const QModelIndex& parent, const QVariant& key);
 
 private:
-    void fitValues();
+    void fitColumns();
+    QModelIndex valueOf(const QModelIndex& index) const;
+    bool editCell(const QModelIndex& cell);
+    void editRow(const QModelIndex& row);
+    void editNextValue(bool forwards);
+    void duplicateRow();
+    void removeSelected();
 
     QMenu* m_menu;
     QAction* m_addTop;
     QAction* m_addChild;
     QAction* m_delete;
+    QAction* m_duplicate;
     QPersistentModelIndex m_contextIndex;
-    /// What the values need, in pixels.
+    TreePlace m_place;
+    /// What the columns need, in pixels.
+    int m_keyWidth = 0;
     int m_valueWidth = 0;
     bool m_hasResized = false;
     bool m_resizesAgain = false;

@@ -2,9 +2,12 @@
 
 #include "EGLConfigIDSelector.h"
 #include "GenericValueSelector.h"
+#include "PlainToolTip.h"
 #include "ProfileColumns.h"
 #include "RefusalTip.h"
 
+#include <QAbstractItemView>
+#include <QHelpEvent>
 #include <QItemEditorFactory>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -110,6 +113,18 @@ void ProfileTreeItemDelegate::updateEditorGeometry(
     place.moveTop(middle - place.height() / 2);
     place.moveLeft(std::max(0, std::min(place.left(), all.right() + 1 - place.width())));
     editor->setGeometry(place);
+}
+
+bool ProfileTreeItemDelegate::helpEvent(
+    QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option, const QModelIndex& index)
+{
+    const bool isCut = option.rect.width() < sizeHint(option, index).width();
+    if (event->type() != QEvent::ToolTip || !isCut || index.data(Qt::ToolTipRole).isValid())
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    QStyleOptionViewItem shown = option;
+    initStyleOption(&shown, index);
+    QToolTip::showText(event->globalPos(), plainToolTip(shown.text), view);
+    return true;
 }
 
 QSize ProfileTreeItemDelegate::sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const

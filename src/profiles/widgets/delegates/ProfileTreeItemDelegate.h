@@ -24,6 +24,10 @@ public:
     void updateEditorGeometry(
         QWidget* editor, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
+    /// Where a text has no room and no other tool tip, it is the tool tip itself.
+    bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
+        const QModelIndex& index) override;
+
     QSize sizeHint(const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
     /// Whether what was entered in an editor cannot be stored, which a tool tip says then.
