@@ -150,7 +150,7 @@ void ClientTabWidget::addPlaceholder()
     auto* page = new ClientInterface(nullptr, 0, QFontDatabase::systemFont(QFontDatabase::FixedFont), this);
     page->setEnabled(false);
     page->setConnectedWithoutTab(m_connectedCount);
-    const int index = addTab(page, QStringLiteral("Disconnected"));
+    const int index = addTab(page, tr("Disconnected"));
     const auto side = static_cast<QTabBar::ButtonPosition>(
         style()->styleHint(QStyle::SH_TabBar_CloseButtonPosition, nullptr, tabBar()));
     if (QWidget* closeButton = tabBar()->tabButton(index, side))

@@ -147,7 +147,7 @@ std::string Controller::directoryForSaving()
     if (box.clickedButton() != choose)
         return {};
     std::string chosen =
-        QFile::encodeName(QFileDialog::getExistingDirectory(&m_mainWindow, QStringLiteral("Choose directory"),
+        QFile::encodeName(QFileDialog::getExistingDirectory(&m_mainWindow, tr("Choose directory"),
                               QDir::homePath(), QFileDialog::ShowDirsOnly))
             .toStdString();
     if (chosen.empty())

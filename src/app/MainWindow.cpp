@@ -377,8 +377,8 @@ void MainWindow::fatalError(Error error)
     Q_UNUSED(error)
     QMessageBox box(this);
     box.setIcon(QMessageBox::Critical);
-    box.setWindowTitle(QStringLiteral("Fatal error"));
-    box.setText(QStringLiteral("Failed to create a socket. Cannot listen for incoming connections."));
+    box.setWindowTitle(tr("Fatal error"));
+    box.setText(tr("Failed to create a socket. Cannot listen for incoming connections."));
     box.exec();
     close();
 }

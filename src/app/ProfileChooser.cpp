@@ -43,7 +43,7 @@ ProfileChooser::ProfileChooser(models::CurrentProfile& current, QComboBox* box)
     , m_box(box)
 {
     m_box->setToolTip(tr("The hardware that applications are to find; \"Host\" is this computer's own"));
-    m_box->addItem(QStringLiteral("Host"));
+    m_box->addItem(tr("Host"));
     connect(&m_current, &models::CurrentProfile::listChanged, this, &ProfileChooser::showList);
     connect(&m_current, &models::CurrentProfile::chosenChanged, this, &ProfileChooser::showChosen);
     connect(&m_current, &models::CurrentProfile::editedChanged, this, &ProfileChooser::markEdits);
@@ -59,7 +59,7 @@ void ProfileChooser::showList()
 {
     const QSignalBlocker blocker(m_box);
     m_box->clear();
-    m_box->addItem(QStringLiteral("Host"));
+    m_box->addItem(tr("Host"));
     const ProfileCatalogue& catalogue = *m_current.catalogue();
     for (const auto* profiles : {&catalogue.builtinProfiles(), &catalogue.userProfiles()}) {
         for (const std::shared_ptr<ProfileDataWrapper>& profile : *profiles)

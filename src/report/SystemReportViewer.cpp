@@ -33,9 +33,9 @@ void SystemReportViewer::showText(const QString& text)
     m_text = text;
     // Broken lines would spoil the columns of a report.
     setLineWrapMode(text.isEmpty() ? WidgetWidth : NoWrap);
-    setPlainText(text.isEmpty() ? QStringLiteral(
-                     "To generate a system report, run an application which loads the Corvale libraries and "
-                     "calls eglInitialize().")
-                                : text);
+    setPlainText(text.isEmpty()
+            ? tr("To generate a system report, run an application which loads the Corvale libraries and "
+                 "calls eglInitialize().")
+            : text);
     Q_EMIT reportChanged(!text.isEmpty());
 }

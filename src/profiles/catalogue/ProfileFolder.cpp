@@ -124,7 +124,8 @@ ProfileFolder::Entry ProfileFolder::load(const fs::path& path) const
 }
 
 /// The wrapper that holds what was loaded, as it does when it has just been saved there.
-ProfileFolder::Pointer ProfileFolder::wrapperWith(const fs::path& path, const ProfileDataWrapper& loaded) const
+ProfileFolder::Pointer ProfileFolder::wrapperWith(
+    const fs::path& path, const ProfileDataWrapper& loaded) const
 {
     const auto found = std::find_if(m_unsaved.begin(), m_unsaved.end(), [&](const Pointer& profile) {
         return profile->data().fileName() == path.filename() && isSaved(profile->data(), loaded.data());

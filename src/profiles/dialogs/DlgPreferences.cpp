@@ -65,8 +65,8 @@ void DlgPreferences::addHelpLabel()
     QFont font = m_contextModeHelp->font();
     font.setPointSize(9);
     m_contextModeHelp->setFont(font);
-    m_contextModeHelp->setText(QStringLiteral(
-        "<html><img src=':/CorvaleResources/Info' width='16' height='16'> What's this?</html>"));
+    m_contextModeHelp->setText(
+        tr("<html><img src=':/CorvaleResources/Info' width='16' height='16'> What's this?</html>"));
     m_ui->contextModeLayout->insertWidget(m_ui->contextModeLayout->count() - 1, m_contextModeHelp);
     setTabOrder(m_ui->radioLoose, m_contextModeHelp);
 }
@@ -165,7 +165,7 @@ bool DlgPreferences::isDirectoryUsable()
 
 void DlgPreferences::browseProfilesDirectory()
 {
-    const QString directory = QFileDialog::getExistingDirectory(this, QStringLiteral("Choose directory"),
+    const QString directory = QFileDialog::getExistingDirectory(this, tr("Choose directory"),
         m_ui->txtProfilesDirectory->text(), QFileDialog::ShowDirsOnly | QFileDialog::DontResolveSymlinks);
     if (!directory.isEmpty())
         m_ui->txtProfilesDirectory->setText(directory);
@@ -173,13 +173,13 @@ void DlgPreferences::browseProfilesDirectory()
 
 void DlgPreferences::importBrowseProfiles()
 {
-    m_files->addFiles(QFileDialog::getOpenFileNames(this, QStringLiteral("Select profile data files"),
-        QString(), QStringLiteral("XML files (*.xml);;All files (*)")));
+    m_files->addFiles(QFileDialog::getOpenFileNames(
+        this, tr("Select profile data files"), QString(), tr("XML files (*.xml);;All files (*)")));
 }
 
 void DlgPreferences::updateImportButtonText()
 {
-    m_ui->btnImport->setText(m_files->count() < 2 ? QStringLiteral("Import") : QStringLiteral("Merge"));
+    m_ui->btnImport->setText(m_files->count() < 2 ? tr("Import") : tr("Merge"));
     m_ui->btnImport->setEnabled(m_files->count() > 0);
 }
 
@@ -195,14 +195,14 @@ void DlgPreferences::importProfiles()
     if (!import.isProfile()) {
         const QString expected = tr("The first file must begin with its <profile> element, which has an <es> "
                                     "element and behind it an <egl> element.");
-        PlainMessageBox(QMessageBox::Critical, QStringLiteral("Failed to import profile"),
-            QStringLiteral("Import failed. Data badly formatted"),
+        PlainMessageBox(QMessageBox::Critical, tr("Failed to import profile"),
+            tr("Import failed. Data badly formatted"),
             leftOut.isEmpty() ? expected : leftOut.join(QLatin1Char('\n')), this)
             .exec();
         return;
     }
-    const QString path = QFileDialog::getSaveFileName(this, QStringLiteral("Save file..."),
-        m_ui->txtProfilesDirectory->text(), QStringLiteral("XML files (*.xml)"));
+    const QString path = QFileDialog::getSaveFileName(
+        this, tr("Save file..."), m_ui->txtProfilesDirectory->text(), tr("XML files (*.xml)"));
     if (!path.isEmpty())
         saveImport(import, path);
 }
@@ -213,7 +213,7 @@ void DlgPreferences::saveImport(const ProfileImport& import, const QString& path
     if (saved)
         m_savedFiles.append(path);
     else
-        PlainMessageBox(QMessageBox::Critical, QStringLiteral("Error"), QStringLiteral("Failed to save file"),
+        PlainMessageBox(QMessageBox::Critical, tr("Error"), tr("Failed to save file"),
             QString::fromStdString(saved.reason), this)
             .exec();
     m_files->clearFiles();
@@ -238,11 +238,10 @@ void DlgPreferences::advancedExpandChanged(int state)
 void DlgPreferences::showWhatsThisContextMode()
 {
     QWhatsThis::showText(m_contextModeHelp->mapToGlobal(QPoint()),
-        QStringLiteral(
-            "<html><p>In <b>strict context mode</b>, eglCreateContext will fail with EGL_BAD_ALLOC if the "
-            "host system does not support the entire feature-set of the requested API.</p>\n<p>In <b>loose "
-            "context mode</b>, eglCreateContext will return a context of the requested API type even if the "
-            "entire feature-set is not supported by the host system. Unsupported features will fail at the "
-            "point of use.</p></html>"),
+        tr("<html><p>In <b>strict context mode</b>, eglCreateContext will fail with EGL_BAD_ALLOC if the "
+           "host system does not support the entire feature-set of the requested API.</p>\n<p>In <b>loose "
+           "context mode</b>, eglCreateContext will return a context of the requested API type even if the "
+           "entire feature-set is not supported by the host system. Unsupported features will fail at the "
+           "point of use.</p></html>"),
         m_contextModeHelp);
 }

@@ -12,7 +12,7 @@
 namespace widgets {
 
 EGLConfigTreeView::EGLConfigTreeView(QWidget* parent)
-    : ProfileTreeView(QStringLiteral("Add Config"), QStringLiteral("Add Attribute"), parent)
+    : ProfileTreeView(tr("Add Config"), tr("Add Attribute"), parent)
 {
     setItemDelegate(new EGLConfigTreeItemDelegate(this));
     connect(
@@ -63,7 +63,7 @@ void EGLConfigTreeView::addAttribTriggered()
         if (attribute.kind == KeyKind::Mask && !names.contains(name))
             names << name;
     });
-    const QString chosen = ask(QStringLiteral("Add Attribute"), QStringLiteral("Select an attribute"), names);
+    const QString chosen = ask(tr("Add Attribute"), tr("Select an attribute"), names);
     if (!findEGLAttribKey(EGLAttribKey::DisplayName{chosen.toStdString()}, &key))
         return;
     const QModelIndex value = addRow(config, key.value).siblingAtColumn(models::ValueColumn);

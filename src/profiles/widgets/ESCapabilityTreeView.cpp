@@ -44,7 +44,7 @@ QString refusalFor(const QModelIndex& api, const QString& entry)
 } // namespace
 
 ESCapabilityTreeView::ESCapabilityTreeView(QWidget* parent)
-    : ESTreeView(QStringLiteral("Add API"), QStringLiteral("Add Capability"), parent)
+    : ESTreeView(tr("Add API"), tr("Add Capability"), parent)
 {
     setItemDelegate(new ESCapabilityTreeItemDelegate(this));
     connect(
@@ -79,8 +79,8 @@ void ESCapabilityTreeView::addCapabilityTriggered()
         if (capability.key.kind == KeyKind::List && !names.contains(name))
             names << name;
     });
-    const QString chosen = askForAny(QStringLiteral("Add Capability"), QStringLiteral("Select a capability"),
-        names, [&api](const QString& name) { return refusalFor(api, name); });
+    const QString chosen = askForAny(tr("Add Capability"), tr("Select a capability"), names,
+        [&api](const QString& name) { return refusalFor(api, name); });
     if (!chosen.isEmpty())
         fillIn(addRow(api, elementOf(chosen)));
 }

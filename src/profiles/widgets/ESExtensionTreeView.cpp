@@ -9,7 +9,7 @@
 namespace widgets {
 
 ESExtensionTreeView::ESExtensionTreeView(QWidget* parent)
-    : ESTreeView(QStringLiteral("Add API"), QStringLiteral("Add Extension"), parent)
+    : ESTreeView(tr("Add API"), tr("Add Extension"), parent)
 {
     setItemDelegate(new ESExtensionTreeItemDelegate(this));
     connect(
@@ -37,8 +37,8 @@ void ESExtensionTreeView::addExtensionTriggered()
             ? tr("%1 is there already. Choose another one.").arg(entry.trimmed())
             : QString();
     };
-    const QString chosen = askForAny(QStringLiteral("Add Extension"), QStringLiteral("Select an extension"),
-        unusedExtensions(api), refusalFor);
+    const QString chosen =
+        askForAny(tr("Add Extension"), tr("Select an extension"), unusedExtensions(api), refusalFor);
     if (!chosen.isEmpty())
         addRow(api, chosen);
 }

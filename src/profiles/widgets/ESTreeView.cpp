@@ -21,8 +21,7 @@ void ESTreeView::addAPITriggered()
     QStringList names;
     for (const esapi::API& api : apis)
         names << QString::fromStdString(api.displayName);
-    const std::string chosen =
-        ask(QStringLiteral("Add API"), QStringLiteral("Select an API"), names).toStdString();
+    const std::string chosen = ask(tr("Add API"), tr("Select an API"), names).toStdString();
     for (const esapi::API& api : apis) {
         if (api.displayName == chosen)
             addRow({}, api.shortVersion());

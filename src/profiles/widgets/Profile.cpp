@@ -217,7 +217,7 @@ void Profile::clear()
 {
     setEnabled(false);
     for (Field& field : m_fields)
-        showText(field, field.edit == m_ui->editDevice ? QStringLiteral("None") : QString());
+        showText(field, field.edit == m_ui->editDevice ? tr("None") : QString());
     for (ProfileTreeView* profileView : views())
         profileView->setModel(nullptr);
     m_model.reset();

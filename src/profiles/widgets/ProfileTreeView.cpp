@@ -46,7 +46,7 @@ ProfileTreeView::ProfileTreeView(const QString& addTop, const QString& addChild,
     , m_menu(new QMenu(this))
     , m_addTop(makeAction(m_menu, this, addTop, Qt::CTRL | Qt::Key_Insert))
     , m_addChild(makeAction(m_menu, this, addChild, Qt::Key_Insert))
-    , m_delete(makeAction(m_menu, this, QStringLiteral("Delete"), QKeySequence::Delete))
+    , m_delete(makeAction(m_menu, this, tr("Delete"), QKeySequence::Delete))
     , m_duplicate(makeAction(m_menu, this, tr("Duplicate"), Qt::CTRL | Qt::SHIFT | Qt::Key_D))
 {
     setStyleSheet(QStringLiteral("QLineEdit, QSpinBox { background-color: white; }"));
