@@ -1,0 +1,178 @@
+#include "Client.h"
+#include "ConsolePage.h"
+#include "Resources.h"
+
+#include <QPushButton>
+#include <QSignalSpy>
+
+using namespace console_page;
+using namespace records;
+
+/// What the reader of a console sees and has selected stays in place, whatever is written meanwhile.
+class TestConsoleReader : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { registerResources(); }
+
+    void readerStays();
+    void newLayoutMovesNobody();
+    void selectionOfTheFirstLineDoesNotGrow();
+    void readerStopsFollowing();
+};
+
+void TestConsoleReader::readerStays()
+{
+    Page page;
+    const QList<Message> lines = numbered(100'000);
+    page.receive(lines, live);
+    QScrollBar& bar = *page.view->verticalScrollBar();
+    QVERIFY(QTest::qWaitFor(
+        [&] { return !page.page.console().isFlooded() && bar.maximum() > 2 * bar.pageStep(); }, 60000));
+    bar.triggerAction(QAbstractSlider::SliderPageStepSub);
+    QVERIFY(!page.autoScroll->isChecked());
+    const QString top = page.topLine();
+    QVERIFY(!top.isEmpty());
+    // Older entries are still being added before what is shown. Then enough comes to trim above the reader,
+    // and at last more than the document can hold with what the reader sees.
+    QVERIFY(!page.page.console().isComplete());
+    for (const int more : {0, live / 2, 3 * live}) {
+        page.receive(lines, more);
+        QVERIFY(page.comesToRest());
+        QCOMPARE(page.topLine(), top);
+        QVERIFY(!page.isAtEnd());
+    }
+    const QStringList shown = page.document().toPlainText().split(QLatin1Char('\n'));
+    QVERIFY(shown.last().endsWith(QStringLiteral("Auto-scroll\" to see them.")));
+    for (int i = 1; i < shown.size() - 1; ++i)
+        QCOMPARE(shown[i], QStringLiteral("line %1").arg(page.earlier() + i - 1));
+    page.autoScroll->click();
+    QVERIFY(page.comesToRest());
+    QCOMPARE(page.whyWrong(), QString());
+    QVERIFY(page.isAtEnd());
+
+    page.page.console().setRebuildAfter(1);
+    page.receive(lines, 1);
+    page.view->selectAll();
+    QVERIFY(!page.autoScroll->isChecked());
+    const QString selected = page.view->textCursor().selectedText();
+    QVERIFY(page.comesToRest());
+    page.receive(lines, 2 * live);
+    QVERIFY(page.comesToRest());
+    QCOMPARE(page.view->textCursor().selectedText(), selected);
+
+    // From the end upwards.
+    page.page.console().setRebuildAfter(20 * live);
+    page.autoScroll->click();
+    QVERIFY(page.comesToRest());
+    QTextCursor cursor(&page.document());
+    cursor.movePosition(QTextCursor::End);
+    cursor.movePosition(QTextCursor::Up, QTextCursor::KeepAnchor, 3);
+    page.view->setTextCursor(cursor);
+    const QString lastLines = cursor.selectedText();
+    page.receive(lines, live / 2);
+    QVERIFY(page.comesToRest());
+    page.view->setPalette(QPalette(Qt::darkGray));
+    const QTextCursor now = page.view->textCursor();
+    QCOMPARE(now.selectedText(), lastLines);
+    QVERIFY(now.position() < now.anchor());
+}
+
+void TestConsoleReader::newLayoutMovesNobody()
+{
+    Page page;
+    const std::string words = " of many words that take more than one line of the view, in any width or font";
+    for (int i = 0; i < 500; ++i)
+        page.receive({text(Type::Information, std::to_string(i) + words)}, 1);
+    QVERIFY(page.comesToRest());
+    const auto layOutAnew = [&page](int width, int pointSize) {
+        page.page.resize(width, 300 + width / 10);
+        QFont font = page.view->font();
+        font.setPointSize(pointSize);
+        page.page.fontChanged(font);
+        QTest::qWait(100);
+    };
+    layOutAnew(350, 9);
+    QVERIFY(page.isAtEnd());
+    layOutAnew(600, 16);
+    QVERIFY(page.isAtEnd());
+
+    for (int i = 0; i < 20; ++i)
+        page.view->verticalScrollBar()->triggerAction(QAbstractSlider::SliderPageStepSub);
+    const QString top = page.topLine();
+    layOutAnew(700, 8);
+    QCOMPARE(page.topLine(), top);
+    page.page.resize(400, 500);
+    QTest::qWait(100);
+    QCOMPARE(page.topLine(), top);
+    QFont font = page.view->font();
+    font.setPointSize(17);
+    page.page.fontChanged(font);
+    QTest::qWait(100);
+    QCOMPARE(page.topLine(), top);
+    page.page.resize(500, 450);
+    page.view->setPalette(QPalette(Qt::darkGray));
+    QTest::qWait(100);
+    QCOMPARE(page.topLine(), top);
+}
+
+void TestConsoleReader::selectionOfTheFirstLineDoesNotGrow()
+{
+    Page page;
+    page.receive(numbered(5000), 5000);
+    QVERIFY(QTest::qWaitFor([&page] { return !page.page.console().isFlooded(); }, 60000));
+    QVERIFY(!page.page.console().isComplete());
+    QTextCursor cursor(&page.document());
+    cursor.setPosition(4, QTextCursor::KeepAnchor);
+    page.view->setTextCursor(cursor);
+    QVERIFY(page.comesToRest());
+    QVERIFY(page.view->textCursor().selectedText().size() <= 4);
+}
+
+void TestConsoleReader::readerStopsFollowing()
+{
+    Page page;
+    const QList<Message> lines = numbered(1000);
+    page.receive(lines, 100);
+    QVERIFY(page.comesToRest());
+    QWidget* text = page.view->viewport();
+    QWheelEvent wheel({9, 9}, text->mapToGlobal(QPoint(9, 9)), {}, {0, 120}, {}, {}, {}, false);
+    QCoreApplication::sendEvent(text, &wheel);
+    QVERIFY(!page.autoScroll->isChecked());
+    page.autoScroll->click();
+    for (const char* key : {"Ctrl+Home", "Up", "PgUp", "Shift+Space"}) {
+        QVERIFY(page.autoScroll->isChecked() && page.isAtEnd());
+        QTest::keySequence(page.view, QKeySequence(QLatin1String(key)));
+        QTRY_VERIFY(!page.autoScroll->isChecked());
+        page.autoScroll->click();
+    }
+    QTest::keyClick(page.view, Qt::Key_Control);
+    QCoreApplication::processEvents();
+    QVERIFY(page.autoScroll->isChecked());
+
+    // Records that come between a press and the drag, too many to be appended, and after a click.
+    QTest::mousePress(text, Qt::LeftButton, {}, {30, 100});
+    const QTextCursor anchor = page.view->textCursor();
+    const QString top = page.topLine();
+    for (const int more : {5, live / 2, live, 3 * live}) {
+        page.receive(lines, more);
+        QVERIFY(page.comesToRest());
+        QCOMPARE(page.view->textCursor(), anchor);
+        QCOMPARE(page.topLine(), top);
+    }
+    QTest::mouseRelease(text, Qt::LeftButton, {}, {30, 100});
+    QVERIFY(page.comesToRest());
+    QVERIFY(page.autoScroll->isChecked() && page.isAtEnd());
+    QCOMPARE(page.whyWrong(), QString());
+
+    // Who asks for the end is no longer in the middle of a selection.
+    QTest::mousePress(text, Qt::LeftButton, {}, {30, 100});
+    page.autoScroll->click();
+    page.autoScroll->click();
+    page.receive(lines, 50);
+    QVERIFY(page.comesToRest());
+    QVERIFY(page.isAtEnd());
+}
+
+QTEST_MAIN(TestConsoleReader)
+#include "TestConsoleReader.moc"
