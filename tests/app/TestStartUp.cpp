@@ -323,8 +323,10 @@ void TestStartUp::runsOutOfDescriptors()
     QSKIP("the sanitizer needs descriptors of its own to look at objects, and takes their want for a fault");
 #endif
     Instance instance(60);
+    constexpr std::size_t clients = 100;
     std::vector<std::unique_ptr<RawClient>> flood;
-    for (int i = 0; i < 100; ++i)
+    flood.reserve(clients);
+    for (std::size_t i = 0; i < clients; ++i)
         flood.push_back(std::make_unique<RawClient>(QStringLiteral("Corvale")));
     QTRY_VERIFY(!answers("Corvale"));
     flood.clear();

@@ -62,7 +62,7 @@ void TestConsoleReader::readerStays()
     QCOMPARE(page.view->textCursor().selectedText(), selected);
 
     // From the end upwards.
-    page.page.console().setRebuildAfter(20 * live);
+    page.page.console().setRebuildAfter(20 * static_cast<std::uint64_t>(live));
     page.autoScroll->click();
     QVERIFY(page.comesToRest());
     QTextCursor cursor(&page.document());

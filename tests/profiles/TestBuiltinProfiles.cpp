@@ -207,7 +207,7 @@ TEST_P(BuiltinProfile, configsAddUp)
         checkSurfaces(text, surfaces);
         std::string look;
         for (const auto& [name, value] : flat(nodes))
-            look += name + "=" + value + " ";
+            look.append(name).append("=").append(value).append(" ");
         EXPECT_TRUE(looks.insert(look).second) << "the same as another config";
     }
     std::set<std::string> supported;
