@@ -34,6 +34,7 @@ std::size_t countNodes(std::vector<ProfileNode> before, const std::vector<Profil
 std::vector<ProfileNode> nodesOf(const std::vector<std::string>& names)
 {
     std::vector<ProfileNode> nodes;
+    nodes.reserve(names.size());
     for (const std::string& name : names)
         nodes.push_back({"extension", name, {}});
     return nodes;
