@@ -273,11 +273,10 @@ void ProfileTreeView::keyPressEvent(QKeyEvent* event)
     const Qt::KeyboardModifiers modifiers = event->modifiers() & ~Qt::KeypadModifier;
     const bool isF2 = event->key() == Qt::Key_F2;
     const bool isEnter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (state() == EditingState || !(row.flags() & Qt::ItemIsEditable))
-        QTreeView::keyPressEvent(event);
-    else if (modifiers == Qt::NoModifier && (isF2 || isEnter))
+    const bool isEditable = state() != EditingState && (row.flags() & Qt::ItemIsEditable);
+    if (isEditable && modifiers == Qt::NoModifier && (isF2 || isEnter))
         editRow(row);
-    else if (modifiers == Qt::ShiftModifier && isF2)
+    else if (isEditable && modifiers == Qt::ShiftModifier && isF2)
         editCell(row);
     else
         QTreeView::keyPressEvent(event);
