@@ -67,7 +67,7 @@ std::string eglValue(std::string_view value)
 
 std::string eglValue(const EGLAttribKey& attribute, std::int32_t value)
 {
-    const std::string symbol = egl::symbolicName(value);
+    std::string symbol = egl::symbolicName(value);
     const bool isTruth = value == 0 || value == 1;
     switch (attribute.kind) {
     case KeyKind::Mask:
