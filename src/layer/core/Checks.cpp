@@ -1,0 +1,95 @@
+#include "Checks.h"
+
+#include "CallText.h"
+#include "DebugState.h"
+#include "Process.h"
+#include "Records.h"
+
+#include <utility>
+
+namespace layer {
+
+namespace {
+
+thread_local EGLint eglError = EGL_SUCCESS;
+
+void appendLine(CallText& text, std::string_view line)
+{
+    if (!line.empty())
+        text << line << '\n';
+}
+
+} // namespace
+
+GLenum checkGl(Context& context, Fn function, std::initializer_list<Argument> arguments)
+{
+    context.mustCheck = !context.usesDebugOutput;
+    const std::string_view said(context.pending.text.data(), std::exchange(context.pending.size, 0));
+    const GLenum code = context.takeHostError();
+    if (code == gl::none && said.empty())
+        return code;
+    CallText text;
+    appendLine(text, said);
+    appendCall(text, function, arguments);
+    if (code == gl::none) {
+        records::debugMessage(gl::debugSourceApi, gl::debugTypeError, 0, gl::debugSeverityHigh, text.text());
+        return code;
+    }
+    context.keep(code);
+    records::glError(code, rowOf(function).name, text.text());
+    return code;
+}
+
+void checkStrayErrors(Context& context)
+{
+    const GLenum code = context.takeHostError();
+    if (code == gl::none)
+        return;
+    context.keep(code);
+    records::glError(
+        code, "", "Some call since the last one that was looked after; the driver did not say which.");
+}
+
+void raise(Context& context, GLenum code, Fn function, std::initializer_list<Argument> arguments,
+    std::string_view reason)
+{
+    context.keep(code);
+    CallText text;
+    appendLine(text, reason);
+    context.debug->deliver({gl::debugSourceApi, gl::debugTypeError, code, gl::debugSeverityHigh}, reason);
+    appendCall(text, function, arguments);
+    records::glError(code, rowOf(function).name, text.text());
+}
+
+EGLint checkEgl(Host& host, Fn function, std::initializer_list<Argument> arguments)
+{
+    eglError = host.function<EGLint (*)()>(Fn::eglGetError)();
+    if (eglError != EGL_SUCCESS && options().errors) {
+        CallText text;
+        appendEglName(text, eglError);
+        text << " in ";
+        appendCall(text, function, arguments);
+        records::error(text.text());
+    }
+    return eglError;
+}
+
+namespace hooks {
+
+EGLint eglGetError()
+{
+    return std::exchange(eglError, EGL_SUCCESS);
+}
+
+GLenum glGetError()
+{
+    Context& context = currentContext();
+    if (context.watched)
+        checkStrayErrors(context);
+    const GLenum kept = std::exchange(context.error, gl::none);
+    return kept != gl::none || context.watched ? kept : generated::glGetError();
+}
+
+} // namespace hooks
+
+} // namespace layer

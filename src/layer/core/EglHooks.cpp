@@ -1,0 +1,163 @@
+// The functions of EGL that make, use and end contexts.
+#include "Checks.h"
+#include "Context.h"
+#include "ContextStart.h"
+#include "Probe.h"
+#include "Process.h"
+#include "WrapperParts.h"
+
+#include <vector>
+
+namespace layer::hooks {
+
+namespace {
+
+constexpr EGLint noErrorAttribute = 0x31B3; ///< EGL_CONTEXT_OPENGL_NO_ERROR_KHR
+constexpr EGLint debugFlag = 1; ///< EGL_CONTEXT_OPENGL_DEBUG_BIT_KHR
+
+/// What a program asks of a context.
+struct Request {
+    EGLint major = 1;
+    EGLint minor = 0;
+    bool isDebug = false;
+    std::vector<EGLint> attributes; ///< Without what would keep its errors from us; ends with EGL_NONE.
+};
+
+Request readRequest(const EGLint* attributes, bool isWatched)
+{
+    Request request;
+    for (; attributes && *attributes != EGL_NONE; attributes += 2) {
+        const EGLint value = attributes[1];
+        switch (*attributes) {
+        case EGL_CONTEXT_MAJOR_VERSION:
+            request.major = value;
+            break;
+        case EGL_CONTEXT_MINOR_VERSION:
+            request.minor = value;
+            break;
+        case EGL_CONTEXT_FLAGS_KHR:
+            request.isDebug = request.isDebug || (value & debugFlag) != 0;
+            break;
+        case EGL_CONTEXT_OPENGL_DEBUG:
+            request.isDebug = request.isDebug || value == EGL_TRUE;
+            break;
+        case noErrorAttribute:
+            if (isWatched)
+                continue;
+            break;
+        default:
+            break;
+        }
+        request.attributes.insert(request.attributes.end(), {attributes[0], value});
+    }
+    request.attributes.push_back(EGL_NONE);
+    return request;
+}
+
+void countFrame(EGLBoolean shown)
+{
+    ring::Writer* to = shown ? writer() : nullptr;
+    if (to)
+        to->countFrame();
+}
+
+void beforeFrame()
+{
+    Context& context = currentContext();
+    if (context.watched)
+        checkStrayErrors(context);
+}
+
+} // namespace
+
+EGLBoolean eglInitialize(EGLDisplay display, EGLint* major, EGLint* minor)
+{
+    const EGLBoolean initialized = generated::eglInitialize(display, major, minor);
+    if (initialized)
+        sendReport(hostOf(display), display);
+    return initialized;
+}
+
+EGLContext eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext share, const EGLint* attributes)
+{
+    Host& host = hostOf(display);
+    const bool isEs = host.function<EGLenum (*)()>(Fn::eglQueryAPI)() == EGL_OPENGL_ES_API;
+    const Request request = readRequest(attributes, isEs && options().errors && writer());
+    const EGLContext made = host.function<decltype(&::eglCreateContext)>(Fn::eglCreateContext)(
+        display, config, share, attributes ? request.attributes.data() : nullptr);
+    checkEgl(host, Fn::eglCreateContext,
+        {argument(display), argument(config), argument(share), argument(attributes)});
+    if (made == EGL_NO_CONTEXT)
+        return made;
+    Context& context = contexts::add(display, made);
+    context.config = config;
+    context.isEs = isEs;
+    context.isDebug = request.isDebug;
+    context.requestedVersion = request.major * 10 + request.minor;
+    return made;
+}
+
+EGLBoolean eglDestroyContext(EGLDisplay display, EGLContext handle)
+{
+    Context* context = contexts::find(display, handle);
+    const EGLBoolean destroyed = generated::eglDestroyContext(display, handle);
+    if (destroyed && context) {
+        tellUnused(*context);
+        contexts::remove(display, handle);
+    }
+    return destroyed;
+}
+
+EGLBoolean eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface read, EGLContext handle)
+{
+    const EGLBoolean done = generated::eglMakeCurrent(display, draw, read, handle);
+    if (!done)
+        return done;
+    Context* context = handle == EGL_NO_CONTEXT ? nullptr : contexts::find(display, handle);
+    setCurrentContext(context);
+    if (context && !context->seenCurrent)
+        startContext(*context);
+    return done;
+}
+
+EGLBoolean eglReleaseThread()
+{
+    const EGLBoolean done = generated::eglReleaseThread();
+    setCurrentContext(nullptr);
+    return done;
+}
+
+EGLBoolean eglSwapBuffers(EGLDisplay display, EGLSurface surface)
+{
+    beforeFrame();
+    const EGLBoolean shown = generated::eglSwapBuffers(display, surface);
+    countFrame(shown);
+    return shown;
+}
+
+EGLBoolean eglSwapBuffersWithDamageEXT(
+    EGLDisplay display, EGLSurface surface, const EGLint* rectangles, EGLint count)
+{
+    beforeFrame();
+    const EGLBoolean shown = generated::eglSwapBuffersWithDamageEXT(display, surface, rectangles, count);
+    countFrame(shown);
+    return shown;
+}
+
+EGLBoolean eglSwapBuffersWithDamageKHR(
+    EGLDisplay display, EGLSurface surface, const EGLint* rectangles, EGLint count)
+{
+    beforeFrame();
+    const EGLBoolean shown = generated::eglSwapBuffersWithDamageKHR(display, surface, rectangles, count);
+    countFrame(shown);
+    return shown;
+}
+
+__eglMustCastToProperFunctionPointerType eglGetProcAddress(const char* name)
+{
+    const auto address = generated::eglGetProcAddress(name);
+    void* wrapper = address ? wrapperOf(name) : nullptr;
+    return wrapper ? reinterpret_cast<__eglMustCastToProperFunctionPointerType>(wrapper) : address;
+}
+
+} // namespace layer::hooks

@@ -1,0 +1,105 @@
+#include "Host.h"
+
+#include <algorithm>
+#include <iterator>
+
+namespace layer {
+
+namespace {
+
+const FunctionRow rows[] = {
+#include "LayerFunctionTable.inc"
+};
+static_assert(std::size(rows) == functionCount);
+
+/// Stands in for a function that a driver lacks. Whoever calls it passes more arguments, which the callers of
+/// all machines that we know remove themselves.
+std::uint64_t doNothing()
+{
+    return 0;
+}
+
+constexpr std::size_t hostLimit = 4;
+constinit std::array<Host, hostLimit> hosts;
+
+struct DisplayOfHost {
+    EGLDisplay display = nullptr;
+    Host* host = nullptr;
+};
+
+/// Drivers make few displays and never let go of one, so the first free place is good for ever.
+constinit std::array<std::atomic<DisplayOfHost*>, 64> displays;
+
+} // namespace
+
+const FunctionRow& rowOf(Fn function)
+{
+    return rows[static_cast<std::size_t>(function)];
+}
+
+void* wrapperOf(std::string_view name)
+{
+    const auto* found = std::lower_bound(std::begin(rows), std::end(rows), name,
+        [](const FunctionRow& row, std::string_view wanted) { return row.name < wanted; });
+    return found != std::end(rows) && found->name == name ? found->wrapper : nullptr;
+}
+
+void* Host::resolve(Fn function)
+{
+    void* address = m_resolver ? m_resolver(rowOf(function).name) : nullptr;
+    if (!address)
+        address = reinterpret_cast<void*>(&doNothing);
+    m_functions[static_cast<std::size_t>(function)].store(address, std::memory_order_relaxed);
+    return address;
+}
+
+bool Host::has(Fn function)
+{
+    return this->function<void*>(function) != reinterpret_cast<void*>(&doNothing);
+}
+
+std::size_t hostCount()
+{
+    return static_cast<std::size_t>(std::ranges::count_if(hosts, &Host::isLoaded));
+}
+
+Host& hostAt(std::size_t index)
+{
+    return hosts[std::min(index, hostLimit - 1)];
+}
+
+Host* addHost(Host::Resolver resolver)
+{
+    const auto free = std::ranges::find_if_not(hosts, &Host::isLoaded);
+    if (free == hosts.end())
+        return nullptr;
+    free->setResolver(resolver);
+    return &*free;
+}
+
+Host& hostOf(EGLDisplay display)
+{
+    for (const auto& place : displays) {
+        const DisplayOfHost* found = place.load(std::memory_order_acquire);
+        if (!found)
+            break;
+        if (found->display == display)
+            return *found->host;
+    }
+    return hosts.front();
+}
+
+void setHostOf(EGLDisplay display, Host& host)
+{
+    auto* added = new DisplayOfHost{display, &host};
+    for (auto& place : displays) {
+        DisplayOfHost* found = nullptr;
+        if (place.compare_exchange_strong(found, added, std::memory_order_acq_rel))
+            return;
+        if (found->display == display)
+            break;
+    }
+    delete added;
+}
+
+} // namespace layer
