@@ -4,9 +4,10 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
 
 # What a build needs, and a command to run it: the packages of a bare Debian 12.
-build_packages=(g++ cmake ninja-build qt6-base-dev qt6-svg-dev libtinyxml2-dev)
+build_packages=(g++ cmake ninja-build qt6-base-dev qt6-svg-dev libtinyxml2-dev
+    khronos-api libegl-dev libglvnd-core-dev)
 run_packages=(libqt6svg6 fonts-dejavu-core)
-test_packages=(libgtest-dev)
+test_packages=(libgtest-dev libgles-dev libegl1 libgles2 libegl-mesa0 libgl1-mesa-dri)
 windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 googletest)
 fuzz_packages=(clang libclang-rt-14-dev)
 display_packages=(xvfb x11-utils imagemagick)

@@ -50,17 +50,6 @@ void checkStrayErrors(Context& context)
         code, "", "Some call since the last one that was looked after; the driver did not say which.");
 }
 
-void raise(Context& context, GLenum code, Fn function, std::initializer_list<Argument> arguments,
-    std::string_view reason)
-{
-    context.keep(code);
-    CallText text;
-    appendLine(text, reason);
-    context.debug->deliver({gl::debugSourceApi, gl::debugTypeError, code, gl::debugSeverityHigh}, reason);
-    appendCall(text, function, arguments);
-    records::glError(code, rowOf(function).name, text.text());
-}
-
 EGLint checkEgl(Host& host, Fn function, std::initializer_list<Argument> arguments)
 {
     eglError = host.function<EGLint (*)()>(Fn::eglGetError)();

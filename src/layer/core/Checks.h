@@ -18,8 +18,4 @@ EGLint checkEgl(Host& host, Fn function, std::initializer_list<Argument> argumen
 /// nothing.
 void checkStrayErrors(Context& context);
 
-/// An error that the layer itself finds, as if the driver had found it.
-void raise(Context& context, GLenum code, Fn function, std::initializer_list<Argument> arguments,
-    std::string_view reason);
-
 } // namespace layer

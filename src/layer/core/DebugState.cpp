@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string_view>
 
 namespace layer {
 
@@ -62,17 +63,15 @@ bool DebugState::isEnabled(const DebugMessageKind& kind) const
     return last == rules.rend() || last->enabled;
 }
 
-void DebugState::deliver(const DebugMessageKind& kind, std::string_view text)
+void DebugState::deliver(const DebugMessageKind& kind, const GLchar* message, std::size_t length)
 {
     if (!output || !isEnabled(kind))
         return;
-    if (callback) {
-        const std::string ended(text);
-        callback(kind.source, kind.type, kind.id, kind.severity, static_cast<GLsizei>(ended.size()),
-            ended.c_str(), userParam);
-    } else if (m_log.size() < logLimit) {
-        m_log.push_back({kind, std::string(text)});
-    }
+    if (callback)
+        callback(
+            kind.source, kind.type, kind.id, kind.severity, static_cast<GLsizei>(length), message, userParam);
+    else if (m_log.size() < logLimit)
+        m_log.push_back({kind, std::string(message, length)});
 }
 
 void DebugState::control(
@@ -147,7 +146,7 @@ void hostMessage(GLenum source, GLenum type, GLuint id, GLenum severity, GLsizei
     } else if (!isOfProgram) {
         records::debugMessage(source, type, id, severity, text);
     }
-    context.debug->deliver({source, type, id, severity}, text);
+    context.debug->deliver({source, type, id, severity}, message, text.size());
 }
 
 } // namespace layer

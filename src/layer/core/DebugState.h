@@ -4,7 +4,6 @@
 
 #include <deque>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace layer {
@@ -28,8 +27,9 @@ public:
 
     DebugState();
 
-    /// Hands a message to the program's callback or log, if it wants it.
-    void deliver(const DebugMessageKind& kind, std::string_view text);
+    /// Hands a message of that many bytes, with a NUL somewhere behind them, to the program's callback or
+    /// log, if it wants it.
+    void deliver(const DebugMessageKind& kind, const GLchar* message, std::size_t length);
 
     /// As glDebugMessageControl() with arguments that are valid.
     void control(GLenum source, GLenum type, GLenum severity, GLsizei count, const GLuint* ids, bool enabled);

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstring>
 #include <string_view>
+#include <type_traits>
 
 namespace layer {
 
@@ -20,6 +21,7 @@ public:
         return *this;
     }
     TextBuffer& operator<<(const char* text) { return *this << std::string_view(text ? text : "(none)"); }
+    TextBuffer& operator<<(char letter) { return *this << std::string_view(&letter, 1); }
     template <typename Number>
     requires std::is_arithmetic_v<Number> TextBuffer& operator<<(Number number)
     {
