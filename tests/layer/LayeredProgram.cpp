@@ -81,10 +81,13 @@ LayeredProgram::LayeredProgram(
         std::ofstream(m_folder + "/vendor.json")
             << R"({"file_format_version": "1.0.0", "ICD": {"library_path": ")" CORVALE_VENDOR_LIBRARY
                R"("}})";
-        environment["CORVALE_LAYER_SOCKET"] = m_folder + "/socket";
         environment["CORVALE_LAYER_HOST"] = "libEGL_mesa.so.0";
         environment["__EGL_VENDOR_LIBRARY_FILENAMES"] = m_folder + "/vendor.json";
+    } else if (layer == Layer::Preload) {
+        environment["LD_PRELOAD"] = CORVALE_PRELOAD_LIBRARY;
     }
+    if (layer != Layer::None)
+        environment["CORVALE_LAYER_SOCKET"] = m_folder + "/socket";
     int input[2], output[2];
     if (pipe2(input, O_CLOEXEC) != 0 || pipe2(output, O_CLOEXEC) != 0)
         throw std::runtime_error("no pipe");

@@ -24,7 +24,7 @@ struct SentRecord {
 /// launcher does, but for the window.
 class LayeredProgram {
 public:
-    enum class Layer { None, Vendor };
+    enum class Layer { None, Vendor, Preload };
 
     /// Starts a program with pipes to its standard input and from its output. Environment variables are added
     /// to ours.

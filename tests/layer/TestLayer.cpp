@@ -7,6 +7,11 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+layer::Host::Resolver layer::firstResolver()
+{
+    return nullptr;
+}
+
 namespace {
 
 using Layer = LayeredProgram::Layer;
@@ -37,24 +42,36 @@ protected:
     }
 };
 
-class TestLayerScripts : public TestLayer, public testing::WithParamInterface<const char*> { };
+struct Script {
+    const char* name;
+    const char* options; ///< Of the layer.
+    Layer layer = Layer::Vendor;
+};
+
+class TestLayerScripts : public TestLayer, public testing::WithParamInterface<Script> { };
 
 TEST_P(TestLayerScripts, programSeesWhatItWouldSeeAlone)
 {
-    const std::string bare = bareOutput(GetParam());
-    LayeredProgram layered({CORVALE_GLES_PROGRAM, GetParam()}, Layer::Vendor);
+    const auto [script, options, layer] = GetParam();
+    const std::string bare = bareOutput(script);
+    LayeredProgram layered({CORVALE_GLES_PROGRAM, script}, layer, {{"CORVALE_LAYER_OPTIONS", options}});
     EXPECT_EQ(layered.finish(), bare);
     EXPECT_FALSE(bare.empty());
     EXPECT_EQ(layered.exitStatus(), 0);
     EXPECT_EQ(layered.processes(), 1U);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Scripts, TestLayerScripts, testing::Values("errors", "debug", "debug-context", "threads"));
+INSTANTIATE_TEST_SUITE_P(Scripts, TestLayerScripts,
+    testing::Values(Script{"errors", ""}, Script{"errors", "get-error"}, Script{"errors", "no-errors"},
+        Script{"debug", ""}, Script{"debug", "get-error"}, Script{"debug-context", ""}, Script{"threads", ""},
+        Script{"errors", "", Layer::Preload}, Script{"debug", "", Layer::Preload}));
 
-TEST_F(TestLayer, errorListRowByRow)
+class TestErrorRows : public TestLayer, public testing::WithParamInterface<Layer> { };
+INSTANTIATE_TEST_SUITE_P(Ways, TestErrorRows, testing::Values(Layer::Vendor, Layer::Preload));
+
+TEST_P(TestErrorRows, errorListRowByRow)
 {
-    LayeredProgram program({CORVALE_GLES_PROGRAM, "errors"}, Layer::Vendor);
+    LayeredProgram program({CORVALE_GLES_PROGRAM, "errors"}, GetParam());
     program.finish();
     const std::vector<std::pair<std::uint32_t, std::string>> expected{
         {0x500, "glEnable: glEnable(cap = 0x1234)"},
@@ -107,13 +124,18 @@ TEST_F(TestLayer, errorsOfContextsThatPromisedNone)
     EXPECT_EQ(errorsOf(program).size(), 1U);
 }
 
-TEST_F(TestLayer, noErrorsAreLookedForWhenNobodyWantsThem)
+TEST_F(TestLayer, errorsAreFoundAsTheOptionsSay)
 {
-    LayeredProgram program(
+    LayeredProgram without(
         {CORVALE_GLES_PROGRAM, "errors"}, Layer::Vendor, {{"CORVALE_LAYER_OPTIONS", "no-errors"}});
-    EXPECT_EQ(program.finish(), bareOutput("errors"));
-    EXPECT_TRUE(errorsOf(program).empty());
-    EXPECT_EQ(program.recordsOf(static_cast<std::uint32_t>(Type::ContextInformation)).size(), 1U);
+    without.finish();
+    EXPECT_TRUE(errorsOf(without).empty());
+    EXPECT_EQ(without.recordsOf(static_cast<std::uint32_t>(Type::ContextInformation)).size(), 1U);
+    LayeredProgram asking(
+        {CORVALE_GLES_PROGRAM, "errors"}, Layer::Vendor, {{"CORVALE_LAYER_OPTIONS", "get-error"}});
+    asking.finish();
+    ASSERT_EQ(errorsOf(asking).size(), 7U);
+    EXPECT_EQ(errorsOf(asking).front().text(68), "glEnable(cap = 0x1234)");
 }
 
 TEST_F(TestLayer, threadsReportEachErrorOnce)

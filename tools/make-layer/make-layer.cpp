@@ -310,6 +310,18 @@ void writeTable(const std::string& folder, const Functions& functions)
     }
 }
 
+/// What a preloaded library offers in place of the program's libraries: every function under its own name.
+void writeExports(const std::string& folder, const Functions& functions)
+{
+    std::ofstream out(folder + "/LayerExports.cpp");
+    out << "#include \"LayerFunctions.h\"\n\nextern \"C\" {\n\n";
+    for (const auto& [name, function] : functions)
+        out << "[[gnu::visibility(\"default\")]] " << declarationOf(function)
+            << "\n{\n    return layer::" << (function.hooked ? "hooks::" : "generated::") << name << '('
+            << argumentsOf(function, "") << ");\n}\n\n";
+    out << "}\n";
+}
+
 void writeEglNames(const std::string& folder, const EglNames& names)
 {
     std::ofstream out(folder + "/LayerEglNames.inc");
@@ -342,6 +354,7 @@ int main(int argumentCount, char* arguments[])
         writeHeader(arguments[1], functions);
         writeTable(arguments[1], functions);
         writeWrappers(arguments[1], functions);
+        writeExports(arguments[1], functions);
         writeEglNames(arguments[1], names);
     } catch (const std::exception& error) {
         std::cerr << "make-layer: " << error.what() << '\n';

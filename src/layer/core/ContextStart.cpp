@@ -51,7 +51,7 @@ bool hasWord(std::string_view words, std::string_view wanted)
 bool takeDebugOutput(Context& context, std::string_view extensions)
 {
     const bool isCore = context.esVersion >= 32;
-    if (!isCore && !hasWord(extensions, "GL_KHR_debug"))
+    if (!options().debugOutput || (!isCore && !hasWord(extensions, "GL_KHR_debug")))
         return false;
     const Fn callback = isCore ? Fn::glDebugMessageCallback : Fn::glDebugMessageCallbackKHR;
     const Fn control = isCore ? Fn::glDebugMessageControl : Fn::glDebugMessageControlKHR;

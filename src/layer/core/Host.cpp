@@ -46,7 +46,8 @@ void* wrapperOf(std::string_view name)
 
 void* Host::resolve(Fn function)
 {
-    void* address = m_resolver ? m_resolver(rowOf(function).name) : nullptr;
+    const Resolver resolver = m_resolver ? m_resolver : firstResolver();
+    void* address = resolver ? resolver(rowOf(function).name) : nullptr;
     if (!address)
         address = reinterpret_cast<void*>(&doNothing);
     m_functions[static_cast<std::size_t>(function)].store(address, std::memory_order_relaxed);

@@ -53,6 +53,10 @@ private:
     std::array<std::atomic<void*>, functionCount> m_functions{};
 };
 
+/// How functions are found before any driver was added. The library that the layer is built into defines it;
+/// null where drivers are added before anything is called.
+Host::Resolver firstResolver();
+
 /// How many drivers there are; the first is the one that a program gets unless it asks for another's display.
 std::size_t hostCount();
 Host& hostAt(std::size_t index);

@@ -65,6 +65,7 @@ Options readOptions()
     std::istringstream words(environment("CORVALE_LAYER_OPTIONS"));
     for (std::string word; words >> word;) {
         options.errors = options.errors && word != "no-errors";
+        options.debugOutput = options.debugOutput && word != "get-error";
         options.strict = options.strict || word == "strict";
     }
     return options;

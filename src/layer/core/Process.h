@@ -12,6 +12,7 @@ struct Options {
     std::string socket; ///< Path of the launcher's control socket; empty without a launcher.
     std::vector<std::string> hostLibraries; ///< The machine's own EGL drivers, in order.
     bool errors = true; ///< Whether errors are looked for.
+    bool debugOutput = true; ///< Whether drivers may tell of errors by themselves; else each call asks.
     bool strict = false; ///< Context creation mode of the user's preferences.
 };
 

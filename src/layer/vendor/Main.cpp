@@ -136,6 +136,11 @@ void patchThreadAttach()
 
 } // namespace
 
+layer::Host::Resolver layer::firstResolver()
+{
+    return nullptr;
+}
+
 extern "C" [[gnu::visibility("default")]] EGLBoolean __egl_Main(
     std::uint32_t version, const __EGLapiExports* exports, __EGLvendorInfo* vendor, __EGLapiImports* imports)
 {

@@ -1,0 +1,75 @@
+// For machines without glvnd: a preloaded library that offers every function of EGL and OpenGL under its own
+// name, and catches those who ask the loader for them by name.
+#include "Host.h"
+#include "Process.h"
+
+#include <array>
+#include <string_view>
+
+#include <dlfcn.h>
+
+namespace {
+
+using Dlsym = void* (*)(void*, const char*);
+
+/// The loader's own, which this library's hides. Its version is that of the C library's first release on a
+/// machine.
+Dlsym loaderDlsym()
+{
+    static const Dlsym found = [] {
+        for (const char* version : {"GLIBC_2.34", "GLIBC_2.2.5", "GLIBC_2.17"}) {
+            if (void* address = dlvsym(RTLD_NEXT, "dlsym", version))
+                return reinterpret_cast<Dlsym>(address);
+        }
+        return Dlsym{nullptr};
+    }();
+    return found;
+}
+
+/// Libraries that a program opens by itself are not in the order that RTLD_NEXT goes through.
+void* findInOpened(const char* name)
+{
+    for (const char* library : {"libEGL.so.1", "libGLESv2.so.2", "libGLESv1_CM.so.1", "libGL.so.1"}) {
+        void* handle = dlopen(library, RTLD_LAZY | RTLD_NOLOAD);
+        void* address = handle ? loaderDlsym()(handle, name) : nullptr;
+        if (handle)
+            dlclose(handle);
+        if (address)
+            return address;
+    }
+    return nullptr;
+}
+
+void* findExported(const char* name)
+{
+    void* address = loaderDlsym() ? loaderDlsym()(RTLD_NEXT, name) : nullptr;
+    return address || !loaderDlsym() ? address : findInOpened(name);
+}
+
+void* resolve(const char* name)
+{
+    if (void* address = findExported(name))
+        return address;
+    using GetProcAddress = void* (*)(const char*);
+    static const auto ask = reinterpret_cast<GetProcAddress>(findExported("eglGetProcAddress"));
+    return ask ? ask(name) : nullptr;
+}
+
+} // namespace
+
+layer::Host::Resolver layer::firstResolver()
+{
+    layer::setVia(layer::Via::Preload);
+    return &resolve;
+}
+
+extern "C" [[gnu::visibility("default")]] void* dlsym(void* handle, const char* name)
+{
+    void* found = loaderDlsym() ? loaderDlsym()(handle, name) : nullptr;
+    if (!found)
+        return found;
+    const std::string_view wanted(name);
+    const bool isOurs = wanted.starts_with("gl") || wanted.starts_with("egl");
+    void* wrapper = isOurs && handle != RTLD_NEXT ? layer::wrapperOf(wanted) : nullptr;
+    return wrapper ? wrapper : found;
+}
