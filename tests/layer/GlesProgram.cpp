@@ -16,6 +16,7 @@
 #include <EGL/egl.h>
 #include <EGL/eglext.h>
 #include <GLES3/gl32.h>
+#include <dlfcn.h>
 #include <unistd.h>
 
 namespace {
@@ -341,6 +342,40 @@ void makeErrorsInThreads()
         thread.join();
 }
 
+using Enable = void (*)(GLenum);
+using Dlsym = void* (*)(void*, const char*);
+
+Enable enableOf(const char* library, int flags = RTLD_LAZY)
+{
+    void* handle = dlopen(library, flags);
+    return handle ? reinterpret_cast<Enable>(dlsym(handle, "glEnable")) : nullptr;
+}
+
+/// Makes an error by each way to come by a function; its enumerant is the number of the way.
+void callInAllWays()
+{
+    startCurrent();
+    Dl_info info{};
+    dladdr(reinterpret_cast<void*>(&glEnable), &info);
+    void* library = dlopen("libGLESv2.so.2", RTLD_LAZY);
+    Dlsym loader = nullptr;
+    for (const char* version : {"GLIBC_2.34", "GLIBC_2.2.5", "GLIBC_2.17"}) {
+        if (!loader)
+            loader = reinterpret_cast<Dlsym>(dlvsym(RTLD_DEFAULT, "dlsym", version));
+    }
+    const std::vector<Enable> ways{&glEnable, enableOf("libGLESv2.so.2"), enableOf("libGLESv2.so"),
+        enableOf(info.dli_fname), enableOf("libGLESv2.so.2", RTLD_LAZY | RTLD_DEEPBIND),
+        reinterpret_cast<Enable>(dlsym(RTLD_DEFAULT, "glEnable")),
+        reinterpret_cast<Enable>(eglGetProcAddress("glEnable")), enableOf("libGL.so.1"),
+        enableOf("libOpenGL.so.0"), reinterpret_cast<Enable>(loader ? loader(library, "glEnable") : nullptr)};
+    for (std::size_t way = 0; way < ways.size(); ++way) {
+        if (ways[way]) {
+            ways[way](0x7000 + static_cast<GLenum>(way));
+            std::printf("%zu ", way);
+        }
+    }
+}
+
 void forkAndDraw()
 {
     if (fork() == 0) {
@@ -370,6 +405,7 @@ int main(int argumentCount, char* arguments[])
         {"draw", &drawOnDemand},
         {"threads", &makeErrorsInThreads},
         {"fork", &forkAndDraw},
+        {"ways", &callInAllWays},
     };
     const auto found = scripts.find(argumentCount > 1 ? arguments[1] : "");
     if (found == scripts.end())

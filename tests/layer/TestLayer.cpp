@@ -151,6 +151,19 @@ TEST_F(TestLayer, threadsReportEachErrorOnce)
         counts, (std::map<std::string, int>{{"x = 0", 500}, {"x = 1", 500}, {"x = 2", 500}, {"x = 3", 500}}));
 }
 
+TEST_F(TestLayer, allWaysToComeByAFunctionAreCaught)
+{
+    LayeredProgram program({CORVALE_GLES_PROGRAM, "ways"}, Layer::Vendor);
+    const std::string ways = program.finish();
+    std::string caught;
+    for (const SentRecord& error : errorsOf(program)) {
+        const std::string call = error.text(68);
+        caught += call.substr(call.rfind(')') - 1, 1) + ' ';
+    }
+    EXPECT_EQ(caught, ways);
+    EXPECT_GE(ways.size(), 12U) << "six ways at least need nothing but what the test needs anyway";
+}
+
 TEST_F(TestLayer, forkedChildrenHaveRingsOfTheirOwn)
 {
     LayeredProgram program({CORVALE_GLES_PROGRAM, "fork"}, Layer::Vendor);
