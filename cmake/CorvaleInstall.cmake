@@ -1,11 +1,15 @@
 # What is installed, and where: the program, its icon, the documents for users, and the built-in profiles as examples to
 # copy from.
 install(TARGETS corvale-gui RUNTIME COMPONENT corvale)
+# What watches programs: loaded into them by corvale-run, which looks for it beside its own folder.
+if(TARGET corvale_vendor)
+    install(TARGETS corvale_vendor corvale_preload LIBRARY DESTINATION lib/corvale COMPONENT corvale)
+endif()
 install(FILES src/resources/icons/Corvale.svg
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps
     RENAME corvale-gui.svg
     COMPONENT corvale)
-install(FILES "docs/Corvale User Manual.html" docs/profile-format.md docs/wire-format.md CHANGELOG.md
+install(FILES "docs/Corvale User Manual.html" docs/profile-format.md docs/wire-format.md docs/layer.md CHANGELOG.md
     DESTINATION ${CMAKE_INSTALL_DOCDIR}
     COMPONENT corvale)
 install(DIRECTORY docs/images
