@@ -345,6 +345,12 @@ void makeErrorsInThreads()
 using Enable = void (*)(GLenum);
 using Dlsym = void* (*)(void*, const char*);
 
+#ifdef __SANITIZE_ADDRESS__
+constexpr int deepBinding = 0; // Which the sanitizer refuses.
+#else
+constexpr int deepBinding = RTLD_DEEPBIND;
+#endif
+
 Enable enableOf(const char* library, int flags = RTLD_LAZY)
 {
     void* handle = dlopen(library, flags);
@@ -364,7 +370,7 @@ void callInAllWays()
             loader = reinterpret_cast<Dlsym>(dlvsym(RTLD_DEFAULT, "dlsym", version));
     }
     const std::vector<Enable> ways{&glEnable, enableOf("libGLESv2.so.2"), enableOf("libGLESv2.so"),
-        enableOf(info.dli_fname), enableOf("libGLESv2.so.2", RTLD_LAZY | RTLD_DEEPBIND),
+        enableOf(info.dli_fname), enableOf("libGLESv2.so.2", RTLD_LAZY | deepBinding),
         reinterpret_cast<Enable>(dlsym(RTLD_DEFAULT, "glEnable")),
         reinterpret_cast<Enable>(eglGetProcAddress("glEnable")), enableOf("libGL.so.1"),
         enableOf("libOpenGL.so.0"), reinterpret_cast<Enable>(loader ? loader(library, "glEnable") : nullptr)};

@@ -88,6 +88,8 @@ LayeredProgram::LayeredProgram(
     }
     if (layer != Layer::None)
         environment["CORVALE_LAYER_SOCKET"] = m_folder + "/socket";
+    // Drivers keep memory to the end, and a preloaded library comes before the sanitizer's.
+    environment.emplace("ASAN_OPTIONS", "detect_leaks=0:verify_asan_link_order=0");
     int input[2], output[2];
     if (pipe2(input, O_CLOEXEC) != 0 || pipe2(output, O_CLOEXEC) != 0)
         throw std::runtime_error("no pipe");
