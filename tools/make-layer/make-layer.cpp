@@ -255,7 +255,8 @@ void writeWrapper(std::ostream& out, const Function& function)
         out << "    Context& context = currentContext();\n"
             << "    const auto call = context.function<" << pointer << ">(Fn::" << function.name << ");\n";
     out << "    " << (isVoid ? "" : "const auto result = ") << "call(" << argumentsOf(function, "") << ");\n";
-    const std::string arguments = "{" + argumentsOf(function, "argument") + "}";
+    std::string arguments = argumentsOf(function, "argument");
+    arguments.insert(0, 1, '{').push_back('}');
     if (function.isEgl())
         out << "    checkEgl(host, Fn::" << function.name << ", " << arguments << ");\n";
     else
