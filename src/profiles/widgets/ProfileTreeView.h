@@ -72,6 +72,7 @@ protected:
     QModelIndex addRow(int row, const QModelIndex& parent, const QVariant& key);
 
 private:
+    void measureValues();
     void fitColumns();
     QModelIndex valueOf(const QModelIndex& index) const;
     bool editCell(const QModelIndex& cell);
