@@ -180,7 +180,7 @@ void EGLConfigTree::refresh(const ProfileData::Configs& configs)
 void EGLConfigTree::fill(const ProfileData::Configs& configs)
 {
     for (const auto& [id, attributes] : configs)
-        topItems().append(std::make_unique<EGLConfigTreeItem>(id, attributes));
+        appendSaved(std::make_unique<EGLConfigTreeItem>(id, attributes));
 }
 
 ProfileData::Configs EGLConfigTree::configs() const

@@ -48,7 +48,7 @@ void ESCapabilityTree::fill(const ProfileData::Capabilities& capabilities)
         auto api = std::make_unique<ESCapabilityTreeItem>(columns, version);
         for (const ProfileNode& node : nodes)
             api->children().append(std::make_unique<ESCapabilityTreeItem>(node));
-        topItems().append(std::move(api));
+        appendSaved(std::move(api));
     }
 }
 

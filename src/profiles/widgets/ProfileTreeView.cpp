@@ -129,6 +129,14 @@ void ProfileTreeView::fitColumns()
     setColumnWidth(ValueColumn, std::max(m_valueWidth, room - columnWidth(KeyColumn)));
 }
 
+/// A change of a value can change how its key is painted.
+void ProfileTreeView::dataChanged(
+    const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles)
+{
+    QTreeView::dataChanged(topLeft.siblingAtColumn(KeyColumn),
+        bottomRight.siblingAtColumn(valueOf(bottomRight).column()), roles);
+}
+
 /// Keeps the keys in sight: values may be wider than the view.
 void ProfileTreeView::scrollTo(const QModelIndex& index, ScrollHint hint)
 {

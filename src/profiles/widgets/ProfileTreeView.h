@@ -24,6 +24,8 @@ class ProfileTreeView : public QTreeView {
 
 public:
     void setModel(QAbstractItemModel* model) override;
+    void dataChanged(
+        const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles = {}) override;
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
 
     /// Whether there is a context menu. Whether cells can be edited is the model's affair.

@@ -9,6 +9,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <functional>
+
 using models::KeyColumn;
 using models::ValueColumn;
 
@@ -92,6 +94,7 @@ private Q_SLOTS:
     void oneChangeChangesOneElement_data();
     void oneChangeChangesOneElement();
     void rowsComeAndGo();
+    void changedRowsAreUnsaved();
     void partsJoinTheirElement();
     void refusals();
 };
@@ -259,6 +262,45 @@ void TestProfileTrees::rowsComeAndGo()
              &profile.capabilities(), &profile.extensions(), &profile.configs()})
         QVERIFY(tree->removeRow(0));
     QCOMPARE(written(profile, *wrapper), writeProfile(wrapper->data()));
+}
+
+void TestProfileTrees::changedRowsAreUnsaved()
+{
+    const auto wrapper = load(oddProfile);
+    models::Profile profile(*wrapper);
+    models::EGLConfigTree& configs = profile.configs();
+    const auto unsaved = [&configs] {
+        QStringList rows;
+        const std::function<void(const QModelIndex&)> collect = [&](const QModelIndex& parent) {
+            for (int row = 0; row < configs.rowCount(parent); ++row) {
+                const QModelIndex index = configs.index(row, KeyColumn, parent);
+                if (index.siblingAtColumn(ValueColumn).data(models::UnsavedRole).toBool())
+                    rows << index.data().toString();
+                collect(index);
+            }
+        };
+        collect({});
+        return rows.join(QLatin1Char(' '));
+    };
+    QCOMPARE(unsaved(), QString());
+    const QModelIndex warm =
+        find(configs, {"Config -3", "transparency/glow", "warm"}, ValueColumn, QStringLiteral("EGL_TRUE"));
+    QVERIFY(configs.setData(warm, 5));
+    QVERIFY(configs.setData(configs.index(0, KeyColumn), 4));
+    const QModelIndex copy = configs.duplicate(find(configs, {"Config 4", "EGL_SAMPLES"}));
+    QVERIFY(copy.isValid());
+    QCOMPARE(unsaved(), QStringLiteral("Config 4 EGL_SAMPLES warm"));
+    QCOMPARE(copy.data(Qt::AccessibleDescriptionRole).toString(), QStringLiteral("changed, not saved"));
+    // What is as it was is saved, also after it was deleted; what has been written is saved.
+    QVERIFY(configs.setData(configs.index(0, KeyColumn), -3));
+    QVERIFY(configs.setData(warm, 1));
+    QVERIFY(configs.removeRow(0));
+    QCOMPARE(configs.restoreRemovedRows(), QString());
+    QCOMPARE(unsaved(), QStringLiteral("EGL_SAMPLES"));
+    ProfileData document = wrapper->data();
+    QCOMPARE(profile.writeTo(document), std::string());
+    profile.refresh(document);
+    QCOMPARE(unsaved(), QString());
 }
 
 void TestProfileTrees::partsJoinTheirElement()
