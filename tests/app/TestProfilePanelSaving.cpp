@@ -393,8 +393,14 @@ void TestProfilePanelSaving::emptyPagesSayWhatToDo()
     QCOMPARE(device(), QStringLiteral("New profile"));
     QVERIFY(!find<>("noticeHost")->isVisible());
     QTRY_VERIFY(find<>("noticeEmpty")->isVisible());
-    QTest::mouseClick(find<>("btnAddFirstConfig"), Qt::LeftButton);
+    m_answers.enter(QStringLiteral("Add API"), QStringLiteral("OpenGL ES 3.0"));
+    QTest::mouseClick(find<>("btnAddFirstApi"), Qt::LeftButton);
     QVERIFY(isModifying());
+    QCOMPARE(index("extensionsView", {0}).data().toString(), QStringLiteral("OpenGL ES 3.0"));
+    QTRY_VERIFY(!find<>("noticeEmpty")->isVisible());
+    tree("extensionsView")->model()->removeRow(0);
+    QTRY_VERIFY(find<>("noticeEmpty")->isVisible());
+    QTest::mouseClick(find<>("btnAddFirstConfig"), Qt::LeftButton);
     QCOMPARE(tree("eglConfigsView")->model()->rowCount(), 1);
     QTRY_VERIFY(!find<>("noticeEmpty")->isVisible());
 }
