@@ -161,6 +161,7 @@ void MainWindow::setUpHostNotice()
                 : QString());
     };
     connect(m_currentProfile, &models::CurrentProfile::shownChanged, notice, show);
+    connect(m_currentProfile, &models::CurrentProfile::discardTakenBack, notice, show);
     show();
 }
 
