@@ -5,7 +5,7 @@
 #include "ProfileDataWrapper.h"
 #include "ProfileEditor.h"
 #include "ProfileFile.h"
-#include "ProfileWriter.h"
+#include "ProfileReader.h"
 
 #include <QFile>
 
@@ -227,7 +227,7 @@ void CurrentProfile::finishSave(const Pointer& saved, const std::string& directo
     m_state = State::Listed;
     m_lastListed = saved;
     // From now on the profile goes by the file that was written, with its lines.
-    saved->edit()->setSource(writeProfile(saved->data()));
+    *saved->edit() = readWritten(saved->data());
     m_stored = saved->data();
     const std::string path = profile_file::pathFor(directory, saved->data().fileName()).string();
     const Pointer before = chosen();

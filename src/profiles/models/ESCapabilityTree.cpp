@@ -15,6 +15,7 @@ constexpr int columns = 2;
 ESCapabilityTreeItem::ESCapabilityTreeItem(const ProfileNode& node)
     : ESTreeItem(columns)
 {
+    setOrigin(node.origin);
     setWritten(KeyColumn, node.name);
     setWritten(ValueColumn, node.value);
     for (const ProfileNode& part : node.children)
@@ -23,7 +24,7 @@ ESCapabilityTreeItem::ESCapabilityTreeItem(const ProfileNode& node)
 
 ProfileNode ESCapabilityTreeItem::node() const
 {
-    ProfileNode node{text(KeyColumn), text(ValueColumn), {}};
+    ProfileNode node{text(KeyColumn), text(ValueColumn), {}, origin()};
     for (int row = 0; row < children().count(); ++row)
         node.children.push_back(static_cast<const ESCapabilityTreeItem*>(children().at(row))->node());
     return node;

@@ -71,6 +71,10 @@ public:
     /// That text, else the value as text.
     std::string text(int column) const;
 
+    /// The element of the document that the row was read from, as ProfileNode has it; copies have none.
+    const std::optional<int>& origin() const { return m_origin; }
+    void setOrigin(const std::optional<int>& origin) { m_origin = origin; }
+
     /// Takes the values of this row, and of all rows below it, for those of the saved document.
     void setSaved();
     /// Whether the saved document has other values, or does not have the row.
@@ -88,6 +92,7 @@ private:
     std::vector<Cell> m_cells;
     /// None for a row that was added.
     std::vector<QVariant> m_saved;
+    std::optional<int> m_origin;
     ProfileTreeItems m_children;
     ProfileTreeItem* m_parent = nullptr;
     int m_row = 0;
