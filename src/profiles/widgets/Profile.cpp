@@ -223,6 +223,10 @@ void Profile::view()
     for (Field& field : m_fields) {
         field.edit->setFrame(false);
         field.edit->setReadOnly(true);
+        // On a dark page, another background looks like an entry.
+        QPalette seeThrough;
+        seeThrough.setColor(QPalette::Base, Qt::transparent);
+        field.edit->setPalette(seeThrough);
     }
     for (QPushButton* button : {m_ui->btnEdit, m_ui->btnSave, m_ui->btnSaveAs, m_ui->btnDiscard})
         button->hide();
@@ -238,6 +242,7 @@ void Profile::modify()
     for (Field& field : m_fields) {
         field.edit->setFrame(true);
         field.edit->setReadOnly(false);
+        field.edit->setPalette({});
         field.edit->show();
         field.label->show();
     }
