@@ -11,9 +11,9 @@
 #include "ErrorListModel.h"
 #include "FeedbackDialog.h"
 #include "FocusedWheel.h"
+#include "HostNotice.h"
 #include "LocalListener.h"
 #include "MonitorStatus.h"
-#include "NoticeBar.h"
 #include "PlainMessageBox.h"
 #include "Preferences.h"
 #include "PreferencesReporter.h"
@@ -43,7 +43,6 @@
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QMessageBox>
-#include <QPushButton>
 #include <QShortcut>
 
 namespace {
@@ -121,7 +120,9 @@ void MainWindow::setUpProfiles()
     m_profileChooser = new ProfileChooser(*m_currentProfile, m_ui->cmbProfile);
     m_profilePanel = new widgets::Profile(*m_currentProfile, m_ui->tabProfileProperties);
     m_profilePanel->clear();
-    setUpHostNotice();
+    auto* host = new HostNotice(*m_currentProfile, *m_ui->cmbProfile, m_ui->tabProfileProperties);
+    connect(host, &HostNotice::newProfileWanted, m_ui->actionNew_Profile, &QAction::trigger);
+    m_ui->profilePropertiesTabLayout->addWidget(host);
     m_ui->profilePropertiesTabLayout->addWidget(m_profilePanel);
     m_ui->actionNew_Profile->setEnabled(m_controller != nullptr);
     connect(m_currentProfile, &models::CurrentProfile::listChanged, this,
@@ -137,31 +138,6 @@ void MainWindow::setUpProfiles()
                "changes as a new one."),
             messageTime);
     });
-}
-
-/// Says above the empty page what "Host" is, and what else there is to choose.
-void MainWindow::setUpHostNotice()
-{
-    auto* notice = new widgets::NoticeBar(QStringLiteral("noticeHost"), m_ui->tabProfileProperties);
-    const QPushButton* choose = notice->addButton(
-        QStringLiteral("btnChooseProfile"), tr("C&hoose..."), tr("Open the list of devices"));
-    const QPushButton* create = notice->addButton(
-        QStringLiteral("btnNewProfile"), tr("Ne&w Profile..."), tr("Make a profile of your own"));
-    connect(choose, &QPushButton::clicked, m_ui->cmbProfile, [this] {
-        m_ui->cmbProfile->setFocus();
-        m_ui->cmbProfile->showPopup();
-    });
-    connect(create, &QPushButton::clicked, m_ui->actionNew_Profile, &QAction::trigger);
-    m_ui->profilePropertiesTabLayout->addWidget(notice);
-    const auto show = [this, notice] {
-        const bool isHost = m_currentProfile->state() == models::CurrentProfile::State::None;
-        notice->setText(isHost
-                ? tr("\"Host\" is this computer's own hardware, so there is nothing to change. "
-                     "Choose a device that applications are to find instead, or make one.")
-                : QString());
-    };
-    connect(m_currentProfile, &models::CurrentProfile::shownChanged, notice, show);
-    show();
 }
 
 void MainWindow::setUpFonts()

@@ -103,7 +103,6 @@ private:
     void setUpHelp();
     void setUpPages();
     void setUpProfiles();
-    void setUpHostNotice();
     void setUpServer();
     void countProblems(const ClientInterface& page);
     void clientDisconnected(Client* client, const QString& text, bool isClean);

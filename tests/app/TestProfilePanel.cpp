@@ -1,7 +1,10 @@
+#include "ElidedLineEdit.h"
 #include "MetaObjects.h"
 #include "ProfilePanelDriver.h"
 
+#include <QHelpEvent>
 #include <QLabel>
+#include <QToolTip>
 
 namespace {
 
@@ -27,6 +30,7 @@ private Q_SLOTS:
     void slotsStandInOrder();
     void viewingAndModifying();
     void savingChangesOneValue();
+    void longTextsAreElided();
     void menusOfferWhatIsMissing();
     void rowsAreAddedAndDeleted();
 };
@@ -95,6 +99,23 @@ void TestProfilePanel::savingChangesOneValue()
     click("btnSave");
     QCOMPARE(content(QStringLiteral("mine.xml")), expected);
     QVERIFY(!isModifying());
+}
+
+void TestProfilePanel::longTextsAreElided()
+{
+    const QString renderer = QStringLiteral("A renderer with a very long name");
+    click("btnEdit");
+    auto* edit = find<ElidedLineEdit>("editRenderer");
+    edit->setText(renderer);
+    edit->resize(100, edit->height());
+    const QImage shown = edit->grab().toImage();
+    QHelpEvent help(QEvent::ToolTip, {}, edit->mapToGlobal(QPoint()));
+    QApplication::sendEvent(edit, &help);
+    QVERIFY(QToolTip::text().contains(renderer));
+    edit->setText(edit->elidedText());
+    QVERIFY(edit->text().size() < renderer.size());
+    QCOMPARE(edit->grab().toImage(), shown);
+    QToolTip::hideText();
 }
 
 void TestProfilePanel::menusOfferWhatIsMissing()

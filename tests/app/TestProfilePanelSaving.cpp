@@ -33,6 +33,7 @@ private Q_SLOTS:
     void failedSaveKeepsTheEdits();
     void refusedEntriesAreNotSaved();
     void discardedChangesComeBack();
+    void discardedNewProfilesComeBack();
     void deletedRowsComeBack();
     void hiddenElementsAreNamed();
     void unsavedChangesAreMarked();
@@ -297,6 +298,48 @@ void TestProfilePanelSaving::discardedChangesComeBack()
     QVERIFY(content(QStringLiteral("new.xml")).contains(QStringLiteral("<device>Brand new</device>")));
 }
 
+void TestProfilePanelSaving::discardedNewProfilesComeBack()
+{
+    // Also where nothing else is shown.
+    choose(QStringLiteral("Host"));
+    m_answers.enter(fileNameTitle, QString());
+    find<QAction>("actionNew_Profile")->trigger();
+    click("btnEdit");
+    enterDevice(QStringLiteral("Brand new"));
+    click("btnDiscard");
+    QVERIFY(!find<>("editDevice")->isEnabled() && !tree("capabilitiesView")->isEnabled());
+    click("btnBringBackChanges");
+    QCOMPARE(device(), QStringLiteral("Brand new"));
+    QVERIFY(find<>("editDevice")->isEnabled() && tree("capabilitiesView")->isEnabled());
+    QVERIFY(!find<>("noticeHost")->isVisible());
+    click("btnDiscard");
+    choose(QStringLiteral("Mine (mine.xml)"));
+    QVERIFY(!button("btnBringBackChanges")->isVisible());
+
+    // Changes of another profile have to be saved first, or come back themselves.
+    m_answers.enter(fileNameTitle, QString());
+    find<QAction>("actionNew_Profile")->trigger();
+    click("btnEdit");
+    enterDevice(QStringLiteral("Second"));
+    click("btnDiscard");
+    click("btnEdit");
+    enterDevice(QStringLiteral("Ours"));
+    click("btnBringBackChanges");
+    QCOMPARE(device(), QStringLiteral("Ours"));
+    click("btnDiscard");
+    click("btnBringBackChanges");
+    QCOMPARE(device(), QStringLiteral("Ours"));
+    m_answers.enter(fileNameTitle, QStringLiteral("ours.xml"));
+    click("btnSaveAs");
+    QCOMPARE(chooser()->currentText(), QStringLiteral("Ours (ours.xml)"));
+    click("btnBringBackChanges");
+    QCOMPARE(device(), QStringLiteral("Second"));
+    m_answers.enter(fileNameTitle, QStringLiteral("second.xml"));
+    click("btnSave");
+    QVERIFY(content(QStringLiteral("second.xml")).contains(QStringLiteral("<device>Second</device>")));
+    QCOMPARE(content(QStringLiteral("mine.xml")), m_xml);
+}
+
 void TestProfilePanelSaving::deletedRowsComeBack()
 {
     click("btnEdit");
@@ -393,8 +436,14 @@ void TestProfilePanelSaving::emptyPagesSayWhatToDo()
     QCOMPARE(device(), QStringLiteral("New profile"));
     QVERIFY(!find<>("noticeHost")->isVisible());
     QTRY_VERIFY(find<>("noticeEmpty")->isVisible());
-    QTest::mouseClick(find<>("btnAddFirstConfig"), Qt::LeftButton);
+    m_answers.enter(QStringLiteral("Add API"), QStringLiteral("OpenGL ES 3.0"));
+    QTest::mouseClick(find<>("btnAddFirstApi"), Qt::LeftButton);
     QVERIFY(isModifying());
+    QCOMPARE(index("extensionsView", {0}).data().toString(), QStringLiteral("OpenGL ES 3.0"));
+    QTRY_VERIFY(!find<>("noticeEmpty")->isVisible());
+    tree("extensionsView")->model()->removeRow(0);
+    QTRY_VERIFY(find<>("noticeEmpty")->isVisible());
+    QTest::mouseClick(find<>("btnAddFirstConfig"), Qt::LeftButton);
     QCOMPARE(tree("eglConfigsView")->model()->rowCount(), 1);
     QTRY_VERIFY(!find<>("noticeEmpty")->isVisible());
 }

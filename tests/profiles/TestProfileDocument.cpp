@@ -1,4 +1,5 @@
 #include "Limits.h"
+#include "ProfileChanges.h"
 #include "ProfileData.h"
 #include "ProfileFile.h"
 #include "ProfileReader.h"
@@ -261,6 +262,22 @@ TEST(ProfileDocument, aSaveChangesWhatWasChangedAlone)
     edited = read;
     edited.configs().erase(4);
     EXPECT_EQ(writeProfile(edited).find("small"), std::string::npos);
+}
+
+TEST(ProfileDocument, changesOfPartsCountEach)
+{
+    const ProfileData before = readProfile(
+        "<profile><es version='2'><range><min>1</min><max>2</max></range><x>1</x><x>2</x></es></profile>");
+    ProfileData after = before;
+    std::vector<ProfileNode>& nodes = after.capabilities()[2];
+    nodes[0].children[0].value = "3";
+    nodes[0].children[1].value = "4";
+    EXPECT_EQ(countChanges(before, after), 2U);
+    nodes[1].value = "5";
+    nodes.push_back({"size", "", {{"width", "1", {}}, {"height", "1", {}}}});
+    EXPECT_EQ(countChanges(before, after), 4U);
+    nodes.clear();
+    EXPECT_EQ(countChanges(before, after), 3U);
 }
 
 TEST(ProfileDocument, otherMarkupIsAnotherDocument)

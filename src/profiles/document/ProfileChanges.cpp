@@ -9,8 +9,8 @@ namespace {
 
 /// The elements of one name that only one of the two lists has.
 struct Difference {
-    std::size_t onlyBefore = 0;
-    std::size_t onlyAfter = 0;
+    std::vector<ProfileNode> onlyBefore;
+    std::vector<ProfileNode> onlyAfter;
 };
 
 std::size_t countNodes(std::vector<ProfileNode> before, const std::vector<ProfileNode>& after)
@@ -19,15 +19,22 @@ std::size_t countNodes(std::vector<ProfileNode> before, const std::vector<Profil
     for (const ProfileNode& node : after) {
         const auto same = std::find(before.begin(), before.end(), node);
         if (same == before.end())
-            ++differences[node.name].onlyAfter;
+            differences[node.name].onlyAfter.push_back(node);
         else
             before.erase(same);
     }
     for (const ProfileNode& node : before)
-        ++differences[node.name].onlyBefore;
+        differences[node.name].onlyBefore.push_back(node);
     std::size_t changes = 0;
-    for (const auto& [name, difference] : differences)
-        changes += std::max(difference.onlyBefore, difference.onlyAfter);
+    for (const auto& [name, difference] : differences) {
+        const auto& [old, changed] = difference;
+        changes += std::max(old.size(), changed.size());
+        // Each part that was changed counts.
+        for (std::size_t i = 0; i < std::min(old.size(), changed.size()); ++i) {
+            if (!old[i].children.empty() && !changed[i].children.empty())
+                changes += std::max<std::size_t>(countNodes(old[i].children, changed[i].children), 1) - 1;
+        }
+    }
     return changes;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -10,6 +11,13 @@ struct ProfileNode {
     std::string name;
     std::string value;
     std::vector<ProfileNode> children;
+    /// Which element of the document it was read from, from 0 in the document's order; nothing for one that
+    /// was made. A save writes the node into that element again.
+    std::optional<int> origin = std::nullopt;
 
-    bool operator==(const ProfileNode&) const = default;
+    /// Compares what is read of it, not where it comes from.
+    bool operator==(const ProfileNode& other) const
+    {
+        return name == other.name && value == other.value && children == other.children;
+    }
 };

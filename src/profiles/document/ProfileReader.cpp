@@ -3,6 +3,7 @@
 #include "GuardedFile.h"
 #include "Limits.h"
 #include "ProfileElements.h"
+#include "ProfileWriter.h"
 #include "Utf8.h"
 #include "XmlText.h"
 
@@ -13,6 +14,7 @@
 #include <tinyxml2.h>
 
 using platform::textOf;
+using profile_elements::ElementNumbers;
 using profile_elements::number;
 using profile_elements::readNode;
 using tinyxml2::XMLAttribute;
@@ -101,9 +103,10 @@ std::string read(ProfileData& profile, std::string_view document)
     xml.Accept(&check);
     if (!check.isGood())
         return "it refers to a character that does not exist";
-    const XMLElement* root = xml.FirstChildElement("profile");
+    XMLElement* root = xml.FirstChildElement("profile");
     if (!root)
         return "No <profile> element was found";
+    const ElementNumbers numbers(*root);
     readRoot(profile, *root);
     profile.setSource(document);
     return {};
@@ -124,6 +127,13 @@ ProfileData readProfile(std::string_view xml)
     if (!reason.empty())
         throw ProfileError("Failed to load profile data", reason);
     return profile;
+}
+
+ProfileData readWritten(const ProfileData& profile)
+{
+    ProfileData written = readProfile(writeProfile(profile));
+    written.setFileName(profile.fileName());
+    return written;
 }
 
 ProfileData readProfileFile(const std::string& path)

@@ -17,6 +17,8 @@ private:
     std::string m_reason;
 };
 
-/// Both throw ProfileError.
+/// All throw ProfileError.
 ProfileData readProfile(std::string_view xml);
+/// The profile as it is read from what a save of it writes.
+ProfileData readWritten(const ProfileData& profile);
 ProfileData readProfileFile(const std::string& path);

@@ -1,5 +1,6 @@
 #include "ProfileWriter.h"
 
+#include "ElementChoice.h"
 #include "ElementOrder.h"
 #include "Limits.h"
 #include "ProfileData.h"
@@ -7,30 +8,20 @@
 #include "XmlText.h"
 
 #include <algorithm>
-#include <deque>
 #include <map>
 #include <set>
 #include <utility>
 
 #include <tinyxml2.h>
 
+using element_choice::Sections;
+using profile_elements::ElementNumbers;
 using profile_elements::number;
-using profile_elements::readNode;
 using tinyxml2::XMLDocument;
 using tinyxml2::XMLElement;
 using tinyxml2::XMLNode;
 
 namespace {
-
-/// Tells nodes apart by everything that is in them.
-std::string fingerprint(const ProfileNode& node)
-{
-    constexpr char end = '\0';
-    std::string text = node.name + end + node.value + end;
-    for (const ProfileNode& child : node.children)
-        text += fingerprint(child);
-    return text + end;
-}
 
 ProfileNode extensionNode(const std::string& name)
 {
@@ -72,21 +63,20 @@ public:
     std::string write();
 
 private:
-    using Sections = std::map<int, XMLElement*>;
-
     void readSource();
     XMLElement* takeText(const char* name, const std::string& text);
     void setText(XMLElement& element, const std::string& text);
     void setNode(XMLElement& element, const ProfileNode& node);
     void setNodes(XMLElement& parent, const std::vector<ProfileNode>& nodes, bool isApi);
     Sections sectionsOf(XMLElement& parent, const char* name, const char* attribute);
-    XMLElement* section(Sections& sections, const char* name, const char* attribute, int value);
+    XMLElement* section(XMLElement* chosen, const char* name, const char* attribute, int value);
     void takeApis(XmlElements& order);
     XMLElement* takeEgl();
 
     const ProfileData& m_profile;
     XMLDocument m_document{true, tinyxml2::PRESERVE_WHITESPACE};
     XMLElement* m_root = nullptr;
+    std::optional<ElementNumbers> m_numbers;
 };
 
 std::string Writer::write()
@@ -125,6 +115,7 @@ void Writer::readSource()
         m_root = m_document.NewElement("profile");
         m_document.InsertEndChild(m_root);
     }
+    m_numbers.emplace(*m_root);
     m_document.SetBOM(false);
     for (XMLNode* node = m_document.FirstChild(); node;) {
         XMLNode* declaration = std::exchange(node, node->NextSibling());
@@ -165,45 +156,17 @@ void Writer::setNode(XMLElement& element, const ProfileNode& node)
     setNodes(element, node.children, false);
 }
 
-/// Makes these the elements of a parent. An element that is there already is taken for the node that equals
-/// it, else for one of its name. The extensions of an API are texts, whatever elements stand in them.
+/// Makes these the elements of a parent.
 void Writer::setNodes(XMLElement& parent, const std::vector<ProfileNode>& nodes, bool isApi)
 {
-    const auto isExtension = [isApi](const std::string& name) {
-        return isApi && name == "extension";
-    };
-    std::map<std::string, std::deque<XMLElement*>> equal;
     XmlElements there;
-    for (XMLElement* child = parent.FirstChildElement(); child; child = child->NextSiblingElement()) {
+    for (XMLElement* child = parent.FirstChildElement(); child; child = child->NextSiblingElement())
         there.push_back(child);
-        const ProfileNode node =
-            isExtension(child->Name()) ? extensionNode(platform::textOf(*child)) : readNode(*child);
-        equal[fingerprint(node)].push_back(child);
-    }
-    XmlElements order(nodes.size());
-    std::set<const XMLElement*> taken;
+    XmlElements order = element_choice::forNodes(parent, nodes, isApi);
     for (std::size_t i = 0; i < nodes.size(); ++i) {
-        std::deque<XMLElement*>& same = equal[fingerprint(nodes[i])];
-        if (same.empty())
-            continue;
-        order[i] = same.front();
-        same.pop_front();
-        taken.insert(order[i]);
-    }
-    std::map<std::string, std::deque<XMLElement*>> named;
-    for (XMLElement* child : there) {
-        if (!taken.contains(child))
-            named[child->Name()].push_back(child);
-    }
-    for (std::size_t i = 0; i < nodes.size(); ++i) {
-        std::deque<XMLElement*>& rest = named[nodes[i].name];
-        if (!order[i] && !rest.empty()) {
-            order[i] = rest.front();
-            rest.pop_front();
-        }
         if (!order[i])
             order[i] = m_document.NewElement(nodes[i].name.c_str());
-        if (isExtension(nodes[i].name))
+        if (isApi && nodes[i].name == "extension")
             setText(*order[i], nodes[i].value);
         else
             setNode(*order[i], nodes[i]);
@@ -214,7 +177,7 @@ void Writer::setNodes(XMLElement& parent, const std::vector<ProfileNode>& nodes,
 }
 
 /// The elements with that name and a proper number. Those with the same number become one.
-Writer::Sections Writer::sectionsOf(XMLElement& parent, const char* name, const char* attribute)
+Sections Writer::sectionsOf(XMLElement& parent, const char* name, const char* attribute)
 {
     Sections sections;
     for (XMLElement* child = parent.FirstChildElement(name); child;) {
@@ -237,18 +200,15 @@ Writer::Sections Writer::sectionsOf(XMLElement& parent, const char* name, const 
     return sections;
 }
 
-XMLElement* Writer::section(Sections& sections, const char* name, const char* attribute, int value)
+XMLElement* Writer::section(XMLElement* chosen, const char* name, const char* attribute, int value)
 {
-    XMLElement*& element = sections[value];
-    if (!element)
-        element = m_document.NewElement(name);
+    XMLElement* element = chosen ? chosen : m_document.NewElement(name);
     element->SetAttribute(attribute, value);
     return element;
 }
 
 void Writer::takeApis(XmlElements& order)
 {
-    Sections sections = sectionsOf(*m_root, "es", "version");
     std::map<int, std::vector<ProfileNode>> nodes;
     // Versions that have capabilities alone come after all others.
     std::vector<int> versions;
@@ -262,8 +222,9 @@ void Writer::takeApis(XmlElements& order)
             versions.push_back(version);
         nodes[version].insert(nodes[version].end(), capabilities.begin(), capabilities.end());
     }
+    Sections chosen = element_choice::forSections(sectionsOf(*m_root, "es", "version"), nodes);
     for (const int version : versions) {
-        order.push_back(section(sections, "es", "version", version));
+        order.push_back(section(chosen[version], "es", "version", version));
         setNodes(*order.back(), nodes[version], true);
     }
 }
@@ -274,21 +235,22 @@ XMLElement* Writer::takeEgl()
     if (!egl)
         egl = m_root->InsertNewChildElement("egl");
     deleteTexts(*egl);
-    Sections sections = sectionsOf(*egl, "config", "id");
-    XmlElements order;
-    std::set<int> written;
-    for (auto& [id, config] : sections) {
+    const Sections sections = sectionsOf(*egl, "config", "id");
+    Sections configs = element_choice::forSections(sections, m_profile.configs());
+    std::set<const XMLElement*> taken;
+    for (auto& [id, config] : configs) {
+        config = section(config, "config", "id", id);
+        taken.insert(config);
+        setNodes(*config, m_profile.configs().at(id), false);
+    }
+    for (const auto& [id, config] : sections) {
         // One without attributes says nothing, unless somebody has written more into it.
-        const bool isEmpty = !config->FirstChildElement() && !isBare(*config, "id");
-        if (isEmpty && !m_profile.configs().contains(id))
-            written.insert(id);
+        if (!taken.contains(config) && !config->FirstChildElement() && !isBare(*config, "id"))
+            configs.emplace(id, config);
     }
-    for (const auto& [id, attributes] : m_profile.configs()) {
-        setNodes(*section(sections, "config", "id", id), attributes, false);
-        written.insert(id);
-    }
-    for (const int id : written)
-        order.push_back(sections[id]);
+    XmlElements order;
+    for (const auto& [id, config] : configs)
+        order.push_back(config);
     for (XMLElement* child = egl->FirstChildElement(); child; child = child->NextSiblingElement()) {
         if (child->Name() != std::string_view("config") || !number(*child, "id"))
             order.push_back(child);

@@ -5,7 +5,7 @@
 #include "ProfileDataWrapper.h"
 #include "ProfileEditor.h"
 #include "ProfileFile.h"
-#include "ProfileWriter.h"
+#include "ProfileReader.h"
 
 #include <QFile>
 
@@ -122,7 +122,6 @@ CurrentProfile::Pointer CurrentProfile::shownFromList() const
 void CurrentProfile::show(const Pointer& profile)
 {
     takeBackFailedSave();
-    m_discarded.reset();
     m_state = profile ? State::Listed : State::None;
     m_stored.reset();
     if (profile) {
@@ -138,7 +137,6 @@ void CurrentProfile::newProfile()
         return;
     const WritablePointer added = m_catalogue->newProfile();
     takeBackFailedSave();
-    m_discarded.reset();
     m_state = State::UnsavedNew;
     m_stored = added->data();
     Q_EMIT shownChanged(added);
@@ -226,11 +224,10 @@ bool CurrentProfile::saveInPlace(const Pointer& profile, const ProfileData& edit
 /// Reads the list after a save and announces it once, together with the choice of what was saved.
 void CurrentProfile::finishSave(const Pointer& saved, const std::string& directory)
 {
-    m_discarded.reset();
     m_state = State::Listed;
     m_lastListed = saved;
     // From now on the profile goes by the file that was written, with its lines.
-    saved->edit()->setSource(writeProfile(saved->data()));
+    *saved->edit() = readWritten(saved->data());
     m_stored = saved->data();
     const std::string path = profile_file::pathFor(directory, saved->data().fileName()).string();
     const Pointer before = chosen();
@@ -252,16 +249,16 @@ void CurrentProfile::takeBackFailedSave()
         *listed->edit() = *m_stored;
 }
 
-void CurrentProfile::discard()
+std::optional<CurrentProfile::Unlisted> CurrentProfile::discard()
 {
-    if (!shownFromList()) {
-        const Unlisted discarded{m_state, m_stored.value_or(ProfileData())};
-        show(chosen());
-        m_discarded = discarded;
-        return;
+    if (shownFromList()) {
+        takeBackFailedSave();
+        Q_EMIT editsDiscarded();
+        return std::nullopt;
     }
-    takeBackFailedSave();
-    Q_EMIT editsDiscarded();
+    Unlisted discarded{m_state, m_stored.value_or(ProfileData())};
+    show(chosen());
+    return discarded;
 }
 
 void CurrentProfile::setEdited(bool edited)
@@ -270,14 +267,12 @@ void CurrentProfile::setEdited(bool edited)
         Q_EMIT editedChanged(edited);
 }
 
-void CurrentProfile::takeBackDiscard()
+void CurrentProfile::takeBackDiscard(const Unlisted& discarded)
 {
-    if (!m_discarded)
-        return;
     takeBackFailedSave();
-    m_state = m_discarded->state;
-    m_stored = m_discarded->stored;
-    m_discarded.reset();
+    m_state = discarded.state;
+    m_stored = discarded.stored;
+    Q_EMIT discardTakenBack();
 }
 
 } // namespace models

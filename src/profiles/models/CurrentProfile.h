@@ -36,6 +36,12 @@ public:
         UnsavedNew
     };
 
+    /// A profile that is shown and in no list.
+    struct Unlisted {
+        State state;
+        ProfileData stored;
+    };
+
     /// The controller must live longer; without one nothing can be saved.
     explicit CurrentProfile(ProfileController* controller, QObject* parent = nullptr);
 
@@ -72,13 +78,12 @@ public:
     bool save(const ProfileData& edited);
     bool saveAs(const ProfileData& edited);
 
-    /// Drops unsaved edits; of a profile that is in no list all of it, for the chosen one.
-    void discard();
-    /// Takes the last discard() back, unless another profile has been shown since: what is stored is again
-    /// what the edits were made on. The edits themselves are the editor's.
-    void takeBackDiscard();
-    /// Whether that would show another profile, one that is in no list.
-    bool hasDiscardedUnlisted() const { return m_discarded.has_value(); }
+    /// Drops unsaved edits. A profile that is in no list goes as a whole, for the chosen one, and is
+    /// returned.
+    std::optional<Unlisted> discard();
+    /// Makes what discard() returned the profile that is shown: what is stored is again what the edits were
+    /// made on. The edits themselves are the editor's.
+    void takeBackDiscard(const Unlisted& discarded);
 
     /// Whether the editor holds edits that are in no file, as it said last.
     bool isEdited() const { return m_edited; }
@@ -96,17 +101,14 @@ Q_SIGNALS:
     void shownLost();
     /// The profile that is shown is to be shown without the edits.
     void editsDiscarded();
+    /// The editor shows again what it discarded, a profile that is in no list.
+    void discardTakenBack();
     /// There are edits that are in no file, or there are none any more.
     void editedChanged(bool edited);
     /// A profile was saved to the file.
     void fileSaved(const QString& path);
 
 private:
-    /// What is shown, when it is not a profile of the list.
-    struct Unlisted {
-        State state;
-        ProfileData stored;
-    };
     using WritablePointer = std::shared_ptr<ProfileDataWrapper>;
 
     Pointer chosenOrRemembered() const;
@@ -134,7 +136,6 @@ private:
     WeakProfile m_chosen;
     WeakProfile m_lastListed;
     std::optional<ProfileData> m_stored;
-    std::optional<Unlisted> m_discarded;
 };
 
 } // namespace models

@@ -65,6 +65,7 @@ EGLConfigTreeItem::EGLConfigTreeItem(int id, const std::vector<ProfileNode>& att
 EGLConfigTreeItem::EGLConfigTreeItem(const ProfileNode& node)
     : ProfileTreeItem(columns)
 {
+    setOrigin(node.origin);
     setWritten(KeyColumn, node.name);
     setWritten(ValueColumn, node.value, attributeValue(QString::fromStdString(node.value)));
     for (const ProfileNode& part : node.children)
@@ -108,7 +109,7 @@ std::deque<std::string> EGLConfigTreeItem::path() const
 
 ProfileNode EGLConfigTreeItem::node(const std::string& name) const
 {
-    ProfileNode node{name, text(ValueColumn), {}};
+    ProfileNode node{name, text(ValueColumn), {}, origin()};
     const std::optional<int> value = storedNumber(data(ValueColumn));
     const std::optional<EGLAttribKey> key = attributeKey(*this);
     if (!written(ValueColumn) && value && key)
@@ -131,7 +132,9 @@ void EGLConfigTreeItem::appendElements(const ProfileNode& node, std::vector<Prof
     std::size_t begin = 0;
     for (std::size_t end = 0; end != std::string::npos; begin = end + 1) {
         end = node.value.find('|', begin);
-        nodes->push_back({node.name, node.value.substr(begin, end - begin), {}});
+        const bool isFirst = begin == 0;
+        nodes->push_back(
+            {node.name, node.value.substr(begin, end - begin), {}, isFirst ? node.origin : std::nullopt});
     }
 }
 
@@ -180,7 +183,7 @@ void EGLConfigTree::refresh(const ProfileData::Configs& configs)
 void EGLConfigTree::fill(const ProfileData::Configs& configs)
 {
     for (const auto& [id, attributes] : configs)
-        topItems().append(std::make_unique<EGLConfigTreeItem>(id, attributes));
+        appendSaved(std::make_unique<EGLConfigTreeItem>(id, attributes));
 }
 
 ProfileData::Configs EGLConfigTree::configs() const

@@ -15,6 +15,7 @@ constexpr int columns = 2;
 ESCapabilityTreeItem::ESCapabilityTreeItem(const ProfileNode& node)
     : ESTreeItem(columns)
 {
+    setOrigin(node.origin);
     setWritten(KeyColumn, node.name);
     setWritten(ValueColumn, node.value);
     for (const ProfileNode& part : node.children)
@@ -23,7 +24,7 @@ ESCapabilityTreeItem::ESCapabilityTreeItem(const ProfileNode& node)
 
 ProfileNode ESCapabilityTreeItem::node() const
 {
-    ProfileNode node{text(KeyColumn), text(ValueColumn), {}};
+    ProfileNode node{text(KeyColumn), text(ValueColumn), {}, origin()};
     for (int row = 0; row < children().count(); ++row)
         node.children.push_back(static_cast<const ESCapabilityTreeItem*>(children().at(row))->node());
     return node;
@@ -48,7 +49,7 @@ void ESCapabilityTree::fill(const ProfileData::Capabilities& capabilities)
         auto api = std::make_unique<ESCapabilityTreeItem>(columns, version);
         for (const ProfileNode& node : nodes)
             api->children().append(std::make_unique<ESCapabilityTreeItem>(node));
-        topItems().append(std::move(api));
+        appendSaved(std::move(api));
     }
 }
 

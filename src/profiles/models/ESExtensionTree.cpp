@@ -35,7 +35,7 @@ void ESExtensionTree::fill(const ProfileData::Extensions& extensions)
             extension->setWritten(KeyColumn, name);
             api->children().append(std::move(extension));
         }
-        topItems().append(std::move(api));
+        appendSaved(std::move(api));
     }
 }
 

@@ -86,6 +86,10 @@ QVariant ProfileTree::data(const QModelIndex& index, int role) const
         return displayText(row, index.column());
     if (role == Qt::AccessibleTextRole)
         return readableText(row, index.column());
+    if (role == UnsavedRole)
+        return row.isUnsaved();
+    if (role == Qt::AccessibleDescriptionRole)
+        return row.isUnsaved() ? tr("changed, not saved") : QString();
     if (role == Qt::ToolTipRole) {
         const QString stored = row.data(index.column()).toString().trimmed();
         const QString shown = readableText(row, index.column());
@@ -168,6 +172,12 @@ std::unique_ptr<ProfileTreeItem> ProfileTree::copyOf(const ProfileTreeItem& item
     for (int row = 0; row < item.children().count(); ++row)
         copy->children().append(copyOf(*item.children().at(row)));
     return copy;
+}
+
+void ProfileTree::appendSaved(std::unique_ptr<ProfileTreeItem> item)
+{
+    item->setSaved();
+    m_items.append(std::move(item));
 }
 
 void ProfileTree::beginAnew()

@@ -51,7 +51,8 @@ public:
 protected:
     ProfileTree(int columns, QObject* parent);
 
-    ProfileTreeItems& topItems() { return m_items; }
+    /// Adds a row of the saved document, with those below it, at the end of the top. It is not announced.
+    void appendSaved(std::unique_ptr<ProfileTreeItem> item);
     /// Announces a reset and takes all rows away, until endResetModel().
     void beginAnew();
 

@@ -1,8 +1,19 @@
 #include "ProfileTreeItem.h"
 
+#include <algorithm>
 #include <iterator>
 
 namespace models {
+
+namespace {
+
+/// A number is not the same as its digits.
+bool isSame(const QVariant& one, const QVariant& other)
+{
+    return one == other && one.userType() == other.userType();
+}
+
+} // namespace
 
 std::optional<int> storedNumber(const QVariant& value)
 {
@@ -51,7 +62,7 @@ ProfileTreeItem::~ProfileTreeItem() = default;
 void ProfileTreeItem::setData(int column, const QVariant& value)
 {
     Cell& changed = m_cells[static_cast<std::size_t>(column)];
-    if (changed.value != value || changed.value.userType() != value.userType())
+    if (!isSame(changed.value, value))
         changed = {value, std::nullopt};
 }
 
@@ -69,6 +80,21 @@ std::string ProfileTreeItem::text(int column) const
 {
     const Cell& wanted = cell(column);
     return wanted.written ? *wanted.written : wanted.value.toString().toStdString();
+}
+
+void ProfileTreeItem::setSaved()
+{
+    m_saved.clear();
+    for (const Cell& cell : m_cells)
+        m_saved.push_back(cell.value);
+    for (int row = 0; row < m_children.count(); ++row)
+        m_children.at(row)->setSaved();
+}
+
+bool ProfileTreeItem::isUnsaved() const
+{
+    return !std::equal(m_cells.begin(), m_cells.end(), m_saved.begin(), m_saved.end(),
+        [](const Cell& cell, const QVariant& saved) { return isSame(cell.value, saved); });
 }
 
 } // namespace models

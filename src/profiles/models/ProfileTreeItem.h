@@ -71,6 +71,15 @@ public:
     /// That text, else the value as text.
     std::string text(int column) const;
 
+    /// The element of the document that the row was read from, as ProfileNode has it; copies have none.
+    const std::optional<int>& origin() const { return m_origin; }
+    void setOrigin(const std::optional<int>& origin) { m_origin = origin; }
+
+    /// Takes the values of this row, and of all rows below it, for those of the saved document.
+    void setSaved();
+    /// Whether the saved document has other values, or does not have the row.
+    bool isUnsaved() const;
+
 private:
     friend class ProfileTreeItems;
 
@@ -81,6 +90,9 @@ private:
     const Cell& cell(int column) const { return m_cells[static_cast<std::size_t>(column)]; }
 
     std::vector<Cell> m_cells;
+    /// None for a row that was added.
+    std::vector<QVariant> m_saved;
+    std::optional<int> m_origin;
     ProfileTreeItems m_children;
     ProfileTreeItem* m_parent = nullptr;
     int m_row = 0;

@@ -5,10 +5,10 @@
 #include "ESCapabilityTreeView.h"
 #include "ESExtensionTreeView.h"
 #include "HiddenElements.h"
-#include "NoticeBar.h"
 #include "PlainMessageBox.h"
 #include "ProfileChanges.h"
 #include "ProfileDataWrapper.h"
+#include "ProfileNotices.h"
 #include "TreePlace.h"
 #include "models/Profile.h"
 #include "ui_Profile.h"
@@ -24,27 +24,9 @@ namespace widgets {
 
 namespace {
 
-/// Lines of a tool tip at most.
-constexpr qsizetype mostExplained = 20;
-
 QString fromUtf8(const std::string& text)
 {
     return QString::fromStdString(text);
-}
-
-QString reasonText(HiddenElement::Reason reason)
-{
-    switch (reason) {
-    case HiddenElement::Reason::Version:
-        return Profile::tr("its version is not a whole number");
-    case HiddenElement::Reason::Id:
-        return Profile::tr("its id is not a whole number");
-    case HiddenElement::Reason::Repeated:
-        return Profile::tr("only the first one counts");
-    case HiddenElement::Reason::Unknown:
-        break;
-    }
-    return Profile::tr("the element is not known here");
 }
 
 } // namespace
@@ -57,10 +39,6 @@ Profile::Profile(models::CurrentProfile& current, QWidget* parent)
     , m_eglConfigsView(new EGLConfigTreeView(this))
     , m_current(current)
     , m_comparison(new QTimer(this))
-    , m_emptyNotice(new NoticeBar(QStringLiteral("noticeEmpty"), this))
-    , m_hiddenNotice(new NoticeBar(QStringLiteral("noticeHidden"), this))
-    , m_discardedNotice(new NoticeBar(QStringLiteral("noticeDiscarded"), this))
-    , m_deletedNotice(new NoticeBar(QStringLiteral("noticeDeleted"), this))
 {
     m_ui->setupUi(this);
     m_fields = {{
@@ -77,11 +55,10 @@ Profile::Profile(models::CurrentProfile& current, QWidget* parent)
     m_comparison->setInterval(0);
     connect(m_comparison, &QTimer::timeout, this, [this] {
         m_current.setEdited(differsFromStored());
-        showEmptyNotice();
+        showWhetherEmpty();
     });
     setUpViews();
     setUpNotices();
-    setUpEmptyNotice();
     retranslateUi();
     if (parent)
         m_ui->profileInfoSplitter->setSizes({parent->width() / 2, parent->width() / 2});
@@ -160,14 +137,13 @@ void Profile::fillFields(const ProfileData& document)
 
 void Profile::setProfile(const WeakProfile& profile)
 {
-    setEnabled(true);
     const auto shown = profile.lock();
     if (!shown) {
         clear();
         return;
     }
     fillFields(shown->data());
-    showHiddenElements(shown->data());
+    m_notices->showHidden(hiddenElements(shown->data()));
     showModel(std::make_unique<models::Profile>(*shown));
     if (m_mode == Mode::Modifying)
         modify();
@@ -178,7 +154,7 @@ void Profile::setProfile(const WeakProfile& profile)
 /// Shows the profile that another one gives way to, with all that was taken from it.
 void Profile::showOther(const WeakProfile& profile)
 {
-    m_discarded.reset();
+    m_discarded.clear();
     setProfile(profile);
 }
 
@@ -215,14 +191,13 @@ void Profile::dropEdits()
 
 void Profile::clear()
 {
-    setEnabled(false);
     for (Field& field : m_fields)
         showText(field, field.edit == m_ui->editDevice ? tr("None") : QString());
     for (ProfileTreeView* profileView : views())
         profileView->setModel(nullptr);
     m_model.reset();
-    m_hiddenNotice->setText({});
-    m_emptyNotice->setText({});
+    m_notices->showHidden({});
+    m_notices->showEmpty(false);
     view();
     showNotices();
 }
@@ -248,6 +223,10 @@ void Profile::view()
     for (Field& field : m_fields) {
         field.edit->setFrame(false);
         field.edit->setReadOnly(true);
+        // On a dark page, another background looks like an entry.
+        QPalette seeThrough;
+        seeThrough.setColor(QPalette::Base, Qt::transparent);
+        field.edit->setPalette(seeThrough);
     }
     for (QPushButton* button : {m_ui->btnEdit, m_ui->btnSave, m_ui->btnSaveAs, m_ui->btnDiscard})
         button->hide();
@@ -263,6 +242,7 @@ void Profile::modify()
     for (Field& field : m_fields) {
         field.edit->setFrame(true);
         field.edit->setReadOnly(false);
+        field.edit->setPalette({});
         field.edit->show();
         field.label->show();
     }
@@ -291,8 +271,11 @@ void Profile::discardPressed()
     finishEdits();
     std::optional<DiscardedEdits> taken = takeEdits();
     view();
-    m_current.discard();
-    m_discarded = std::move(taken);
+    std::optional<models::CurrentProfile::Unlisted> unlisted = m_current.discard();
+    if (taken) {
+        taken->unlisted = std::move(unlisted);
+        m_discarded.push_back(*std::move(taken));
+    }
     showNotices();
 }
 
@@ -323,7 +306,7 @@ void Profile::saveBy(bool (models::CurrentProfile::*save)(const ProfileData&))
         return;
     if (m_current.stored()) {
         fillFields(*m_current.stored());
-        showHiddenElements(*m_current.stored());
+        m_notices->showHidden(hiddenElements(*m_current.stored()));
         forgetTaken();
         m_model->refresh(*m_current.stored());
     }
@@ -380,91 +363,47 @@ bool Profile::mayLeave()
 void Profile::setUpNotices()
 {
     constexpr int belowTheTexts = 1;
-    for (NoticeBar* notice : {m_hiddenNotice, m_deletedNotice, m_discardedNotice})
-        m_ui->profileLayout->insertWidget(belowTheTexts, notice);
-    connect(m_discardedNotice->addButton(QStringLiteral("btnBringBackChanges"), tr("&Bring back"),
-                tr("Go on with the changes that were discarded")),
-        &QPushButton::clicked, this, &Profile::bringBackEdits);
-    connect(m_deletedNotice->addButton(QStringLiteral("btnBringBackRows"), tr("B&ring back"),
-                tr("Put the deleted rows back to where they were")),
-        &QPushButton::clicked, this, &Profile::bringBackRows);
+    m_notices = new ProfileNotices(*m_ui->profileLayout, belowTheTexts, this);
+    connect(m_notices, &ProfileNotices::discardedWanted, this, &Profile::bringBackEdits);
+    connect(m_notices, &ProfileNotices::deletedWanted, this, &Profile::bringBackRows);
+    const auto modifyFirst = [this] {
+        if (m_mode == Mode::Viewing)
+            editPressed();
+    };
+    connect(m_notices, &ProfileNotices::apiWanted, this, [this, modifyFirst] {
+        modifyFirst();
+        m_extensionsView->addAPITriggered();
+    });
+    connect(m_notices, &ProfileNotices::configWanted, this, [this, modifyFirst] {
+        modifyFirst();
+        m_eglConfigsView->addConfigTriggered();
+    });
     // With the focus, a button that is pressed would end an open editor before it can refuse.
     for (QPushButton* button : {m_ui->btnSave, m_ui->btnSaveAs, m_ui->btnDiscard})
         button->setFocusPolicy(Qt::TabFocus);
 }
 
-void Profile::setUpEmptyNotice()
-{
-    constexpr int belowTheTexts = 1;
-    m_ui->profileLayout->insertWidget(belowTheTexts, m_emptyNotice);
-    m_addApi = m_emptyNotice->addButton(QStringLiteral("btnAddFirstApi"), tr("Add &API..."),
-        tr("Choose an OpenGL ES version that the device supports"));
-    m_addConfig = m_emptyNotice->addButton(QStringLiteral("btnAddFirstConfig"), tr("Add &Config"),
-        tr("Add an EGL configuration to fill with attributes"));
-    const auto modifyFirst = [this] {
-        if (m_mode == Mode::Viewing)
-            editPressed();
-    };
-    connect(m_addApi, &QPushButton::clicked, this, [this, modifyFirst] {
-        modifyFirst();
-        m_extensionsView->addAPITriggered();
-    });
-    connect(m_addConfig, &QPushButton::clicked, this, [this, modifyFirst] {
-        modifyFirst();
-        m_eglConfigsView->addConfigTriggered();
-    });
-}
-
 /// Says what to do with a profile that has nothing to show yet.
-void Profile::showEmptyNotice()
+void Profile::showWhetherEmpty()
 {
     const auto all = views();
-    const bool isEmpty = m_model && std::all_of(all.begin(), all.end(), [](const ProfileTreeView* view) {
+    m_notices->showEmpty(m_model && std::all_of(all.begin(), all.end(), [](const ProfileTreeView* view) {
         return view->model() && view->model()->rowCount() == 0;
-    });
-    m_emptyNotice->setText(isEmpty
-            ? tr("This profile is empty. Add the OpenGL ES versions that the device supports, and its EGL "
-                 "configs. It is often faster to modify a similar device and save it with \"Save As...\".")
-            : QString());
+    }));
 }
 
+/// Offers what can be brought back. Without a profile nothing else of the panel can be used.
 void Profile::showNotices()
 {
-    QString discarded;
-    if (m_discarded) {
-        const std::size_t changes = m_discarded->changes;
-        discarded = changes == 1 ? tr("1 change discarded.")
-            : changes > 1        ? tr("%1 changes discarded.").arg(changes)
-                                 : tr("Changes discarded.");
-    }
-    const int rows = m_model && m_mode == Mode::Modifying ? m_model->removedRowCount() : 0;
-    m_discardedNotice->setText(discarded);
-    m_deletedNotice->setText(rows == 0 ? QString()
-            : rows == 1                ? tr("1 row deleted.")
-                                       : tr("%1 rows deleted.").arg(rows));
-}
-
-/// Names what is in the file and nowhere on the page; the tool tip says why.
-void Profile::showHiddenElements(const ProfileData& document)
-{
-    constexpr qsizetype mostNamed = 3;
-    constexpr qsizetype longestTag = 60;
-    QStringList named;
-    QStringList explained;
-    for (const HiddenElement& element : hiddenElements(document)) {
-        QString tag = fromUtf8(element.tag);
-        if (tag.size() > longestTag)
-            tag = tag.left(longestTag) + QChar(0x2026);
-        named << tr("%1 in line %2").arg(tag).arg(element.line);
-        explained << tr("Line %1: %2: %3").arg(element.line).arg(tag, reasonText(element.reason));
-    }
-    const qsizetype more = named.size() - mostNamed;
-    QString text = QStringList(named.mid(0, mostNamed)).join(QStringLiteral(", "));
-    if (more > 0)
-        text = tr("%1, and %2 more").arg(text).arg(more);
-    m_hiddenNotice->setText(
-        named.isEmpty() ? QString() : tr("The file keeps what cannot be shown here: %1.").arg(text),
-        QStringList(explained.mid(0, mostExplained)).join(QLatin1Char('\n')));
+    if (m_discarded.empty())
+        m_notices->hideDiscarded();
+    else
+        m_notices->offerDiscarded(m_discarded.back().changes);
+    m_notices->offerDeleted(m_model && m_mode == Mode::Modifying ? m_model->removedRowCount() : 0);
+    setEnabled(m_model || !m_discarded.empty());
+    m_ui->profileInfoSplitter->setEnabled(m_model != nullptr);
+    for (int i = 0; i < m_ui->profileRow->count(); ++i)
+        m_ui->profileRow->itemAt(i)->widget()->setEnabled(m_model != nullptr);
 }
 
 /// Takes the edits out of the panel, which must show something else then; nothing where there are none.
@@ -484,24 +423,25 @@ std::optional<Profile::DiscardedEdits> Profile::takeEdits()
 
 void Profile::bringBackEdits()
 {
-    if (!m_discarded)
+    if (m_discarded.empty())
         return;
-    if (m_current.hasDiscardedUnlisted() && hasUnsavedEdits()) {
-        m_discardedNotice->setText(
-            tr("Save the changes of this profile first, with \"Save As...\": they would be lost."));
+    if (m_discarded.back().unlisted && hasUnsavedEdits()) {
+        m_notices->refuseDiscarded();
         return;
     }
-    DiscardedEdits back = *std::exchange(m_discarded, std::nullopt);
+    DiscardedEdits back = std::move(m_discarded.back());
+    m_discarded.pop_back();
     // What has been changed meanwhile can be brought back in its turn.
     finishEdits();
-    std::optional<DiscardedEdits> taken = takeEdits();
-    m_current.takeBackDiscard();
+    if (std::optional<DiscardedEdits> taken = takeEdits())
+        m_discarded.push_back(*std::move(taken));
+    if (back.unlisted)
+        m_current.takeBackDiscard(*back.unlisted);
     fillFields(*m_current.stored());
-    showHiddenElements(*m_current.stored());
+    m_notices->showHidden(hiddenElements(*m_current.stored()));
     for (std::size_t i = 0; i < m_fields.size(); ++i)
         m_fields[i].edit->setText(back.texts[i]);
     showModel(std::move(back.model));
-    m_discarded = std::move(taken);
     modify();
     showNotices();
     m_capabilitiesView->setFocus();
@@ -514,14 +454,13 @@ void Profile::bringBackRows()
     const QString taken = m_model->restoreRemovedRows();
     showNotices();
     if (!taken.isEmpty())
-        m_deletedNotice->setText(
-            tr("There is another \"%1\" by now. Delete or rename it to bring the old one back.").arg(taken));
+        m_notices->refuseDeleted(taken);
 }
 
-/// After a save, what was taken before it is not offered any more.
+/// After a save, what was taken from this profile before it is not offered any more.
 void Profile::forgetTaken()
 {
-    m_discarded.reset();
+    std::erase_if(m_discarded, [](const DiscardedEdits& edits) { return !edits.unlisted; });
     m_model->forgetRemovedRows();
     showNotices();
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CurrentProfile.h"
 #include "ProfileData.h"
 #include "ProfileEditor.h"
 #include "ProfileMetaTypes.h"
@@ -10,10 +11,10 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 class QLabel;
 class QLineEdit;
-class QPushButton;
 class QTimer;
 
 namespace Ui {
@@ -21,7 +22,6 @@ class profile;
 }
 
 namespace models {
-class CurrentProfile;
 class Profile;
 } // namespace models
 
@@ -30,7 +30,7 @@ namespace widgets {
 class EGLConfigTreeView;
 class ESCapabilityTreeView;
 class ESExtensionTreeView;
-class NoticeBar;
+class ProfileNotices;
 class ProfileTreeView;
 
 /// The panel that shows a hardware profile and lets the user change it. Edits are made on copies in the
@@ -82,15 +82,15 @@ private:
         std::array<QString, 3> texts;
         /// 0 where they cannot be counted.
         std::size_t changes = 0;
+        /// What they were made on, where that is not the profile that is shown now.
+        std::optional<models::CurrentProfile::Unlisted> unlisted;
     };
 
     void setUpViews();
     void setUpNotices();
-    void setUpEmptyNotice();
-    void showEmptyNotice();
+    void showWhetherEmpty();
     void showNotices();
     void noteChange();
-    void showHiddenElements(const ProfileData& document);
     void showOther(const WeakProfile& profile);
     void showModel(std::unique_ptr<models::Profile> model);
     std::optional<DiscardedEdits> takeEdits();
@@ -117,13 +117,9 @@ private:
     std::unique_ptr<models::Profile> m_model;
     models::CurrentProfile& m_current;
     QTimer* m_comparison;
-    NoticeBar* m_emptyNotice;
-    QPushButton* m_addApi;
-    QPushButton* m_addConfig;
-    NoticeBar* m_hiddenNotice;
-    NoticeBar* m_discardedNotice;
-    NoticeBar* m_deletedNotice;
-    std::optional<DiscardedEdits> m_discarded;
+    ProfileNotices* m_notices = nullptr;
+    /// The last one is on offer.
+    std::vector<DiscardedEdits> m_discarded;
     Mode m_mode = Mode::Viewing;
     std::array<Field, 3> m_fields;
 };

@@ -26,7 +26,7 @@ using models::ValueColumn;
 
 namespace {
 
-/// How many rows around those in sight count for the width of a column.
+/// How many rows around those in sight count for the width of the keys.
 constexpr int rowsMeasured = 200;
 
 QAction* makeAction(QMenu* menu, ProfileTreeView* view, const QString& text, const QKeySequence& shortcut)
@@ -57,6 +57,7 @@ ProfileTreeView::ProfileTreeView(const QString& addTop, const QString& addChild,
     setEditTriggers(DoubleClicked | EditKeyPressed | SelectedClicked);
     // Names begin alike and differ at their ends.
     setTextElideMode(Qt::ElideMiddle);
+    connect(verticalScrollBar(), &QScrollBar::valueChanged, this, &ProfileTreeView::fitColumns);
     connect(m_delete, SIGNAL(triggered()), SLOT(deleteItemTriggered()));
     connect(m_duplicate, &QAction::triggered, this, &ProfileTreeView::duplicateRow);
     setEditable(false);
@@ -80,7 +81,8 @@ void ProfileTreeView::setModel(QAbstractItemModel* model)
     });
     connect(model, SIGNAL(dataChanged(const QModelIndex&, const QModelIndex&)), this, SLOT(resizeToFit()),
         Qt::UniqueConnection);
-    connect(this, SIGNAL(expanded(const QModelIndex&)), this, SLOT(resizeToFit()), Qt::UniqueConnection);
+    for (const char* signal : {SIGNAL(expanded(const QModelIndex&)), SIGNAL(collapsed(const QModelIndex&))})
+        connect(this, signal, this, SLOT(resizeToFit()), Qt::UniqueConnection);
 }
 
 void ProfileTreeView::setEditable(bool editable)
@@ -103,16 +105,36 @@ bool ProfileTreeView::finishEdit()
     return true;
 }
 
+/// Makes room for the values in sight. Those that come into sight later can only need more, so that the keys
+/// do not move to and fro under somebody who scrolls.
+void ProfileTreeView::measureValues()
+{
+    if (!model() || model()->columnCount() <= ValueColumn)
+        return;
+    QModelIndex row = indexAt(QPoint());
+    for (; row.isValid() && visualRect(row).top() < viewport()->height(); row = indexBelow(row))
+        m_valueWidth = std::max(m_valueWidth, sizeHintForIndex(valueOf(row)).width());
+}
+
 /// Values take what room there is, and can be scrolled to where that is too little. In a narrow view keys
 /// give way, so that something of the values is always in sight.
 void ProfileTreeView::fitColumns()
 {
     if (!isVisible() || header()->count() <= ValueColumn)
         return;
+    measureValues();
     const int room = viewport()->width();
     const int forValues = std::min(m_valueWidth, room * 2 / 5);
     setColumnWidth(KeyColumn, std::min(m_keyWidth, room - forValues));
     setColumnWidth(ValueColumn, std::max(m_valueWidth, room - columnWidth(KeyColumn)));
+}
+
+/// A change of a value can change how its key is painted.
+void ProfileTreeView::dataChanged(
+    const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles)
+{
+    QTreeView::dataChanged(topLeft.siblingAtColumn(KeyColumn),
+        bottomRight.siblingAtColumn(valueOf(bottomRight).column()), roles);
 }
 
 /// Keeps the keys in sight: values may be wider than the view.
@@ -145,8 +167,7 @@ void ProfileTreeView::resizeToFit()
     m_hasResized = true;
     resizeColumnToContents(KeyColumn);
     m_keyWidth = columnWidth(KeyColumn);
-    if (model() && model()->columnCount() > ValueColumn)
-        m_valueWidth = sizeHintForColumn(ValueColumn);
+    m_valueWidth = 0;
     fitColumns();
     QTimer::singleShot(0, this, [this] {
         m_hasResized = false;

@@ -24,6 +24,8 @@ class ProfileTreeView : public QTreeView {
 
 public:
     void setModel(QAbstractItemModel* model) override;
+    void dataChanged(
+        const QModelIndex& topLeft, const QModelIndex& bottomRight, const QList<int>& roles = {}) override;
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
 
     /// Whether there is a context menu. Whether cells can be edited is the model's affair.
@@ -72,6 +74,7 @@ protected:
     QModelIndex addRow(int row, const QModelIndex& parent, const QVariant& key);
 
 private:
+    void measureValues();
     void fitColumns();
     QModelIndex valueOf(const QModelIndex& index) const;
     bool editCell(const QModelIndex& cell);

@@ -164,6 +164,7 @@ private Q_SLOTS:
     void newAndCancelled();
     void newAndSaved();
     void savingInPlace();
+    void nextSaveKeepsMarkup();
     void failedSaveIsTakenBack();
     void savingCopies();
 };
@@ -370,6 +371,27 @@ void TestCurrentProfile::savingInPlace()
     f.answers.directory.clear();
     QVERIFY(!f.current.save(f.edited("A4")));
     QCOMPARE(f.stored(), QStringLiteral("A3"));
+}
+
+void TestCurrentProfile::nextSaveKeepsMarkup()
+{
+    Fixture f;
+    f.write("a.xml",
+        "<profile><device>A</device><es version='2'><x u='1'>1</x><x u='2'>2</x><x "
+        "u='3'>3</x></es></profile>");
+    f.current.reload();
+    ProfileData edited = *f.current.stored();
+    std::vector<ProfileNode>& nodes = edited.capabilities()[2];
+    nodes.erase(nodes.begin());
+    f.announced();
+    QVERIFY(f.current.save(edited));
+    QCOMPARE(f.announced(), QStringLiteral("list, file a.xml"));
+    edited = *f.current.stored();
+    edited.capabilities()[2][0].value = "5";
+    edited.capabilities()[2][1].value = "6";
+    QVERIFY(f.current.save(edited));
+    QVERIFY(f.content("a.xml").contains("<x u=\"2\">5</x>"));
+    QVERIFY(f.content("a.xml").contains("<x u=\"3\">6</x>"));
 }
 
 void TestCurrentProfile::failedSaveIsTakenBack()

@@ -9,6 +9,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <functional>
+
 using models::KeyColumn;
 using models::ValueColumn;
 
@@ -92,7 +94,9 @@ private Q_SLOTS:
     void oneChangeChangesOneElement_data();
     void oneChangeChangesOneElement();
     void rowsComeAndGo();
+    void changedRowsAreUnsaved();
     void partsJoinTheirElement();
+    void markupStaysWithItsRows();
     void refusals();
 };
 
@@ -261,6 +265,45 @@ void TestProfileTrees::rowsComeAndGo()
     QCOMPARE(written(profile, *wrapper), writeProfile(wrapper->data()));
 }
 
+void TestProfileTrees::changedRowsAreUnsaved()
+{
+    const auto wrapper = load(oddProfile);
+    models::Profile profile(*wrapper);
+    models::EGLConfigTree& configs = profile.configs();
+    const auto unsaved = [&configs] {
+        QStringList rows;
+        const std::function<void(const QModelIndex&)> collect = [&](const QModelIndex& parent) {
+            for (int row = 0; row < configs.rowCount(parent); ++row) {
+                const QModelIndex index = configs.index(row, KeyColumn, parent);
+                if (index.siblingAtColumn(ValueColumn).data(models::UnsavedRole).toBool())
+                    rows << index.data().toString();
+                collect(index);
+            }
+        };
+        collect({});
+        return rows.join(QLatin1Char(' '));
+    };
+    QCOMPARE(unsaved(), QString());
+    const QModelIndex warm =
+        find(configs, {"Config -3", "transparency/glow", "warm"}, ValueColumn, QStringLiteral("EGL_TRUE"));
+    QVERIFY(configs.setData(warm, 5));
+    QVERIFY(configs.setData(configs.index(0, KeyColumn), 4));
+    const QModelIndex copy = configs.duplicate(find(configs, {"Config 4", "EGL_SAMPLES"}));
+    QVERIFY(copy.isValid());
+    QCOMPARE(unsaved(), QStringLiteral("Config 4 EGL_SAMPLES warm"));
+    QCOMPARE(copy.data(Qt::AccessibleDescriptionRole).toString(), QStringLiteral("changed, not saved"));
+    // What is as it was is saved, also after it was deleted; what has been written is saved.
+    QVERIFY(configs.setData(configs.index(0, KeyColumn), -3));
+    QVERIFY(configs.setData(warm, 1));
+    QVERIFY(configs.removeRow(0));
+    QCOMPARE(configs.restoreRemovedRows(), QString());
+    QCOMPARE(unsaved(), QStringLiteral("EGL_SAMPLES"));
+    ProfileData document = wrapper->data();
+    QCOMPARE(profile.writeTo(document), std::string());
+    profile.refresh(document);
+    QCOMPARE(unsaved(), QString());
+}
+
 void TestProfileTrees::partsJoinTheirElement()
 {
     const auto wrapper = load(oddProfile);
@@ -286,6 +329,50 @@ void TestProfileTrees::partsJoinTheirElement()
     QVERIFY(xml.find("<red>7</red><blue>5</blue><type>EGL_NONE</type>") != std::string::npos);
     QVERIFY(xml.find("<max_pbuffer><width>5</width></max_pbuffer>") != std::string::npos);
     QVERIFY(xml.find("<aliased_point_size_range><min></min><max></max>") != std::string::npos);
+}
+
+void TestProfileTrees::markupStaysWithItsRows()
+{
+    const auto wrapper = load(R"(<profile><es version="2" a="1"><extension e="1">GL_A</extension>
+<x u="1">1</x><x u="2">2</x><x u="3">3</x></es><egl><config id="1" name="one"><!-- c --><level n="1">0</level>
+</config><config id="2" name="two"><level n="2">0</level><transparency t="1"><red r="1">1</red></transparency>
+<transparency t="2"><red r="2">2</red></transparency></config></egl></profile>)");
+    const std::string normal = writeProfile(wrapper->data());
+    const auto setNumber = [](models::ProfileTree& tree, int row, int number) {
+        QVERIFY(tree.setData(tree.index(row, KeyColumn), number));
+    };
+    // Of a list one value goes and the next one changes.
+    models::Profile list(*wrapper);
+    const QModelIndex api = list.capabilities().index(0, KeyColumn);
+    QVERIFY(list.capabilities().setData(list.capabilities().index(1, ValueColumn, api), 5));
+    QVERIFY(list.capabilities().removeRow(0, api));
+    QCOMPARE(written(list, *wrapper),
+        with(with(normal, "        <x u=\"1\">1</x>\n", ""), "\"2\">2</x>", "\"2\">5</x>"));
+    const QModelIndex red =
+        find(list.configs(), {"Config 2", "EGL_TRANSPARENT_RED"}, ValueColumn, QStringLiteral("2"));
+    QVERIFY(list.configs().setData(red, 7));
+    QVERIFY(list.configs().removeRow(1, red.parent()));
+    const std::string xml = written(list, *wrapper);
+    QVERIFY(xml.find("<transparency t=\"2\"><red r=\"2\">7") != std::string::npos);
+    QVERIFY(xml.find("t=\"1\"") == std::string::npos);
+
+    // Sections get other numbers, also those of one another, and new ones get the old numbers.
+    models::Profile sections(*wrapper);
+    setNumber(sections.capabilities(), 0, 3);
+    setNumber(sections.extensions(), 0, 3);
+    for (const auto& [row, id] : {std::pair(0, 9), std::pair(1, 1), std::pair(0, 2)})
+        setNumber(sections.configs(), row, id);
+    const std::string expected = with(normal, "version=\"2\"", "version=\"3\"");
+    const std::size_t one = expected.find("        <config id=\"1\"");
+    const std::size_t two = expected.find("        <config id=\"2\"");
+    const std::size_t end = expected.find("    </egl>");
+    QCOMPARE(written(sections, *wrapper),
+        expected.substr(0, one) + with(expected.substr(two, end - two), "id=\"2\"", "id=\"1\"")
+            + with(expected.substr(one, two - one), "id=\"1\"", "id=\"2\"") + expected.substr(end));
+    setNumber(sections.configs(), 1, 5);
+    QVERIFY(sections.configs().duplicate(sections.configs().index(0, KeyColumn), 1).isValid());
+    QVERIFY(written(sections, *wrapper).find("<config id=\"1\">") != std::string::npos);
+    QVERIFY(written(sections, *wrapper).find("<config id=\"5\" name=\"two\">") != std::string::npos);
 }
 
 void TestProfileTrees::refusals()

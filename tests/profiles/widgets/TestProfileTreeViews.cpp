@@ -50,6 +50,7 @@ private Q_SLOTS:
     void newRowsAreLegal_data();
     void newRowsAreLegal();
     void valuesStayInSight();
+    void keysYieldToValuesInSight();
 
 private:
     template <typename View> View& show(models::ProfileTree& tree)
@@ -389,6 +390,36 @@ void TestProfileTreeViews::valuesStayInSight()
     m_view->resize(500, 300);
     QCoreApplication::processEvents();
     QVERIFY(m_view->columnWidth(KeyColumn) >= m_view->sizeHintForIndex(at({0, 0})).width());
+}
+
+void TestProfileTreeViews::keysYieldToValuesInSight()
+{
+    std::string rows;
+    for (int i = 0; i < 40; ++i)
+        rows += "<max_texture_size>4096</max_texture_size>";
+    const auto wrapper = ProfileDataWrapper::fromText("<profile><es version=\"2\">" + rows
+            + "<compressed_texture_format>37495</compressed_texture_format></es></profile>",
+        true);
+    m_profile = std::make_unique<models::Profile>(*wrapper);
+    show<widgets::ESCapabilityTreeView>(m_profile->capabilities());
+    m_view->resize(2000, 300);
+    QCoreApplication::processEvents();
+    const int keys = m_view->columnWidth(KeyColumn);
+    const int wide = m_view->sizeHintForIndex(at({0, 40}, ValueColumn)).width();
+    m_view->resize(keys + wide / 2, 300);
+    QCoreApplication::processEvents();
+    // Neither a value out of sight nor one of a closed section takes room from the keys.
+    const auto isWhole = [&] {
+        return m_view->columnWidth(KeyColumn) == keys && m_view->horizontalScrollBar()->maximum() == 0;
+    };
+    QVERIFY(isWhole());
+    m_view->scrollToBottom();
+    QVERIFY(m_view->columnWidth(KeyColumn) < keys);
+    QCOMPARE(m_view->columnWidth(ValueColumn), wide);
+    m_view->scrollToTop();
+    m_view->collapse(at({0}));
+    m_view->expand(at({0}));
+    QTRY_VERIFY(isWhole());
 }
 
 QTEST_MAIN(TestProfileTreeViews)

@@ -118,12 +118,19 @@ void ProfileTreeItemDelegate::updateEditorGeometry(
 bool ProfileTreeItemDelegate::helpEvent(
     QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option, const QModelIndex& index)
 {
-    const bool isCut = option.rect.width() < sizeHint(option, index).width();
-    if (event->type() != QEvent::ToolTip || !isCut || index.data(Qt::ToolTipRole).isValid())
-        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    QStringList lines;
+    const QVariant explained = index.data(Qt::ToolTipRole);
     QStyleOptionViewItem shown = option;
     initStyleOption(&shown, index);
-    QToolTip::showText(event->globalPos(), plainToolTip(shown.text), view);
+    if (explained.isValid())
+        lines << explained.toString();
+    else if (option.rect.width() < sizeHint(option, index).width())
+        lines << shown.text;
+    if (index.data(models::UnsavedRole).toBool())
+        lines << index.data(Qt::AccessibleDescriptionRole).toString();
+    if (event->type() != QEvent::ToolTip || lines.isEmpty())
+        return QStyledItemDelegate::helpEvent(event, view, option, index);
+    QToolTip::showText(event->globalPos(), plainToolTip(lines.join(QLatin1Char('\n'))), view);
     return true;
 }
 
@@ -140,6 +147,10 @@ void ProfileTreeItemDelegate::initStyleOption(QStyleOptionViewItem* option, cons
     const QVariant readable = index.data(Qt::AccessibleTextRole);
     if (readable.isValid())
         option->text = displayText(readable, option->locale);
+    if (index.column() == models::KeyColumn && index.data(models::UnsavedRole).toBool()) {
+        option->font.setBold(true);
+        option->fontMetrics = QFontMetrics(option->font);
+    }
 }
 
 bool ProfileTreeItemDelegate::eventFilter(QObject* object, QEvent* event)

@@ -8,7 +8,7 @@ namespace widgets {
 /// the editor open, leaving it keeps the old value, and either way a tool tip says why. An editor that is
 /// left as it was found writes nothing.
 ///
-/// Knows the model by its columns, Qt::EditRole and Qt::AccessibleTextRole only.
+/// Knows the model by its columns and roles only. The keys of rows that are not saved are bold.
 class ProfileTreeItemDelegate : public QStyledItemDelegate {
     Q_OBJECT
 
@@ -24,7 +24,8 @@ public:
     void updateEditorGeometry(
         QWidget* editor, const QStyleOptionViewItem& option, const QModelIndex& index) const override;
 
-    /// Where a text has no room and no other tool tip, it is the tool tip itself.
+    /// Where a text has no room and no other tool tip, it is the tool tip itself. A row that is not saved
+    /// says so as well.
     bool helpEvent(QHelpEvent* event, QAbstractItemView* view, const QStyleOptionViewItem& option,
         const QModelIndex& index) override;
 

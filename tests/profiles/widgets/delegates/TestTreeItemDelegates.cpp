@@ -11,6 +11,7 @@
 #include "ProfileReader.h"
 
 #include <QApplication>
+#include <QHelpEvent>
 #include <QLineEdit>
 #include <QSignalSpy>
 #include <QTest>
@@ -339,14 +340,17 @@ void TestTreeItemDelegates::idsOfConfigs()
 
 void TestTreeItemDelegates::paintsWhatUsersRead()
 {
-    const auto painted = [this](const QStringList& path) {
+    const auto option = [this](const QStringList& path, int column) {
         struct Access : ProfileTreeItemDelegate {
             using ProfileTreeItemDelegate::initStyleOption;
         };
-        QStyleOptionViewItem option;
+        QStyleOptionViewItem shown;
         const auto* delegate = static_cast<ProfileTreeItemDelegate*>(m_view->itemDelegate());
-        (delegate->*(&Access::initStyleOption))(&option, cell(path, ValueColumn));
-        return option.text;
+        (delegate->*(&Access::initStyleOption))(&shown, cell(path, column));
+        return shown;
+    };
+    const auto painted = [&option](const QStringList& path) {
+        return option(path, ValueColumn).text;
     };
     show("ES");
     QCOMPARE(painted({"GL_SAMPLES"}), "4");
@@ -357,6 +361,13 @@ void TestTreeItemDelegates::paintsWhatUsersRead()
     m_model->setData(cell({"EGL_SAMPLES"}, ValueColumn), 1);
     QCOMPARE(painted({"EGL_SAMPLES"}), "1");
     QCOMPARE(painted({"EGL_CONFIG_CAVEAT"}), "EGL_NONE");
+    QVERIFY(option({"EGL_SAMPLES"}, KeyColumn).font.bold());
+    QVERIFY(!option({"EGL_SAMPLES"}, ValueColumn).font.bold());
+    QVERIFY(!option({"EGL_CONFIG_CAVEAT"}, KeyColumn).font.bold());
+    const QPoint place = m_view->visualRect(cell({"EGL_SAMPLES"}, KeyColumn)).center();
+    QHelpEvent help(QEvent::ToolTip, place, m_view->viewport()->mapToGlobal(place));
+    QApplication::sendEvent(m_view->viewport(), &help);
+    QVERIFY(QToolTip::text().contains(QStringLiteral("changed, not saved")));
 }
 
 void TestTreeItemDelegates::offersWhatTheRowLacks()
