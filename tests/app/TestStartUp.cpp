@@ -4,9 +4,11 @@
 #include "RawClient.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QLocalServer>
+#include <QLockFile>
 #include <QMessageBox>
 #include <QProcess>
 #include <QSignalSpy>
@@ -18,6 +20,8 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -154,6 +158,8 @@ private Q_SLOTS:
     void runsOutOfDescriptors();
     void anotherUsersName_data();
     void anotherUsersName();
+    void lockThatNobodyHolds_data();
+    void lockThatNobodyHolds();
 };
 
 void TestStartUp::socketsAreForTheUserAlone()
@@ -371,6 +377,38 @@ void TestStartUp::anotherUsersName()
     QVERIFY2(problem->text().contains(path("CorvaleGUI")), qPrintable(problem->text()));
     QCOMPARE(inode("CorvaleGUI"), before);
     unlink(name.constData());
+}
+
+void TestStartUp::lockThatNobodyHolds_data()
+{
+    QTest::addColumn<bool>("foreign");
+    QTest::newRow("of another user") << true;
+    QTest::newRow("of a process that has died") << false;
+}
+
+/// Somebody else's lock, or one that a crash has left behind, delays nothing.
+void TestStartUp::lockThatNobodyHolds()
+{
+    QFETCH(const bool, foreign);
+    if (foreign && geteuid() != 0)
+        QSKIP("only root can give files to another user");
+    const QString name = path("CorvaleGUI-%1.lock").arg(geteuid());
+    QLockFile foreignLock(name);
+    if (foreign) {
+        QVERIFY(foreignLock.tryLock(0));
+        QCOMPARE(chown(QFile::encodeName(name).constData(), 12345, 12345), 0);
+    } else {
+        const pid_t child = fork();
+        if (child == 0)
+            _exit(QLockFile(name).tryLock(0) ? 0 : 1);
+        QCOMPARE(waitpid(child, nullptr, 0), child);
+    }
+    QElapsedTimer time;
+    time.start();
+    StartUpLock lock;
+    QVERIFY2(time.elapsed() < 500, qPrintable(QString::number(time.elapsed())));
+    lock.release();
+    QCOMPARE(QFile::exists(name), foreign);
 }
 
 int main(int argc, char** argv)
