@@ -2,6 +2,7 @@
 
 #include "Client.h"
 #include "ClientInterface.h"
+#include "ContextInterface.h"
 #include "ErrorListView.h"
 #include "MainWindow.h"
 #include "Preferences.h"
@@ -12,6 +13,7 @@
 #include <QScreen>
 #include <QSplitter>
 #include <QTabWidget>
+#include <QTableView>
 
 namespace {
 
@@ -44,6 +46,8 @@ WindowState::WindowState(MainWindow& window, Preferences& preferences)
     , m_preferences(preferences)
     , m_pages(window.findChild<QTabWidget*>(QStringLiteral("mainTabWidget")))
     , m_errorListColumns(bytesOf(preferences.get(settings::errorListColumns)))
+    , m_contextSplitter(bytesOf(preferences.get(settings::contextSplitter)))
+    , m_contextColumns(bytesOf(preferences.get(settings::contextColumns)))
 {
     const auto* panel = window.findChild<widgets::Profile*>();
     m_profileSplitter = panel->findChild<QSplitter*>(QStringLiteral("profileInfoSplitter"));
@@ -74,6 +78,22 @@ void WindowState::follow(ClientInterface& page)
         [this, header] { m_errorListColumns = header->saveState(); });
     bind(page.findChild<QCheckBox*>(QStringLiteral("chkWarnings")), settings::showWarnings, m_preferences);
     bind(page.findChild<QCheckBox*>(QStringLiteral("chkErrors")), settings::showErrors, m_preferences);
+    page.setContextFollower([this](ContextInterface& context) { followContext(context); });
+}
+
+void WindowState::followContext(ContextInterface& page)
+{
+    auto* splitter = page.findChild<QSplitter*>();
+    splitter->restoreState(m_contextSplitter);
+    connect(splitter, &QSplitter::splitterMoved, this,
+        [this, splitter] { m_contextSplitter = splitter->saveState(); });
+    QHeaderView* header = page.findChild<QTableView*>()->horizontalHeader();
+    header->restoreState(m_contextColumns);
+    // The last column fills the table; as long as the user leaves the others alone, they follow their texts.
+    connect(header, &QHeaderView::sectionResized, this, [this, header](int column) {
+        if (column < header->count() - 1)
+            m_contextColumns = header->saveState();
+    });
 }
 
 void WindowState::save()
@@ -83,13 +103,18 @@ void WindowState::save()
     const property_list::Data profile = dataOf(m_profileSplitter->saveState());
     const property_list::Data lists = dataOf(m_profileListsSplitter->saveState());
     const property_list::Data columns = dataOf(m_errorListColumns);
+    const property_list::Data context = dataOf(m_contextSplitter);
+    const property_list::Data contextColumns = dataOf(m_contextColumns);
     if (page == m_preferences.get(settings::windowPage)
         && geometry == m_preferences.get(settings::windowGeometry)
         && profile == m_preferences.get(settings::profileSplitter)
         && lists == m_preferences.get(settings::profileListsSplitter)
-        && columns == m_preferences.get(settings::errorListColumns))
+        && columns == m_preferences.get(settings::errorListColumns)
+        && context == m_preferences.get(settings::contextSplitter)
+        && contextColumns == m_preferences.get(settings::contextColumns))
         return;
     m_preferences.set({{settings::windowPage, page}, {settings::windowGeometry, geometry},
         {settings::profileSplitter, profile}, {settings::profileListsSplitter, lists},
-        {settings::errorListColumns, columns}});
+        {settings::errorListColumns, columns}, {settings::contextSplitter, context},
+        {settings::contextColumns, contextColumns}});
 }

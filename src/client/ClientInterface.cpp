@@ -231,6 +231,8 @@ void ClientInterface::addContext(const Message& message)
     if (m_ui->tabWidget_contexts->count() >= mostContexts)
         removeOldestContexts();
     auto* page = new ContextInterface(message, m_ui->tabWidget_contexts);
+    if (m_contextFollower)
+        m_contextFollower(*page);
     m_ui->tabWidget_contexts->addTab(page, tr("Context %1").arg(message.i32(offset::contextNumber)));
     m_ui->lblNoContexts->hide();
     m_ui->contextsArea->show();

@@ -6,11 +6,13 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 
 class Client;
 class Console;
 class ConsoleSaver;
+class ContextInterface;
 class ErrorListFilterProxyModel;
 class ErrorListModel;
 
@@ -50,6 +52,10 @@ public:
     const ErrorListModel& errorListModel() const { return *m_errorListModel; }
     Console& console() { return *m_console; }
     const ConsoleSaver& saver() const { return *m_saver; }
+
+    /// Calls a function with the page of each context that comes from now on.
+    using ContextFollower = std::function<void(ContextInterface&)>;
+    void setContextFollower(const ContextFollower& follower) { m_contextFollower = follower; }
 
     /// The index of the page that is shown: console, error list or contexts.
     int subPage() const;
@@ -98,6 +104,7 @@ private:
     QString m_name;
     PID_TYPE m_pid = 0;
     State m_state = State::Fresh;
+    ContextFollower m_contextFollower;
     Console* m_console;
     ConsoleSaver* m_saver;
     ErrorListModel* m_errorListModel;

@@ -20,6 +20,7 @@
 #include <QSignalSpy>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QTableView>
 #include <QToolButton>
 #include <QWheelEvent>
 
@@ -56,6 +57,7 @@ private Q_SLOTS:
     void consoleFont();
     void typedFont();
     void arrangementIsRemembered();
+    void arrangementOfContextsIsRemembered();
     void contextsDoNotGrowTheWindow();
     void unreadablePreferencesAreKept_data();
     void unreadablePreferencesAreKept();
@@ -214,6 +216,53 @@ void TestWindowChoices::arrangementIsRemembered()
     QCOMPARE(header(next)->sectionSize(1), 123);
     QVERIFY(!warnings(next)->isChecked());
     QVERIFY(next.autoClose().isChecked());
+}
+
+void TestWindowChoices::arrangementOfContextsIsRemembered()
+{
+    const auto newContext = [](Session& session) {
+        ui::messages::Message record = records::context(1);
+        record.setU32(ui::messages::offset::contextExtensions, 1);
+        auto* pages = session.tabs().widget(0)->findChild<QTabWidget*>(QStringLiteral("tabWidget_contexts"));
+        const int before = pages->count();
+        session.applications[0]->send(record);
+        [&] {
+            QTRY_COMPARE(pages->count(), before + 1);
+        }();
+        pages->setCurrentIndex(before);
+        QCoreApplication::processEvents();
+        return pages->widget(before);
+    };
+    const auto drag = [](QWidget* handle, QPoint from) {
+        QTest::mousePress(handle, Qt::LeftButton, {}, from);
+        QTest::mouseMove(handle, from - QPoint(40, 0));
+        QTest::mouseRelease(handle, Qt::LeftButton, {}, from - QPoint(40, 0));
+    };
+    const auto arrangement = [](const QWidget* page) {
+        return page->findChild<QSplitter*>()->sizes()
+            << page->findChild<QTableView*>()->horizontalHeader()->sectionSize(0);
+    };
+    QList<int> expected;
+    for (const bool isFirst : {true, false}) {
+        Session session;
+        session.window.restorePlace();
+        session.window.resize(900, 600);
+        session.window.show();
+        session.connectApplication();
+        const QWidget* page = newContext(session);
+        if (isFirst) {
+            const QList<int> before = arrangement(page);
+            QSplitterHandle* handle = page->findChild<QSplitter*>()->handle(1);
+            drag(handle, handle->rect().center());
+            const QHeaderView* header = page->findChild<QTableView*>()->horizontalHeader();
+            drag(header->viewport(), {header->sectionSize(0) - 1, header->height() / 2});
+            expected = arrangement(page);
+            QVERIFY(expected[0] < before[0] && expected[2] < before[2]);
+        }
+        QCOMPARE(arrangement(page), expected);
+        QCOMPARE(arrangement(newContext(session)), expected);
+        session.window.close();
+    }
 }
 
 void TestWindowChoices::contextsDoNotGrowTheWindow()
