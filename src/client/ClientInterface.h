@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class Client;
 class Console;
@@ -43,7 +44,8 @@ public:
 
     void setName(const QString& name) { m_name = name; }
     void setPid(PID_TYPE pid) { m_pid = pid; }
-    /// The tab's title: the application's name in quotes, where it has sent one, and its PID.
+    /// The tab's title: the application's name in quotes, where it has sent one, and its PID; "<unknown>"
+    /// before it has sent either.
     QString title() const;
 
     /// Has the page that stands in for "no application" say how many are connected whose tabs are closed.
@@ -102,7 +104,7 @@ private:
     QPointer<Client> m_client;
     int m_index;
     QString m_name;
-    PID_TYPE m_pid = 0;
+    std::optional<PID_TYPE> m_pid;
     State m_state = State::Fresh;
     ContextFollower m_contextFollower;
     Console* m_console;

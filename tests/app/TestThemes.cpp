@@ -10,6 +10,7 @@
 #include <QRadioButton>
 #include <QScrollBar>
 #include <QStandardItemModel>
+#include <QToolButton>
 #include <QTreeView>
 
 #include <memory>
@@ -100,6 +101,8 @@ void TestThemes::outlinesStandOut()
     check(line);
     QPushButton button(&parent);
     check(button);
+    const Session session;
+    check(*session.window.findChild<QToolButton*>(QStringLiteral("btnHidePreferencesMessage")));
 }
 
 QTEST_MAIN(TestThemes)
