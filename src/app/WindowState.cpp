@@ -15,6 +15,9 @@
 #include <QTabWidget>
 #include <QTableView>
 
+#include <utility>
+#include <vector>
+
 namespace {
 
 /// The window's size when nothing is remembered: two thirds of the screen, and this at most.
@@ -98,23 +101,18 @@ void WindowState::followContext(ContextInterface& page)
 
 void WindowState::save()
 {
-    const std::string page = m_pages->currentWidget()->objectName().toStdString();
-    const property_list::Data geometry = dataOf(m_window.saveGeometry());
-    const property_list::Data profile = dataOf(m_profileSplitter->saveState());
-    const property_list::Data lists = dataOf(m_profileListsSplitter->saveState());
-    const property_list::Data columns = dataOf(m_errorListColumns);
-    const property_list::Data context = dataOf(m_contextSplitter);
-    const property_list::Data contextColumns = dataOf(m_contextColumns);
-    if (page == m_preferences.get(settings::windowPage)
-        && geometry == m_preferences.get(settings::windowGeometry)
-        && profile == m_preferences.get(settings::profileSplitter)
-        && lists == m_preferences.get(settings::profileListsSplitter)
-        && columns == m_preferences.get(settings::errorListColumns)
-        && context == m_preferences.get(settings::contextSplitter)
-        && contextColumns == m_preferences.get(settings::contextColumns))
-        return;
-    m_preferences.set({{settings::windowPage, page}, {settings::windowGeometry, geometry},
-        {settings::profileSplitter, profile}, {settings::profileListsSplitter, lists},
-        {settings::errorListColumns, columns}, {settings::contextSplitter, context},
-        {settings::contextColumns, contextColumns}});
+    std::vector<Preferences::Change> changes;
+    const auto keep = [this, &changes](const auto& setting, auto value) {
+        if (value != m_preferences.get(setting))
+            changes.emplace_back(setting, std::move(value));
+    };
+    keep(settings::windowPage, m_pages->currentWidget()->objectName().toStdString());
+    keep(settings::windowGeometry, dataOf(m_window.saveGeometry()));
+    keep(settings::profileSplitter, dataOf(m_profileSplitter->saveState()));
+    keep(settings::profileListsSplitter, dataOf(m_profileListsSplitter->saveState()));
+    keep(settings::errorListColumns, dataOf(m_errorListColumns));
+    keep(settings::contextSplitter, dataOf(m_contextSplitter));
+    keep(settings::contextColumns, dataOf(m_contextColumns));
+    if (!changes.empty())
+        m_preferences.set(changes);
 }
