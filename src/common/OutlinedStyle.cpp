@@ -39,8 +39,8 @@ QPalette withOutline(QPalette palette)
     return palette;
 }
 
-constexpr std::array outlinedPrimitives{QStyle::PE_IndicatorCheckBox, QStyle::PE_IndicatorItemViewItemCheck,
-    QStyle::PE_IndicatorRadioButton, QStyle::PE_FrameLineEdit, QStyle::PE_PanelButtonCommand};
+constexpr std::array outlinedPrimitives{QStyle::PE_IndicatorCheckBox, QStyle::PE_IndicatorRadioButton,
+    QStyle::PE_FrameLineEdit, QStyle::PE_PanelButtonCommand};
 
 /// Draws with a copy of an option that has outlines, where it is of one of the given types, else with the
 /// option itself.
@@ -97,7 +97,7 @@ void OutlinedStyle::drawPrimitive(
         QProxyStyle::drawPrimitive(element, drawn, painter, widget);
     };
     if (std::find(outlinedPrimitives.begin(), outlinedPrimitives.end(), element) != outlinedPrimitives.end())
-        drawOutlined<QStyleOptionButton, QStyleOptionFrame, QStyleOptionViewItem>(option, draw);
+        drawOutlined<QStyleOptionButton, QStyleOptionFrame>(option, draw);
     else
         draw(option);
 }

@@ -182,13 +182,18 @@ void TestClientTabs::iconsAndList()
     QMenu& menu = *button.findChild<QMenu*>();
     button.click();
     QCOMPARE(menu.geometry().right(), button.mapToGlobal(button.rect().bottomRight()).x());
+    menu.close();
+    session.connectApplication().send(text(Type::SetName, std::string(200, 'n')));
+    QTRY_VERIFY(session.titles().last().startsWith(QStringLiteral("\"nn")));
+    button.click();
     QStringList entries;
     for (const QAction* action : menu.actions())
         entries += action->text();
     QCOMPARE(entries,
-        QStringList({"1: \"a && b\" PID: 1, ended\t1 error, 0 warnings",
-            "2: PID: 2, lost\t2 errors, 1 warning", "3: PID: 3, connected\t0 errors, 0 warnings",
-            "4: <unknown>, connected\t0 errors, 0 warnings"}));
+        QStringList(
+            {"1: \"a && b\" PID: 1, ended\t1 error, 0 warnings", "2: PID: 2, lost\t2 errors, 1 warning",
+                "3: PID: 3, connected\t0 errors, 0 warnings", "4: <unknown>, connected\t0 errors, 0 warnings",
+                QStringLiteral("5: \"%1\u2026, connected\t0 errors, 0 warnings").arg(QString(79, 'n'))}));
     QVERIFY(menu.actions().constLast()->isChecked() && !menu.actions().constFirst()->isChecked());
     menu.actions().constFirst()->trigger();
     menu.close();
