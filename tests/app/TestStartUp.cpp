@@ -1,5 +1,4 @@
 #include "Controller.h"
-#include "LocalListener.h"
 #include "Program.h"
 #include "RawClient.h"
 
@@ -7,7 +6,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
-#include <QLocalServer>
 #include <QLockFile>
 #include <QMessageBox>
 #include <QProcess>
@@ -142,6 +140,15 @@ void answerStartUpFailure()
 }
 Q_COREAPP_STARTUP_FUNCTION(answerStartUpFailure)
 
+/// Runs the program in this process until its start fails.
+int runHere()
+{
+    char program[] = "corvale-gui";
+    char* arguments[] = {program, nullptr};
+    startUpFailure.clear();
+    return runProgram(1, arguments);
+}
+
 } // namespace
 
 /// Runs without an application object of its own, since the program makes one.
@@ -156,9 +163,6 @@ private Q_SLOTS:
     void endsByASignal();
     void secondInstanceIsNoClient();
     void preferencesThatCannotBeLoaded();
-    void somethingElseInTheWay_data();
-    void somethingElseInTheWay();
-    void anotherServerIsNotReplaced();
     void vanishedSocketComesBack();
     void runsOutOfDescriptors();
     void anotherUsersName_data();
@@ -203,10 +207,7 @@ void TestStartUp::secondInstanceLeavesTheFirstAlone()
     const ino_t instanceSocket = inode("CorvaleGUI");
     QVERIFY(clientSocket != 0);
 
-    char program[] = "corvale-gui";
-    char* arguments[] = {program, nullptr};
-    startUpFailure.clear();
-    QCOMPARE(runProgram(1, arguments), 0);
+    QCOMPARE(runHere(), 0);
     QCOMPARE(startUpFailure, QStringLiteral("CorvaleGUI is already running"));
 
     QVERIFY(first.isRunning());
@@ -240,10 +241,7 @@ void TestStartUp::secondInstanceIsNoClient()
 {
     const Listener instance("CorvaleGUI");
     const Listener clients("Corvale");
-    char program[] = "corvale-gui";
-    char* arguments[] = {program, nullptr};
-    startUpFailure.clear();
-    QCOMPARE(runProgram(1, arguments), 0);
+    QCOMPARE(runHere(), 0);
     QCOMPARE(startUpFailure, QStringLiteral("CorvaleGUI is already running"));
     QVERIFY(instance.wasAsked());
     QVERIFY2(!clients.wasAsked(), "it would show up in the first instance as an application");
@@ -255,10 +253,7 @@ void TestStartUp::preferencesThatCannotBeLoaded()
         qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/Brindlewood/Corvale.plist");
     QFile::remove(file);
     QVERIFY(QDir().mkpath(file));
-    char program[] = "corvale-gui";
-    char* arguments[] = {program, nullptr};
-    startUpFailure.clear();
-    QCOMPARE(runProgram(1, arguments), 0);
+    QCOMPARE(runHere(), 0);
     QCOMPARE(startUpFailure, QStringLiteral("ERROR: Failed to open preference file."));
     QCOMPARE(startUpDetails, QStringLiteral("Cannot read %1: it is not a regular file").arg(file));
     QVERIFY(QDir().rmdir(file));
@@ -267,56 +262,11 @@ void TestStartUp::preferencesThatCannotBeLoaded()
     QVERIFY(broken.open(QIODevice::WriteOnly));
     broken.write("<plist><dict><string/></dict></plist>");
     broken.close();
-    QCOMPARE(runProgram(1, arguments), 0);
+    QCOMPARE(runHere(), 0);
     QCOMPARE(startUpFailure, QStringLiteral("ERROR: Missing <key> tag\n"));
     QVERIFY2(startUpDetails.contains(file) && startUpDetails.contains(QStringLiteral("Missing <key> tag")),
         qPrintable(startUpDetails));
     QVERIFY(broken.remove());
-}
-
-void TestStartUp::somethingElseInTheWay_data()
-{
-    QTest::addColumn<bool>("folder");
-    QTest::newRow("file") << false;
-    QTest::newRow("folder") << true;
-}
-
-void TestStartUp::somethingElseInTheWay()
-{
-    QFETCH(const bool, folder);
-    const QString name = QStringLiteral("Obstacle");
-    if (folder) {
-        QVERIFY(QDir().mkdir(path("Obstacle")));
-    } else {
-        QFile file(path("Obstacle"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("precious");
-    }
-    int count = 1;
-    char program[] = "test";
-    char* arguments[] = {program, nullptr};
-    const QCoreApplication application(count, arguments);
-    QLocalServer server;
-    const QString problem = LocalListener::listenOnce(server, name);
-    QVERIFY(!server.isListening());
-    QVERIFY2(problem.contains(path("Obstacle")), qPrintable(problem));
-    QCOMPARE(QFileInfo(path("Obstacle")).isDir(), folder);
-    QVERIFY(folder ? QDir().rmdir(path("Obstacle")) : QFile::remove(path("Obstacle")));
-}
-
-void TestStartUp::anotherServerIsNotReplaced()
-{
-    int count = 1;
-    char program[] = "test";
-    char* arguments[] = {program, nullptr};
-    const QCoreApplication application(count, arguments);
-    QLocalServer other;
-    QVERIFY(other.listen(QStringLiteral("Taken")));
-    const ino_t before = inode("Taken");
-    QLocalServer server;
-    QVERIFY(!LocalListener::listenOnce(server, QStringLiteral("Taken")).isEmpty());
-    QCOMPARE(inode("Taken"), before);
-    QVERIFY(answers("Taken"));
 }
 
 void TestStartUp::vanishedSocketComesBack()
