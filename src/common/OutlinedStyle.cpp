@@ -105,7 +105,7 @@ void OutlinedStyle::drawPrimitive(
 void OutlinedStyle::drawComplexControl(
     ComplexControl control, const QStyleOptionComplex* option, QPainter* painter, const QWidget* widget) const
 {
-    drawOutlined<QStyleOptionComboBox, QStyleOptionSpinBox>(option, [&](const QStyleOptionComplex* drawn) {
+    drawOutlined<QStyleOptionSpinBox>(option, [&](const QStyleOptionComplex* drawn) {
         QProxyStyle::drawComplexControl(control, drawn, painter, widget);
     });
 }

@@ -106,6 +106,7 @@ void TestThemes::outlinesStandOut()
     QPushButton button(&parent);
     check(button);
     QComboBox list(&parent);
+    list.setEditable(true);
     check(list);
     QSpinBox number(&parent);
     number.setSpecialValueText(QStringLiteral(" "));
