@@ -51,9 +51,14 @@ ClientListButton::ClientListButton(ClientTabWidget* tabs)
     setArrowType(Qt::DownArrow);
     setAutoRaise(true);
     // A menu of the button's own would give it a second arrow.
-    connect(m_list, &QMenu::aboutToShow, this, &ClientListButton::fill);
-    connect(this, &QToolButton::clicked, this,
-        [this] { m_list->popup(mapToGlobal(rect().bottomRight()) - QPoint(m_list->sizeHint().width(), 0)); });
+    connect(this, &QToolButton::clicked, this, &ClientListButton::open);
+}
+
+void ClientListButton::open()
+{
+    fill();
+    const QPoint corner = mapToGlobal(rect().bottomRight());
+    m_list->popup({corner.x() + 1 - m_list->sizeHint().width(), corner.y()});
 }
 
 void ClientListButton::fill()

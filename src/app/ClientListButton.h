@@ -13,6 +13,7 @@ public:
     explicit ClientListButton(ClientTabWidget* tabs);
 
 private:
+    void open();
     void fill();
 
     ClientTabWidget* m_tabs;

@@ -75,7 +75,7 @@ ClientInterface* ClientTabWidget::addClient(Client* client, const QFont& font, b
     closePlaceholder();
     auto* page = new ClientInterface(client, count(), font, this);
     const QIcon connected(QStringLiteral(":/CorvaleResources/Connected"));
-    const int index = addTab(page, connected, QStringLiteral("<unknown>"));
+    const int index = addTab(page, connected, page->title());
     tabBar()->setTabData(index, static_cast<int>(Connection::Connected));
     setCurrentIndex(index);
     if (hadFocus && !isAncestorOf(QApplication::focusWidget()))

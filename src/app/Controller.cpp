@@ -9,7 +9,6 @@
 #include "ProfileSaving.h"
 #include "Resources.h"
 #include "SaveReadOnlyProfile.h"
-#include "SocketFile.h"
 #include "StartUpFailure.h"
 #include "TerminationSignals.h"
 
@@ -40,6 +39,8 @@ int& prepareProcess(int& argc)
 /// Loads the store and returns it; throws StartUpFailure where that fails.
 Preferences& load(Preferences& preferences)
 {
+    // The application object has set the user's locale; files are written and read without it.
+    std::setlocale(LC_NUMERIC, "C");
     std::string error;
     if (!preferences.load(error))
         throw StartUpFailure(error, preferences.loadProblem());
@@ -47,20 +48,6 @@ Preferences& load(Preferences& preferences)
 }
 
 } // namespace
-
-Controller::StartUpLock::StartUpLock()
-    : m_file(LocalListener::socketPath(QStringLiteral("CorvaleGUI-%1.lock").arg(platform::userId())))
-{
-    // The application object has set the user's locale; files are written and read without it.
-    std::setlocale(LC_NUMERIC, "C");
-    // Without the lock the start goes on: it guards against a rare coincidence only. Somebody else's file in
-    // its place says nothing about this user's instances, and nothing is to be waited for.
-    const std::string path = QFile::encodeName(m_file.fileName()).toStdString();
-    const bool isForeign =
-        platform::fileIdentity(path) != platform::fileIdentity({}) && !platform::isOwnFile(path);
-    if (!isForeign)
-        m_file.tryLock(2 * probeTime);
-}
 
 Controller::Controller(int& argc, char** argv)
     : QApplication(prepareProcess(argc), argv)

@@ -3,10 +3,10 @@
 #include "MainWindow.h"
 #include "Preferences.h"
 #include "ProfileCatalogue.h"
+#include "StartUpLock.h"
 #include "WindowController.h"
 
 #include <QApplication>
-#include <QLockFile>
 
 #include <memory>
 
@@ -34,17 +34,6 @@ public:
     bool saveAs(ProfileData& profile, const std::string& directory) override;
 
 private:
-    /// Held while the servers are set up, so that two instances that start at once do not take each other's
-    /// half-made socket for one that a crash has left behind.
-    class StartUpLock {
-    public:
-        StartUpLock();
-        void release() { m_file.unlock(); }
-
-    private:
-        QLockFile m_file;
-    };
-
     void refuseSecondInstance() const;
     void answerOtherInstances();
     void endOnSignals();

@@ -88,7 +88,8 @@ void MonitorStatus::addPreferencesPart()
     layout->addWidget(m_preferences, 1);
     auto* hide = new QToolButton(m_preferencesPart);
     hide->setObjectName(QStringLiteral("btnHidePreferencesMessage"));
-    hide->setIcon(hide->style()->standardIcon(QStyle::SP_DialogCloseButton));
+    // The desktop's own icon may be one for light windows only.
+    hide->setIcon(QIcon(QStringLiteral(":/CorvaleResources/Close")));
     hide->setAutoRaise(true);
     hide->setFocusPolicy(Qt::TabFocus);
     hide->setToolTip(tr("Hide this message"));

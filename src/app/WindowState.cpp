@@ -2,6 +2,7 @@
 
 #include "Client.h"
 #include "ClientInterface.h"
+#include "ContextInterface.h"
 #include "ErrorListView.h"
 #include "MainWindow.h"
 #include "Preferences.h"
@@ -12,6 +13,10 @@
 #include <QScreen>
 #include <QSplitter>
 #include <QTabWidget>
+#include <QTableView>
+
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -44,6 +49,8 @@ WindowState::WindowState(MainWindow& window, Preferences& preferences)
     , m_preferences(preferences)
     , m_pages(window.findChild<QTabWidget*>(QStringLiteral("mainTabWidget")))
     , m_errorListColumns(bytesOf(preferences.get(settings::errorListColumns)))
+    , m_contextSplitter(bytesOf(preferences.get(settings::contextSplitter)))
+    , m_contextColumns(bytesOf(preferences.get(settings::contextColumns)))
 {
     const auto* panel = window.findChild<widgets::Profile*>();
     m_profileSplitter = panel->findChild<QSplitter*>(QStringLiteral("profileInfoSplitter"));
@@ -74,22 +81,38 @@ void WindowState::follow(ClientInterface& page)
         [this, header] { m_errorListColumns = header->saveState(); });
     bind(page.findChild<QCheckBox*>(QStringLiteral("chkWarnings")), settings::showWarnings, m_preferences);
     bind(page.findChild<QCheckBox*>(QStringLiteral("chkErrors")), settings::showErrors, m_preferences);
+    page.setContextFollower([this](ContextInterface& context) { followContext(context); });
+}
+
+void WindowState::followContext(ContextInterface& page)
+{
+    auto* splitter = page.findChild<QSplitter*>();
+    splitter->restoreState(m_contextSplitter);
+    connect(splitter, &QSplitter::splitterMoved, this,
+        [this, splitter] { m_contextSplitter = splitter->saveState(); });
+    QHeaderView* header = page.findChild<QTableView*>()->horizontalHeader();
+    header->restoreState(m_contextColumns);
+    // The last column fills the table; as long as the user leaves the others alone, they follow their texts.
+    connect(header, &QHeaderView::sectionResized, this, [this, header](int column) {
+        if (column < header->count() - 1)
+            m_contextColumns = header->saveState();
+    });
 }
 
 void WindowState::save()
 {
-    const std::string page = m_pages->currentWidget()->objectName().toStdString();
-    const property_list::Data geometry = dataOf(m_window.saveGeometry());
-    const property_list::Data profile = dataOf(m_profileSplitter->saveState());
-    const property_list::Data lists = dataOf(m_profileListsSplitter->saveState());
-    const property_list::Data columns = dataOf(m_errorListColumns);
-    if (page == m_preferences.get(settings::windowPage)
-        && geometry == m_preferences.get(settings::windowGeometry)
-        && profile == m_preferences.get(settings::profileSplitter)
-        && lists == m_preferences.get(settings::profileListsSplitter)
-        && columns == m_preferences.get(settings::errorListColumns))
-        return;
-    m_preferences.set({{settings::windowPage, page}, {settings::windowGeometry, geometry},
-        {settings::profileSplitter, profile}, {settings::profileListsSplitter, lists},
-        {settings::errorListColumns, columns}});
+    std::vector<Preferences::Change> changes;
+    const auto keep = [this, &changes](const auto& setting, auto value) {
+        if (value != m_preferences.get(setting))
+            changes.emplace_back(setting, std::move(value));
+    };
+    keep(settings::windowPage, m_pages->currentWidget()->objectName().toStdString());
+    keep(settings::windowGeometry, dataOf(m_window.saveGeometry()));
+    keep(settings::profileSplitter, dataOf(m_profileSplitter->saveState()));
+    keep(settings::profileListsSplitter, dataOf(m_profileListsSplitter->saveState()));
+    keep(settings::errorListColumns, dataOf(m_errorListColumns));
+    keep(settings::contextSplitter, dataOf(m_contextSplitter));
+    keep(settings::contextColumns, dataOf(m_contextColumns));
+    if (!changes.empty())
+        m_preferences.set(changes);
 }

@@ -144,7 +144,8 @@ void ClientInterface::showConsoleMenu(const QPoint& position)
 void ClientInterface::makeConnections()
 {
     connect(m_ui->btnClear, &QPushButton::clicked, m_console, &Console::clear);
-    connect(m_ui->btnSaveConsole, &QPushButton::clicked, this, [this] { m_saver->ask(m_name, m_pid); });
+    connect(m_ui->btnSaveConsole, &QPushButton::clicked, this,
+        [this] { m_saver->ask(m_name, m_pid.value_or(0)); });
     connect(m_saver, &ConsoleSaver::busyChanged, m_ui->btnSaveConsole, &QPushButton::setDisabled);
     connect(
         m_ui->txtConsole, &QTextEdit::customContextMenuRequested, this, &ClientInterface::showConsoleMenu);
@@ -169,7 +170,9 @@ void ClientInterface::setLive()
 
 QString ClientInterface::title() const
 {
-    const QString pid = QString::number(m_pid);
+    if (!m_pid && m_name.isEmpty())
+        return QStringLiteral("<unknown>");
+    const QString pid = QString::number(m_pid.value_or(0));
     return m_name.isEmpty() ? tr("PID: %1").arg(pid) : tr("\"%1\" PID: %2").arg(m_name, pid);
 }
 
@@ -231,6 +234,8 @@ void ClientInterface::addContext(const Message& message)
     if (m_ui->tabWidget_contexts->count() >= mostContexts)
         removeOldestContexts();
     auto* page = new ContextInterface(message, m_ui->tabWidget_contexts);
+    if (m_contextFollower)
+        m_contextFollower(*page);
     m_ui->tabWidget_contexts->addTab(page, tr("Context %1").arg(message.i32(offset::contextNumber)));
     m_ui->lblNoContexts->hide();
     m_ui->contextsArea->show();

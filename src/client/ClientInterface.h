@@ -6,11 +6,14 @@
 #include <QPointer>
 #include <QWidget>
 
+#include <functional>
 #include <memory>
+#include <optional>
 
 class Client;
 class Console;
 class ConsoleSaver;
+class ContextInterface;
 class ErrorListFilterProxyModel;
 class ErrorListModel;
 
@@ -41,7 +44,8 @@ public:
 
     void setName(const QString& name) { m_name = name; }
     void setPid(PID_TYPE pid) { m_pid = pid; }
-    /// The tab's title: the application's name in quotes, where it has sent one, and its PID.
+    /// The tab's title: the application's name in quotes, where it has sent one, and its PID; "<unknown>"
+    /// before it has sent either.
     QString title() const;
 
     /// Has the page that stands in for "no application" say how many are connected whose tabs are closed.
@@ -50,6 +54,10 @@ public:
     const ErrorListModel& errorListModel() const { return *m_errorListModel; }
     Console& console() { return *m_console; }
     const ConsoleSaver& saver() const { return *m_saver; }
+
+    /// Calls a function with the page of each context that comes from now on.
+    using ContextFollower = std::function<void(ContextInterface&)>;
+    void setContextFollower(const ContextFollower& follower) { m_contextFollower = follower; }
 
     /// The index of the page that is shown: console, error list or contexts.
     int subPage() const;
@@ -96,8 +104,9 @@ private:
     QPointer<Client> m_client;
     int m_index;
     QString m_name;
-    PID_TYPE m_pid = 0;
+    std::optional<PID_TYPE> m_pid;
     State m_state = State::Fresh;
+    ContextFollower m_contextFollower;
     Console* m_console;
     ConsoleSaver* m_saver;
     ErrorListModel* m_errorListModel;

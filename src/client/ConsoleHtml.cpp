@@ -1,7 +1,5 @@
 #include "ConsoleHtml.h"
 
-#include <utility>
-
 namespace {
 
 constexpr const char* pageStart = R"(<!DOCTYPE html>
@@ -52,25 +50,25 @@ QString division(const char* kind, const QString& text)
 } // namespace
 
 ConsoleHtml::ConsoleHtml(const QString& title)
-    : m_page(QString::fromLatin1(pageStart).arg(title.toHtmlEscaped()))
+    : ConsoleFileSink(QString::fromLatin1(pageStart).arg(title.toHtmlEscaped()))
 {
 }
 
 void ConsoleHtml::writeEmptyLine()
 {
-    m_page += division("line", QString());
+    m_text += division("line", QString());
 }
 
 void ConsoleHtml::writeHeading(const QString& text, ConsoleStyle style)
 {
     const QLatin1String kind(className(style));
-    m_page += QStringLiteral("<div class=\"heading %1\">").arg(kind) + text.toHtmlEscaped()
+    m_text += QStringLiteral("<div class=\"heading %1\">").arg(kind) + text.toHtmlEscaped()
         + QStringLiteral("</div>\n<div class=\"frame %1\">").arg(kind);
 }
 
 void ConsoleHtml::writeBody(const QString& text)
 {
-    m_page += text.toHtmlEscaped();
+    m_text += text.toHtmlEscaped();
 }
 
 void ConsoleHtml::writeLineBreak(ConsoleOutline::LineBreak kind)
@@ -90,21 +88,16 @@ void ConsoleHtml::writeLineBreak(ConsoleOutline::LineBreak kind)
 void ConsoleHtml::writeLine(const QString& text, LineKind kind, bool isNewLine)
 {
     Q_UNUSED(isNewLine)
-    m_page += division(kind == LineKind::Window ? "own" : "line", text);
+    m_text += division(kind == LineKind::Window ? "own" : "line", text);
 }
 
 void ConsoleHtml::leaveFrame()
 {
-    m_page += QStringLiteral("</div>\n");
-}
-
-QString ConsoleHtml::take()
-{
-    return std::exchange(m_page, QString());
+    m_text += QStringLiteral("</div>\n");
 }
 
 void ConsoleHtml::finish()
 {
     leaveFrames();
-    m_page += QStringLiteral("</body>\n</html>\n");
+    m_text += QStringLiteral("</body>\n</html>\n");
 }

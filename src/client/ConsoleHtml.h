@@ -1,17 +1,14 @@
 #pragma once
 
-#include "ConsoleSink.h"
+#include "ConsoleFileSink.h"
 
 /// Writes console entries as a page of HTML that needs no other file.
-class ConsoleHtml : public ConsoleSink {
+class ConsoleHtml : public ConsoleFileSink {
 public:
     /// Begins the page.
     explicit ConsoleHtml(const QString& title);
 
-    /// Returns what has been written since the last call.
-    QString take();
-    /// Ends the page. Nothing may be written after it.
-    void finish();
+    void finish() override;
 
 protected:
     void writeEmptyLine() override;
@@ -20,7 +17,4 @@ protected:
     void writeLineBreak(ConsoleOutline::LineBreak kind) override;
     void writeLine(const QString& text, LineKind kind, bool isNewLine) override;
     void leaveFrame() override;
-
-private:
-    QString m_page;
 };

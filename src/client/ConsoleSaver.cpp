@@ -44,20 +44,20 @@ QString fileName(const QString& application, PID_TYPE pid, const QDateTime& time
 struct ConsoleSaver::Job {
     Job(const QString& filePath, ConsoleSpool& spool)
         : path(filePath)
-        , file(QFile::encodeName(filePath).toStdString(), platform::FileReplacement::Turn::Refuse)
+        , file(QFile::encodeName(filePath).toStdString(), platform::FileReplacement::WhenTaken::Refuse)
         , reader(spool)
     {
         if (isHtml(path))
-            html.emplace(tr("Console"));
+            sink = std::make_unique<ConsoleHtml>(tr("Console"));
+        else
+            sink = std::make_unique<ConsoleText>();
     }
-    ConsoleSink& sink() { return html ? static_cast<ConsoleSink&>(*html) : text; }
-    std::string take() { return (html ? html->take() : text.take()).toStdString(); }
+    std::string take() { return sink->take().toStdString(); }
 
     QString path;
     platform::FileReplacement file;
     ConsoleSpool::Reader reader;
-    ConsoleText text;
-    std::optional<ConsoleHtml> html;
+    std::unique_ptr<ConsoleFileSink> sink;
 };
 
 ConsoleSaver::ConsoleSaver(Console* console, QWidget* window)
@@ -115,7 +115,7 @@ void ConsoleSaver::step()
     while (more && !time.hasExpired(stepTime)) {
         more = m_job->reader.next(entry);
         if (more)
-            console_entry::write(entry, m_job->sink());
+            console_entry::write(entry, *m_job->sink);
     }
     if (!m_job->reader.isValid()) {
         finish(false, tr("The console was not saved: what was kept of it cannot be read."));
@@ -129,7 +129,7 @@ void ConsoleSaver::step()
             QTimer::singleShot(0, this, &ConsoleSaver::step);
         return;
     }
-    m_job->html ? m_job->html->finish() : m_job->text.finish();
+    m_job->sink->finish();
     const platform::FileResult result = m_job->file.commit(m_job->take());
     const bool saved = static_cast<bool>(result);
     finish(saved,

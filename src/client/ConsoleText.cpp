@@ -1,7 +1,5 @@
 #include "ConsoleText.h"
 
-#include <utility>
-
 void ConsoleText::writeHeading(const QString& text, ConsoleStyle style)
 {
     Q_UNUSED(style)
@@ -21,11 +19,6 @@ void ConsoleText::writeLine(const QString& text, LineKind kind, bool isNewLine)
     if (isNewLine)
         m_text += QLatin1Char('\n');
     m_text += text;
-}
-
-QString ConsoleText::take()
-{
-    return std::exchange(m_text, QString());
 }
 
 void ConsoleText::finish()

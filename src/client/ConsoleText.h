@@ -1,14 +1,13 @@
 #pragma once
 
-#include "ConsoleSink.h"
+#include "ConsoleFileSink.h"
 
 /// Writes console entries as plain text, as the document on the screen would be copied.
-class ConsoleText : public ConsoleSink {
+class ConsoleText : public ConsoleFileSink {
 public:
-    /// Returns what has been written since the last call.
-    QString take();
-    /// Ends the text. Nothing may be written after it.
-    void finish();
+    ConsoleText() = default;
+
+    void finish() override;
 
 protected:
     void writeEmptyLine() override { m_text += QStringLiteral("\n\n"); }
@@ -17,7 +16,4 @@ protected:
     void writeLineBreak(ConsoleOutline::LineBreak kind) override;
     void writeLine(const QString& text, LineKind kind, bool isNewLine) override;
     void leaveFrame() override { m_text += QLatin1Char('\n'); }
-
-private:
-    QString m_text;
 };

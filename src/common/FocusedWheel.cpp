@@ -12,10 +12,7 @@ FocusedWheel::FocusedWheel(QWidget* widget)
 
 bool FocusedWheel::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Wheel && !static_cast<QWidget*>(watched)->hasFocus()) {
-        // What is around it may scroll instead.
-        event->ignore();
+    if (event->type() == QEvent::Wheel && !static_cast<QWidget*>(watched)->hasFocus())
         return true;
-    }
     return QObject::eventFilter(watched, event);
 }

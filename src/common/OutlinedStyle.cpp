@@ -39,8 +39,25 @@ QPalette withOutline(QPalette palette)
     return palette;
 }
 
-constexpr std::array outlinedPrimitives{QStyle::PE_IndicatorCheckBox, QStyle::PE_IndicatorItemViewItemCheck,
-    QStyle::PE_IndicatorRadioButton, QStyle::PE_FrameLineEdit, QStyle::PE_PanelButtonCommand};
+constexpr std::array outlinedPrimitives{QStyle::PE_IndicatorCheckBox, QStyle::PE_IndicatorRadioButton,
+    QStyle::PE_FrameLineEdit, QStyle::PE_PanelButtonCommand};
+
+/// Draws with a copy of an option that has outlines, where it is of one of the given types, else with the
+/// option itself.
+template <typename... Outlined, typename Option, typename Draw>
+void drawOutlined(const Option* option, const Draw& draw)
+{
+    const auto drawAs = [&]<typename Type>(const Type* ofType) {
+        if (!ofType)
+            return false;
+        Type copy(*ofType);
+        copy.palette = withOutline(ofType->palette);
+        draw(&copy);
+        return true;
+    };
+    if (!(drawAs(qstyleoption_cast<const Outlined*>(option)) || ...))
+        draw(option);
+}
 
 } // namespace
 
@@ -76,40 +93,19 @@ QColor OutlinedStyle::outline(const QPalette& palette)
 void OutlinedStyle::drawPrimitive(
     PrimitiveElement element, const QStyleOption* option, QPainter* painter, const QWidget* widget) const
 {
-    if (std::find(outlinedPrimitives.begin(), outlinedPrimitives.end(), element)
-        == outlinedPrimitives.end()) {
-        QProxyStyle::drawPrimitive(element, option, painter, widget);
-        return;
-    }
-    if (const auto* button = qstyleoption_cast<const QStyleOptionButton*>(option)) {
-        QStyleOptionButton copy(*button);
-        copy.palette = withOutline(option->palette);
-        QProxyStyle::drawPrimitive(element, &copy, painter, widget);
-    } else if (const auto* frame = qstyleoption_cast<const QStyleOptionFrame*>(option)) {
-        QStyleOptionFrame copy(*frame);
-        copy.palette = withOutline(option->palette);
-        QProxyStyle::drawPrimitive(element, &copy, painter, widget);
-    } else if (const auto* item = qstyleoption_cast<const QStyleOptionViewItem*>(option)) {
-        QStyleOptionViewItem copy(*item);
-        copy.palette = withOutline(option->palette);
-        QProxyStyle::drawPrimitive(element, &copy, painter, widget);
-    } else {
-        QProxyStyle::drawPrimitive(element, option, painter, widget);
-    }
+    const auto draw = [&](const QStyleOption* drawn) {
+        QProxyStyle::drawPrimitive(element, drawn, painter, widget);
+    };
+    if (std::find(outlinedPrimitives.begin(), outlinedPrimitives.end(), element) != outlinedPrimitives.end())
+        drawOutlined<QStyleOptionButton, QStyleOptionFrame>(option, draw);
+    else
+        draw(option);
 }
 
 void OutlinedStyle::drawComplexControl(
     ComplexControl control, const QStyleOptionComplex* option, QPainter* painter, const QWidget* widget) const
 {
-    if (const auto* box = qstyleoption_cast<const QStyleOptionComboBox*>(option)) {
-        QStyleOptionComboBox copy(*box);
-        copy.palette = withOutline(option->palette);
-        QProxyStyle::drawComplexControl(control, &copy, painter, widget);
-    } else if (const auto* spin = qstyleoption_cast<const QStyleOptionSpinBox*>(option)) {
-        QStyleOptionSpinBox copy(*spin);
-        copy.palette = withOutline(option->palette);
-        QProxyStyle::drawComplexControl(control, &copy, painter, widget);
-    } else {
-        QProxyStyle::drawComplexControl(control, option, painter, widget);
-    }
+    drawOutlined<QStyleOptionSpinBox>(option, [&](const QStyleOptionComplex* drawn) {
+        QProxyStyle::drawComplexControl(control, drawn, painter, widget);
+    });
 }

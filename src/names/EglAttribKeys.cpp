@@ -1,4 +1,5 @@
 #include "EglEnumerants.h"
+#include "KeyIndex.h"
 #include "KeyTables.h"
 
 #include <map>
@@ -83,31 +84,21 @@ const Table& table()
     return instance;
 }
 
-template <typename Index, typename Sought>
-bool find(const Index& index, const Sought& sought, EGLAttribKey* key)
-{
-    const auto found = index.find(sought);
-    if (found == index.end())
-        return false;
-    *key = *found->second;
-    return true;
-}
-
 } // namespace
 
 bool findEGLAttribKey(const EGLAttribKey::DisplayName& name, EGLAttribKey* key)
 {
-    return find(table().byName, name, key);
+    return copyRow(table().byName, name, key);
 }
 
 bool findEGLAttribKey(const std::deque<std::string>& xmlPath, EGLAttribKey* key)
 {
-    return find(table().byPath, xmlPath, key);
+    return copyRow(table().byPath, xmlPath, key);
 }
 
 bool findEGLAttribKey(int value, EGLAttribKey* key)
 {
-    return find(table().byValue, value, key);
+    return copyRow(table().byValue, value, key);
 }
 
 void visitEGLAttribKeys(const std::function<void(const EGLAttribKey&)>& visit)

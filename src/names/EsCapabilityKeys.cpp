@@ -1,4 +1,5 @@
 #include "GlEnumerants.h"
+#include "KeyIndex.h"
 #include "KeyTables.h"
 
 #include <map>
@@ -113,26 +114,16 @@ const Tree& tree()
     return instance;
 }
 
-template <typename Index, typename Name>
-bool find(const Index& index, const Name& name, ESCapabilityKeyNode* node)
-{
-    const auto found = index.find(name);
-    if (found == index.end())
-        return false;
-    *node = *found->second;
-    return true;
-}
-
 } // namespace
 
 bool findKeyNode(const ESCapabilityKey::DisplayName& name, ESCapabilityKeyNode* node)
 {
-    return find(tree().byDisplayName, name, node);
+    return copyRow(tree().byDisplayName, name, node);
 }
 
 bool findKeyNode(const ESCapabilityKey::XMLName& name, ESCapabilityKeyNode* node)
 {
-    return find(tree().byXmlName, name, node);
+    return copyRow(tree().byXmlName, name, node);
 }
 
 void visitESCapabilityKeyNodes(const std::function<void(const ESCapabilityKeyNode&)>& visit)

@@ -12,9 +12,9 @@ constexpr std::size_t syncStep = 4U << 20U;
 
 } // namespace
 
-FileReplacement::FileReplacement(const std::filesystem::path& path, Turn turn)
+FileReplacement::FileReplacement(const std::filesystem::path& path, WhenTaken whenTaken)
 {
-    if (findTarget(path) && !claimTemporary(turn))
+    if (findTarget(path) && !claimTemporary(whenTaken))
         abandon();
 }
 

@@ -23,10 +23,10 @@ struct FileResult {
 class FileReplacement {
 public:
     /// What to do while somebody else is replacing the same file.
-    enum class Turn { Wait, Refuse };
+    enum class WhenTaken { Wait, Refuse };
 
     /// Waits a few seconds at most for another process that is replacing the same file, or not at all.
-    explicit FileReplacement(const std::filesystem::path& path, Turn turn = Turn::Wait);
+    explicit FileReplacement(const std::filesystem::path& path, WhenTaken whenTaken = WhenTaken::Wait);
     ~FileReplacement();
     FileReplacement(const FileReplacement&) = delete;
     FileReplacement& operator=(const FileReplacement&) = delete;
@@ -48,7 +48,7 @@ public:
 
 private:
     bool findTarget(const std::filesystem::path& path);
-    bool claimTemporary(Turn turn);
+    bool claimTemporary(WhenTaken whenTaken);
     bool keepAttributes();
     bool writeAll(std::string_view bytes);
     bool sync();

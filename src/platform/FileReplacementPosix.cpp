@@ -93,9 +93,9 @@ bool FileReplacement::findTarget(const std::filesystem::path& path)
 /// Opens, locks and empties the temporary file. While we waited for the lock, its former owner may have moved
 /// the file away; then the lock is on the wrong file, and it starts
 /// anew, though not for ever.
-bool FileReplacement::claimTemporary(Turn turn)
+bool FileReplacement::claimTemporary(WhenTaken whenTaken)
 {
-    const auto patience = turn == Turn::Wait ? lockPatience : std::chrono::seconds(0);
+    const auto patience = whenTaken == WhenTaken::Wait ? lockPatience : std::chrono::seconds(0);
     const mode_t creationMode = m_hasOld ? 0600 : 0666;
     for (int claims = 0; claims < maximumClaims; ++claims) {
         const int descriptor = open(m_temporary.c_str(),

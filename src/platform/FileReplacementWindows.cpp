@@ -27,7 +27,7 @@ bool FileReplacement::findTarget(const std::filesystem::path& path)
 }
 
 /// Nobody else may open the file meanwhile; that is the lock.
-bool FileReplacement::claimTemporary(Turn /*turn*/)
+bool FileReplacement::claimTemporary(WhenTaken /*whenTaken*/)
 {
     const errno_t error = _wsopen_s(&m_descriptor, m_temporary.c_str(),
         _O_WRONLY | _O_CREAT | _O_TRUNC | _O_BINARY, _SH_DENYRW, _S_IREAD | _S_IWRITE);

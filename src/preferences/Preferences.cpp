@@ -12,7 +12,7 @@ Preferences::Preferences(std::string storeName, std::unique_ptr<TSRPreferencesIm
 {
 }
 
-void Preferences::set(std::initializer_list<Change> changes)
+void Preferences::set(const std::vector<Change>& changes)
 {
     bool refused = false;
     for (const Change& change : changes)

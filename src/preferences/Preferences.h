@@ -6,13 +6,13 @@
 #include <chrono>
 #include <filesystem>
 #include <functional>
-#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
 #include <type_traits>
 #include <utility>
 #include <variant>
+#include <vector>
 
 /// What became of a save of the preferences.
 namespace save_outcome {
@@ -83,7 +83,7 @@ public:
         set({Change(setting, std::move(value))});
     }
     /// Changes several settings and saves once.
-    void set(std::initializer_list<Change> changes);
+    void set(const std::vector<Change>& changes);
 
     /// Changes a setting in memory alone. The next save takes it along; without one it is lost.
     template <typename T> void setUnsaved(const Setting<T>& setting, std::type_identity_t<T> value)

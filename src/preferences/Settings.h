@@ -75,6 +75,9 @@ inline const Setting<property_list::Data> profileListsSplitter{
     ofThisVersion("/window/profile_lists_splitter")};
 /// As QHeaderView::saveState() gives it.
 inline const Setting<property_list::Data> errorListColumns{ofThisVersion("/window/error_list_columns")};
+/// Of the pages of contexts, as above.
+inline const Setting<property_list::Data> contextSplitter{ofThisVersion("/window/context_splitter")};
+inline const Setting<property_list::Data> contextColumns{ofThisVersion("/window/context_columns")};
 inline const Setting<bool> autoCloseTabs{ofThisVersion("/window/auto_close_tabs")};
 inline const Setting<bool> showWarnings{ofThisVersion("/window/show_warnings"), alwaysTrue};
 inline const Setting<bool> showErrors{ofThisVersion("/window/show_errors"), alwaysTrue};

@@ -123,7 +123,7 @@ std::unique_ptr<TSRPreferencesFile> TSRPreferencesPosix::open(
         if (!file->stream)
             m_openFailureReason = failure("write", file->path);
     } else {
-        file->replacement.emplace(file->path, turn());
+        file->replacement.emplace(file->path, whenTaken());
         if (file->replacement->ready())
             file->stream = open_memstream(&file->buffer, &file->size);
         m_replacing = file->stream != nullptr;
@@ -135,9 +135,10 @@ std::unique_ptr<TSRPreferencesFile> TSRPreferencesPosix::open(
     return file;
 }
 
-platform::FileReplacement::Turn TSRPreferencesPosix::turn() const
+platform::FileReplacement::WhenTaken TSRPreferencesPosix::whenTaken() const
 {
-    return m_waits ? platform::FileReplacement::Turn::Wait : platform::FileReplacement::Turn::Refuse;
+    return m_waits ? platform::FileReplacement::WhenTaken::Wait
+                   : platform::FileReplacement::WhenTaken::Refuse;
 }
 
 std::FILE* TSRPreferencesPosix::openForReading(const fs::path& path, int folderKind)
@@ -163,7 +164,7 @@ std::string TSRPreferencesPosix::createFile(const fs::path& path, int folderKind
     const fs::path folder = path.parent_path();
     if (mkdir(folder.c_str(), folderKind == allUsers ? 0755 : 0700) != 0 && errno != EEXIST)
         return failure("make the folder", folder);
-    platform::FileReplacement replacement(path, turn());
+    platform::FileReplacement replacement(path, whenTaken());
     // Another process may have made the file, and filled it, while we waited for our turn.
     if (replacement.ready() && platform::openForReading(path, platform::limits::fileSize).absent)
         return replacement.commit(property_list::emptyFile).reason;

@@ -18,7 +18,7 @@ public:
     bool modificationStamp(const std::string& storeName, int folderKind, std::uint32_t& stamp) override;
 
 private:
-    platform::FileReplacement::Turn turn() const;
+    platform::FileReplacement::WhenTaken whenTaken() const;
     std::FILE* openForReading(const std::filesystem::path& path, int folderKind);
     /// Makes the file, unless it exists; returns the reason where that fails.
     std::string createFile(const std::filesystem::path& path, int folderKind) const;

@@ -156,6 +156,8 @@ void TestClientTabs::titlesStayReadable()
 void TestClientTabs::iconsAndList()
 {
     Session session;
+    session.window.resize(600, 500);
+    session.window.show();
     RawClient& ended = session.connectApplication();
     ended.send(bytes(pid(1)) + bytes(text(Type::SetName, "a & b")) + bytes(text(Type::Error, "x"))
         + bytes(make(Type::CleanDisconnect)));
@@ -164,9 +166,10 @@ void TestClientTabs::iconsAndList()
         + bytes(text(Type::Warning, "z")));
     lost.close();
     session.connectApplication().send(pid(3));
+    session.connectApplication();
     QTRY_COMPARE(session.tabs().connectionAt(1), ClientTabWidget::Connection::Lost);
     QTRY_COMPARE(session.tabs().connectionAt(0), ClientTabWidget::Connection::Ended);
-    QTRY_COMPARE(session.titles().last(), QStringLiteral("PID: 3"));
+    QTRY_COMPARE(session.titles().at(2), QStringLiteral("PID: 3"));
     std::set<QByteArray> pictures;
     for (int i = 0; i < 3; ++i) {
         const QImage picture = session.tabs().tabIcon(i).pixmap(16, 16).toImage();
@@ -175,16 +178,25 @@ void TestClientTabs::iconsAndList()
     }
     QCOMPARE(pictures.size(), 3U);
 
-    QMenu& menu =
-        *session.tabs().findChild<QToolButton*>(QStringLiteral("btnClientList"))->findChild<QMenu*>();
-    Q_EMIT menu.aboutToShow();
+    auto& button = *session.tabs().findChild<QToolButton*>(QStringLiteral("btnClientList"));
+    QMenu& menu = *button.findChild<QMenu*>();
+    button.click();
+    QCOMPARE(menu.geometry().right(), button.mapToGlobal(button.rect().bottomRight()).x());
+    menu.close();
+    session.connectApplication().send(text(Type::SetName, std::string(200, 'n')));
+    QTRY_VERIFY(session.titles().last().startsWith(QStringLiteral("\"nn")));
+    button.click();
     QStringList entries;
     for (const QAction* action : menu.actions())
         entries += action->text();
     QCOMPARE(entries,
-        QStringList({"1: \"a && b\" PID: 1, ended\t1 error, 0 warnings",
-            "2: PID: 2, lost\t2 errors, 1 warning", "3: PID: 3, connected\t0 errors, 0 warnings"}));
+        QStringList(
+            {"1: \"a && b\" PID: 1, ended\t1 error, 0 warnings", "2: PID: 2, lost\t2 errors, 1 warning",
+                "3: PID: 3, connected\t0 errors, 0 warnings", "4: <unknown>, connected\t0 errors, 0 warnings",
+                QStringLiteral("5: \"%1\u2026, connected\t0 errors, 0 warnings").arg(QString(79, 'n'))}));
+    QVERIFY(menu.actions().constLast()->isChecked() && !menu.actions().constFirst()->isChecked());
     menu.actions().constFirst()->trigger();
+    menu.close();
     QCOMPARE(session.tabs().currentIndex(), 0);
 }
 

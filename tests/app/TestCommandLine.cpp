@@ -24,7 +24,8 @@ void TestCommandLine::requests_data()
                            << Request::Start;
     QTest::newRow("a value that looks like ours") << QStringList{"-title", "--version"} << Request::Start;
     QTest::newRow("of Qt, without its value") << QStringList{"-style"} << Request::Refuse;
-    QTest::newRow("ours behind one of Qt") << QStringList{"-style", "fusion", "-h"} << Request::Answer;
+    QTest::newRow("ours behind one of Qt")
+        << QStringList{"-style", "fusion", "--geometry=1x1", "-h"} << Request::Answer;
     QTest::newRow("one dash") << QStringList{"-version"} << Request::Refuse;
     QTest::newRow("a file") << QStringList{"board.xml"} << Request::Refuse;
     QTest::newRow("a dash") << QStringList{"-"} << Request::Refuse;

@@ -95,16 +95,18 @@ void TestLocalListener::renamedFolder()
 
 void TestLocalListener::nameThatBecomesFree()
 {
-    QFile obstacle(QDir::tempPath() + QStringLiteral("/Obstructed"));
-    QVERIFY(obstacle.open(QIODevice::WriteOnly));
-    QLocalServer server;
-    LocalListener listener(&server, QStringLiteral("Obstructed"), nullptr);
-    listener.start();
-    QVERIFY(!listener.isListening());
-    QVERIFY(listener.problem().contains(obstacle.fileName()));
-    QVERIFY(obstacle.remove());
-    QTRY_VERIFY(listener.isListening());
-    QCOMPARE(listener.problem(), QString());
+    const QString obstacle = QDir::tempPath() + QStringLiteral("/Obstructed");
+    for (const bool isFolder : {true, false}) {
+        QVERIFY(isFolder ? QDir().mkdir(obstacle) : QFile(obstacle).open(QIODevice::WriteOnly));
+        QLocalServer server;
+        LocalListener listener(&server, QStringLiteral("Obstructed"), nullptr);
+        listener.start();
+        QVERIFY(!listener.isListening());
+        QVERIFY(listener.problem().contains(obstacle));
+        QVERIFY(isFolder ? QDir().rmdir(obstacle) : QFile::remove(obstacle));
+        QTRY_VERIFY(listener.isListening());
+        QCOMPARE(listener.problem(), QString());
+    }
 }
 
 void TestLocalListener::nameThatIsTakenOver()
@@ -116,6 +118,8 @@ void TestLocalListener::nameThatIsTakenOver()
     QLocalServer other;
     QVERIFY(other.listen(QStringLiteral("Wanted")));
     const ino_t taken = inodeOf(listener.path());
+    QLocalServer third;
+    QVERIFY(!LocalListener::listenOnce(third, QStringLiteral("Wanted")).isEmpty());
     QTRY_VERIFY(listener.problem().contains(listener.path()));
     QCOMPARE(inodeOf(listener.path()), taken);
 

@@ -1,12 +1,12 @@
 #include "Controller.h"
-#include "LocalListener.h"
 #include "Program.h"
 #include "RawClient.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
-#include <QLocalServer>
+#include <QLockFile>
 #include <QMessageBox>
 #include <QProcess>
 #include <QSignalSpy>
@@ -18,6 +18,8 @@
 
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace {
 
@@ -76,15 +78,10 @@ private:
 /// The real program in a process of its own.
 class Instance {
 public:
-    /// Starts it with a limit of file descriptors, 0 for that of this process, and waits until it answers.
-    explicit Instance(rlim_t descriptors = 0)
+    /// Starts it and waits until it answers.
+    Instance()
     {
         m_process.setProcessChannelMode(QProcess::ForwardedChannels);
-        m_process.setChildProcessModifier([descriptors] {
-            const rlimit limit{descriptors, descriptors};
-            if (descriptors != 0)
-                setrlimit(RLIMIT_NOFILE, &limit);
-        });
         m_process.start(QStringLiteral(CORVALE_GUI), QStringList());
         m_process.waitForStarted();
         [this] {
@@ -95,6 +92,16 @@ public:
     {
         m_process.kill();
         m_process.waitForFinished();
+    }
+    /// Leaves it so many more file descriptors than it has now.
+    bool limitDescriptors(rlim_t more)
+    {
+        const auto process = static_cast<pid_t>(m_process.processId());
+        const QDir open(QStringLiteral("/proc/%1/fd").arg(process));
+        const rlim_t most =
+            more + open.entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System).size();
+        const rlimit limit{most, most};
+        return prlimit(process, RLIMIT_NOFILE, &limit, nullptr) == 0;
     }
     bool isRunning() { return m_process.state() == QProcess::Running && !m_process.waitForFinished(0); }
     void terminate()
@@ -133,6 +140,15 @@ void answerStartUpFailure()
 }
 Q_COREAPP_STARTUP_FUNCTION(answerStartUpFailure)
 
+/// Runs the program in this process until its start fails.
+int runHere()
+{
+    char program[] = "corvale-gui";
+    char* arguments[] = {program, nullptr};
+    startUpFailure.clear();
+    return runProgram(1, arguments);
+}
+
 } // namespace
 
 /// Runs without an application object of its own, since the program makes one.
@@ -147,13 +163,12 @@ private Q_SLOTS:
     void endsByASignal();
     void secondInstanceIsNoClient();
     void preferencesThatCannotBeLoaded();
-    void somethingElseInTheWay_data();
-    void somethingElseInTheWay();
-    void anotherServerIsNotReplaced();
     void vanishedSocketComesBack();
     void runsOutOfDescriptors();
     void anotherUsersName_data();
     void anotherUsersName();
+    void lockThatNobodyHolds_data();
+    void lockThatNobodyHolds();
 };
 
 void TestStartUp::socketsAreForTheUserAlone()
@@ -192,10 +207,7 @@ void TestStartUp::secondInstanceLeavesTheFirstAlone()
     const ino_t instanceSocket = inode("CorvaleGUI");
     QVERIFY(clientSocket != 0);
 
-    char program[] = "corvale-gui";
-    char* arguments[] = {program, nullptr};
-    startUpFailure.clear();
-    QCOMPARE(runProgram(1, arguments), 0);
+    QCOMPARE(runHere(), 0);
     QCOMPARE(startUpFailure, QStringLiteral("CorvaleGUI is already running"));
 
     QVERIFY(first.isRunning());
@@ -229,10 +241,7 @@ void TestStartUp::secondInstanceIsNoClient()
 {
     const Listener instance("CorvaleGUI");
     const Listener clients("Corvale");
-    char program[] = "corvale-gui";
-    char* arguments[] = {program, nullptr};
-    startUpFailure.clear();
-    QCOMPARE(runProgram(1, arguments), 0);
+    QCOMPARE(runHere(), 0);
     QCOMPARE(startUpFailure, QStringLiteral("CorvaleGUI is already running"));
     QVERIFY(instance.wasAsked());
     QVERIFY2(!clients.wasAsked(), "it would show up in the first instance as an application");
@@ -244,10 +253,7 @@ void TestStartUp::preferencesThatCannotBeLoaded()
         qEnvironmentVariable("XDG_CONFIG_HOME") + QStringLiteral("/Brindlewood/Corvale.plist");
     QFile::remove(file);
     QVERIFY(QDir().mkpath(file));
-    char program[] = "corvale-gui";
-    char* arguments[] = {program, nullptr};
-    startUpFailure.clear();
-    QCOMPARE(runProgram(1, arguments), 0);
+    QCOMPARE(runHere(), 0);
     QCOMPARE(startUpFailure, QStringLiteral("ERROR: Failed to open preference file."));
     QCOMPARE(startUpDetails, QStringLiteral("Cannot read %1: it is not a regular file").arg(file));
     QVERIFY(QDir().rmdir(file));
@@ -256,56 +262,11 @@ void TestStartUp::preferencesThatCannotBeLoaded()
     QVERIFY(broken.open(QIODevice::WriteOnly));
     broken.write("<plist><dict><string/></dict></plist>");
     broken.close();
-    QCOMPARE(runProgram(1, arguments), 0);
+    QCOMPARE(runHere(), 0);
     QCOMPARE(startUpFailure, QStringLiteral("ERROR: Missing <key> tag\n"));
     QVERIFY2(startUpDetails.contains(file) && startUpDetails.contains(QStringLiteral("Missing <key> tag")),
         qPrintable(startUpDetails));
     QVERIFY(broken.remove());
-}
-
-void TestStartUp::somethingElseInTheWay_data()
-{
-    QTest::addColumn<bool>("folder");
-    QTest::newRow("file") << false;
-    QTest::newRow("folder") << true;
-}
-
-void TestStartUp::somethingElseInTheWay()
-{
-    QFETCH(const bool, folder);
-    const QString name = QStringLiteral("Obstacle");
-    if (folder) {
-        QVERIFY(QDir().mkdir(path("Obstacle")));
-    } else {
-        QFile file(path("Obstacle"));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("precious");
-    }
-    int count = 1;
-    char program[] = "test";
-    char* arguments[] = {program, nullptr};
-    const QCoreApplication application(count, arguments);
-    QLocalServer server;
-    const QString problem = LocalListener::listenOnce(server, name);
-    QVERIFY(!server.isListening());
-    QVERIFY2(problem.contains(path("Obstacle")), qPrintable(problem));
-    QCOMPARE(QFileInfo(path("Obstacle")).isDir(), folder);
-    QVERIFY(folder ? QDir().rmdir(path("Obstacle")) : QFile::remove(path("Obstacle")));
-}
-
-void TestStartUp::anotherServerIsNotReplaced()
-{
-    int count = 1;
-    char program[] = "test";
-    char* arguments[] = {program, nullptr};
-    const QCoreApplication application(count, arguments);
-    QLocalServer other;
-    QVERIFY(other.listen(QStringLiteral("Taken")));
-    const ino_t before = inode("Taken");
-    QLocalServer server;
-    QVERIFY(!LocalListener::listenOnce(server, QStringLiteral("Taken")).isEmpty());
-    QCOMPARE(inode("Taken"), before);
-    QVERIFY(answers("Taken"));
 }
 
 void TestStartUp::vanishedSocketComesBack()
@@ -322,8 +283,9 @@ void TestStartUp::runsOutOfDescriptors()
 #ifdef __SANITIZE_ADDRESS__
     QSKIP("the sanitizer needs descriptors of its own to look at objects, and takes their want for a fault");
 #endif
-    Instance instance(60);
-    constexpr std::size_t clients = 100;
+    Instance instance;
+    QVERIFY(instance.limitDescriptors(8));
+    constexpr std::size_t clients = 16;
     std::vector<std::unique_ptr<RawClient>> flood;
     flood.reserve(clients);
     for (std::size_t i = 0; i < clients; ++i)
@@ -371,6 +333,38 @@ void TestStartUp::anotherUsersName()
     QVERIFY2(problem->text().contains(path("CorvaleGUI")), qPrintable(problem->text()));
     QCOMPARE(inode("CorvaleGUI"), before);
     unlink(name.constData());
+}
+
+void TestStartUp::lockThatNobodyHolds_data()
+{
+    QTest::addColumn<bool>("foreign");
+    QTest::newRow("of another user") << true;
+    QTest::newRow("of a process that has died") << false;
+}
+
+/// Somebody else's lock, or one that a crash has left behind, delays nothing.
+void TestStartUp::lockThatNobodyHolds()
+{
+    QFETCH(const bool, foreign);
+    if (foreign && geteuid() != 0)
+        QSKIP("only root can give files to another user");
+    const QString name = path("CorvaleGUI-%1.lock").arg(geteuid());
+    QLockFile foreignLock(name);
+    if (foreign) {
+        QVERIFY(foreignLock.tryLock(0));
+        QCOMPARE(chown(QFile::encodeName(name).constData(), 12345, 12345), 0);
+    } else {
+        const pid_t child = fork();
+        if (child == 0)
+            _exit(QLockFile(name).tryLock(0) ? 0 : 1);
+        QCOMPARE(waitpid(child, nullptr, 0), child);
+    }
+    QElapsedTimer time;
+    time.start();
+    StartUpLock lock;
+    QVERIFY2(time.elapsed() < 500, qPrintable(QString::number(time.elapsed())));
+    lock.release();
+    QCOMPARE(QFile::exists(name), foreign);
 }
 
 int main(int argc, char** argv)

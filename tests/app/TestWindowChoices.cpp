@@ -1,3 +1,4 @@
+#include "ClientInterface.h"
 #include "CurrentProfile.h"
 #include "DialogAnswers.h"
 #include "DlgPreferences.h"
@@ -8,6 +9,7 @@
 #include "RecentFilesMenu.h"
 #include "Resources.h"
 #include "Session.h"
+#include "widgets/Profile.h"
 
 #include <QComboBox>
 #include <QDesktopServices>
@@ -20,6 +22,7 @@
 #include <QSignalSpy>
 #include <QSplitter>
 #include <QStatusBar>
+#include <QTableView>
 #include <QToolButton>
 #include <QWheelEvent>
 
@@ -56,6 +59,7 @@ private Q_SLOTS:
     void consoleFont();
     void typedFont();
     void arrangementIsRemembered();
+    void arrangementOfContextsIsRemembered();
     void contextsDoNotGrowTheWindow();
     void unreadablePreferencesAreKept_data();
     void unreadablePreferencesAreKept();
@@ -130,6 +134,19 @@ void TestWindowChoices::consoleFontSize()
     QCOMPARE(sizes(next), QList<qreal>({standard + 3}));
     QTest::keyClick(&next.window, Qt::Key_0, Qt::ControlModifier);
     QCOMPARE(sizes(next), QList<qreal>({standard}));
+    QCOMPARE(next.preferences.get(settings::consoleFontPoints), std::string("0"));
+
+    const QFont before = QApplication::font();
+    QFont larger = before;
+    larger.setPointSizeF(standard + 2);
+    QApplication::setFont(larger);
+    QTRY_VERIFY(sizes(next).constFirst() > standard + 1);
+    QApplication::setFont(before);
+    for (int i = 0; i < standard; ++i)
+        QTest::keyClick(&next.window, Qt::Key_Minus, Qt::ControlModifier);
+    const qreal smallest = sizes(next).constFirst();
+    QTest::keyClick(&next.window, Qt::Key_Equal, Qt::ControlModifier);
+    QVERIFY2(sizes(next).constFirst() > smallest, "the first step back from the limit counts");
 }
 
 void TestWindowChoices::typedFont()
@@ -171,11 +188,19 @@ void TestWindowChoices::arrangementIsRemembered()
     const auto header = [](const Session& session) {
         return session.tabs().widget(0)->findChild<ErrorListView*>()->horizontalHeader();
     };
-    const auto warnings = [](const Session& session) {
-        return session.tabs().widget(0)->findChild<QCheckBox*>(QStringLiteral("chkWarnings"));
+    const auto filters = [](const Session& session) {
+        const ClientInterface& page = *session.tabs().pageAt(0);
+        return QList<QCheckBox*>{page.findChild<QCheckBox*>(QStringLiteral("chkWarnings")),
+            page.findChild<QCheckBox*>(QStringLiteral("chkErrors"))};
     };
-    const auto splitter = [](const Session& session) {
-        return session.window.findChild<QSplitter*>(QStringLiteral("profileInfoSplitter"));
+    const auto splitters = [](const Session& session) {
+        return session.window.findChild<widgets::Profile*>()->findChildren<QSplitter*>();
+    };
+    const auto sizesOf = [&splitters](const Session& session) {
+        QList<int> sizes;
+        for (const QSplitter* splitter : splitters(session))
+            sizes += splitter->sizes();
+        return sizes;
     };
     const auto pages = [](const Session& session) {
         return session.window.findChild<QTabWidget*>(QStringLiteral("mainTabWidget"));
@@ -191,13 +216,18 @@ void TestWindowChoices::arrangementIsRemembered()
     session.window.move(5000, 20);
     session.connectApplication();
     header(session)->resizeSection(1, 123);
-    warnings(session)->click();
+    for (QCheckBox* box : filters(session))
+        box->click();
     session.autoClose().click();
     QCoreApplication::processEvents();
-    const QList<int> sizes = splitter(session)->sizes();
-    splitter(session)->setSizes({sizes[0] - 30, sizes[1] + 30});
-    const QList<int> expected = splitter(session)->sizes();
-    QVERIFY(expected != sizes);
+    const QList<int> before = sizesOf(session);
+    for (QSplitter* splitter : splitters(session)) {
+        const QList<int> sizes = splitter->sizes();
+        splitter->setSizes({sizes[0] - 30, sizes[1] + 30});
+    }
+    const QList<int> expected = sizesOf(session);
+    for (int i = 0; i < expected.size(); i += 2)
+        QVERIFY(expected[i] != before[i]);
     session.window.close();
     first.reset();
 
@@ -210,10 +240,60 @@ void TestWindowChoices::arrangementIsRemembered()
     QVERIFY2(next.window.screen()->availableGeometry().intersects(next.window.geometry()),
         "the place was on a screen that is gone");
     QCOMPARE(pages(next)->currentIndex(), 0);
-    QCOMPARE(splitter(next)->sizes(), expected);
+    QCOMPARE(sizesOf(next), expected);
     QCOMPARE(header(next)->sectionSize(1), 123);
-    QVERIFY(!warnings(next)->isChecked());
+    for (const QCheckBox* box : filters(next))
+        QVERIFY(!box->isChecked());
     QVERIFY(next.autoClose().isChecked());
+}
+
+void TestWindowChoices::arrangementOfContextsIsRemembered()
+{
+    // An extension's number, 1 or above, decides how wide its name is.
+    const auto newContext = [](Session& session, std::uint32_t extension) {
+        ui::messages::Message record = records::context(1);
+        record.setU32(ui::messages::offset::contextExtensions, extension);
+        auto* pages = session.tabs().widget(0)->findChild<QTabWidget*>(QStringLiteral("tabWidget_contexts"));
+        const int before = pages->count();
+        session.applications[0]->send(record);
+        [&] {
+            QTRY_COMPARE(pages->count(), before + 1);
+        }();
+        pages->setCurrentIndex(before);
+        QCoreApplication::processEvents();
+        return pages->widget(before);
+    };
+    const auto drag = [](QWidget* handle, QPoint from) {
+        QTest::mousePress(handle, Qt::LeftButton, {}, from);
+        QTest::mouseMove(handle, from - QPoint(40, 0));
+        QTest::mouseRelease(handle, Qt::LeftButton, {}, from - QPoint(40, 0));
+    };
+    const auto arrangement = [](const QWidget* page) {
+        return page->findChild<QSplitter*>()->sizes()
+            << page->findChild<QTableView*>()->horizontalHeader()->sectionSize(0);
+    };
+    QList<int> expected;
+    for (const bool isFirst : {true, false}) {
+        Session session;
+        session.window.restorePlace();
+        session.window.resize(900, 600);
+        session.window.show();
+        session.connectApplication();
+        const QWidget* page = newContext(session, 2);
+        if (isFirst) {
+            const QList<int> before = arrangement(page);
+            QVERIFY2(arrangement(newContext(session, 1))[2] > before[2], "each by its names at first");
+            QSplitterHandle* handle = page->findChild<QSplitter*>()->handle(1);
+            drag(handle, handle->rect().center());
+            const QHeaderView* header = page->findChild<QTableView*>()->horizontalHeader();
+            drag(header->viewport(), {header->sectionSize(0) - 1, header->height() / 2});
+            expected = arrangement(page);
+            QVERIFY(expected[0] < before[0] && expected[2] < before[2]);
+        }
+        QCOMPARE(arrangement(page), expected);
+        QCOMPARE(arrangement(newContext(session, 1)), expected);
+        session.window.close();
+    }
 }
 
 void TestWindowChoices::contextsDoNotGrowTheWindow()

@@ -18,7 +18,6 @@ private Q_SLOTS:
     void extensionsInAllThreeStates();
     void versions_data();
     void versions();
-    void emptyLists();
     void fullListsEndWithTheirField();
 };
 
@@ -110,14 +109,6 @@ void TestContextInterface::versions()
         label(page, "lbl_context_info_es_version_val"), label(page, "lbl_context_info_glsl_es_version_val"),
         label(page, "lbl_context_info_gl_version_val"), label(page, "lbl_context_info_glsl_version_val")};
     QTEST(shown, "texts");
-}
-
-void TestContextInterface::emptyLists()
-{
-    const ContextInterface page(context(1));
-    QCOMPARE(table(page).model()->rowCount(), 0);
-    QCOMPARE(label(page, "lbl_context_info_es_extensions_val"), QStringLiteral("0"));
-    QCOMPARE(label(page, "lbl_context_info_gl_extensions_val"), QStringLiteral("0"));
 }
 
 void TestContextInterface::fullListsEndWithTheirField()

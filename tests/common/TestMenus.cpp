@@ -83,6 +83,7 @@ void TestMenus::themeIsAppliedAndKept()
     QTRY_VERIFY(!shown.testAttribute(Qt::WA_SetPalette));
     menu.actions().at(0)->trigger();
     QCOMPARE(window(), desktop);
+    QCOMPARE(theme::fromName("of a later version"), Theme::System);
 }
 
 void TestMenus::recentFiles()

@@ -1,7 +1,7 @@
+#include "ChildProcess.h"
 #include "Descriptors.h"
 #include "SocketFile.h"
 
-#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -34,7 +34,7 @@ fs::path makeSocketFile(const fs::path& path)
 
 TEST(SocketFile, onlyASocketOfOurOwnCounts)
 {
-    const fs::path folder = fs::temp_directory_path();
+    const fs::path folder = child_process::freshFolder();
     const fs::path socketPath = makeSocketFile(folder / "socket");
     std::ofstream(folder / "plain") << "not a socket";
     fs::create_symlink(socketPath, folder / "link");
@@ -55,12 +55,13 @@ TEST(SocketFile, onlyASocketOfOurOwnCounts)
 TEST(SocketFile, ownerOnlyFilesLastsForItsScope)
 {
     umask(022);
+    const fs::path folder = child_process::freshFolder();
     fs::path inside;
     {
         const platform::OwnerOnlyFiles ownerOnly;
-        inside = makeSocketFile(fs::temp_directory_path() / "inside");
+        inside = makeSocketFile(folder / "inside");
     }
-    const fs::path outside = makeSocketFile(fs::temp_directory_path() / "outside");
+    const fs::path outside = makeSocketFile(folder / "outside");
     EXPECT_EQ(fs::status(inside).permissions() & fs::perms::mask, fs::perms::owner_all);
     EXPECT_EQ(fs::status(outside).permissions() & fs::perms::mask,
         fs::perms::owner_all | fs::perms::group_read | fs::perms::group_exec | fs::perms::others_read

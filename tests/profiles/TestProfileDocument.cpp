@@ -351,7 +351,8 @@ TEST(ProfileDocument, whatGrowsWithItsIndentationIsCutOff)
     std::string leaves;
     for (int leaf = 0; leaf < 50000; ++leaf)
         leaves += "<b/>";
-    const ProfileData profile = readProfile("<profile>" + content.insert(90 * 3, leaves) + "</profile>");
+    const ProfileData profile =
+        readProfile("<profile>" + content.insert(content.find("</a>"), leaves) + "</profile>");
     EXPECT_EQ(profile_file::whyNotSavable(profile), "it is larger than 8388608 bytes");
     EXPECT_LT(writeProfile(profile).size(), platform::limits::fileSize + 1000);
 }

@@ -128,7 +128,7 @@ struct Fixture {
     /// What was announced since the last time.
     QString announced()
     {
-        const QString text = log.join(QStringLiteral(", "));
+        QString text = log.join(QStringLiteral(", "));
         log.clear();
         return text;
     }
