@@ -114,11 +114,8 @@ void Launcher::welcome(Newcomer newcomer)
     for (const auto& process : m_processes) {
         if (process->pid() != newcomer.pid || !process->isAlive())
             continue;
-        // The same number again: another program was executed, or the system has used the number anew.
-        if (process->isDead())
-            process->finish(ProcessEnd{});
-        else
-            process->leave(nullptr);
+        // The same process: it has executed another program, which may have ended by now.
+        process->leave(nullptr);
     }
     m_processes.push_back(std::make_unique<WatchedProcess>(
         std::move(newcomer), m_options.name, m_budget, m_log, m_wakeUp.number()));
