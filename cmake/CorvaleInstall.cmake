@@ -1,6 +1,9 @@
 # What is installed, and where: the program, its icon, the documents for users, and the built-in profiles as examples to
 # copy from.
 install(TARGETS corvale-gui RUNTIME COMPONENT corvale)
+if(TARGET corvale-run)
+    install(TARGETS corvale-run RUNTIME COMPONENT corvale)
+endif()
 # What watches programs: loaded into them by corvale-run, which looks for it beside its own folder.
 if(TARGET corvale_vendor)
     install(TARGETS corvale_vendor corvale_preload LIBRARY DESTINATION lib/corvale COMPONENT corvale)

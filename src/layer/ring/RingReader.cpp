@@ -59,21 +59,22 @@ Reader::Next Reader::next(Record& record)
 {
     if (m_broken)
         return Next::Broken;
-    const std::uint64_t filled = m_header->head.load(std::memory_order_acquire) - m_tail;
+    const std::uint64_t tail = m_tail.load(std::memory_order_relaxed);
+    const std::uint64_t filled = this->filled();
     if (filled == 0)
         return Next::Empty;
     RecordHead head;
     if (filled <= ringSize && filled % alignment == 0)
-        copy(m_tail, &head, sizeof head);
+        copy(tail, &head, sizeof head);
     else
         m_broken = true;
     if (m_broken || head.size > m_payload.size() || spaceOf(head.size) > filled) {
         m_broken = true;
         return Next::Broken;
     }
-    copy(m_tail + sizeof head, m_payload.data(), head.size);
-    m_tail += spaceOf(head.size);
-    m_header->tail.store(m_tail, std::memory_order_release);
+    copy(tail + sizeof head, m_payload.data(), head.size);
+    m_tail.store(tail + spaceOf(head.size), std::memory_order_relaxed);
+    m_header->tail.store(tail + spaceOf(head.size), std::memory_order_release);
     record = {head.type, head.frame, std::string_view(m_payload.data(), head.size)};
     return Next::Record;
 }
@@ -90,7 +91,7 @@ void Reader::wait(std::chrono::milliseconds atMost)
 {
     const std::uint32_t seen = m_header->doorbell.load(std::memory_order_relaxed);
     m_header->sleeping.store(1, std::memory_order_seq_cst);
-    if (m_header->head.load(std::memory_order_seq_cst) == m_header->tail.load(std::memory_order_relaxed)) {
+    if (m_header->head.load(std::memory_order_seq_cst) == m_tail.load(std::memory_order_relaxed)) {
         const timespec time{atMost.count() / 1000, atMost.count() % 1000 * 1'000'000};
         syscall(SYS_futex, &m_header->doorbell, FUTEX_WAIT, seen, &time, nullptr, 0);
     }

@@ -3,6 +3,7 @@
 #include "RingLayout.h"
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <memory>
 #include <string>
@@ -34,6 +35,12 @@ public:
     /// The next record. Its room in the ring is free when this returns.
     Next next(Record& record);
 
+    /// Bytes that wait in the ring; if the program has scribbled on it, any number.
+    std::uint64_t filled() const
+    {
+        return m_header->head.load(std::memory_order_acquire) - m_tail.load(std::memory_order_relaxed);
+    }
+
     /// Sleeps until there is something to read, someone wakes it, or the time is over. From any one thread.
     void wait(std::chrono::milliseconds atMost);
     /// Ends a wait.
@@ -56,7 +63,7 @@ private:
 
     Header* m_header;
     const char* m_data;
-    std::uint64_t m_tail = 0;
+    std::atomic<std::uint64_t> m_tail{0}; ///< Ours; that of the header is for the program alone.
     bool m_broken = false;
     std::array<char, 8216> m_payload{};
 };

@@ -1,0 +1,259 @@
+#include "Launcher.h"
+
+#include "Descriptors.h"
+#include "ProgramFile.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include <sys/eventfd.h>
+
+using namespace std::chrono_literals;
+
+namespace launcher {
+
+namespace {
+
+constexpr std::size_t queueLimit = 128U << 20U; // bytes
+/// Ended processes whose records wait for a window; of more, the oldest go.
+constexpr std::size_t endedLimit = 32;
+
+constexpr auto connectInterval = 500ms;
+/// How often things are looked at that nothing tells of, while the launcher ends.
+constexpr int endingPause = 20; // milliseconds
+constexpr int stalledPause = 100; // milliseconds
+/// How long other processes may take to end with the program, as after Ctrl+C.
+constexpr auto commonEndTime = 100ms;
+/// How long the program's end is held up by a window that takes nothing, and by one that is slow.
+constexpr auto idleWindowTime = 2s;
+constexpr auto slowWindowTime = 30s;
+
+} // namespace
+
+Launcher::Launcher(Options options)
+    : m_options(std::move(options))
+    , m_wakeUp(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    , m_budget{queueLimit}
+{
+}
+
+int Launcher::fail(int code, const std::string& text) const
+{
+    std::fprintf(stderr, "corvale-run: %s\n", text.c_str());
+    return code;
+}
+
+std::variant<Changes, Unwatchable> Launcher::setUp()
+{
+    if (const auto why = whyUnwatchable(findProgram(m_options.program.front())))
+        return Unwatchable{*why};
+    m_folder = std::make_unique<PrivateFolder>();
+    auto setup = layerSetup(m_options, *m_folder);
+    if (std::holds_alternative<Changes>(setup) && !m_greeter.listen(m_folder->socketPath()))
+        return Unwatchable{"no socket can be made in " + m_folder->path()};
+    return setup;
+}
+
+int Launcher::run()
+{
+    const std::string& name = m_options.program.front();
+    if (!m_options.log.empty() && !m_log.open(m_options.log))
+        return fail(exit_code::wrongArguments, "Cannot write " + m_options.log + ": " + m_log.reason() + ".");
+    if (findProgram(name).empty())
+        return fail(exit_code::notFound, "There is no program " + name + ".");
+    const auto setup = setUp();
+    const auto* changes = std::get_if<Changes>(&setup);
+    if (const auto* unwatchable = std::get_if<Unwatchable>(&setup)) {
+        m_folder.reset();
+        if (m_options.require)
+            return fail(exit_code::notRun, "Cannot watch " + name + ": " + unwatchable->reason + ".");
+        if (!m_options.quiet)
+            fail(0, "Running " + name + " without watching it: " + unwatchable->reason + ".");
+    }
+    m_isWatching = changes != nullptr;
+    if (const int error = m_program.start(m_options.program, changes ? *changes : Changes{}))
+        return fail(error == ENOENT ? exit_code::notFound : exit_code::notRun,
+            "Cannot run " + name + ": " + std::strerror(error) + ".");
+    // Only now: the program has the limit that it would have alone.
+    platform::raiseDescriptorLimit();
+    const ProcessEnd end = watch();
+    m_processes.clear();
+    m_folder.reset();
+    const int code = exitCode(end);
+    Program::endLike(end, code);
+}
+
+int Launcher::exitCode(const ProcessEnd& end) const
+{
+    if (end.kind != ProcessEnd::Kind::Exited || end.number != 0 || !m_options.require || m_hasWatched)
+        return end.number;
+    return fail(exit_code::nothingWatched,
+        "Nothing was watched: " + m_options.program.front() + " has not used EGL where it can be watched.");
+}
+
+ProcessEnd Launcher::watch()
+{
+    for (;;) {
+        m_program.handleSignals();
+        noteEnds();
+        const int pause = drain();
+        connectClients();
+        transfer();
+        removeDone();
+        if (m_hasLeft && isDelivered())
+            return *m_end;
+        wait(pause);
+    }
+}
+
+void Launcher::welcome(Newcomer newcomer)
+{
+    for (const auto& process : m_processes) {
+        if (process->pid() != newcomer.pid || !process->isAlive())
+            continue;
+        // The same process: it has executed another program, which may have ended by now.
+        process->leave(nullptr);
+    }
+    m_processes.push_back(std::make_unique<WatchedProcess>(
+        std::move(newcomer), m_options.name, m_budget, m_log, m_wakeUp.number()));
+    m_hasWatched = true;
+    m_nextConnect = Clock::now();
+}
+
+void Launcher::noteEnds()
+{
+    // A process may have announced itself just before its end, so callers come first.
+    if (m_isWatching && !m_hasLeft)
+        m_greeter.receive([this](Newcomer newcomer) { welcome(std::move(newcomer)); });
+    if (!m_end && m_program.mayHaveEnded()) {
+        m_end = m_program.collectEnd();
+        m_endTime = m_lastProgress = Clock::now();
+        m_nextConnect = m_endTime;
+    }
+    bool anyLives = false;
+    for (const auto& process : m_processes) {
+        if (process->isAlive() && process->pid() == m_program.pid()) {
+            if (m_end)
+                process->finish(*m_end);
+        } else if (process->isDead()) {
+            process->finish(ProcessEnd::ofZombie(process->pid()));
+        }
+        anyLives = anyLives || process->isAlive();
+    }
+    if (!m_end || m_hasLeft || (anyLives && Clock::now() < m_endTime + commonEndTime))
+        return;
+    for (const auto& process : m_processes) {
+        if (process->isAlive())
+            process->leave("The program that corvale-run was started for has ended; this process goes on "
+                           "without being watched.");
+    }
+    m_hasLeft = true;
+}
+
+int Launcher::drain()
+{
+    std::uint64_t count = 0;
+    // Only resets the counter; there is nothing to do where it is zero.
+    [[maybe_unused]] const ssize_t size = read(m_wakeUp.number(), &count, sizeof count);
+    int pause = m_end ? endingPause : -1;
+    for (const auto& process : m_processes) {
+        const WatchedProcess::Drained drained = process->drain([this] { return hasRoom(); });
+        if (drained == WatchedProcess::Drained::Partly)
+            pause = 0;
+        else if (drained == WatchedProcess::Drained::Stalled && pause != 0)
+            pause = m_end ? endingPause : stalledPause;
+    }
+    return pause;
+}
+
+bool Launcher::hasRoom()
+{
+    while (m_budget.isSpent()) {
+        Client* largest = nullptr;
+        for (const auto& process : m_processes) {
+            Client& client = process->client();
+            if (!client.isConnected() && client.bytesWaiting() > (largest ? largest->bytesWaiting() : 0))
+                largest = &client;
+        }
+        // All that waits is for a window that is slow. The ring can wait as well.
+        if (!largest)
+            return false;
+        largest->dropOldest();
+    }
+    return true;
+}
+
+void Launcher::connectClients()
+{
+    const auto now = Clock::now();
+    if (now < m_nextConnect)
+        return;
+    m_nextConnect = now + (m_end ? std::chrono::milliseconds(endingPause) : connectInterval);
+    const std::optional<WindowSocket::Identity> window = m_window.identity();
+    for (const auto& process : m_processes) {
+        if (!window || !process->client().wants(*window) || process->client().isDone())
+            continue;
+        Descriptor connection = m_window.connect();
+        if (!connection)
+            return;
+        process->client().connect(std::move(connection), *window);
+    }
+}
+
+void Launcher::transfer()
+{
+    std::uint64_t sent = 0;
+    for (const auto& process : m_processes) {
+        process->client().transfer();
+        process->passWireframe();
+        sent += process->client().sent();
+    }
+    if (sent != m_sentBefore)
+        m_lastProgress = Clock::now();
+    m_sentBefore = sent;
+}
+
+void Launcher::removeDone()
+{
+    std::erase_if(m_processes, [](const auto& process) { return process->client().isDone(); });
+    const auto isWaiting = [](const auto& process) {
+        return !process->isAlive() && !process->client().isConnected();
+    };
+    auto waiting = std::count_if(m_processes.begin(), m_processes.end(), isWaiting);
+    for (; waiting > std::ptrdiff_t{endedLimit}; --waiting)
+        m_processes.erase(std::find_if(m_processes.begin(), m_processes.end(), isWaiting));
+}
+
+bool Launcher::isDelivered()
+{
+    const auto now = Clock::now();
+    if (now > m_lastProgress + idleWindowTime || now > m_endTime + slowWindowTime)
+        return true;
+    const std::optional<WindowSocket::Identity> window = m_window.identity();
+    return std::none_of(m_processes.begin(), m_processes.end(), [&](const auto& process) {
+        const Client& client = process->client();
+        return client.isConnected() || (window && client.wants(*window) && m_window.isBusy());
+    });
+}
+
+void Launcher::wait(int atMost)
+{
+    std::vector<pollfd> waitFor{{m_program.descriptor(), POLLIN, 0}, {m_wakeUp.number(), POLLIN, 0}};
+    if (m_isWatching && !m_hasLeft)
+        m_greeter.addTo(waitFor);
+    bool isUnconnected = false;
+    for (const auto& process : m_processes) {
+        process->addTo(waitFor);
+        isUnconnected = isUnconnected || !process->client().isConnected();
+    }
+    if (isUnconnected && atMost < 0) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(m_nextConnect - Clock::now()).count();
+        atMost = static_cast<int>(std::max<std::int64_t>(left, 0));
+    }
+    poll(waitFor.data(), waitFor.size(), atMost);
+}
+
+} // namespace launcher

@@ -1,0 +1,131 @@
+#include "Options.h"
+
+#include <array>
+#include <string_view>
+
+#include <getopt.h>
+
+namespace launcher {
+
+namespace {
+
+constexpr const char* usage = R"(usage: corvale-run [options] [--] program [arguments...]
+
+Runs an OpenGL ES program and shows in Corvale GUI what it does. The program gets its terminal, its standard streams and
+its signals as without corvale-run. If no window is open, it runs all the same, and a window that is opened later
+shows what has come until then.
+
+  --name NAME     title of the tab, instead of the program's name
+  --via WAY       how to get between the program and its driver: vendor (default; a vendor library of libglvnd) or
+                  preload (for systems without libglvnd)
+  --no-errors     do not look for errors after each call
+  --log FILE      write one line for each message into FILE as well, which is replaced
+  --profile NAME  not yet: comes with a later version
+  --quiet         do not say when a program cannot be watched
+  --require       fail when the program cannot be watched
+  --help          show this text and exit
+  --version       show the version and exit
+
+A program that is no 64-bit program of this machine, is linked statically, or gets the rights of another user when it
+starts cannot be watched. It runs as it would alone, and one line on standard error says why.
+
+Environment:
+  TMPDIR           folder of the window's socket, /tmp where it is not set
+  XDG_RUNTIME_DIR  where corvale-run keeps a private folder while it runs; else TMPDIR, else /tmp
+
+Exit status: that of the program, and corvale-run ends by the same signal as the program. Else
+  1    with --require: the program has ended with status 0, but never used EGL where it could be watched
+  2    the arguments are not understood, or the log cannot be written
+  126  the program cannot be run or, with --require, not be watched
+  127  the program was not found
+)";
+
+enum Choice { name = 256, way, noErrors, log, profile, quiet, require, help, version };
+
+constexpr std::array<option, 10> known{
+    {{"name", required_argument, nullptr, name}, {"via", required_argument, nullptr, way},
+        {"no-errors", no_argument, nullptr, noErrors}, {"log", required_argument, nullptr, log},
+        {"profile", required_argument, nullptr, profile}, {"quiet", no_argument, nullptr, quiet},
+        {"require", no_argument, nullptr, require}, {"help", no_argument, nullptr, help},
+        {"version", no_argument, nullptr, version}, {nullptr, 0, nullptr, 0}}};
+
+Options refuse(const std::string& why, const std::string& argument = {})
+{
+    Options options;
+    options.request = Options::Request::Refuse;
+    options.text = "corvale-run: " + why;
+    if (!argument.empty())
+        options.text.append(" '").append(argument).append("'");
+    options.text += "\nTry 'corvale-run --help'.\n";
+    return options;
+}
+
+Options answer(const std::string& text)
+{
+    Options options;
+    options.request = Options::Request::Answer;
+    options.text = text;
+    return options;
+}
+
+/// Takes one option that stands alone or has its value in `optarg`. Empty, or why it is refused.
+std::string take(int choice, Options& options)
+{
+    switch (choice) {
+    case name:
+        options.name = optarg;
+        break;
+    case way:
+        if (std::string_view(optarg) != "vendor" && std::string_view(optarg) != "preload")
+            return "The ways to get in between are vendor and preload.";
+        options.via = std::string_view(optarg) == "preload" ? Via::Preload : Via::Vendor;
+        break;
+    case noErrors:
+        options.noErrors = true;
+        break;
+    case log:
+        options.log = optarg;
+        if (options.log.empty())
+            return "The log needs a file name.";
+        break;
+    case profile:
+        return "Profiles cannot be chosen here yet; --profile comes with a later version.";
+    case quiet:
+        options.quiet = true;
+        break;
+    case require:
+        options.require = true;
+        break;
+    default:
+        break;
+    }
+    return {};
+}
+
+} // namespace
+
+Options readOptions(int argc, char* const* argv)
+{
+    Options options;
+    optind = 0; // Starts getopt anew.
+    opterr = 0;
+    int choice = -1;
+    while ((choice = getopt_long(argc, argv, "+:", known.data(), nullptr)) != -1) {
+        if (choice == help)
+            return answer(usage);
+        if (choice == version)
+            return answer("corvale-run " CORVALE_VERSION "\n");
+        if (choice == ':')
+            return refuse("A value is missing behind the option", argv[optind - 1]);
+        if (choice == '?')
+            return refuse("There is no such option, or it takes no value:", argv[optind - 1]);
+        if (const std::string why = take(choice, options); !why.empty())
+            return refuse(why);
+    }
+    options.program.assign(argv + optind, argv + argc);
+    if (options.program.empty())
+        return refuse("Which program?");
+    return options;
+}
+
+} // namespace launcher

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace launcher {
+
+/// Exit codes of the launcher itself.
+namespace exit_code {
+inline constexpr int nothingWatched = 1; ///< --require, and no process has connected.
+inline constexpr int wrongArguments = 2;
+inline constexpr int notRun = 126;
+inline constexpr int notFound = 127;
+} // namespace exit_code
+
+/// How the layer gets between the program and its driver.
+enum class Via { Vendor, Preload };
+
+/// What the arguments ask for.
+struct Options {
+    enum class Request { Run, Answer, Refuse };
+
+    Request request = Request::Run;
+    std::string text; ///< Whole lines for standard output (Answer) or standard error (Refuse).
+
+    std::string name; ///< Of the tab; empty to take it from the program's arguments.
+    Via via = Via::Vendor;
+    bool noErrors = false;
+    std::string log; ///< Path; empty for none.
+    bool quiet = false;
+    bool require = false;
+    std::vector<std::string> program; ///< With its arguments.
+};
+
+Options readOptions(int argc, char* const* argv);
+
+} // namespace launcher

@@ -1,0 +1,153 @@
+#include "WatchedProcess.h"
+
+#include "ProgramName.h"
+#include "WholeRecord.h"
+
+#include <utility>
+
+#include <poll.h>
+
+namespace launcher {
+
+using layer::ring::Reader;
+using ui::messages::Type;
+
+WatchedProcess::WatchedProcess(
+    Newcomer newcomer, const std::string& name, QueueBudget& budget, RecordLog& log, int wakeUp)
+    : m_ring(std::move(newcomer.ring))
+    , m_doorbell(std::make_unique<Doorbell>(*m_ring, wakeUp))
+    , m_death(std::move(newcomer.death))
+    , m_log(log)
+    , m_client(newcomer.pid, name.empty() ? programName(newcomer.arguments) : name, !name.empty(), budget)
+{
+    m_log.note(pid(), "begins " + m_client.name());
+}
+
+bool WatchedProcess::isDead() const
+{
+    if (!m_ring)
+        return false;
+    pollfd state{m_death.number(), POLLIN, 0};
+    // Without a pidfd it was gone before we could have one.
+    return !m_death || poll(&state, 1, 0) > 0;
+}
+
+void WatchedProcess::addTo(std::vector<pollfd>& waitFor) const
+{
+    if (m_ring && m_death)
+        waitFor.push_back({m_death.number(), POLLIN, 0});
+    m_client.addTo(waitFor);
+}
+
+WatchedProcess::Drained WatchedProcess::drain(const std::function<bool()>& hasRoom)
+{
+    if (!m_ring || m_isBroken || m_doorbell->isArmed())
+        return Drained::Empty;
+    if (m_ring->filled() == 0 && m_ring->dropped() <= m_droppedTold) {
+        m_doorbell->arm();
+        return Drained::Empty;
+    }
+    return readRing(hasRoom) ? Drained::Partly : Drained::Stalled;
+}
+
+bool WatchedProcess::readRing(const std::function<bool()>& hasRoom)
+{
+    // What is dropped for want of room comes behind all that is in the ring now.
+    const std::uint64_t dropped = m_ring->dropped();
+    std::uint64_t left = m_ring->filled();
+    while (left > 0) {
+        if (!hasRoom())
+            return false;
+        Record record;
+        const Reader::Next next = m_ring->next(record);
+        if (next == Reader::Next::Broken || (next == Reader::Next::Record && !isOfProcess(record.type))) {
+            breakOff();
+            return true;
+        }
+        if (next == Reader::Next::Empty)
+            break;
+        take(record);
+        const std::uint64_t space = layer::ring::spaceOf(record.payload.size());
+        left -= std::min(left, space);
+    }
+    if (dropped > m_droppedTold)
+        tell(Type::Warning,
+            droppedText(dropped - m_droppedTold, "the program made them faster than they could be shown."));
+    m_droppedTold = dropped;
+    return true;
+}
+
+void WatchedProcess::readRest()
+{
+    m_doorbell.reset();
+    // Once for what is there and once more for what was written meanwhile; a child of the process that still
+    // writes does not keep us.
+    for (int pass = 0; pass < 2 && !m_isBroken; ++pass)
+        readRing([] { return true; });
+}
+
+void WatchedProcess::take(const Record& record)
+{
+    m_log.write(pid(), record);
+    m_client.take(record);
+}
+
+void WatchedProcess::tell(Type type, std::string_view text)
+{
+    take({static_cast<std::uint32_t>(type), m_ring->frames(), text});
+}
+
+void WatchedProcess::tellLast(Type type, std::string_view text)
+{
+    const Record record{static_cast<std::uint32_t>(type), m_ring->frames(), text};
+    m_log.write(pid(), record);
+    m_client.addLastWords(record);
+}
+
+void WatchedProcess::breakOff()
+{
+    m_isBroken = true;
+    m_ring->stop();
+    tell(Type::Warning,
+        "What this program reports is not readable any more: it has written into memory that is not its own. "
+        "Nothing more of it is shown.");
+}
+
+void WatchedProcess::passWireframe()
+{
+    if (m_ring)
+        m_ring->setWireframe(m_client.isWireframe());
+}
+
+void WatchedProcess::finish(const ProcessEnd& end)
+{
+    readRest();
+    bool isClean = end.kind == ProcessEnd::Kind::Exited;
+    if (end.kind == ProcessEnd::Kind::Killed) {
+        tellLast(Type::Error, "Killed by " + signalText(end.number));
+    } else if (end.kind == ProcessEnd::Kind::Unknown && !m_ring->hasEnded()) {
+        // Either _exit() or a signal; only its parent has learned which.
+        tellLast(Type::Warning, "The process ended at once; whether by itself or by a signal is not known.");
+    } else {
+        isClean = true;
+        m_log.note(pid(),
+            end.kind == ProcessEnd::Kind::Exited ? "ends with status " + std::to_string(end.number) : "ends");
+    }
+    m_client.end(isClean);
+    m_ring.reset();
+}
+
+void WatchedProcess::leave(const char* why)
+{
+    m_ring->stop();
+    m_ring->setWireframe(false);
+    readRest();
+    if (why)
+        tellLast(Type::Information, why);
+    else
+        m_log.note(pid(), "ends");
+    m_client.end(true);
+    m_ring.reset();
+}
+
+} // namespace launcher

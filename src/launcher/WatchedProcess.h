@@ -1,0 +1,67 @@
+#pragma once
+
+#include "Client.h"
+#include "Doorbell.h"
+#include "Greeter.h"
+#include "ProcessEnd.h"
+#include "RecordLog.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+namespace launcher {
+
+/// A process that has announced itself: its ring is emptied into its client until it ends.
+class WatchedProcess {
+public:
+    enum class Drained {
+        Empty, ///< The doorbell rings when there is more.
+        Partly, ///< There may be more at once.
+        Stalled, ///< There is more than may wait.
+    };
+
+    /// `name` is the one that the user chose, if any. Budget, log and the eventfd that tells of new records
+    /// outlive this.
+    WatchedProcess(
+        Newcomer newcomer, const std::string& name, QueueBudget& budget, RecordLog& log, int wakeUp);
+
+    pid_t pid() const { return m_client.pid(); }
+    Client& client() { return m_client; }
+    const Client& client() const { return m_client; }
+    bool isAlive() const { return m_ring != nullptr; }
+    /// Whether the process is dead though its end has not been noted.
+    bool isDead() const;
+    /// Adds what is to be waited for.
+    void addTo(std::vector<pollfd>& waitFor) const;
+
+    /// Reads what is in the ring now, as long as there is room for it.
+    Drained drain(const std::function<bool()>& hasRoom);
+    void passWireframe();
+
+    /// Reads the rest and tells how the process ended.
+    void finish(const ProcessEnd& end);
+    /// Ends the watching of a process that goes on.
+    void leave(const char* why);
+
+private:
+    /// Reads up to as many bytes as are in the ring now. False if there was no room for one of them.
+    bool readRing(const std::function<bool()>& hasRoom);
+    void readRest();
+    void take(const Record& record);
+    void tell(ui::messages::Type type, std::string_view text);
+    void tellLast(ui::messages::Type type, std::string_view text);
+    void breakOff();
+
+    std::unique_ptr<layer::ring::Reader> m_ring; ///< None once the process has ended.
+    std::unique_ptr<Doorbell> m_doorbell; ///< Ends before the ring.
+    Descriptor m_death;
+    RecordLog& m_log;
+    Client m_client;
+    std::uint64_t m_droppedTold = 0;
+    bool m_isBroken = false;
+};
+
+} // namespace launcher

@@ -1,0 +1,14 @@
+#include "Launcher.h"
+
+#include <cstdio>
+
+int main(int argc, char** argv)
+{
+    launcher::Options options = launcher::readOptions(argc, argv);
+    if (options.request != launcher::Options::Request::Run) {
+        const bool isAnswer = options.request == launcher::Options::Request::Answer;
+        std::fputs(options.text.c_str(), isAnswer ? stdout : stderr);
+        return isAnswer ? 0 : launcher::exit_code::wrongArguments;
+    }
+    return launcher::Launcher(std::move(options)).run();
+}
