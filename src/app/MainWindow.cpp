@@ -194,9 +194,8 @@ void MainWindow::setUpActions()
 void MainWindow::setUpMenus()
 {
     auto* run = new RunProgramActions(m_preferences, m_ui->menuFile, m_ui->actionExit, m_ui->tabPrograms);
-    connect(run, &RunProgramActions::statusMessage, this, [this](const QString& text) {
-        statusBar()->showMessage(text, messageTime);
-    });
+    connect(run, &RunProgramActions::statusMessage, this,
+        [this](const QString& text) { statusBar()->showMessage(text, messageTime); });
     connect(run, &RunProgramActions::pageWanted, this,
         [this] { m_ui->mainTabWidget->setCurrentWidget(m_ui->tabPrograms); });
 

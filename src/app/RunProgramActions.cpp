@@ -49,8 +49,8 @@ void RunProgramActions::setUpNotice(QWidget* page)
     m_notice = new widgets::NoticeBar(QStringLiteral("noticeNotRun"), page);
     const QPushButton* change = m_notice->addButton(QStringLiteral("btnRunOtherwise"), tr("R&un Program..."),
         tr("Change what is to be run and try again"));
-    const QPushButton* hide
-        = m_notice->addButton(QStringLiteral("btnHideNotRun"), tr("&Hide"), tr("Hide this message"));
+    const QPushButton* hide =
+        m_notice->addButton(QStringLiteral("btnHideNotRun"), tr("&Hide"), tr("Hide this message"));
     connect(change, &QPushButton::clicked, this, &RunProgramActions::ask);
     connect(hide, &QPushButton::clicked, m_notice, [this] { m_notice->setText({}); });
     if (auto* layout = qobject_cast<QBoxLayout*>(page->layout()))

@@ -13,14 +13,14 @@ namespace widgets {
 class NoticeBar;
 }
 
-/// The entries of a menu by which the user runs programs, runs the last one again and ends those that run. What
-/// could not be run stays in a notice until the user hides it or the next program starts.
+/// The entries of a menu by which the user runs programs, runs the last one again and ends those that run.
+/// What could not be run stays in a notice until the user hides it or the next program starts.
 class RunProgramActions : public QObject {
     Q_OBJECT
 
 public:
-    /// Adds its actions in front of the entry of the menu, and its notice to the layout of the page. The store
-    /// must live longer.
+    /// Adds its actions in front of the entry of the menu, and its notice to the layout of the page. The
+    /// store must live longer.
     RunProgramActions(Preferences& preferences, QMenu* menu, QAction* before, QWidget* page);
 
 Q_SIGNALS:

@@ -104,8 +104,7 @@ std::optional<ProgramRun> ProgramRun::fromText(const QString& text)
 
 QString ProgramRun::quoted(QString argument)
 {
-    const bool hasBlank
-        = std::any_of(argument.begin(), argument.end(), [](QChar c) { return c.isSpace(); });
+    const bool hasBlank = std::any_of(argument.begin(), argument.end(), [](QChar c) { return c.isSpace(); });
     argument.replace(QLatin1Char('"'), QStringLiteral("\"\"\""));
     return hasBlank || argument.isEmpty() ? QLatin1Char('"') + argument + QLatin1Char('"') : argument;
 }

@@ -24,8 +24,7 @@ void ProgramRunner::start(const ProgramRun& run)
     auto* program = new StartedProgram(this);
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     for (const QString& variable : run.environment)
-        environment.insert(
-            variable.section(QLatin1Char('='), 0, 0), variable.section(QLatin1Char('='), 1));
+        environment.insert(variable.section(QLatin1Char('='), 0, 0), variable.section(QLatin1Char('='), 1));
     program->setProcessEnvironment(environment);
     program->setWorkingDirectory(run.folderPath());
     const QString name = run.name();
@@ -39,7 +38,8 @@ void ProgramRunner::start(const ProgramRun& run)
     });
     ++m_count;
     Q_EMIT countChanged();
-    program->start(launcher, QStringList{QStringLiteral("--show-output"), QStringLiteral("--")} + run.arguments());
+    program->start(
+        launcher, QStringList{QStringLiteral("--show-output"), QStringLiteral("--")} + run.arguments());
 }
 
 void ProgramRunner::finish(StartedProgram* program, const QString& name)

@@ -11,8 +11,8 @@ namespace Ui {
 class RunProgramDialog;
 }
 
-/// Asks which program is to be run, with which arguments, where, and in which environment. It is accepted only
-/// with a run that has no problem.
+/// Asks which program is to be run, with which arguments, where, and in which environment. It is accepted
+/// only with a run that has no problem.
 class RunProgramDialog : public QDialog {
     Q_OBJECT
 

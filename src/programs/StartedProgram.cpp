@@ -24,8 +24,8 @@ constexpr std::initializer_list<int> failureCodes{2, 126, 127};
 StartedProgram::StartedProgram(QObject* parent)
     : QProcess(parent)
 {
-    // The window shows the output in the program's console, so that nobody needs to read it here. The launcher
-    // goes on when nobody reads its standard error any more.
+    // The window shows the output in the program's console, so that nobody needs to read it here. The
+    // launcher goes on when nobody reads its standard error any more.
     setStandardInputFile(nullDevice());
     setStandardOutputFile(nullDevice());
     setChildProcessModifier([] { setsid(); });

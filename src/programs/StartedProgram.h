@@ -3,8 +3,8 @@
 #include <QByteArray>
 #include <QProcess>
 
-/// A launcher that runs a program for the user, in a session of its own: what the terminal of this process sends
-/// does not reach it. It goes on when this object is destroyed.
+/// A launcher that runs a program for the user, in a session of its own: what the terminal of this process
+/// sends does not reach it. It goes on when this object is destroyed.
 class StartedProgram : public QProcess {
     Q_OBJECT
 

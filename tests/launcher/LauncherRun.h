@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -67,6 +68,9 @@ public:
             all += next + "\n";
         return all;
     }
+    void closeInput() { close(std::exchange(m_input, -1)); }
+    void closeOutput() { close(std::exchange(m_output, -1)); }
+    void closeErrors() { close(std::exchange(m_errors, -1)); }
     /// Its exit code, or minus the number of the signal that ended it.
     int finish()
     {
