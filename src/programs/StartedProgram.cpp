@@ -35,7 +35,7 @@ StartedProgram::StartedProgram(QObject* parent)
         keepErrors();
         // What a script has started does not always end with it.
         if (m_isStopping)
-            ::kill(static_cast<pid_t>(-m_group), SIGTERM);
+            ::kill(static_cast<pid_t>(-m_group), m_isKilled ? SIGKILL : SIGTERM);
     });
 }
 
@@ -75,6 +75,7 @@ void StartedProgram::kill()
 {
     if (state() == NotRunning)
         return;
+    m_isKilled = true;
     // Only the program, if it can be told from its launcher, which then tells how the program has ended.
     const QString id = QString::number(m_group);
     QFile children(QStringLiteral("/proc/%1/task/%1/children").arg(id));

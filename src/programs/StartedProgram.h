@@ -13,7 +13,7 @@ public:
     ~StartedProgram() override;
 
     /// Asks the program to end, and ends it where it does not within three seconds. Processes that it has
-    /// started and left behind are asked to end as well.
+    /// started and left behind end as well.
     void stop();
     /// What the launcher itself has said about its failure to run the program; empty if it has not failed.
     QString launcherFailure() const;
@@ -25,4 +25,5 @@ private:
     QByteArray m_errors; ///< The end of what stands on standard error.
     qint64 m_group = 0;
     bool m_isStopping = false;
+    bool m_isKilled = false;
 };
