@@ -31,10 +31,10 @@ shows what has come until then.
 A program that is no 64-bit program of this machine, is linked statically, or gets the rights of another user when it
 starts cannot be watched. It runs as it would alone, and one line on standard error says why.
 
-With --show-output the program writes into pipes, and corvale-run passes on what comes. Many programs keep what they
-write into a pipe until it is some kilobytes. When nobody reads the standard output any more, the program gets a
-broken pipe as it would alone; its standard error is read on, without passing it on. Processes that
-outlive the program find both pipes broken.
+With --show-output the program writes to corvale-run, which passes on what comes: through pipes, or through terminals
+where corvale-run itself writes to a terminal or to /dev/null. Many programs keep what they write into a pipe until it
+is some kilobytes. When nobody reads the standard output any more, the program gets a broken pipe as it would alone; its
+standard error is read on, without passing it on. Processes that outlive the program cannot write there any more.
 
 Environment:
   TMPDIR           folder of the window's socket, /tmp where it is not set

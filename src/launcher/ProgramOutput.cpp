@@ -5,10 +5,13 @@
 #include <algorithm>
 #include <cerrno>
 #include <climits>
+#include <cstdlib>
 
 #include <fcntl.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
+#include <termios.h>
 
 namespace launcher {
 
@@ -51,14 +54,51 @@ std::size_t fittingSize(std::string_view text)
     return size;
 }
 
+bool isDevice(int file)
+{
+    struct stat status { };
+    return fstat(file, &status) == 0 && S_ISCHR(status.st_mode);
+}
+
+/// The two ends of a terminal that changes nothing of what is written to it and has the size of the given
+/// one.
+std::array<int, 2> openTerminal(int like)
+{
+    constexpr std::size_t longestName = 64;
+    std::array<char, longestName> name{};
+    const int master = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (master < 0)
+        return {-1, -1};
+    int program = -1;
+    if (grantpt(master) == 0 && unlockpt(master) == 0 && ptsname_r(master, name.data(), name.size()) == 0)
+        program = open(name.data(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (program < 0) {
+        close(master);
+        return {-1, -1};
+    }
+    termios settings{};
+    if (tcgetattr(program, &settings) == 0) {
+        settings.c_oflag &= ~static_cast<tcflag_t>(OPOST);
+        tcsetattr(program, TCSANOW, &settings);
+    }
+    winsize size{};
+    if (ioctl(like, TIOCGWINSZ, &size) == 0)
+        ioctl(program, TIOCSWINSZ, &size);
+    return {master, program};
+}
+
 } // namespace
 
 ProgramOutput::Stream::Stream(int stream)
     : own(stream)
 {
     std::array<int, 2> ends{-1, -1};
+    // On a terminal as on a device that takes no notice, what the program writes is to come line by line.
+    // Into a pipe most programs write some kilobytes at once, and nothing of that when they are killed.
+    if (isDevice(own))
+        ends = openTerminal(own);
     // Without pipes the program keeps the launcher's streams.
-    if (pipe2(ends.data(), O_CLOEXEC) != 0)
+    if (ends[0] < 0 && pipe2(ends.data(), O_CLOEXEC) != 0)
         return;
     reading = Descriptor(ends[0]);
     programEnd = Descriptor(ends[1]);

@@ -23,6 +23,9 @@ void ProgramRunner::start(const ProgramRun& run)
     }
     auto* program = new StartedProgram(this);
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    // The launcher gives the program a terminal, so that lines come as they are written. Consoles show no
+    // colors.
+    environment.insert(QStringLiteral("TERM"), QStringLiteral("dumb"));
     for (const QString& variable : run.environment)
         environment.insert(variable.section(QLatin1Char('='), 0, 0), variable.section(QLatin1Char('='), 1));
     program->setProcessEnvironment(environment);

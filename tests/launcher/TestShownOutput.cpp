@@ -49,22 +49,22 @@ protected:
 TEST_F(ShownOutput, isInOneClientWithTheErrors)
 {
     FakeWindow window;
-    LauncherRun run(shell("echo one; printf 'two\\r\\n\\n'; exec " WATCHED_PROGRAM " errors 2 _exit 3"));
-    ASSERT_TRUE(window.takeAll());
+    LauncherRun run(
+        shell("echo one; printf 'two\\r\\n\\n'; read go; exec " WATCHED_PROGRAM " errors 2 _exit 3"));
     EXPECT_EQ(run.line(), "one");
     EXPECT_EQ(run.line(), "two\r");
+    ASSERT_TRUE(
+        window.takeUntil([&] { return !window.clients.empty() && window.clients[0].records.size() == 5; }));
+    run.closeInput();
+    ASSERT_TRUE(window.takeAll());
     EXPECT_EQ(run.finish(), 3);
     ASSERT_EQ(window.clients.size(), 1U);
     const std::vector<std::string> lines = seen(window.clients[0]);
-    ASSERT_EQ(lines.size(), 9U);
-    EXPECT_EQ(lines[0], "2 sh");
-    EXPECT_EQ(std::ranges::count(lines, "6 one"), 1);
-    EXPECT_EQ(std::ranges::count(lines, "6 two"), 1);
-    EXPECT_EQ(std::ranges::count(lines, "6 "), 1);
-    EXPECT_EQ(std::ranges::count(lines, "2 watched-program"), 1);
-    EXPECT_EQ(window.clients[0].errorCount, 2U);
+    const std::vector<std::string> first(lines.begin(), lines.begin() + 4);
+    EXPECT_EQ(first, (std::vector<std::string>{"2 sh", "6 one", "6 two", "6 "}));
+    EXPECT_EQ(window.clients[0].types(), (std::vector<std::uint32_t>{0, 2, 6, 6, 6, 2, 9, 9, 6, 1}));
+    EXPECT_EQ(lines[4], "2 watched-program");
     EXPECT_EQ(lines[7], "6 Ended with exit status 3");
-    EXPECT_EQ(lines[8], "1 ");
 }
 
 TEST_F(ShownOutput, makesAClientOfAnyProgram)
@@ -82,6 +82,19 @@ TEST_F(ShownOutput, makesAClientOfAnyProgram)
     EXPECT_EQ(seen(window.clients[0]), (Lines{"2 true", "6 Ended with exit status 0", "1 "}));
     EXPECT_EQ(
         seen(window.clients[1]), (Lines{"2 sh", "6 no end", "8 Killed by SIGSEGV (segmentation fault)"}));
+}
+
+/// A window throws the output away, so programs are to write into something that makes them write line by
+/// line.
+TEST_F(ShownOutput, comesLineByLine)
+{
+    FakeWindow window;
+    LauncherRun run(shell("awk 'BEGIN { print \"early\"; while (1) ; }'"), "/dev/null");
+    EXPECT_TRUE(window.takeUntil([&] {
+        return !window.clients.empty()
+            && seen(window.clients[0]) == std::vector<std::string>{"2 sh", "6 early"};
+    }));
+    kill(run.pid(), SIGKILL);
 }
 
 TEST_F(ShownOutput, cutsLongLinesBetweenCharacters)
