@@ -130,11 +130,8 @@ void Launcher::welcome(Newcomer newcomer)
             process->attach(std::move(newcomer), m_wakeUp.number());
             return;
         }
-        // The same number again: another program was executed, or the system has used the number anew.
-        if (process->isDead())
-            process->finish(ProcessEnd{});
-        else
-            process->leave(nullptr);
+        // The same process: it has executed another program, which may have ended by now.
+        process->leave(nullptr);
     }
     m_processes.push_back(std::make_unique<WatchedProcess>(
         std::move(newcomer), m_options.name, m_budget, m_log, m_wakeUp.number()));

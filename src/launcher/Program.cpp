@@ -11,8 +11,6 @@
 #include <sys/signalfd.h>
 #include <sys/wait.h>
 
-extern char** environ;
-
 namespace launcher {
 
 namespace {
@@ -31,7 +29,7 @@ std::vector<std::string> changedEnvironment(const Changes& changes)
             result.emplace_back(variable);
     }
     for (const auto& [name, value] : changes)
-        result.push_back(name + "=" + value);
+        result.emplace_back(name).append("=").append(value);
     return result;
 }
 

@@ -47,7 +47,9 @@ const Interpreter* interpreterNamed(std::string_view name)
 
 bool lists(std::string_view list, std::string_view word)
 {
-    return list.find(" " + std::string(word) + " ") != std::string_view::npos;
+    std::string framed = " ";
+    framed.append(word).append(" ");
+    return list.find(framed) != std::string_view::npos;
 }
 
 } // namespace

@@ -259,8 +259,7 @@ void TestRunProgram::failuresStay()
 
 void TestRunProgram::programsOutliveTheWindow()
 {
-    enter(QStringLiteral(
-              "sh -c \"echo >ready; while [ -e ready ]; do sleep 0.05; done; echo >done\""),
+    enter(QStringLiteral("sh -c \"echo >ready; while [ -e ready ]; do sleep 0.05; done; echo >done\""),
         m_folder->path());
     QTRY_VERIFY(QFile::exists(path("ready")));
     QVERIFY(m_session->window.close());

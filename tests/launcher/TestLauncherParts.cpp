@@ -38,7 +38,8 @@ TEST(ProgramName, isThatOfTheScriptThatAnInterpreterRuns)
 TEST(ProgramFile, knowsWhatCannotBeWatched)
 {
     const fs::path folder = child_process::freshFolder();
-    const std::string own = child_process::contentOf("/proc/self/exe").substr(0, 4096);
+    std::string own(4096, '\0');
+    std::ifstream("/proc/self/exe", std::ios::binary).read(own.data(), 4096);
     const auto changed = [&](const char* name, std::size_t at, char value) {
         std::string bytes = own;
         bytes[at] = value;

@@ -88,8 +88,11 @@ void endBy(const std::string& step, const std::vector<std::string>& arguments, s
     }
     if (step == "_exit")
         _exit(std::stoi(arguments[at + 1]));
-    if (step == "signal")
+    if (step == "signal") {
+        // The sanitizers catch some.
+        std::signal(std::stoi(arguments[at + 1]), SIG_DFL);
         raise(std::stoi(arguments[at + 1]));
+    }
     if (step != "exec")
         return;
     std::vector<char*> rest;
