@@ -22,6 +22,7 @@
 #include "ProfileChooser.h"
 #include "ProfileCopying.h"
 #include "RecentFilesMenu.h"
+#include "RunProgramActions.h"
 #include "SystemFacts.h"
 #include "SystemReportGUIReceiver.h"
 #include "SystemReportPage.h"
@@ -168,6 +169,12 @@ void MainWindow::setUpActions()
 
 void MainWindow::setUpMenus()
 {
+    auto* run = new RunProgramActions(m_preferences, m_ui->menuFile, m_ui->actionExit, m_ui->tabPrograms);
+    connect(run, &RunProgramActions::statusMessage, this,
+        [this](const QString& text) { statusBar()->showMessage(text, messageTime); });
+    connect(run, &RunProgramActions::pageWanted, this,
+        [this] { m_ui->mainTabWidget->setCurrentWidget(m_ui->tabPrograms); });
+
     m_recentProfiles = new RecentFilesMenu(m_preferences, tr("&Recent Profiles"), this);
     m_recentProfiles->setObjectName(QStringLiteral("menuRecentProfiles"));
     m_ui->menuFile->insertMenu(m_ui->actionExit, m_recentProfiles);

@@ -102,7 +102,8 @@ void ClientInterface::setUpContexts()
 void ClientInterface::setConnectedWithoutTab(std::size_t count)
 {
     const QString start =
-        tr("Start a program that loads the Corvale libraries, and it appears here by itself.");
+        tr("Choose \"File > Run Program...\" (Ctrl+R), or start a program in a terminal with "
+           "\"corvale-run your-program\", and it appears here by itself.");
     QString state = tr("No application is connected.");
     if (count == 1)
         state = tr("An application is still connected, but its tab is closed.");

@@ -15,6 +15,8 @@ using namespace std::chrono_literals;
 
 namespace launcher {
 
+using ui::messages::Type;
+
 namespace {
 
 constexpr std::size_t queueLimit = 128U << 20U; // bytes
@@ -70,13 +72,19 @@ int Launcher::run()
         m_folder.reset();
         if (m_options.require)
             return fail(exit_code::notRun, "Cannot watch " + name + ": " + unwatchable->reason + ".");
+        m_whyUnwatched = "Running " + name + " without watching it: " + unwatchable->reason + ".";
         if (!m_options.quiet)
-            fail(0, "Running " + name + " without watching it: " + unwatchable->reason + ".");
+            fail(0, m_whyUnwatched);
     }
     m_isWatching = changes != nullptr;
-    if (const int error = m_program.start(m_options.program, changes ? *changes : Changes{}))
+    if (m_options.showOutput)
+        m_output.emplace();
+    const Program::OutputEnds ends = m_output ? m_output->programEnds() : Program::OutputEnds{-1, -1};
+    if (const int error = m_program.start(m_options.program, changes ? *changes : Changes{}, ends))
         return fail(error == ENOENT ? exit_code::notFound : exit_code::notRun,
             "Cannot run " + name + ": " + std::strerror(error) + ".");
+    if (m_output)
+        m_output->closeProgramEnds();
     // Only now: the program has the limit that it would have alone.
     platform::raiseDescriptorLimit();
     const ProcessEnd end = watch();
@@ -98,14 +106,17 @@ ProcessEnd Launcher::watch()
 {
     for (;;) {
         m_program.handleSignals();
+        const int outputPause = passOutput();
         noteEnds();
-        const int pause = drain();
+        const int ringPause = drain();
         connectClients();
         transfer();
         removeDone();
         if (m_hasLeft && isDelivered())
             return *m_end;
-        wait(pause);
+        // As unsigned numbers, since -1 is for ever.
+        wait(static_cast<int>(
+            std::min(static_cast<unsigned int>(outputPause), static_cast<unsigned int>(ringPause))));
     }
 }
 
@@ -114,6 +125,11 @@ void Launcher::welcome(Newcomer newcomer)
     for (const auto& process : m_processes) {
         if (process->pid() != newcomer.pid || !process->isAlive())
             continue;
+        m_hasWatched = true;
+        if (!process->isAttached()) {
+            process->attach(std::move(newcomer), m_wakeUp.number());
+            return;
+        }
         // The same process: it has executed another program, which may have ended by now.
         process->leave(nullptr);
     }
@@ -132,18 +148,23 @@ void Launcher::noteEnds()
         m_end = m_program.collectEnd();
         m_endTime = m_lastProgress = Clock::now();
         m_nextConnect = m_endTime;
+        if (m_end && m_output)
+            m_output->noteEnd();
     }
+    const bool isOutputDone = isOutputRead();
+    if (m_end && m_output && isOutputDone)
+        finishOutput();
     bool anyLives = false;
     for (const auto& process : m_processes) {
         if (process->isAlive() && process->pid() == m_program.pid()) {
-            if (m_end)
-                process->finish(*m_end);
+            if (m_end && isOutputDone)
+                process->finish(*m_end, m_options.showOutput);
         } else if (process->isDead()) {
             process->finish(ProcessEnd::ofZombie(process->pid()));
         }
         anyLives = anyLives || process->isAlive();
     }
-    if (!m_end || m_hasLeft || (anyLives && Clock::now() < m_endTime + commonEndTime))
+    if (!m_end || m_hasLeft || !isOutputDone || (anyLives && Clock::now() < m_endTime + commonEndTime))
         return;
     for (const auto& process : m_processes) {
         if (process->isAlive())
@@ -151,6 +172,64 @@ void Launcher::noteEnds()
                            "without being watched.");
     }
     m_hasLeft = true;
+}
+
+int Launcher::passOutput()
+{
+    if (!m_output)
+        return -1;
+    // A window that takes nothing at all does not stop the program for good.
+    const bool isWindowIdle = Clock::now() > m_lastProgress + idleWindowTime;
+    const bool mayRead = hasRoom() || isWindowIdle;
+    m_output->transfer(mayRead, [this](std::string_view line) { showLine(line); });
+    return mayRead ? -1 : stalledPause;
+}
+
+bool Launcher::isOutputRead() const
+{
+    if (!m_output || m_program.isInterrupted())
+        return true;
+    return m_output->isClosed() || (m_output->isRead() && Clock::now() > m_endTime + commonEndTime);
+}
+
+void Launcher::showLine(std::string_view line)
+{
+    WatchedProcess& client = programClient();
+    if (!hasRoom()) {
+        ++m_droppedLines;
+        return;
+    }
+    if (m_droppedLines > 0)
+        client.tell(
+            Type::Warning, droppedText(m_droppedLines, "the window did not take the program's output."));
+    m_droppedLines = 0;
+    client.tell(Type::Information, line);
+}
+
+void Launcher::finishOutput()
+{
+    m_output->finish([this](std::string_view line) { showLine(line); });
+    WatchedProcess& client = programClient();
+    if (m_droppedLines > 0)
+        client.tell(
+            Type::Warning, droppedText(m_droppedLines, "the window did not take the program's output."));
+    m_output.reset();
+}
+
+WatchedProcess& Launcher::programClient()
+{
+    for (const auto& process : m_processes) {
+        if (process->isAlive() && process->pid() == m_program.pid())
+            return *process;
+    }
+    m_processes.push_back(std::make_unique<WatchedProcess>(
+        m_program.pid(), m_options.name, m_options.program, m_budget, m_log));
+    m_nextConnect = Clock::now();
+    WatchedProcess& client = *m_processes.back();
+    if (!m_whyUnwatched.empty())
+        client.tell(Type::Warning, m_whyUnwatched);
+    m_whyUnwatched.clear();
+    return client;
 }
 
 int Launcher::drain()
@@ -244,6 +323,8 @@ void Launcher::wait(int atMost)
     std::vector<pollfd> waitFor{{m_program.descriptor(), POLLIN, 0}, {m_wakeUp.number(), POLLIN, 0}};
     if (m_isWatching && !m_hasLeft)
         m_greeter.addTo(waitFor);
+    if (m_output)
+        m_output->addTo(waitFor);
     bool isUnconnected = false;
     for (const auto& process : m_processes) {
         process->addTo(waitFor);

@@ -4,6 +4,7 @@
 #include "Options.h"
 #include "PrivateFolder.h"
 #include "Program.h"
+#include "ProgramOutput.h"
 #include "RecordLog.h"
 #include "WatchedProcess.h"
 #include "WindowSocket.h"
@@ -13,6 +14,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -37,6 +39,13 @@ private:
     void welcome(Newcomer newcomer);
     /// Notes the ends of processes; once the program has ended, leaves those that live on.
     void noteEnds();
+    /// Passes on what the program writes; how long may be waited for the next time, in milliseconds.
+    int passOutput();
+    /// Whether all is read that belongs to the program's output.
+    bool isOutputRead() const;
+    void showLine(std::string_view line);
+    void finishOutput();
+    WatchedProcess& programClient();
     void connectClients();
     void transfer();
     void removeDone();
@@ -51,6 +60,9 @@ private:
     WindowSocket m_window;
     std::unique_ptr<PrivateFolder> m_folder;
     Program m_program;
+    std::optional<ProgramOutput> m_output; ///< None if it is not shown.
+    std::uint64_t m_droppedLines = 0;
+    std::string m_whyUnwatched; ///< For the user, to be told once.
     Greeter m_greeter;
     RecordLog m_log;
     Descriptor m_wakeUp; ///< Readable when a ring has records.

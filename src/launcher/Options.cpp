@@ -19,6 +19,8 @@ shows what has come until then.
   --via WAY       how to get between the program and its driver: vendor (default; a vendor library of libglvnd) or
                   preload (for systems without libglvnd)
   --no-errors     do not look for errors after each call
+  --show-output   show also what the program writes on its standard output and error, line by line, and its exit status
+                  at the end; see below
   --log FILE      write one line for each message into FILE as well, which is replaced
   --profile NAME  not yet: comes with a later version
   --quiet         do not say when a program cannot be watched
@@ -28,6 +30,11 @@ shows what has come until then.
 
 A program that is no 64-bit program of this machine, is linked statically, or gets the rights of another user when it
 starts cannot be watched. It runs as it would alone, and one line on standard error says why.
+
+With --show-output the program writes to corvale-run, which passes on what comes: through pipes, or through terminals
+where corvale-run itself writes to a terminal or to /dev/null. Many programs keep what they write into a pipe until it
+is some kilobytes. When nobody reads the standard output any more, the program gets a broken pipe as it would alone; its
+standard error is read on, without passing it on. Processes that outlive the program cannot write there any more.
 
 Environment:
   TMPDIR           folder of the window's socket, /tmp where it is not set
@@ -40,14 +47,14 @@ Exit status: that of the program, and corvale-run ends by the same signal as the
   127  the program was not found
 )";
 
-enum Choice { name = 256, way, noErrors, log, profile, quiet, require, help, version };
+enum Choice { name = 256, way, noErrors, log, profile, quiet, require, showOutput, help, version };
 
-constexpr std::array<option, 10> known{
-    {{"name", required_argument, nullptr, name}, {"via", required_argument, nullptr, way},
-        {"no-errors", no_argument, nullptr, noErrors}, {"log", required_argument, nullptr, log},
-        {"profile", required_argument, nullptr, profile}, {"quiet", no_argument, nullptr, quiet},
-        {"require", no_argument, nullptr, require}, {"help", no_argument, nullptr, help},
-        {"version", no_argument, nullptr, version}, {nullptr, 0, nullptr, 0}}};
+constexpr std::array<option, 11> known{{{"name", required_argument, nullptr, name},
+    {"via", required_argument, nullptr, way}, {"no-errors", no_argument, nullptr, noErrors},
+    {"log", required_argument, nullptr, log}, {"profile", required_argument, nullptr, profile},
+    {"quiet", no_argument, nullptr, quiet}, {"require", no_argument, nullptr, require},
+    {"show-output", no_argument, nullptr, showOutput}, {"help", no_argument, nullptr, help},
+    {"version", no_argument, nullptr, version}, {nullptr, 0, nullptr, 0}}};
 
 Options refuse(const std::string& why, const std::string& argument = {})
 {
@@ -95,6 +102,9 @@ std::string take(int choice, Options& options)
         break;
     case require:
         options.require = true;
+        break;
+    case showOutput:
+        options.showOutput = true;
         break;
     default:
         break;

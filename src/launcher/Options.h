@@ -29,6 +29,7 @@ struct Options {
     std::string log; ///< Path; empty for none.
     bool quiet = false;
     bool require = false;
+    bool showOutput = false;
     std::vector<std::string> program; ///< With its arguments.
 };
 

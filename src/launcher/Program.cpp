@@ -64,7 +64,8 @@ Program::Program()
     m_signals = Descriptor(signalfd(-1, &caught, SFD_CLOEXEC | SFD_NONBLOCK));
 }
 
-int Program::start(const std::vector<std::string>& arguments, const Changes& environment)
+int Program::start(
+    const std::vector<std::string>& arguments, const Changes& environment, const OutputEnds& output)
 {
     std::array<int, 2> ends{-1, -1};
     if (pipe2(ends.data(), O_CLOEXEC) != 0)
@@ -75,7 +76,7 @@ int Program::start(const std::vector<std::string>& arguments, const Changes& env
     if (m_pid < 0)
         return errno;
     if (m_pid == 0)
-        execute(arguments, environment, writing);
+        execute(arguments, environment, output, writing);
     writing.reset();
     int error = 0;
     ssize_t size = 0;
@@ -88,12 +89,16 @@ int Program::start(const std::vector<std::string>& arguments, const Changes& env
     return error;
 }
 
-void Program::execute(
-    const std::vector<std::string>& arguments, const Changes& environment, const Descriptor& report)
+void Program::execute(const std::vector<std::string>& arguments, const Changes& environment,
+    const OutputEnds& output, const Descriptor& report)
 {
     const std::vector<std::string> variables = changedEnvironment(environment);
     const std::vector<char*> variablePointers = pointersTo(variables);
     const std::vector<char*> argumentPointers = pointersTo(arguments);
+    for (std::size_t i = 0; i < output.size(); ++i) {
+        if (output[i] >= 0)
+            dup2(output[i], STDOUT_FILENO + static_cast<int>(i));
+    }
     sigaction(SIGCHLD, &m_childActionBefore, nullptr);
     sigprocmask(SIG_SETMASK, &m_maskBefore, nullptr);
     execvpe(argumentPointers[0], argumentPointers.data(), variablePointers.data());
@@ -115,8 +120,12 @@ void Program::handleSignals()
     }
 }
 
-void Program::pass(int number, bool fromTerminal) const
+void Program::pass(int number, bool fromTerminal)
 {
+    if (m_hasEnded) {
+        m_isInterrupted = true;
+        return;
+    }
     // What the terminal sends, it has sent to the program as well.
     if (!fromTerminal && m_pid > 0)
         kill(m_pid, number);
@@ -127,7 +136,8 @@ std::optional<ProcessEnd> Program::collectEnd()
     m_mayHaveEnded = false;
     int status = 0;
     while (waitpid(m_pid, &status, WNOHANG | WUNTRACED) == m_pid) {
-        if (!WIFSTOPPED(status))
+        m_hasEnded = !WIFSTOPPED(status);
+        if (m_hasEnded)
             return ProcessEnd::fromStatus(status);
         // The shell is to see that its job has stopped; when it lets us go on, the program does as well.
         raise(SIGSTOP);

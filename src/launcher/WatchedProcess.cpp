@@ -10,6 +10,7 @@
 namespace launcher {
 
 using layer::ring::Reader;
+using ui::messages::noFrame;
 using ui::messages::Type;
 
 WatchedProcess::WatchedProcess(
@@ -21,6 +22,25 @@ WatchedProcess::WatchedProcess(
     , m_client(newcomer.pid, name.empty() ? programName(newcomer.arguments) : name, !name.empty(), budget)
 {
     m_log.note(pid(), "begins " + m_client.name());
+}
+
+WatchedProcess::WatchedProcess(pid_t pid, const std::string& name, const std::vector<std::string>& arguments,
+    QueueBudget& budget, RecordLog& log)
+    : m_log(log)
+    , m_client(pid, name.empty() ? programName(arguments) : name, !name.empty(), budget)
+{
+    m_log.note(pid, "begins " + m_client.name());
+}
+
+void WatchedProcess::attach(Newcomer newcomer, int wakeUp)
+{
+    m_ring = std::move(newcomer.ring);
+    m_doorbell = std::make_unique<Doorbell>(*m_ring, wakeUp);
+    m_death = std::move(newcomer.death);
+    // A shell may have become another program.
+    const std::string name = programName(newcomer.arguments);
+    if (name != m_client.name())
+        m_client.take({static_cast<std::uint32_t>(Type::SetName), noFrame, name});
 }
 
 bool WatchedProcess::isDead() const
@@ -80,6 +100,8 @@ bool WatchedProcess::readRing(const std::function<bool()>& hasRoom)
 void WatchedProcess::readRest()
 {
     m_doorbell.reset();
+    if (!m_ring)
+        return;
     // Once for what is there and once more for what was written meanwhile; a child of the process that still
     // writes does not keep us.
     for (int pass = 0; pass < 2 && !m_isBroken; ++pass)
@@ -92,14 +114,19 @@ void WatchedProcess::take(const Record& record)
     m_client.take(record);
 }
 
+std::uint32_t WatchedProcess::frames() const
+{
+    return m_ring ? m_ring->frames() : noFrame;
+}
+
 void WatchedProcess::tell(Type type, std::string_view text)
 {
-    take({static_cast<std::uint32_t>(type), m_ring->frames(), text});
+    take({static_cast<std::uint32_t>(type), frames(), text});
 }
 
 void WatchedProcess::tellLast(Type type, std::string_view text)
 {
-    const Record record{static_cast<std::uint32_t>(type), m_ring->frames(), text};
+    const Record record{static_cast<std::uint32_t>(type), frames(), text};
     m_log.write(pid(), record);
     m_client.addLastWords(record);
 }
@@ -119,28 +146,34 @@ void WatchedProcess::passWireframe()
         m_ring->setWireframe(m_client.isWireframe());
 }
 
-void WatchedProcess::finish(const ProcessEnd& end)
+void WatchedProcess::finish(const ProcessEnd& end, bool tellsStatus)
 {
     readRest();
     bool isClean = end.kind == ProcessEnd::Kind::Exited;
     if (end.kind == ProcessEnd::Kind::Killed) {
         tellLast(Type::Error, "Killed by " + signalText(end.number));
-    } else if (end.kind == ProcessEnd::Kind::Unknown && !m_ring->hasEnded()) {
+    } else if (end.kind == ProcessEnd::Kind::Unknown && m_ring && !m_ring->hasEnded()) {
         // Either _exit() or a signal; only its parent has learned which.
         tellLast(Type::Warning, "The process ended at once; whether by itself or by a signal is not known.");
     } else {
         isClean = true;
-        m_log.note(pid(),
-            end.kind == ProcessEnd::Kind::Exited ? "ends with status " + std::to_string(end.number) : "ends");
+        const bool isKnown = end.kind == ProcessEnd::Kind::Exited;
+        if (isKnown && tellsStatus)
+            tellLast(Type::Information, "Ended with exit status " + std::to_string(end.number));
+        else
+            m_log.note(pid(), isKnown ? "ends with status " + std::to_string(end.number) : "ends");
     }
     m_client.end(isClean);
     m_ring.reset();
+    m_isAlive = false;
 }
 
 void WatchedProcess::leave(const char* why)
 {
-    m_ring->stop();
-    m_ring->setWireframe(false);
+    if (m_ring) {
+        m_ring->stop();
+        m_ring->setWireframe(false);
+    }
     readRest();
     if (why)
         tellLast(Type::Information, why);
@@ -148,6 +181,7 @@ void WatchedProcess::leave(const char* why)
         m_log.note(pid(), "ends");
     m_client.end(true);
     m_ring.reset();
+    m_isAlive = false;
 }
 
 } // namespace launcher

@@ -11,10 +11,12 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace launcher {
 
-/// A process that has announced itself: its ring is emptied into its client until it ends.
+/// A process that is a client of the window. Once it has announced itself, its ring is emptied into the
+/// client until it ends. The program whose output is shown may be a client before, or without that.
 class WatchedProcess {
 public:
     enum class Drained {
@@ -27,11 +29,17 @@ public:
     /// outlive this.
     WatchedProcess(
         Newcomer newcomer, const std::string& name, QueueBudget& budget, RecordLog& log, int wakeUp);
+    /// One that has not announced itself.
+    WatchedProcess(pid_t pid, const std::string& name, const std::vector<std::string>& arguments,
+        QueueBudget& budget, RecordLog& log);
+    /// It has announced itself.
+    void attach(Newcomer newcomer, int wakeUp);
+    bool isAttached() const { return m_ring != nullptr; }
 
     pid_t pid() const { return m_client.pid(); }
     Client& client() { return m_client; }
     const Client& client() const { return m_client; }
-    bool isAlive() const { return m_ring != nullptr; }
+    bool isAlive() const { return m_isAlive; }
     /// Whether the process is dead though its end has not been noted.
     bool isDead() const;
     /// Adds what is to be waited for.
@@ -40,9 +48,11 @@ public:
     /// Reads what is in the ring now, as long as there is room for it.
     Drained drain(const std::function<bool()>& hasRoom);
     void passWireframe();
+    /// Adds a message behind what has come so far.
+    void tell(ui::messages::Type type, std::string_view text);
 
-    /// Reads the rest and tells how the process ended.
-    void finish(const ProcessEnd& end);
+    /// Reads the rest and tells how the process ended; the exit status only if that is wanted.
+    void finish(const ProcessEnd& end, bool tellsStatus = false);
     /// Ends the watching of a process that goes on.
     void leave(const char* why);
 
@@ -51,16 +61,18 @@ private:
     bool readRing(const std::function<bool()>& hasRoom);
     void readRest();
     void take(const Record& record);
-    void tell(ui::messages::Type type, std::string_view text);
+    std::uint32_t frames() const;
     void tellLast(ui::messages::Type type, std::string_view text);
     void breakOff();
 
-    std::unique_ptr<layer::ring::Reader> m_ring; ///< None once the process has ended.
+    std::unique_ptr<layer::ring::Reader>
+        m_ring; ///< None before it has announced itself, and once it has ended.
     std::unique_ptr<Doorbell> m_doorbell; ///< Ends before the ring.
     Descriptor m_death;
     RecordLog& m_log;
     Client m_client;
     std::uint64_t m_droppedTold = 0;
+    bool m_isAlive = true;
     bool m_isBroken = false;
 };
 

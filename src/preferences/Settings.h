@@ -64,6 +64,9 @@ inline const Setting<std::string> theme{ofThisVersion("/theme"), systemTheme};
 /// Paths of the profile files used last, the most recent first. RecentFilesMenu.
 inline const Setting<property_list::List> recentFiles{ofThisVersion("/RecentFiles")};
 
+/// Programs that were run last, the most recent first, each as ProgramRun::toText() gives it. RecentRuns.
+inline const Setting<property_list::List> recentRuns{ofThisVersion("/recent_runs")};
+
 // What WindowState remembers of the main window.
 /// As QWidget::saveGeometry() gives it.
 inline const Setting<property_list::Data> windowGeometry{ofThisVersion("/window/geometry")};

@@ -138,7 +138,7 @@ private Q_SLOTS:
         });
         auto* save = find<QWidget>("profile")->findChild<QPushButton*>(QStringLiteral("btnSave"));
         add("read-only question", [=, this] { dialog([=] { save->click(); }); });
-        for (const char* name : {"actionPreferences", "actionFeedback", "actionAbout"})
+        for (const char* name : {"actionRun_Program", "actionPreferences", "actionFeedback", "actionAbout"})
             add(name, [=, this] { dialog([=, this] { find<QAction>(name)->trigger(); }); });
     }
 

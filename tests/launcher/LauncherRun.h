@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -19,7 +20,8 @@ class LauncherRun {
 public:
     using Arguments = std::vector<std::string>;
 
-    explicit LauncherRun(const Arguments& arguments)
+    /// With an output, a path, that one is its standard output.
+    explicit LauncherRun(const Arguments& arguments, const char* output = nullptr)
     {
         std::array<std::array<int, 2>, 3> pipes{};
         for (auto& ends : pipes)
@@ -28,7 +30,7 @@ public:
         if (m_pid == 0) {
             setpgid(0, 0);
             dup2(pipes[0][0], 0);
-            dup2(pipes[1][1], 1);
+            dup2(output ? open(output, O_WRONLY) : pipes[1][1], 1);
             dup2(pipes[2][1], 2);
             std::vector<char*> pointers{const_cast<char*>(CORVALE_RUN)};
             for (const std::string& argument : arguments)
@@ -67,6 +69,9 @@ public:
             all += next + "\n";
         return all;
     }
+    void closeInput() { close(std::exchange(m_input, -1)); }
+    void closeOutput() { close(std::exchange(m_output, -1)); }
+    void closeErrors() { close(std::exchange(m_errors, -1)); }
     /// Its exit code, or minus the number of the signal that ended it.
     int finish()
     {

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "ProgramRunner.h"
+#include "RecentRuns.h"
+
+#include <QObject>
+
+class QAction;
+class QMenu;
+class QWidget;
+
+namespace widgets {
+class NoticeBar;
+}
+
+/// The entries of a menu by which the user runs programs, runs the last one again and ends those that run.
+/// What could not be run stays in a notice until the user hides it or the next program starts.
+class RunProgramActions : public QObject {
+    Q_OBJECT
+
+public:
+    /// Adds its actions in front of the entry of the menu, and its notice to the layout of the page. The
+    /// store must live longer.
+    RunProgramActions(Preferences& preferences, QMenu* menu, QAction* before, QWidget* page);
+
+Q_SIGNALS:
+    /// Text that passes.
+    void statusMessage(const QString& text);
+    /// The page on which programs appear is to come to the front.
+    void pageWanted();
+
+private:
+    void setUpActions(QMenu* menu, QAction* before);
+    void setUpNotice(QWidget* page);
+    void ask();
+    void run(const ProgramRun& run);
+    void runAgain();
+    void tellFailure(const QString& text);
+    void updateActions();
+
+    QWidget* m_window;
+    RecentRuns m_recent;
+    ProgramRunner m_runner;
+    widgets::NoticeBar* m_notice = nullptr;
+    QAction* m_run = nullptr;
+    QAction* m_runAgain = nullptr;
+    QAction* m_stop = nullptr;
+};
