@@ -15,7 +15,7 @@ const auto name = QStringLiteral("corvale-run");
 QString find()
 {
     const QString folder = QCoreApplication::applicationDirPath();
-    const QString beside = QStandardPaths::findExecutable(name, {folder});
+    QString beside = QStandardPaths::findExecutable(name, {folder});
     if (!beside.isEmpty())
         return beside;
     const QString built = QStandardPaths::findExecutable(name, {folder + QStringLiteral("/../run/bin")});

@@ -95,7 +95,7 @@ std::optional<ProgramRun> ProgramRun::fromText(const QString& text)
     const QJsonObject object = QJsonDocument::fromJson(text.toUtf8()).object();
     ProgramRun run{object.value(commandKey).toString(), object.value(folderKey).toString(), {}};
     const QJsonArray variables = object.value(environmentKey).toArray();
-    for (const QJsonValue& variable : variables)
+    for (const auto& variable : variables)
         run.environment.append(variable.toString());
     if (run.arguments().isEmpty())
         return std::nullopt;

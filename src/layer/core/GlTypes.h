@@ -37,7 +37,7 @@ using GLsizeiptrARB = std::intptr_t;
 using GLhalfNV = std::uint16_t;
 using GLhandleARB = std::uint32_t;
 using GLvdpauSurfaceNV = std::intptr_t;
-using GLsync = struct __GLsync*;
+using GLsync = struct GlSyncObject*;
 using GLeglImageOES = void*;
 using GLeglClientBufferEXT = void*;
 using GLDEBUGPROC = void (*)(GLenum source, GLenum type, GLuint id, GLenum severity, GLsizei length,
@@ -47,8 +47,10 @@ using GLDEBUGPROCKHR = GLDEBUGPROC;
 using GLDEBUGPROCAMD = void (*)(
     GLuint id, GLenum category, GLenum severity, GLsizei length, const GLchar* message, void* userParam);
 using GLVULKANPROCNV = void (*)();
+// The registry's names. NOLINTBEGIN(bugprone-reserved-identifier)
 struct _cl_context;
 struct _cl_event;
+// NOLINTEND(bugprone-reserved-identifier)
 
 /// The enumerants that the layer itself uses.
 namespace layer::gl {

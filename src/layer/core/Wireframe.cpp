@@ -258,6 +258,7 @@ bool drawIndirectAsLines(Context& context, GLenum mode, GLenum indexType, const 
         draw.first = static_cast<GLint>(numbers[2]);
         draw.baseInstance = numbers[3];
     } else {
+        // An offset into a buffer travels as a pointer. NOLINTNEXTLINE(performance-no-int-to-ptr)
         draw.indices = reinterpret_cast<const void*>(sizeOf(indexType) * std::uintptr_t{numbers[2]});
         draw.baseVertex = static_cast<GLint>(numbers[3]);
         draw.baseInstance = numbers[4];

@@ -48,9 +48,10 @@ bool greet(const char* socketPath, std::uint32_t via, int memory)
 {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
-    if (std::strlen(socketPath) >= sizeof address.sun_path)
+    const std::size_t length = std::strlen(socketPath);
+    if (length >= sizeof address.sun_path)
         return false;
-    std::strcpy(address.sun_path, socketPath);
+    std::memcpy(address.sun_path, socketPath, length);
 
     const int socket = ::socket(AF_UNIX, SOCK_SEQPACKET | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
     if (socket < 0)
