@@ -99,7 +99,7 @@ public:
         const auto process = static_cast<pid_t>(m_process.processId());
         const QDir open(QStringLiteral("/proc/%1/fd").arg(process));
         const rlim_t most =
-            more + open.entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System).size();
+            more + rlim_t(open.entryList(QDir::NoDotAndDotDot | QDir::AllEntries | QDir::System).size());
         const rlimit limit{most, most};
         return prlimit(process, RLIMIT_NOFILE, &limit, nullptr) == 0;
     }
