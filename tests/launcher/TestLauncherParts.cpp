@@ -179,7 +179,7 @@ TEST(WholeRecord, fillsUpAndEndsTexts)
     // A part of it that was sent already, cut at each of its seams.
     const WholeRecord record({9, 7, std::string_view(full).substr(0, 100)});
     const ui::messages::Message message = record.message();
-    for (const std::size_t skipped : {0, 1, 8, 74, 75, 76, 77, 107, 108, 109, 8223}) {
+    for (const std::size_t skipped : {0U, 1U, 8U, 74U, 75U, 76U, 77U, 107U, 108U, 109U, 8223U}) {
         std::vector<iovec> pieces;
         record.addTo(pieces, skipped);
         std::string bytes;

@@ -61,10 +61,11 @@ void scribble()
     std::FILE* maps = std::fopen("/proc/self/maps", "r");
     char line[512];
     while (std::fgets(line, sizeof line, maps)) {
-        unsigned long from = 0;
-        unsigned long to = 0;
-        if (std::strstr(line, "corvale-ring") && std::sscanf(line, "%lx-%lx", &from, &to) == 2)
-            std::memset(reinterpret_cast<void*>(from), 0x5A, to - from);
+        void* from = nullptr;
+        void* to = nullptr;
+        if (std::strstr(line, "corvale-ring") && std::sscanf(line, "%p-%p", &from, &to) == 2)
+            std::memset(
+                from, 0x5A, static_cast<std::size_t>(static_cast<char*>(to) - static_cast<char*>(from)));
     }
     std::fclose(maps);
 }
