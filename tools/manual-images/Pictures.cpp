@@ -17,6 +17,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QScrollBar>
@@ -59,7 +60,8 @@ void showClientPage(Stage& stage, ClientPage page)
 void connectClient(Stage& stage, const QStringList& arguments, const QString& lastText)
 {
     const auto& tabs = stage.find<QTabWidget>("clienttabs");
-    const QWidget* before = tabs.currentWidget();
+    // A new page may stand in memory where the one that it replaces stood.
+    const QPointer<QWidget> before = tabs.currentWidget();
     stage.startClient(arguments);
     stage.waitFor("the application's tab", [&] { return tabs.currentWidget() != before; });
     stage.waitFor(
