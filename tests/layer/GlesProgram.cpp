@@ -180,6 +180,23 @@ GLuint compile(GLenum type, const char* source)
     return shader;
 }
 
+constexpr const char* vertexShader = "#version 320 es\nlayout(location = 0) in vec2 place;\n"
+                                     "void main() { gl_Position = vec4(place, 0.0, 1.0); }\n";
+constexpr const char* geometryShader =
+    "#version 320 es\nlayout(triangles) in;\nlayout(triangle_strip, max_vertices = 3) out;\nvoid main() {\n"
+    "for (int i = 0; i < 3; ++i) { gl_Position = gl_in[i].gl_Position; EmitVertex(); }\nEndPrimitive(); }\n";
+constexpr const char* fragmentShader = "#version 320 es\nprecision mediump float;\nout vec4 color;\n"
+                                       "void main() { color = vec4(1.0); }\n";
+
+GLuint link(const std::map<GLenum, const char*>& shaders)
+{
+    const GLuint program = glCreateProgram();
+    for (const auto& [type, source] : shaders)
+        glAttachShader(program, compile(type, source));
+    glLinkProgram(program);
+    return program;
+}
+
 constexpr int side = 64;
 
 void printPixels(const std::string& name)
@@ -238,7 +255,17 @@ Draws draws()
         {"buffer",
             [=] {
                 bindSquare();
+                GLint before = 0, after = 0;
+                glGetIntegerv(GL_ELEMENT_ARRAY_BUFFER_BINDING, &before);
                 glDrawElements(GL_TRIANGLES, 6, GL_UNSIGNED_BYTE, nullptr);
+                glGetIntegerv(GL_ELEMENT_ARRAY_BUFFER_BINDING, &after);
+                std::printf(before == after ? "" : "another buffer is bound ");
+            }},
+        {"geometry",
+            [] {
+                glUseProgram(link({{GL_VERTEX_SHADER, vertexShader}, {GL_GEOMETRY_SHADER, geometryShader},
+                    {GL_FRAGMENT_SHADER, fragmentShader}}));
+                glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
             }},
         {"range",
             [=] {
@@ -285,16 +312,7 @@ void drawOnDemand()
     glBindFramebuffer(GL_FRAMEBUFFER, frame);
     glFramebufferTexture2D(GL_FRAMEBUFFER, GL_COLOR_ATTACHMENT0, GL_TEXTURE_2D, texture, 0);
     glViewport(0, 0, side, side);
-    const GLuint program = glCreateProgram();
-    glAttachShader(program,
-        compile(GL_VERTEX_SHADER,
-            "#version 310 es\nlayout(location = 0) in vec2 place;\nvoid main() { gl_Position = vec4(place, "
-            "0.0, 1.0); }\n"));
-    glAttachShader(program,
-        compile(GL_FRAGMENT_SHADER,
-            "#version 310 es\nprecision mediump float;\nout vec4 color;\nvoid main() { color = vec4(1.0); "
-            "}\n"));
-    glLinkProgram(program);
+    const GLuint program = link({{GL_VERTEX_SHADER, vertexShader}, {GL_FRAGMENT_SHADER, fragmentShader}});
     glUseProgram(program);
     // A strip, a fan, and the strip once more.
     const std::array<float, 24> places{-.9F, -.9F, .9F, -.9F, -.9F, .9F, .9F, .9F, -.9F, -.9F, .9F, -.9F, .9F,
@@ -315,6 +333,7 @@ void drawOnDemand()
         glEnableVertexAttribArray(0);
         glVertexAttribPointer(0, 2, GL_FLOAT, GL_FALSE, 0, nullptr);
         glDisable(GL_PRIMITIVE_RESTART_FIXED_INDEX);
+        glUseProgram(program);
         glClear(GL_COLOR_BUFFER_BIT);
         all.at(name)();
         printPixels(name);
@@ -382,6 +401,18 @@ void callInAllWays()
     }
 }
 
+void showFrames()
+{
+    start();
+    const std::array<EGLint, 5> size{EGL_WIDTH, 8, EGL_HEIGHT, 8, EGL_NONE};
+    const EGLSurface surface = eglCreatePbufferSurface(display, config, size.data());
+    eglMakeCurrent(display, surface, surface, makeContext());
+    for (int frame = 0; frame < 3; ++frame) {
+        glEnable(0x1111);
+        eglSwapBuffers(display, surface);
+    }
+}
+
 void forkAndDraw()
 {
     if (fork() == 0) {
@@ -410,6 +441,7 @@ int main(int argumentCount, char* arguments[])
             }},
         {"draw", &drawOnDemand},
         {"threads", &makeErrorsInThreads},
+        {"frames", &showFrames},
         {"fork", &forkAndDraw},
         {"ways", &callInAllWays},
     };

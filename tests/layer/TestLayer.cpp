@@ -178,6 +178,17 @@ TEST_F(TestLayer, allWaysToComeByAFunctionAreCaught)
     EXPECT_GE(ways.size(), 12U) << "six ways at least need nothing but what the test needs anyway";
 }
 
+TEST_F(TestLayer, recordsCarryTheFrameThatTheyBelongTo)
+{
+    LayeredProgram program({CORVALE_GLES_PROGRAM, "frames"}, Layer::Vendor);
+    program.finish();
+    std::string frames;
+    for (const SentRecord& error : errorsOf(program))
+        frames += std::to_string(error.frame) + ' ';
+    EXPECT_EQ(frames, "0 1 2 ");
+    EXPECT_EQ(program.frames(), 3U);
+}
+
 TEST_F(TestLayer, forkedChildrenHaveRingsOfTheirOwn)
 {
     LayeredProgram program({CORVALE_GLES_PROGRAM, "fork"}, Layer::Vendor);
@@ -209,9 +220,14 @@ TEST_F(TestLayer, wireframesShowEdgesAndNothingElseChanges)
     }
     layered.setWireframe(true);
     EXPECT_EQ(layered.ask("lines"), bare.ask("lines"));
+    EXPECT_TRUE(layered.recordsOf(static_cast<std::uint32_t>(Type::Information)).empty());
+    // A geometry shader wants its triangles: they are drawn as ever, and that is said once.
+    EXPECT_EQ(layered.ask("geometry"), "geometry" + hashAndError);
+    EXPECT_EQ(layered.ask("geometry"), "geometry" + hashAndError);
     layered.finish();
     EXPECT_TRUE(errorsOf(layered).empty());
-    EXPECT_TRUE(layered.recordsOf(static_cast<std::uint32_t>(Type::Information)).empty());
+    EXPECT_TRUE(layered.recordsOf(static_cast<std::uint32_t>(Type::DebugMessage)).empty());
+    EXPECT_EQ(layered.recordsOf(static_cast<std::uint32_t>(Type::Information)).size(), 1U);
 }
 
 TEST(TestWireframe, edges)
