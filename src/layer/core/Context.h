@@ -47,7 +47,6 @@ public:
 
     Host* host;
     EGLDisplay display = nullptr;
-    EGLConfig config = nullptr;
     std::int32_t number = 0; ///< Counts the program's contexts from 1.
     EGLint requestedVersion = 0; ///< Major times ten plus minor.
     bool isDebug = false; ///< Made with the debug flag, so debug output is on from the start.

@@ -90,7 +90,6 @@ EGLContext eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext sha
     if (made == EGL_NO_CONTEXT)
         return made;
     Context& context = contexts::add(display, made);
-    context.config = config;
     context.isEs = isEs;
     context.isDebug = request.isDebug;
     context.requestedVersion = request.major * 10 + request.minor;

@@ -56,9 +56,6 @@ struct _cl_event;
 namespace layer::gl {
 
 inline constexpr GLenum none = 0;
-inline constexpr GLenum invalidEnum = 0x0500;
-inline constexpr GLenum invalidValue = 0x0501;
-inline constexpr GLenum invalidOperation = 0x0502;
 
 inline constexpr GLenum vendor = 0x1F00;
 inline constexpr GLenum renderer = 0x1F01;
@@ -78,12 +75,8 @@ inline constexpr GLenum dontCare = 0x1100;
 inline constexpr GLenum debugSourceApi = 0x8246;
 inline constexpr GLenum debugSourceThirdParty = 0x8249;
 inline constexpr GLenum debugSourceApplication = 0x824A;
-inline constexpr GLenum debugSourceOther = 0x824B;
 inline constexpr GLenum debugTypeError = 0x824C;
-inline constexpr GLenum debugTypeOther = 0x8251;
 inline constexpr GLenum debugTypeMarker = 0x8268;
-inline constexpr GLenum debugTypePushGroup = 0x8269;
-inline constexpr GLenum debugTypePopGroup = 0x826A;
 inline constexpr GLenum debugSeverityNotification = 0x826B;
 inline constexpr GLenum debugSeverityHigh = 0x9146;
 inline constexpr GLenum debugSeverityLow = 0x9148;
@@ -95,10 +88,8 @@ inline constexpr GLenum triangleFan = 6;
 inline constexpr GLenum unsignedByte = 0x1401;
 inline constexpr GLenum unsignedShort = 0x1403;
 inline constexpr GLenum unsignedInt = 0x1405;
-inline constexpr GLenum arrayBuffer = 0x8892;
 inline constexpr GLenum elementArrayBuffer = 0x8893;
 inline constexpr GLenum elementArrayBufferBinding = 0x8895;
-inline constexpr GLenum copyReadBuffer = 0x8F36;
 inline constexpr GLenum drawIndirectBuffer = 0x8F3F;
 inline constexpr GLenum drawIndirectBufferBinding = 0x8F43;
 inline constexpr GLenum bufferSize = 0x8764;

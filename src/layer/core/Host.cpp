@@ -59,11 +59,6 @@ bool Host::has(Fn function)
     return this->function<void*>(function) != reinterpret_cast<void*>(&doNothing);
 }
 
-std::size_t hostCount()
-{
-    return static_cast<std::size_t>(std::ranges::count_if(hosts, &Host::isLoaded));
-}
-
 Host& hostAt(std::size_t index)
 {
     return hosts[std::min(index, hostLimit - 1)];

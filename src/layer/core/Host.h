@@ -57,8 +57,7 @@ private:
 /// null where drivers are added before anything is called.
 Host::Resolver firstResolver();
 
-/// How many drivers there are; the first is the one that a program gets unless it asks for another's display.
-std::size_t hostCount();
+/// The drivers; the first is the one that a program gets unless it asks for another's display.
 Host& hostAt(std::size_t index);
 /// Takes a driver in whose functions are asked for in this way. Null where there are too many.
 Host* addHost(Host::Resolver resolver);
