@@ -57,6 +57,7 @@ Options readOptions()
 {
     Options options;
     options.socket = environment("CORVALE_LAYER_SOCKET");
+    options.device = environment("CORVALE_LAYER_DEVICE");
     std::istringstream libraries(environment("CORVALE_LAYER_HOST"));
     for (std::string library; std::getline(libraries, library, ':');) {
         if (!library.empty())

@@ -11,6 +11,8 @@ namespace layer {
 struct Options {
     std::string socket; ///< Path of the launcher's control socket; empty without a launcher.
     std::vector<std::string> hostLibraries; ///< The machine's own EGL drivers, in order.
+    std::string
+        device; ///< Path of the table of the device that the program is to see; empty for the machine.
     bool errors = true; ///< Whether errors are looked for.
     bool debugOutput = true; ///< Whether drivers may tell of errors by themselves; else each call asks.
     bool strict = false; ///< Context creation mode of the user's preferences.
