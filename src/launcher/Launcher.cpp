@@ -88,6 +88,7 @@ int Launcher::run()
     // Only now: the program has the limit that it would have alone.
     platform::raiseDescriptorLimit();
     const ProcessEnd end = watch();
+    m_log.close();
     m_processes.clear();
     m_folder.reset();
     const int code = exitCode(end);
@@ -109,6 +110,8 @@ ProcessEnd Launcher::watch()
         const int outputPause = passOutput();
         noteEnds();
         const int ringPause = drain();
+        // What the window shows is in the log as well.
+        m_log.flush();
         connectClients();
         transfer();
         removeDone();
