@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,7 +19,7 @@ enum class Via { Vendor, Preload };
 
 /// What the arguments ask for.
 struct Options {
-    enum class Request { Run, Answer, Refuse };
+    enum class Request { Run, ListProfiles, MakeProfile, Answer, Refuse };
 
     Request request = Request::Run;
     std::string text; ///< Whole lines for standard output (Answer) or standard error (Refuse).
@@ -30,6 +31,8 @@ struct Options {
     bool quiet = false;
     bool require = false;
     bool showOutput = false;
+    std::optional<std::string> profile; ///< A name or a path; without, the one that the window has chosen.
+    std::string made; ///< Path of the profile that is to be made.
     std::vector<std::string> program; ///< With its arguments.
 };
 

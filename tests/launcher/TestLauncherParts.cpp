@@ -1,4 +1,5 @@
 #include "ChildProcess.h"
+#include "DeviceOfProfile.h"
 #include "HostVendors.h"
 #include "LayerSetup.h"
 #include "PrivateFolder.h"
@@ -125,23 +126,29 @@ TEST(LayerSetup, saysWhatTheProgramNeeds)
     const PrivateFolder folder;
     Options options;
     options.noErrors = true;
-    const Changes vendor = std::get<Changes>(layerSetup(options, folder));
+    const Changes vendor = std::get<Changes>(layerSetup(options, false, nullptr, folder));
     const std::string file = folder.path() + "/egl_vendor.json";
     EXPECT_EQ(vendor,
-        (Changes{{"CORVALE_LAYER_HOST", "libhost.so"}, {"CORVALE_LAYER_OPTIONS", "no-errors"},
-            {"CORVALE_LAYER_SOCKET", folder.socketPath()}, {"SDL_VIDEO_X11_FORCE_EGL", "1"},
-            {"__EGL_VENDOR_LIBRARY_FILENAMES", file}}));
+        (Changes{{"CORVALE_LAYER_DEVICE", ""}, {"CORVALE_LAYER_HOST", "libhost.so"},
+            {"CORVALE_LAYER_OPTIONS", "no-errors"}, {"CORVALE_LAYER_SOCKET", folder.socketPath()},
+            {"SDL_VIDEO_X11_FORCE_EGL", "1"}, {"__EGL_VENDOR_LIBRARY_FILENAMES", file}}));
     EXPECT_NE(child_process::contentOf(file).find((layer / "libEGL_corvale.so").string()), std::string::npos);
 
+    Device device;
+    device.table.name = "Board";
+    const Changes withDevice = std::get<Changes>(layerSetup(options, true, &device, folder));
+    EXPECT_EQ(child_process::contentOf(withDevice.at("CORVALE_LAYER_DEVICE")), toText(device.table));
+    EXPECT_EQ(withDevice.at("CORVALE_LAYER_OPTIONS"), "no-errors strict");
+
     options.via = Via::Preload;
-    const Changes preload = std::get<Changes>(layerSetup(options, folder));
+    const Changes preload = std::get<Changes>(layerSetup(options, false, nullptr, folder));
     EXPECT_EQ(preload.at("LD_PRELOAD"), (layer / "libcorvale_preload.so").string() + ":libother.so");
     EXPECT_FALSE(preload.contains("__EGL_VENDOR_LIBRARY_FILENAMES"));
     unsetenv("LD_PRELOAD");
 
     options.via = Via::Vendor;
     fs::remove(layer / "host.json");
-    EXPECT_TRUE(std::holds_alternative<Unwatchable>(layerSetup(options, folder)));
+    EXPECT_TRUE(std::holds_alternative<Unwatchable>(layerSetup(options, false, nullptr, folder)));
 }
 
 TEST(PrivateFolder, goesWithItsLauncherAndItsProcesses)
