@@ -10,6 +10,7 @@ EndFollower::EndFollower(QAbstractScrollArea* view)
     : m_view(view)
 {
     connect(view->verticalScrollBar(), &QAbstractSlider::actionTriggered, this, &EndFollower::readerScrolled);
+    connect(view->verticalScrollBar(), &QAbstractSlider::sliderReleased, this, &EndFollower::readerMoved);
 }
 
 void EndFollower::setButton(QAbstractButton* button)
@@ -43,6 +44,8 @@ void EndFollower::readerScrolled()
     const QScrollBar& bar = *m_view->verticalScrollBar();
     if (bar.sliderPosition() < bar.value())
         stopFollowing();
+    // The bar moves after it has told.
+    QMetaObject::invokeMethod(this, &EndFollower::readerMoved, Qt::QueuedConnection);
 }
 
 int EndFollower::distanceToEnd() const
@@ -55,6 +58,7 @@ void EndFollower::keyHandled(int distanceBefore, bool hasCursorLeftEnd)
 {
     if (hasCursorLeftEnd || distanceToEnd() > distanceBefore)
         stopFollowing();
+    Q_EMIT readerMoved();
 }
 
 void EndFollower::setHeld(bool held)

@@ -26,10 +26,13 @@ public:
     void keyHandled(int distanceBefore, bool hasCursorLeftEnd);
     /// Nothing is followed while the reader holds the view, as in the middle of a selection.
     void setHeld(bool held);
+    bool isHeld() const { return m_held; }
 
 Q_SIGNALS:
     /// The reader has just asked for the end, or let go of a view that follows.
     void endWanted();
+    /// The reader has scrolled, or moved with a key, and the view has followed.
+    void readerMoved();
 
 private:
     void buttonToggled(bool checked);
