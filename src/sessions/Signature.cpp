@@ -53,9 +53,12 @@ SignatureView signatureOf(Severity severity, std::string_view function, std::str
         }
     }
     buffer.clear();
-    // Normalising makes a text longer by a few bytes at most.
     appendNormalised(cutText(text, signatureTextLimit), buffer);
-    return {severity, function, code, cutText(buffer, signatureTextLimit)};
+    std::string_view result = cutText(buffer, signatureTextLimit);
+    // Paths may have made it longer. Half a word might be taken for a number the next time.
+    if (result.size() < buffer.size())
+        result = result.substr(0, result.find_last_of(" \n"));
+    return {severity, function, code, result};
 }
 
 Signature signatureOf(
