@@ -1,17 +1,22 @@
 #include "ErrorListPlace.h"
 
-#include <QAbstractProxyModel>
+#include "ErrorListFilterProxyModel.h"
+
 #include <QHeaderView>
 #include <QScrollBar>
 #include <QTableView>
 
 #include <algorithm>
+#include <numeric>
 
 namespace {
 
 /// Blocks of selected cells that are kept: as many as a large screen shows rows. Each makes every row that
 /// arrives dearer, and where errors and warnings alternate there may be as many as rows.
 constexpr std::size_t mostBlocks = 100;
+
+/// Selected rows that are kept in a sorted list, where each is looked for among all rows.
+constexpr int mostRowsInOrder = 40;
 
 } // namespace
 
@@ -52,17 +57,24 @@ void ErrorListPlace::restoreSelection() const
     const QAbstractItemModel& model = *m_view->model();
     QItemSelectionModel& selectionModel = *m_view->selectionModel();
     QItemSelection selection;
-    for (const Cells& cells : m_selected) {
-        const int top = rowFrom(cells.top);
-        const int bottom = rowFrom(cells.bottom + 1) - 1;
-        if (top <= bottom)
+    const int count = std::accumulate(m_selected.begin(), m_selected.end(), 0,
+        [](int sum, const Cells& cells) { return sum + cells.bottom - cells.top + 1; });
+    const auto add = [&](int top, int bottom, const Cells& cells) {
+        if (top >= 0 && top <= bottom)
             selection.append(
                 QItemSelectionRange(model.index(top, cells.left), model.index(bottom, cells.right)));
+    };
+    for (const Cells& cells : m_selected) {
+        if (isByArrival())
+            add(rowFrom(cells.top), rowFrom(cells.bottom + 1) - 1, cells);
+        for (int source = cells.top; !isByArrival() && count <= mostRowsInOrder && source <= cells.bottom;
+             ++source)
+            add(rowOf(source), rowOf(source), cells);
     }
     selectionModel.select(selection, QItemSelectionModel::ClearAndSelect);
 
-    const int row = rowFrom(m_currentRow);
-    if (row == model.rowCount() || sourceRow(row) != m_currentRow)
+    const int row = rowOf(m_currentRow);
+    if (row < 0)
         return;
     // The view would scroll to the current cell.
     m_view->setAutoScroll(false);
@@ -75,20 +87,30 @@ void ErrorListPlace::restoreScrolling() const
     const int count = m_view->model()->rowCount();
     if (count == 0 || m_topRow < 0)
         return;
-    int row = rowFrom(m_topRow);
-    if (row == count || (row > 0 && m_topRow - sourceRow(row - 1) < sourceRow(row) - m_topRow))
+    int row = isByArrival() ? rowFrom(m_topRow) : std::max(0, rowOf(m_topRow));
+    if (isByArrival()
+        && (row == count || (row > 0 && m_topRow - sourceRow(row - 1) < sourceRow(row) - m_topRow)))
         --row;
     m_view->verticalScrollBar()->setValue(m_view->verticalHeader()->sectionPosition(row) - m_topOffset);
 }
 
-int ErrorListPlace::sourceRow(int row) const
+const ErrorListFilterProxyModel* ErrorListPlace::filter() const
 {
-    const QModelIndex index = m_view->model()->index(row, 0);
-    const auto* filter = qobject_cast<const QAbstractProxyModel*>(m_view->model());
-    return filter ? filter->mapToSource(index).row() : row;
+    return qobject_cast<const ErrorListFilterProxyModel*>(m_view->model());
 }
 
-/// The first row that shows a source row or a later one; the number of rows where none does.
+bool ErrorListPlace::isByArrival() const
+{
+    return !filter() || filter()->isByArrival();
+}
+
+int ErrorListPlace::sourceRow(int row) const
+{
+    return filter() ? filter()->sourceRow(row) : row;
+}
+
+/// In the order of arrival, the first row that shows a source row or a later one; the number of rows where
+/// none does.
 int ErrorListPlace::rowFrom(int source) const
 {
     int first = 0;
@@ -101,4 +123,12 @@ int ErrorListPlace::rowFrom(int source) const
             last = middle;
     }
     return first;
+}
+
+/// The row that shows a source row, -1 where none does.
+int ErrorListPlace::rowOf(int source) const
+{
+    if (source < 0)
+        return -1;
+    return filter() ? filter()->rowOf(source) : source;
 }

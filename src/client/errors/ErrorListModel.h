@@ -19,9 +19,15 @@ public:
 
     void append(qint32 severity, qint32 frame, const QString& code, const QString& description,
         const QString& function);
+    /// Removes all rows.
+    void clear();
 
     /// The severity of a row that exists.
     qint32 severity(int row) const;
+    /// A row that exists.
+    error_list::Row row(int row) const;
+    /// A number for the text in one of the columns of texts: rows with the same number have the same text.
+    TextPool::Reference textNumber(int row, error_list::Column column) const;
 
     int rowCount(const QModelIndex& parent = QModelIndex()) const override;
     int columnCount(const QModelIndex& parent = QModelIndex()) const override;
@@ -29,7 +35,7 @@ public:
     QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
 
 private:
-    struct Row {
+    struct StoredRow {
         qint32 severity;
         qint32 frame; ///< Negative where the problem belongs to no frame.
         TextPool::Reference code; ///< Name of the GL error, empty where there is none.
@@ -43,5 +49,5 @@ private:
     QIcon m_warning;
     QIcon m_error;
     TextPool m_texts;
-    std::deque<Row> m_rows;
+    std::deque<StoredRow> m_rows;
 };

@@ -20,4 +20,7 @@ void addWritingTime(const void* writer, qint64 nanoseconds);
 /// True for the first caller in each iteration, who may refresh a document.
 bool claimRefresh();
 
+/// True for the first caller in each iteration, who may take a step of some milliseconds of a longer task.
+bool claimStep();
+
 } // namespace event_loop_budget

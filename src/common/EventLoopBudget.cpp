@@ -23,6 +23,7 @@ struct Iteration {
     const void* firstWriter = nullptr;
     qint64 writingTime = 0;
     bool hasRefreshed = false;
+    bool hasStepped = false;
 };
 
 Iteration& current()
@@ -79,6 +80,11 @@ void addWritingTime(const void* writer, qint64 nanoseconds)
 bool claimRefresh()
 {
     return !std::exchange(current().hasRefreshed, true);
+}
+
+bool claimStep()
+{
+    return !std::exchange(current().hasStepped, true);
 }
 
 } // namespace event_loop_budget

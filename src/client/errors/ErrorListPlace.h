@@ -2,10 +2,11 @@
 
 #include <vector>
 
+class ErrorListFilterProxyModel;
 class QTableView;
 
 /// What the reader of an error list sees and has selected. It is kept in rows of the model behind the filter,
-/// so that it survives another choice of severities, which resets the filter.
+/// so that it survives another filter or order, which reset the model.
 class ErrorListPlace {
 public:
     /// For a view that lives at least as long and has been laid out before each call.
@@ -30,8 +31,11 @@ private:
     };
 
     std::vector<Cells> selectedCells() const;
+    const ErrorListFilterProxyModel* filter() const;
+    bool isByArrival() const;
     int sourceRow(int row) const;
     int rowFrom(int source) const;
+    int rowOf(int source) const;
 
     QTableView* m_view;
     int m_topRow = -1;

@@ -2,9 +2,9 @@
 
 #include "ErrorList.h"
 #include "ErrorListDelegate.h"
+#include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
 
-#include <QAbstractProxyModel>
 #include <QClipboard>
 #include <QContextMenuEvent>
 #include <QFontMetrics>
@@ -12,6 +12,7 @@
 #include <QHeaderView>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QScrollBar>
 
 #include <algorithm>
 
@@ -45,6 +46,8 @@ ErrorListView::ErrorListView(QWidget* parent)
     setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
     setTabKeyNavigation(false);
     setUpRows();
+    horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
+    connect(horizontalHeader(), &QHeaderView::sortIndicatorChanged, this, &ErrorListView::sortBy);
     m_scrollPause.setSingleShot(true);
     m_scrollPause.setInterval(scrollPause);
     connect(&m_scrollPause, &QTimer::timeout, this, &ErrorListView::followEndIfPending);
@@ -52,7 +55,9 @@ ErrorListView::ErrorListView(QWidget* parent)
         m_scrollPause.stop();
         followEnd();
     });
-    connect(verticalHeader(), &QHeaderView::sectionPressed, &m_follower, &EndFollower::stopFollowing);
+    connect(verticalScrollBar(), &QAbstractSlider::actionTriggered, this, &ErrorListView::readerActed);
+    // Its signals keep silent about clicks near the edge of a row.
+    verticalHeader()->viewport()->installEventFilter(this);
     connect(this, &QAbstractItemView::doubleClicked, this, &ErrorListView::requestContents);
 }
 
@@ -61,6 +66,8 @@ void ErrorListView::setModel(QAbstractItemModel* model)
     if (QAbstractItemModel* former = this->model()) {
         disconnect(former, &QAbstractItemModel::modelAboutToBeReset, this, &ErrorListView::keepPlace);
         disconnect(former, &QAbstractItemModel::modelReset, this, &ErrorListView::restorePlace);
+        if (auto* formerFilter = qobject_cast<ErrorListFilterProxyModel*>(former))
+            disconnect(formerFilter, &ErrorListFilterProxyModel::settled, this, &ErrorListView::placeSettled);
     }
     QTableView::setModel(model);
     setUpColumns();
@@ -69,22 +76,58 @@ void ErrorListView::setModel(QAbstractItemModel* model)
     connect(model, &QAbstractItemModel::modelAboutToBeReset, this, &ErrorListView::keepPlace);
     // Connected after the selection, which the reset clears.
     connect(model, &QAbstractItemModel::modelReset, this, &ErrorListView::restorePlace);
+    if (filter())
+        connect(filter(), &ErrorListFilterProxyModel::settled, this, &ErrorListView::placeSettled);
+}
+
+ErrorListFilterProxyModel* ErrorListView::filter() const
+{
+    return qobject_cast<ErrorListFilterProxyModel*>(model());
+}
+
+void ErrorListView::restoreColumns(const QByteArray& state)
+{
+    QHeaderView& header = *horizontalHeader();
+    const int section = header.isSortIndicatorShown() ? header.sortIndicatorSection() : -1;
+    const Qt::SortOrder order = header.sortIndicatorOrder();
+    const QSignalBlocker quiet(&header);
+    header.restoreState(state);
+    showSortIndicator();
+    header.setSortIndicator(section, order);
+}
+
+void ErrorListView::showSortIndicator()
+{
+    horizontalHeader()->setSectionsClickable(true);
+    horizontalHeader()->setSortIndicatorShown(true);
+    horizontalHeader()->setSortIndicatorClearable(true);
 }
 
 void ErrorListView::keepPlace()
 {
+    // What is shown while rows are still being found is not what the reader chose.
+    if (m_isPlaceKept)
+        return;
     executeDelayedItemsLayout();
     m_place.keep();
 }
 
 void ErrorListView::restorePlace()
 {
+    m_isPlaceKept = filter() && !filter()->isSettled();
     executeDelayedItemsLayout();
     m_place.restoreSelection();
     if (m_follower.isFollowing())
         scrollToBottom();
     else
         m_place.restoreScrolling();
+}
+
+void ErrorListView::placeSettled()
+{
+    if (m_isPlaceKept)
+        restorePlace();
+    followEnd();
 }
 
 void ErrorListView::followEnd()
@@ -134,9 +177,16 @@ void ErrorListView::setUpColumns()
         metrics.horizontalAdvance(QStringLiteral("glFramebufferTexture2D")) + margin);
     setColumnWidth(
         error_list::CodeColumn, metrics.horizontalAdvance(QStringLiteral("GL_INVALID_OPERATION")) + margin);
+    showSortIndicator();
     horizontalHeader()->setStretchLastSection(true);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+}
+
+void ErrorListView::sortBy(int column, Qt::SortOrder order)
+{
+    readerActed();
+    model()->sort(column, order);
 }
 
 void ErrorListView::contextMenuEvent(QContextMenuEvent* event)
@@ -166,6 +216,7 @@ void ErrorListView::requestContents(const QModelIndex& index)
 
 void ErrorListView::keyPressEvent(QKeyEvent* event)
 {
+    readerActed();
     if (event->matches(QKeySequence::Copy)) {
         copySelection();
         event->accept();
@@ -185,8 +236,18 @@ void ErrorListView::keyPressEvent(QKeyEvent* event)
     m_follower.keyHandled(distance, currentIndex() != cell && !isLast);
 }
 
+bool ErrorListView::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::MouseButtonPress && watched == verticalHeader()->viewport()) {
+        readerActed();
+        m_follower.stopFollowing();
+    }
+    return QTableView::eventFilter(watched, event);
+}
+
 void ErrorListView::mousePressEvent(QMouseEvent* event)
 {
+    readerActed();
     if (indexAt(event->position().toPoint()).isValid())
         m_follower.stopFollowing();
     QTableView::mousePressEvent(event);
@@ -216,13 +277,11 @@ void ErrorListView::copySelection() const
 
 QString ErrorListView::severityText(const QModelIndex& cell) const
 {
-    QModelIndex source = cell;
-    if (const auto* filter = qobject_cast<const QAbstractProxyModel*>(model()))
-        source = filter->mapToSource(cell);
-    const auto* errors = qobject_cast<const ErrorListModel*>(source.model());
+    const ErrorListModel* errors =
+        filter() ? filter()->errors() : qobject_cast<const ErrorListModel*>(model());
     if (!errors)
         return {};
-    switch (errors->severity(source.row())) {
+    switch (errors->severity(filter() ? filter()->sourceRow(cell.row()) : cell.row())) {
     case error_list::SeverityError:
         return tr("Error");
     case error_list::SeverityWarning:

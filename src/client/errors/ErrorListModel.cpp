@@ -20,6 +20,34 @@ void ErrorListModel::append(
     endInsertRows();
 }
 
+void ErrorListModel::clear()
+{
+    beginResetModel();
+    m_rows.clear();
+    m_texts = TextPool();
+    endResetModel();
+}
+
+Row ErrorListModel::row(int row) const
+{
+    const StoredRow& stored = m_rows[static_cast<std::size_t>(row)];
+    return {stored.severity, stored.frame, m_texts.text(stored.function), m_texts.text(stored.code),
+        m_texts.text(stored.description)};
+}
+
+TextPool::Reference ErrorListModel::textNumber(int row, Column column) const
+{
+    const StoredRow& stored = m_rows[static_cast<std::size_t>(row)];
+    switch (column) {
+    case FunctionColumn:
+        return stored.function;
+    case CodeColumn:
+        return stored.code;
+    default:
+        return stored.description;
+    }
+}
+
 qint32 ErrorListModel::severity(int row) const
 {
     return m_rows.at(static_cast<std::size_t>(row)).severity;
@@ -45,7 +73,7 @@ QVariant ErrorListModel::data(const QModelIndex& index, int role) const
 {
     if (role != Qt::DisplayRole || !checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
-    const Row& row = m_rows[static_cast<std::size_t>(index.row())];
+    const StoredRow& row = m_rows[static_cast<std::size_t>(index.row())];
     switch (index.column()) {
     case FrameColumn:
         return row.frame < 0 ? QString() : QString::number(row.frame);
