@@ -9,6 +9,7 @@ namespace launcher {
 /// Exit codes of the launcher itself.
 namespace exit_code {
 inline constexpr int nothingWatched = 1; ///< --require, and no process has connected.
+inline constexpr int notMade = 1; ///< --make-profile, and there is no profile.
 inline constexpr int wrongArguments = 2;
 inline constexpr int notRun = 126;
 inline constexpr int notFound = 127;

@@ -1,4 +1,5 @@
 #include "Launcher.h"
+#include "MadeProfile.h"
 #include "ProfileChoice.h"
 
 #include <cstdio>
@@ -10,6 +11,8 @@ int main(int argc, char** argv)
         std::fputs(launcher::profileList().c_str(), stdout);
         return 0;
     }
+    if (options.request == launcher::Options::Request::MakeProfile)
+        return launcher::makeProfile(options.made);
     if (options.request != launcher::Options::Request::Run) {
         const bool isAnswer = options.request == launcher::Options::Request::Answer;
         std::fputs(options.text.c_str(), isAnswer ? stdout : stderr);

@@ -351,6 +351,22 @@ TEST_F(Launcher, titlesTellWhichDeviceAProgramSees)
     }
 }
 
+TEST_F(Launcher, makesNoProfileOfNothing)
+{
+    const std::filesystem::path file = child_process::freshFolder() / "made.xml";
+    child_process::fill(file, "old");
+    LauncherRun nothing({"--make-profile", file.string()});
+    EXPECT_TRUE(nothing.errors().ends_with(
+        "corvale-run: This machine has no OpenGL ES; there is no profile to be made.\n"));
+    EXPECT_EQ(nothing.finish(), 1);
+    EXPECT_EQ(child_process::contentOf(file), "old");
+    EXPECT_EQ(std::ranges::distance(std::filesystem::directory_iterator(file.parent_path())), 1);
+    LauncherRun nowhere({"--make-profile", (file / "below").string()});
+    EXPECT_NE(nowhere.errors().find("Not a directory"), std::string::npos);
+    EXPECT_EQ(nowhere.finish(), 1);
+    EXPECT_EQ(LauncherRun({"--make-profile", file.string(), "true"}).finish(), 2);
+}
+
 TEST_F(Launcher, endsWithTheCodesOfAShell)
 {
     EXPECT_EQ(LauncherRun({"--", "no-such-program"}).finish(), 127);

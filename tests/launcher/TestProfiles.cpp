@@ -1,3 +1,4 @@
+#include "ChildAnswer.h"
 #include "ChildProcess.h"
 #include "DeviceOfProfile.h"
 #include "EglStrings.h"
@@ -6,6 +7,7 @@
 #include "ProfileReader.h"
 #include "ProfileWriter.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <string>
@@ -80,6 +82,23 @@ TEST(DeviceOfProfile, hasAllThatCanBeUnderstood)
             "config_caveat 'none' in config -3"}));
     std::string why;
     EXPECT_EQ(layer::device::fromText(toText(table), &why), table) << why;
+}
+
+TEST(ChildAnswer, survivesWhatADriverDoes)
+{
+    using host_query::askChild;
+    const auto ask = [](const std::function<std::string()>& function) {
+        const host_query::ChildAnswer answer = askChild(function, std::chrono::milliseconds(500), 1U << 20U);
+        return (answer.isGiven ? "+" : "-") + answer.text;
+    };
+    const std::string large(900'000, 'x');
+    EXPECT_EQ(ask([&] { return large; }), "+" + large) << "more than a pipe holds";
+    EXPECT_EQ(ask([&] { return large + large; }), "-the driver says too much");
+    EXPECT_EQ(ask([]() -> std::string { throw std::runtime_error("nothing there"); }), "-nothing there");
+    EXPECT_EQ(
+        ask([] { return std::string(raise(SIGKILL) == 0 ? "" : "x"); }), "-the driver has crashed: Killed");
+    EXPECT_EQ(ask([] { return std::string(pause() == 0 ? "" : "x"); }), "-the driver takes too long");
+    EXPECT_EQ(ask([] { return std::string(write(STDOUT_FILENO, "!", 1) == 1 ? "quiet" : ""); }), "+quiet");
 }
 
 TEST(EglStrings, goThroughTheFile)
