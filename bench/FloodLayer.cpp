@@ -80,7 +80,7 @@ ErrorFlood takeErrors(Window& window, int errors, const std::function<bool()>& i
 
 } // namespace
 
-ErrorFlood measureLayer(int errors, const QString& log)
+ErrorFlood measureLayer(int errors, const QString& log, bool isWindowStopped)
 {
     Window window;
     QProcess launcher;
@@ -89,6 +89,9 @@ ErrorFlood measureLayer(int errors, const QString& log)
         arguments = QStringList{QStringLiteral("--log"), log} + arguments;
     launcher.setProcessChannelMode(QProcess::ForwardedErrorChannel);
     launcher.start(QStringLiteral(CORVALE_RUN), arguments);
+    // This is how long nobody accepts or reads.
+    if (isWindowStopped)
+        launcher.waitForReadyRead();
     ErrorFlood result = takeErrors(window, errors, [&] { return launcher.state() == QProcess::NotRunning; });
     launcher.waitForFinished();
     if (result.rate == 0 && launcher.exitCode() != noGles)

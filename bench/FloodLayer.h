@@ -13,9 +13,10 @@ struct ErrorFlood {
 };
 
 /// A real program of OpenGL ES makes so many errors as fast as it can. They go through the layer, its ring
-/// and corvale-run into the window, and into a log if a path is given. All zero where there is no OpenGL ES.
-/// Throws std::runtime_error where it cannot be measured.
-ErrorFlood measureLayer(int errors, const QString& log = QString());
+/// and corvale-run into the window, and into a log if a path is given. The window may be stopped until the
+/// program has made them all. All zero where there is no OpenGL ES. Throws std::runtime_error
+/// where it cannot be measured.
+ErrorFlood measureLayer(int errors, const QString& log = QString(), bool isWindowStopped = false);
 
 /// A plain sender writes the same errors into the window's socket.
 ErrorFlood measurePlainErrors(int errors);

@@ -106,6 +106,11 @@ void measureLayer(int errors)
     printErrors(QStringLiteral("a program through the layer"), layer, QStringLiteral(">= 200000"));
     printErrors(QStringLiteral("the same with a log"),
         flood::measureLayer(errors, QDir::tempPath() + QStringLiteral("/log")), {});
+    const flood::ErrorFlood stopped = flood::measureLayer(errors, {}, true);
+    row(QStringLiteral("a stopped window: ms of the program"), number(stopped.costOfError * errors / 1e6),
+        QStringLiteral("< 1000"));
+    row(QStringLiteral("a stopped window: lost, twice"),
+        QStringLiteral("%1, %2").arg(stopped.lost).arg(stopped.doubled), QStringLiteral("0, 0"));
 }
 #else
 void measureLayer(int)
