@@ -40,9 +40,3 @@ void ConsoleOutline::removeText()
     m_openFrames.clear();
     m_isLineEmpty = true;
 }
-
-void ConsoleOutline::replaceOpenFrames(const std::function<std::string(const std::string&)>& replacement)
-{
-    for (std::string& frame : m_openFrames)
-        frame = replacement(frame);
-}

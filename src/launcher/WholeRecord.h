@@ -40,8 +40,7 @@ public:
                     {static_cast<char*>(m_pieces[i].iov_base) + hidden, m_pieces[i].iov_len - hidden});
         }
     }
-    /// Copies it to the start of a message, without the zeros that fill it up; returns where these begin.
-    std::size_t copyTo(ui::messages::Message& message) const;
+    ui::messages::Message message() const;
 
 private:
     void add(const char* bytes, std::size_t size);

@@ -1,6 +1,9 @@
 // Makes the wrappers of the client layer from the OpenGL registry and the headers of EGL, at build time. See
 // usage() for what it reads and writes.
 
+#include "Availability.h"
+#include "LimitedFunctions.h"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -29,8 +32,19 @@ struct Function {
     std::string name;
     std::vector<Parameter> parameters;
     bool hooked = false;
+    bool gated = false; ///< A device may lack an enumerant of its arguments, or limit one.
+    std::size_t firstLimit = 0;
+    std::size_t limitCount = 0;
 
     bool isEgl() const { return name.starts_with("egl"); }
+    /// A bit for each parameter that is an enumerant.
+    unsigned enumerants() const
+    {
+        unsigned bits = 0;
+        for (std::size_t i = 0; i < parameters.size(); ++i)
+            bits |= std::string_view("enm").find(parameters[i].kind) == std::string_view::npos ? 0U : 1U << i;
+        return bits;
+    }
 };
 
 using Functions = std::map<std::string, Function>;
@@ -51,8 +65,8 @@ std::string trimmed(std::string text)
     return text;
 }
 
-/// How an argument is shown: e enumerant, m primitive mode, b bits, t boolean, i signed, u unsigned, f
-/// floating point, E enumerant of EGL, p anything else.
+/// How an argument is shown: e enumerant, n enumerant as a signed number, m primitive mode, b bits, t
+/// boolean, i signed, u unsigned, f floating point, E enumerant of EGL, p anything else.
 char kindOf(const std::string& type, std::string_view group)
 {
     static const std::map<std::string, char, std::less<>> kinds{
@@ -91,6 +105,8 @@ char kindOf(const std::string& type, std::string_view group)
     };
     if (group == "PrimitiveType")
         return 'm';
+    if (group == "InternalFormat" && type == "GLint")
+        return 'n';
     const auto found = kinds.find(type);
     return found == kinds.end() ? 'p' : found->second;
 }
@@ -230,6 +246,18 @@ std::string declarationOf(const Function& function)
     return function.result + ' ' + function.name + '(' + parameters + ')';
 }
 
+/// Configs of a device are handed to the host as those that stand in for them.
+std::string hostArgumentsOf(const Function& function)
+{
+    std::string arguments;
+    for (std::size_t i = 0; i < function.parameters.size(); ++i) {
+        const std::string argument = 'a' + std::to_string(i);
+        const bool isConfig = function.parameters[i].type == "EGLConfig";
+        arguments += (i > 0 ? ", " : "") + (isConfig ? "hostConfig(" + argument + ')' : argument);
+    }
+    return arguments;
+}
+
 std::string argumentsOf(const Function& function, std::string_view around)
 {
     std::string arguments;
@@ -241,22 +269,33 @@ std::string argumentsOf(const Function& function, std::string_view around)
     return arguments;
 }
 
+/// Functions that make surfaces of a config have it behind the display.
+bool hasConfig(const Function& function)
+{
+    return function.parameters.size() > 1 && function.parameters[1].type == "EGLConfig";
+}
+
 /// A call of the host's function, with what it returns checked and passed on.
 void writeWrapper(std::ostream& out, const Function& function)
 {
     const bool isVoid = function.result == "void";
     const bool hasDisplay = !function.parameters.empty() && function.parameters.front().type == "EGLDisplay";
     const std::string pointer = function.result + " (*)(" + typesOf(function) + ')';
+    std::string arguments = argumentsOf(function, "argument");
+    arguments.insert(0, 1, '{').push_back('}');
     out << declarationOf(function) << "\n{\n";
     if (function.isEgl())
         out << "    Host& host = hostOf(" << (hasDisplay ? "a0" : "") << ");\n"
             << "    const auto call = host.function<" << pointer << ">(Fn::" << function.name << ");\n";
     else
         out << "    Context& context = currentContext();\n"
+            << (function.gated ? "    if (context.gate && refuses(context, Fn::" + function.name + ", "
+                           + arguments + "))\n        return" + (isVoid ? "" : " {}") + ";\n"
+                               : "")
             << "    const auto call = context.function<" << pointer << ">(Fn::" << function.name << ");\n";
-    out << "    " << (isVoid ? "" : "const auto result = ") << "call(" << argumentsOf(function, "") << ");\n";
-    std::string arguments = argumentsOf(function, "argument");
-    arguments.insert(0, 1, '{').push_back('}');
+    out << "    " << (isVoid ? "" : "const auto result = ") << "call(" << hostArgumentsOf(function) << ");\n";
+    if (function.result == "EGLSurface" && hasConfig(function))
+        out << "    noteSurface(a0, result, a1);\n";
     if (function.isEgl())
         out << "    checkEgl(host, Fn::" << function.name << ", " << arguments << ");\n";
     else
@@ -307,7 +346,8 @@ void writeTable(const std::string& folder, const Functions& functions)
             << (function.hooked ? "hooks::" : "generated::") << name << "), \"";
         for (const Parameter& parameter : function.parameters)
             out << parameter.kind << parameter.name << ' ';
-        out << "\"},\n";
+        out << "\", " << function.enumerants() << "U, " << function.firstLimit << ", " << function.limitCount
+            << "},\n";
     }
 }
 
@@ -330,12 +370,37 @@ void writeEglNames(const std::string& folder, const EglNames& names)
         out << "{" << value << ", \"" << name << "\"},\n";
 }
 
+/// Writes what devices limit, and notes it with the functions.
+void writeDeviceRules(
+    const std::string& folder, const char* registryPath, const char* limitsPath, Functions& functions)
+{
+    std::vector<std::string> names;
+    LimitedFunctions::Functions parameters;
+    for (const auto& [name, function] : functions) {
+        names.push_back(name);
+        for (const Parameter& parameter : function.parameters)
+            parameters[name].push_back(parameter.name);
+    }
+    const Availability availability(registryPath);
+    const LimitedFunctions limited(limitsPath, parameters, availability);
+    availability.write(folder, names);
+    limited.write(folder);
+    for (auto& [name, function] : functions) {
+        function.firstLimit = limited.first(name);
+        function.limitCount = limited.count(name);
+        function.gated =
+            availability.hasFunction(name) && (function.limitCount > 0 || function.enumerants() != 0);
+    }
+}
+
 int usage()
 {
-    std::cerr << "Usage: make-layer FOLDER GL_XML HOOKS EGL_HEADER...\n"
-                 "Writes LayerFunctions.h, LayerFunctionTable.inc, LayerEglNames.inc and the wrappers of all "
-                 "functions into a\n"
-                 "folder. HOOKS has the names of the functions that are written by hand.\n";
+    std::cerr << "Usage: make-layer FOLDER GL_XML HOOKS LIMITS EGL_HEADER...\n"
+                 "Writes LayerFunctions.h, LayerFunctionTable.inc, LayerEglNames.inc, LayerAvailability.inc, "
+                 "LayerLimits.inc and\n"
+                 "the wrappers of all functions into a folder. HOOKS has the names of the functions that are "
+                 "written by hand,\n"
+                 "LIMITS what devices limit.\n";
     return 2;
 }
 
@@ -343,15 +408,16 @@ int usage()
 
 int main(int argumentCount, char* arguments[])
 {
-    if (argumentCount < 5)
+    if (argumentCount < 6)
         return usage();
     try {
         Functions functions;
         EglNames names;
         readRegistry(arguments[2], functions);
-        for (int i = 4; i < argumentCount; ++i)
+        for (int i = 5; i < argumentCount; ++i)
             readHeader(arguments[i], functions, names);
         readHooks(arguments[3], functions);
+        writeDeviceRules(arguments[1], arguments[2], arguments[4], functions);
         writeHeader(arguments[1], functions);
         writeTable(arguments[1], functions);
         writeWrappers(arguments[1], functions);

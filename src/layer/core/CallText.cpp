@@ -45,6 +45,7 @@ void appendArgument(CallText& text, char kind, std::uint64_t bits)
 {
     switch (kind) {
     case 'e':
+    case 'n':
         appendGlName(text, bits);
         break;
     case 'm':

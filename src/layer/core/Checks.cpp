@@ -2,6 +2,8 @@
 
 #include "CallText.h"
 #include "DebugState.h"
+#include "DeviceGate.h"
+#include "GlEnumerants.h"
 #include "Process.h"
 #include "Records.h"
 
@@ -19,10 +21,55 @@ void appendLine(CallText& text, std::string_view line)
         text << line << '\n';
 }
 
+/// The call reached a function that the device lacks.
+GLenum refuseFunction(Context& context, Fn function, std::initializer_list<Argument> arguments)
+{
+    context.mustCheck = context.watched && !context.usesDebugOutput;
+    const std::string why = "not available on " + context.gate->table().name + ": "
+        + context.gate->availability().needOf(function);
+    refuseGl(context, function, arguments, gl::invalidOperation, why);
+    return gl::invalidOperation;
+}
+
 } // namespace
+
+void refuseGl(Context& context, Fn function, std::initializer_list<Argument> arguments, GLenum code,
+    std::string_view why)
+{
+    CallText text;
+    text << ::gl::errorName(code) << " in " << rowOf(function).name << ": " << why;
+    const std::string message(text.text());
+    context.keep(code);
+    if (context.usesDebugOutput)
+        context.debug->deliver({gl::debugSourceApi, gl::debugTypeError, code, gl::debugSeverityHigh},
+            message.c_str(), message.size());
+    text << '\n';
+    appendCall(text, function, arguments);
+    if (context.watched)
+        records::glError(code, rowOf(function).name, text.text());
+}
+
+void setEglError(EGLint code)
+{
+    eglError = code;
+}
+
+void refuseEgl(Fn function, std::initializer_list<Argument> arguments, EGLint code, std::string_view why)
+{
+    eglError = code;
+    if (!options().errors)
+        return;
+    CallText text;
+    appendEglName(text, code);
+    text << ": " << why << "\nin ";
+    appendCall(text, function, arguments);
+    records::error(text.text());
+}
 
 GLenum checkGl(Context& context, Fn function, std::initializer_list<Argument> arguments)
 {
+    if (std::exchange(context.refusedCall, false))
+        return refuseFunction(context, function, arguments);
     context.mustCheck = !context.usesDebugOutput;
     const std::string_view said(context.pending.text.data(), std::exchange(context.pending.size, 0));
     const GLenum code = context.takeHostError();

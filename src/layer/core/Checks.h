@@ -4,6 +4,7 @@
 #include "Context.h"
 
 #include <initializer_list>
+#include <string_view>
 
 namespace layer {
 
@@ -13,6 +14,15 @@ GLenum checkGl(Context& context, Fn function, std::initializer_list<Argument> ar
 
 /// The same for a function of EGL: the program's eglGetError() gets it. Returns the code.
 EGLint checkEgl(Host& host, Fn function, std::initializer_list<Argument> arguments);
+
+/// Refuses a call of OpenGL in the name of a device: the program gets the error, its debug callback and the
+/// window get the reason.
+void refuseGl(Context& context, Fn function, std::initializer_list<Argument> arguments, GLenum code,
+    std::string_view why);
+/// The same for a function of EGL.
+void refuseEgl(Fn function, std::initializer_list<Argument> arguments, EGLint code, std::string_view why);
+/// Lets the program's eglGetError() find what a function of the layer's own found.
+void setEglError(EGLint code);
 
 /// Errors that no call was blamed for: functions that nothing stands in front of, or drivers that said
 /// nothing.

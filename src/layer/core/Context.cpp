@@ -53,9 +53,16 @@ Context::Context()
 
 Context::~Context() = default;
 
+void* Context::resolve(Fn function) const
+{
+    void* address = host->function<void*>(function);
+    functions[static_cast<std::size_t>(function)].store(address, std::memory_order_relaxed);
+    return address;
+}
+
 GLenum Context::takeHostError() const
 {
-    const auto getError = function<GLenum (*)()>(Fn::glGetError);
+    const auto getError = host->function<GLenum (*)()>(Fn::glGetError);
     const GLenum first = getError();
     // Some drivers have a flag for each code, and lost contexts one that never clears.
     for (int i = 0; first != gl::none && i < 8 && getError() != gl::none; ++i) { }
@@ -107,6 +114,7 @@ Context& add(EGLDisplay display, EGLContext handle)
     Registry& all = registry();
     const std::scoped_lock lock(all.mutex);
     context->number = ++all.count;
+    context->shareGroup = context->number;
     all.contexts[{display, handle}] = context;
     return *context;
 }

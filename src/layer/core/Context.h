@@ -4,10 +4,16 @@
 
 #include <array>
 #include <memory>
+#include <optional>
 
 namespace layer {
 
 class DebugState;
+class DeviceGate;
+
+namespace device {
+struct Api;
+}
 
 /// What the driver said about the call that runs, gathered by its debug callback.
 struct PendingErrors {
@@ -24,12 +30,13 @@ public:
     Context(const Context&) = delete;
     Context& operator=(const Context&) = delete;
 
-    /// The driver's function; see Host::function.
+    /// The function as the program gets it: the driver's, or one that refuses where a device lacks it. What
+    /// the layer itself asks goes to the host.
     template <typename Pointer> Pointer function(Fn function) const
     {
         void* address = functions[static_cast<std::size_t>(function)].load(std::memory_order_relaxed);
         if (!address) [[unlikely]]
-            address = host->resolve(function);
+            address = resolve(function);
         return reinterpret_cast<Pointer>(address);
     }
 
@@ -39,7 +46,8 @@ public:
     void keep(GLenum code);
 
     // What each call looks at stands first.
-    std::atomic<void*>* functions; ///< Of the host.
+    std::atomic<void*>* functions; ///< Of the host, or of the gate.
+    const DeviceGate* gate = nullptr; ///< Of the device that the program sees; null for the host's own.
     bool mustCheck = false; ///< Whether checkGl() is to look after the call that has just returned.
     bool watched = false; ///< An OpenGL ES context whose errors are reported.
     bool usesDebugOutput = false; ///< The driver tells of errors by itself; else each call asks.
@@ -48,16 +56,22 @@ public:
     Host* host;
     EGLDisplay display = nullptr;
     std::int32_t number = 0; ///< Counts the program's contexts from 1.
+    std::int32_t shareGroup = 0; ///< The number of the first context whose objects it shares; often its own.
     EGLint requestedVersion = 0; ///< Major times ten plus minor.
+    const device::Api* api = nullptr; ///< What the program sees; null for the host as it is.
+    std::optional<EGLint> configId; ///< Of the device's config; nothing for a host's.
+    bool refusedCall = false; ///< The function that is being called refused.
     bool isDebug = false; ///< Made with the debug flag, so debug output is on from the start.
     bool isEs = true;
     bool seenCurrent = false; ///< Was current once, so its functions could be asked.
-    int esVersion = 0; ///< Of the context as made: 20 for 2.0. Known when it was current.
+    int esVersion = 0; ///< Of the host's context: 20 for 2.0. Known when it was current.
     GLuint lineIndices = 0; ///< Buffer for wireframes; 0 until the first.
     bool warnedOfWireframe = false;
     bool quiet = false; ///< The layer itself asks: nothing is reported.
     PendingErrors pending;
     std::unique_ptr<DebugState> debug;
+
+    void* resolve(Fn function) const;
 
     // Of the registry, under its lock.
     int users = 0; ///< Threads in which it is current.

@@ -1,6 +1,8 @@
 #include "ContextStart.h"
 
+#include "BeyondHost.h"
 #include "DebugState.h"
+#include "DeviceGate.h"
 #include "ExtensionCatalogue.h"
 #include "Message.h"
 #include "Probe.h"
@@ -9,6 +11,7 @@
 #include "TextBuffer.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <string>
 
@@ -20,31 +23,8 @@ namespace offset = ui::messages::offset;
 
 std::string_view stringOf(Context& context, GLenum name)
 {
-    const auto* text = context.function<const GLubyte* (*)(GLenum)>(Fn::glGetString)(name);
+    const auto* text = context.host->function<const GLubyte* (*)(GLenum)>(Fn::glGetString)(name);
     return text ? reinterpret_cast<const char*>(text) : "";
-}
-
-/// The first number of the form "3.2" in a text, as 32; 0 without one.
-int versionIn(std::string_view text)
-{
-    for (std::size_t i = 1; i + 1 < text.size(); ++i) {
-        const auto isDigit = [&](std::size_t at) {
-            return text[at] >= '0' && text[at] <= '9';
-        };
-        if (text[i] == '.' && isDigit(i - 1) && isDigit(i + 1))
-            return (text[i - 1] - '0') * 10 + (text[i + 1] - '0');
-    }
-    return 0;
-}
-
-bool hasWord(std::string_view words, std::string_view wanted)
-{
-    for (std::size_t at = words.find(wanted); at != std::string_view::npos; at = words.find(wanted, at + 1)) {
-        const std::size_t end = at + wanted.size();
-        if ((at == 0 || words[at - 1] == ' ') && (end == words.size() || words[end] == ' '))
-            return true;
-    }
-    return false;
 }
 
 /// From now on the driver tells of each error while the call that makes it runs.
@@ -57,13 +37,13 @@ bool takeDebugOutput(Context& context, std::string_view extensions)
     const Fn control = isCore ? Fn::glDebugMessageControl : Fn::glDebugMessageControlKHR;
     if (!context.host->has(callback) || !context.host->has(control))
         return false;
-    const auto enable = context.function<void (*)(GLenum)>(Fn::glEnable);
+    const auto enable = context.host->function<void (*)(GLenum)>(Fn::glEnable);
     enable(gl::debugOutput);
     enable(gl::debugOutputSynchronous);
-    context.function<decltype(&generated::glDebugMessageControl)>(control)(
+    context.host->function<decltype(&generated::glDebugMessageControl)>(control)(
         gl::dontCare, gl::dontCare, gl::dontCare, 0, nullptr, 1);
-    context.function<decltype(&generated::glDebugMessageCallback)>(callback)(&hostMessage, &context);
-    return context.function<GLboolean (*)(GLenum)>(Fn::glIsEnabled)(gl::debugOutput) != 0;
+    context.host->function<decltype(&generated::glDebugMessageCallback)>(callback)(&hostMessage, &context);
+    return context.host->function<GLboolean (*)(GLenum)>(Fn::glIsEnabled)(gl::debugOutput) != 0;
 }
 
 /// Writes the codes of extensions into a list of a context record.
@@ -100,22 +80,80 @@ std::uint32_t glslCode(int esVersion)
     return esVersion < 20 ? 0 : esCode(esVersion) - 1;
 }
 
+std::string joined(const std::vector<std::string>& words)
+{
+    std::string text;
+    for (const std::string& word : words)
+        text += word + ' ';
+    return text;
+}
+
+/// The lists of extensions of a page: those that a program finds and can use, those of its device that the
+/// host lacks, and those of the host that its device lacks.
+void putExtensions(std::string& payload, const Context& context, std::string_view hostExtensions)
+{
+    const std::vector<std::uint32_t> host = codesOf(hostExtensions);
+    if (!context.api) {
+        putCodes(payload, offset::contextExtensions, host);
+        return;
+    }
+    const std::vector<std::uint32_t> device = codesOf(joined(context.api->extensions));
+    std::vector<std::uint32_t> both, notOnHost, notOnDevice;
+    std::ranges::set_intersection(device, host, std::back_inserter(both));
+    std::ranges::set_difference(device, host, std::back_inserter(notOnHost));
+    std::ranges::set_difference(host, device, std::back_inserter(notOnDevice));
+    putCodes(payload, offset::contextExtensions, both);
+    putCodes(payload, offset::contextExtensionsNotOnHost, notOnHost);
+    putCodes(payload, offset::contextExtensionsNotEmulated, notOnDevice);
+}
+
 void sendRecord(const Context& context, std::string_view extensions)
 {
     const HostFacts& host = hostFacts(*context.host, context.display);
+    const int version = context.api ? context.api->version : context.esVersion;
     std::string payload(ui::messages::recordSize - offset::payload, '\0');
     const auto put = [&](std::size_t at, std::uint32_t value) {
         putCodes(payload, at, {value});
     };
     put(offset::contextNumber, static_cast<std::uint32_t>(context.number));
     put(offset::contextStrict, options().strict ? 1 : 0);
-    put(offset::contextEsVersion, esCode(context.esVersion));
-    put(offset::contextGlslEsVersion, glslCode(context.esVersion));
-    putCodes(payload, offset::contextExtensions, codesOf(extensions));
+    put(offset::contextEsVersion, esCode(version));
+    put(offset::contextGlslEsVersion, glslCode(version));
+    putExtensions(payload, context, extensions);
     put(offset::contextGlVersion, host.glVersion);
     put(offset::contextGlslVersion, host.glslVersion);
     putCodes(payload, offset::contextHostExtensions, host.glExtensions);
     records::context(payload);
+}
+
+/// Tells what the device has beyond the host, once for each of its versions.
+void tellBeyondHost(const Context& context, std::string_view hostExtensions)
+{
+    if (!context.gate->isFirstToTell() || !writer())
+        return;
+    const BeyondHost beyond = beyondHost(*context.host, context.esVersion, hostExtensions, *context.api);
+    std::vector<std::string> lines = beyond.limits;
+    lines.insert(lines.end(), beyond.others.begin(), beyond.others.end());
+    if (lines.empty())
+        return;
+    constexpr std::size_t linesShown = 100;
+    TextBuffer<8000> text;
+    text << lines.size() << (lines.size() == 1 ? " value" : " values") << " of this profile ("
+         << apiName(context.api->version) << (lines.size() == 1 ? ") is" : ") are")
+         << " beyond this machine:";
+    for (std::size_t i = 0; i < std::min(lines.size(), linesShown); ++i)
+        text << '\n' << lines[i];
+    if (lines.size() > linesShown)
+        text << "\nand " << lines.size() - linesShown << " more";
+    records::information(text.text());
+}
+
+void startDevice(Context& context, std::string_view hostExtensions)
+{
+    DeviceGate& gate = gateOf(*context.host, *emulatedDevice(), *context.api);
+    context.gate = &gate;
+    context.functions = gate.functions();
+    tellBeyondHost(context, hostExtensions);
 }
 
 void tellDesktop(const Context& context)
@@ -131,7 +169,7 @@ void tellDesktop(const Context& context)
 void startContext(Context& context)
 {
     context.seenCurrent = true;
-    if (!writer())
+    if (!writer() && !context.api)
         return;
     if (!context.isEs) {
         tellDesktop(context);
@@ -140,6 +178,10 @@ void startContext(Context& context)
     const Unseen unseen(context);
     context.esVersion = versionIn(stringOf(context, gl::version));
     const std::string_view extensions = stringOf(context, gl::extensions);
+    if (context.api)
+        startDevice(context, extensions);
+    if (!writer())
+        return;
     sendRecord(context, extensions);
     if (!options().errors)
         return;

@@ -2,6 +2,7 @@
 #include "Checks.h"
 #include "Context.h"
 #include "DebugState.h"
+#include "DeviceGate.h"
 #include "Records.h"
 
 #include <cstring>
@@ -10,10 +11,12 @@ namespace layer::hooks {
 
 namespace {
 
-/// The program's debug output where the layer keeps it; null where the driver keeps it itself.
+/// The program's debug output where the layer keeps it; null where the driver keeps it itself, and on a
+/// device that has none, so that what asks for it is refused.
 DebugState* kept(const Context& context)
 {
-    return context.usesDebugOutput ? context.debug.get() : nullptr;
+    const bool isMissing = context.gate && context.gate->blocks(gl::debugOutput);
+    return context.usesDebugOutput && !isMissing ? context.debug.get() : nullptr;
 }
 
 std::string_view textOf(const GLchar* text, GLsizei length)
@@ -29,24 +32,22 @@ std::string_view markerOf(const GLchar* text, GLsizei length)
     return textOf(text, length > 0 ? length : -1);
 }
 
-/// The switches of debug output; null for another capability.
-bool* switchOf(DebugState& debug, GLenum capability)
-{
-    if (capability == gl::debugOutput)
-        return &debug.output;
-    return capability == gl::debugOutputSynchronous ? &debug.synchronous : nullptr;
-}
-
 bool* switchOf(const Context& context, GLenum capability)
 {
     DebugState* debug = kept(context);
-    return debug ? switchOf(*debug, capability) : nullptr;
+    return debug ? debug->switchOf(capability) : nullptr;
 }
 
-void setCallback(Context& context, GLDEBUGPROC callback, const void* userParam)
+/// False where the driver is to take it.
+bool setCallback(Fn function, GLDEBUGPROC callback, const void* userParam)
 {
-    context.debug->callback = callback;
-    context.debug->userParam = userParam;
+    const Context& context = currentContext();
+    DebugState* debug = kept(context);
+    if (!debug || (context.gate && context.gate->blocks(function)))
+        return false;
+    debug->callback = callback;
+    debug->userParam = userParam;
+    return true;
 }
 
 /// The driver looks at the arguments: it is told to let through what it lets through already, and raises what
@@ -148,23 +149,6 @@ bool getPointer(GLenum pname, void** params)
     return true;
 }
 
-/// Answers a query of what the layer keeps. False where the driver is to answer.
-template <typename Value> bool answer(GLenum pname, Value* data)
-{
-    DebugState* debug = kept(currentContext());
-    if (!debug || !data)
-        return false;
-    if (const bool* state = switchOf(*debug, pname))
-        *data = static_cast<Value>(*state ? 1 : 0);
-    else if (pname == gl::debugLoggedMessages)
-        *data = static_cast<Value>(debug->logSize());
-    else if (pname == gl::debugNextLoggedMessageLength)
-        *data = static_cast<Value>(debug->nextLength());
-    else
-        return false;
-    return true;
-}
-
 } // namespace
 
 void glEnable(GLenum cap)
@@ -189,33 +173,6 @@ GLboolean glIsEnabled(GLenum cap)
     return state ? GLboolean{*state} : generated::glIsEnabled(cap);
 }
 
-void glGetBooleanv(GLenum pname, GLboolean* data)
-{
-    bool value = false;
-    if (answer(pname, &value))
-        *data = value;
-    else
-        generated::glGetBooleanv(pname, data);
-}
-
-void glGetFloatv(GLenum pname, GLfloat* data)
-{
-    if (!answer(pname, data))
-        generated::glGetFloatv(pname, data);
-}
-
-void glGetIntegerv(GLenum pname, GLint* data)
-{
-    if (!answer(pname, data))
-        generated::glGetIntegerv(pname, data);
-}
-
-void glGetInteger64v(GLenum pname, GLint64* data)
-{
-    if (!answer(pname, data))
-        generated::glGetInteger64v(pname, data);
-}
-
 void glGetPointerv(GLenum pname, void** params)
 {
     if (!getPointer(pname, params))
@@ -230,19 +187,13 @@ void glGetPointervKHR(GLenum pname, void** params)
 
 void glDebugMessageCallback(GLDEBUGPROC callback, const void* userParam)
 {
-    Context& context = currentContext();
-    if (kept(context))
-        setCallback(context, callback, userParam);
-    else
+    if (!setCallback(Fn::glDebugMessageCallback, callback, userParam))
         generated::glDebugMessageCallback(callback, userParam);
 }
 
 void glDebugMessageCallbackKHR(GLDEBUGPROCKHR callback, const void* userParam)
 {
-    Context& context = currentContext();
-    if (kept(context))
-        setCallback(context, callback, userParam);
-    else
+    if (!setCallback(Fn::glDebugMessageCallbackKHR, callback, userParam))
         generated::glDebugMessageCallbackKHR(callback, userParam);
 }
 

@@ -101,6 +101,25 @@ void DebugState::popGroup()
         m_groups.pop_back();
 }
 
+bool* DebugState::switchOf(GLenum capability)
+{
+    if (capability == gl::debugOutput)
+        return &output;
+    return capability == gl::debugOutputSynchronous ? &synchronous : nullptr;
+}
+
+std::optional<std::int64_t> DebugState::state(GLenum name)
+{
+    if (const bool* isOn = switchOf(name))
+        return *isOn ? 1 : 0;
+    if (name == gl::debugLoggedMessages)
+        return static_cast<std::int64_t>(m_log.size());
+    // Of the oldest message with its NUL.
+    if (name == gl::debugNextLoggedMessageLength)
+        return m_log.empty() ? 0 : static_cast<std::int64_t>(m_log.front().text.size()) + 1;
+    return std::nullopt;
+}
+
 GLuint DebugState::takeLog(GLuint count, GLsizei bufferSize, GLenum* sources, GLenum* types, GLuint* ids,
     GLenum* severities, GLsizei* lengths, GLchar* log)
 {

@@ -2,7 +2,9 @@
 
 #include "GlTypes.h"
 
+#include <cstdint>
 #include <deque>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,9 +42,10 @@ public:
     /// As glGetDebugMessageLog() with arguments that are valid: how many messages were taken out.
     GLuint takeLog(GLuint count, GLsizei bufferSize, GLenum* sources, GLenum* types, GLuint* ids,
         GLenum* severities, GLsizei* lengths, GLchar* log);
-    std::size_t logSize() const { return m_log.size(); }
-    /// Bytes of the oldest message with its NUL; 0 without one.
-    std::size_t nextLength() const { return m_log.empty() ? 0 : m_log.front().text.size() + 1; }
+    /// The switch of a capability of debug output; null for another capability.
+    bool* switchOf(GLenum capability);
+    /// The answer to a query of debug output; nothing for one of something else.
+    std::optional<std::int64_t> state(GLenum name);
 
 private:
     struct Rule {

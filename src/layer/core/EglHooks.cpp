@@ -2,6 +2,8 @@
 #include "Checks.h"
 #include "Context.h"
 #include "ContextStart.h"
+#include "DeviceConfigs.h"
+#include "DeviceContexts.h"
 #include "Probe.h"
 #include "Process.h"
 #include "WrapperParts.h"
@@ -73,8 +75,10 @@ void beforeFrame()
 EGLBoolean eglInitialize(EGLDisplay display, EGLint* major, EGLint* minor)
 {
     const EGLBoolean initialized = generated::eglInitialize(display, major, minor);
-    if (initialized)
+    if (initialized) {
+        refreshConfigs(display);
         sendReport(hostOf(display), display);
+    }
     return initialized;
 }
 
@@ -82,9 +86,21 @@ EGLContext eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext sha
 {
     Host& host = hostOf(display);
     const bool isEs = host.function<EGLenum (*)()>(Fn::eglQueryAPI)() == EGL_OPENGL_ES_API;
-    const Request request = readRequest(attributes, isEs && options().errors && writer());
-    const EGLContext made = host.function<decltype(&::eglCreateContext)>(Fn::eglCreateContext)(
-        display, config, share, attributes ? request.attributes.data() : nullptr);
+    Request request = readRequest(attributes, isEs && options().errors && writer());
+    const DeviceContext wanted = deviceContext(display, config, isEs, request.major * 10 + request.minor);
+    if (wanted.error != EGL_SUCCESS) {
+        refuseEgl(Fn::eglCreateContext,
+            {argument(display), argument(config), argument(share), argument(attributes)}, wanted.error,
+            wanted.why);
+        return EGL_NO_CONTEXT;
+    }
+    const auto create = host.function<decltype(&::eglCreateContext)>(Fn::eglCreateContext);
+    EGLContext made = EGL_NO_CONTEXT;
+    if (wanted.api)
+        made = createForDevice(host, *wanted.api, request.attributes,
+            [&](const EGLint* list) { return create(display, hostConfig(config), share, list); });
+    else
+        made = create(display, config, share, attributes ? request.attributes.data() : nullptr);
     checkEgl(host, Fn::eglCreateContext,
         {argument(display), argument(config), argument(share), argument(attributes)});
     if (made == EGL_NO_CONTEXT)
@@ -92,7 +108,11 @@ EGLContext eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext sha
     Context& context = contexts::add(display, made);
     context.isEs = isEs;
     context.isDebug = request.isDebug;
-    context.requestedVersion = request.major * 10 + request.minor;
+    context.requestedVersion = wanted.api ? wanted.api->version : request.major * 10 + request.minor;
+    context.api = wanted.api;
+    context.configId = wanted.configId;
+    if (const Context* shared = contexts::find(display, share))
+        context.shareGroup = shared->shareGroup;
     return made;
 }
 

@@ -56,6 +56,9 @@ struct _cl_event;
 namespace layer::gl {
 
 inline constexpr GLenum none = 0;
+inline constexpr GLenum invalidEnum = 0x0500;
+inline constexpr GLenum invalidValue = 0x0501;
+inline constexpr GLenum invalidOperation = 0x0502;
 
 inline constexpr GLenum vendor = 0x1F00;
 inline constexpr GLenum renderer = 0x1F01;
@@ -63,6 +66,45 @@ inline constexpr GLenum version = 0x1F02;
 inline constexpr GLenum extensions = 0x1F03;
 inline constexpr GLenum numExtensions = 0x821D;
 inline constexpr GLenum shadingLanguageVersion = 0x8B8C;
+inline constexpr GLenum majorVersion = 0x821B;
+inline constexpr GLenum minorVersion = 0x821C;
+
+inline constexpr GLenum maxTextureSize = 0x0D33;
+inline constexpr GLenum maxViewportDims = 0x0D3A;
+inline constexpr GLenum max3DTextureSize = 0x8073;
+inline constexpr GLenum maxCubeMapTextureSize = 0x851C;
+inline constexpr GLenum maxArrayTextureLayers = 0x88FF;
+inline constexpr GLenum numCompressedTextureFormats = 0x86A2;
+inline constexpr GLenum compressedTextureFormats = 0x86A3;
+inline constexpr GLenum numProgramBinaryFormats = 0x87FE;
+inline constexpr GLenum programBinaryFormats = 0x87FF;
+inline constexpr GLenum shaderBinaryFormats = 0x8DF8;
+inline constexpr GLenum numShaderBinaryFormats = 0x8DF9;
+inline constexpr GLenum maxComputeWorkGroupCount = 0x91BE;
+inline constexpr GLenum maxComputeWorkGroupSize = 0x91BF;
+inline constexpr GLenum fragmentShader = 0x8B30;
+inline constexpr GLenum vertexShader = 0x8B31;
+inline constexpr GLenum computeShader = 0x91B9;
+inline constexpr GLenum shaderType = 0x8B4F;
+inline constexpr GLenum linkStatus = 0x8B82;
+inline constexpr GLenum infoLogLength = 0x8B84;
+inline constexpr GLenum shaderSourceLength = 0x8B88;
+inline constexpr GLenum sampleBuffers = 0x80A8;
+inline constexpr GLenum samples = 0x80A9;
+inline constexpr GLenum numSampleCounts = 0x9380;
+inline constexpr GLenum implementationColorReadType = 0x8B9A;
+inline constexpr GLenum implementationColorReadFormat = 0x8B9B;
+inline constexpr GLenum framebufferBinding = 0x8CA6;
+inline constexpr GLenum readFramebufferBinding = 0x8CAA;
+inline constexpr GLenum renderbuffer = 0x8D41;
+inline constexpr GLenum texture2DMultisample = 0x9100;
+inline constexpr GLenum texture3D = 0x806F;
+inline constexpr GLenum texture0 = 0x84C0;
+inline constexpr GLenum textureCubeMap = 0x8513;
+inline constexpr GLenum textureCubeMapPositiveX = 0x8515;
+inline constexpr GLenum texture2DArray = 0x8C1A;
+inline constexpr GLenum textureCubeMapArray = 0x9009;
+inline constexpr GLenum texture2DMultisampleArray = 0x9102;
 
 inline constexpr GLenum debugOutputSynchronous = 0x8242;
 inline constexpr GLenum debugNextLoggedMessageLength = 0x8243;
@@ -73,6 +115,7 @@ inline constexpr GLenum debugOutput = 0x92E0;
 inline constexpr GLenum dontCare = 0x1100;
 
 inline constexpr GLenum debugSourceApi = 0x8246;
+inline constexpr GLenum debugSourceShaderCompiler = 0x8248;
 inline constexpr GLenum debugSourceThirdParty = 0x8249;
 inline constexpr GLenum debugSourceApplication = 0x824A;
 inline constexpr GLenum debugTypeError = 0x824C;

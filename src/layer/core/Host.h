@@ -4,6 +4,7 @@
 
 #include <array>
 #include <atomic>
+#include <cstdint>
 #include <string_view>
 
 namespace layer {
@@ -13,6 +14,9 @@ struct FunctionRow {
     const char* name;
     void* wrapper;
     const char* parameters; ///< For each a letter for its kind, its name and a blank; see make-layer.
+    std::uint32_t enumerants; ///< A bit for each parameter that is one.
+    std::uint16_t firstLimit; ///< Its rows in limited_functions.txt.
+    std::uint16_t limitCount;
 };
 
 /// The row of a function; rows are in the order of Fn, that is of their names.

@@ -1,7 +1,9 @@
 #include "Probe.h"
 
+#include "Device.h"
 #include "ExtensionCatalogue.h"
 #include "GlTypes.h"
+#include "ProbeContext.h"
 #include "Process.h"
 #include "Records.h"
 #include "TextBuffer.h"
@@ -17,99 +19,6 @@
 namespace layer {
 
 namespace {
-
-/// Puts the thread back as it was: what is current, and the API that is bound.
-class ThreadState {
-public:
-    explicit ThreadState(Host& host)
-        : m_host(host)
-        , m_api(host.function<EGLenum (*)()>(Fn::eglQueryAPI)())
-        , m_display(host.function<EGLDisplay (*)()>(Fn::eglGetCurrentDisplay)())
-        , m_context(host.function<EGLContext (*)()>(Fn::eglGetCurrentContext)())
-        , m_draw(host.function<EGLSurface (*)(EGLint)>(Fn::eglGetCurrentSurface)(EGL_DRAW))
-        , m_read(host.function<EGLSurface (*)(EGLint)>(Fn::eglGetCurrentSurface)(EGL_READ))
-    {
-    }
-    void restore(EGLDisplay probed)
-    {
-        const auto makeCurrent = m_host.function<decltype(&::eglMakeCurrent)>(Fn::eglMakeCurrent);
-        if (m_context != EGL_NO_CONTEXT)
-            makeCurrent(m_display, m_draw, m_read, m_context);
-        else
-            makeCurrent(probed, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
-        m_host.function<EGLBoolean (*)(EGLenum)>(Fn::eglBindAPI)(m_api);
-        m_host.function<EGLint (*)()>(Fn::eglGetError)();
-    }
-
-private:
-    Host& m_host;
-    EGLenum m_api;
-    EGLDisplay m_display;
-    EGLContext m_context;
-    EGLSurface m_draw;
-    EGLSurface m_read;
-};
-
-/// A context of the layer's own, current while this lives.
-class ProbeContext {
-public:
-    ProbeContext(Host& host, EGLDisplay display, EGLenum api, EGLint renderable, const EGLint* attributes)
-        : m_host(host)
-        , m_display(display)
-        , m_before(host)
-    {
-        const EGLint wanted[] = {EGL_RENDERABLE_TYPE, renderable, EGL_SURFACE_TYPE, 0, EGL_NONE};
-        EGLConfig config = nullptr;
-        EGLint count = 0;
-        host.function<EGLBoolean (*)(EGLenum)>(Fn::eglBindAPI)(api);
-        host.function<decltype(&::eglChooseConfig)>(Fn::eglChooseConfig)(display, wanted, &config, 1, &count);
-        if (count < 1)
-            return;
-        m_context = host.function<decltype(&::eglCreateContext)>(Fn::eglCreateContext)(
-            display, config, EGL_NO_CONTEXT, attributes);
-        if (m_context == EGL_NO_CONTEXT)
-            return;
-        const auto makeCurrent = host.function<decltype(&::eglMakeCurrent)>(Fn::eglMakeCurrent);
-        m_isCurrent = makeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, m_context) == EGL_TRUE;
-    }
-    ~ProbeContext()
-    {
-        m_before.restore(m_display);
-        if (m_context != EGL_NO_CONTEXT)
-            m_host.function<EGLBoolean (*)(EGLDisplay, EGLContext)>(Fn::eglDestroyContext)(
-                m_display, m_context);
-        m_host.function<EGLint (*)()>(Fn::eglGetError)();
-    }
-    ProbeContext(const ProbeContext&) = delete;
-    ProbeContext& operator=(const ProbeContext&) = delete;
-
-    bool isCurrent() const { return m_isCurrent; }
-
-    std::string string(GLenum name) const
-    {
-        const auto* text = m_host.function<const GLubyte* (*)(GLenum)>(Fn::glGetString)(name);
-        return text ? reinterpret_cast<const char*>(text) : "";
-    }
-    GLint integer(GLenum name) const
-    {
-        GLint value = 0;
-        m_host.function<void (*)(GLenum, GLint*)>(Fn::glGetIntegerv)(name, &value);
-        return value;
-    }
-    std::string extension(GLuint index) const
-    {
-        const auto* text =
-            m_host.function<const GLubyte* (*)(GLenum, GLuint)>(Fn::glGetStringi)(gl::extensions, index);
-        return text ? reinterpret_cast<const char*>(text) : "";
-    }
-
-private:
-    Host& m_host;
-    EGLDisplay m_display;
-    ThreadState m_before;
-    EGLContext m_context = EGL_NO_CONTEXT;
-    bool m_isCurrent = false;
-};
 
 std::uint32_t codeOf(std::string_view version, const char* (*name)(std::uint32_t), std::uint32_t count)
 {
@@ -217,6 +126,8 @@ void sendReport(Host& host, EGLDisplay display)
     static std::atomic_flag sent = ATOMIC_FLAG_INIT;
     if (!writer() || !isFirst(sent))
         return;
+    if (const device::Table* device = emulatedDevice())
+        records::information(deviceNotice(*device));
     const HostFacts& facts = hostFacts(host, display);
     records::reportNumber(static_cast<std::uint32_t>(facts.glExtensions.size()));
     for (std::uint32_t code = 1; code <= catalogue::hostExtensionCount; ++code)
@@ -224,6 +135,8 @@ void sendReport(Host& host, EGLDisplay display)
     records::reportText("Desktop OpenGL", facts.glVersion != 0);
     reportEs(host, display);
     reportEgl(host, display);
+    if (const device::Table* device = emulatedDevice())
+        records::reportOtherKeyedText(3, deviceNotice(*device));
     if (!facts.glVersionText.empty())
         records::reportOtherKeyedText(1, "OpenGL " + facts.glVersionText);
     reportSystem();

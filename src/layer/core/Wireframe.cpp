@@ -32,14 +32,14 @@ void tellOnce(Context& context, std::string_view reason)
 GLint integer(const Context& context, GLenum name)
 {
     GLint value = 0;
-    context.function<void (*)(GLenum, GLint*)>(Fn::glGetIntegerv)(name, &value);
+    context.host->function<void (*)(GLenum, GLint*)>(Fn::glGetIntegerv)(name, &value);
     return value;
 }
 
 bool isEnabled(const Context& context, GLenum capability)
 {
     return context.esVersion >= 30
-        && context.function<GLboolean (*)(GLenum)>(Fn::glIsEnabled)(capability) != 0;
+        && context.host->function<GLboolean (*)(GLenum)>(Fn::glIsEnabled)(capability) != 0;
 }
 
 /// Reads bytes of the buffer that is bound to a target; nothing where it cannot be read.
@@ -48,17 +48,18 @@ std::optional<std::vector<char>> readBuffer(
 {
     const auto parameter = [&](GLenum name) {
         GLint value = 0;
-        context.function<void (*)(GLenum, GLenum, GLint*)>(Fn::glGetBufferParameteriv)(target, name, &value);
+        context.host->function<void (*)(GLenum, GLenum, GLint*)>(Fn::glGetBufferParameteriv)(
+            target, name, &value);
         return value;
     };
     const auto whole = static_cast<std::uintptr_t>(parameter(gl::bufferSize));
     if (parameter(gl::bufferMapped) != 0 || from > whole || size > whole - from)
         return std::nullopt;
     const bool isCore = context.esVersion >= 30;
-    const auto map = context.function<void* (*)(GLenum, GLintptr, GLsizeiptr, GLbitfield)>(
+    const auto map = context.host->function<void* (*)(GLenum, GLintptr, GLsizeiptr, GLbitfield)>(
         isCore ? Fn::glMapBufferRange : Fn::glMapBufferRangeEXT);
     const auto unmap =
-        context.function<GLboolean (*)(GLenum)>(isCore ? Fn::glUnmapBuffer : Fn::glUnmapBufferOES);
+        context.host->function<GLboolean (*)(GLenum)>(isCore ? Fn::glUnmapBuffer : Fn::glUnmapBufferOES);
     const void* mapped =
         map(target, static_cast<GLintptr>(from), static_cast<GLsizeiptr>(size), gl::mapReadBit);
     if (!mapped)
@@ -124,9 +125,9 @@ public:
         , m_before(integer(context, gl::elementArrayBufferBinding))
     {
         if (context.lineIndices == 0)
-            context.function<void (*)(GLsizei, GLuint*)>(Fn::glGenBuffers)(1, &context.lineIndices);
+            context.host->function<void (*)(GLsizei, GLuint*)>(Fn::glGenBuffers)(1, &context.lineIndices);
         bind(context.lineIndices);
-        context.function<void (*)(GLenum, GLsizeiptr, const void*, GLenum)>(Fn::glBufferData)(
+        context.host->function<void (*)(GLenum, GLsizeiptr, const void*, GLenum)>(Fn::glBufferData)(
             gl::elementArrayBuffer, static_cast<GLsizeiptr>(lines.size() * sizeof lines.front()),
             lines.data(), gl::streamDraw);
     }
@@ -137,7 +138,7 @@ public:
 private:
     void bind(GLuint buffer)
     {
-        m_context.function<void (*)(GLenum, GLuint)>(Fn::glBindBuffer)(gl::elementArrayBuffer, buffer);
+        m_context.host->function<void (*)(GLenum, GLuint)>(Fn::glBindBuffer)(gl::elementArrayBuffer, buffer);
     }
 
     Context& m_context;
@@ -147,24 +148,20 @@ private:
 void drawLines(const Context& context, GLsizei count, const Draw& draw)
 {
     if (draw.baseInstance != 0)
-        context.function<void (*)(GLenum, GLsizei, GLenum, const void*, GLsizei, GLuint)>(
+        context.host->function<void (*)(GLenum, GLsizei, GLenum, const void*, GLsizei, GLuint)>(
             Fn::glDrawElementsInstancedBaseInstanceEXT)(
             gl::lines, count, gl::unsignedInt, nullptr, draw.instances, draw.baseInstance);
     else if (draw.instances != 1)
-        context.function<void (*)(GLenum, GLsizei, GLenum, const void*, GLsizei)>(context.esVersion >= 30
-                ? Fn::glDrawElementsInstanced
-                : Fn::glDrawElementsInstancedEXT)(gl::lines, count, gl::unsignedInt, nullptr, draw.instances);
+        context.host->function<void (*)(GLenum, GLsizei, GLenum, const void*, GLsizei)>(
+            context.esVersion >= 30 ? Fn::glDrawElementsInstanced : Fn::glDrawElementsInstancedEXT)(
+            gl::lines, count, gl::unsignedInt, nullptr, draw.instances);
     else
-        context.function<void (*)(GLenum, GLsizei, GLenum, const void*)>(Fn::glDrawElements)(
+        context.host->function<void (*)(GLenum, GLsizei, GLenum, const void*)>(Fn::glDrawElements)(
             gl::lines, count, gl::unsignedInt, nullptr);
 }
 
-/// Whether it is a mode whose edges are known. That patches have none is told.
-bool hasEdges(Context& context, GLenum mode)
+bool isTriangles(GLenum mode)
 {
-    constexpr GLenum patches = 0x000E;
-    if (mode == patches)
-        tellOnce(context, "tessellated patches cannot be turned into lines");
     return mode == gl::triangles || mode == gl::triangleStrip || mode == gl::triangleFan;
 }
 
@@ -203,7 +200,10 @@ bool wantsLines(const Context& context)
 
 bool drawAsLines(Context& context, const Draw& draw)
 {
-    if (!hasEdges(context, draw.mode) || draw.count < 3 || draw.instances < 1)
+    constexpr GLenum patches = 0x000E;
+    if (draw.mode == patches)
+        tellOnce(context, "tessellated patches cannot be turned into lines");
+    if (!isTriangles(draw.mode) || draw.count < 3 || draw.instances < 1)
         return false;
     if (draw.count > vertexLimit) {
         tellOnce(context, "it has more than four million vertices");
@@ -235,7 +235,7 @@ bool drawAsLines(Context& context, const Draw& draw)
 
 bool drawIndirectAsLines(Context& context, GLenum mode, GLenum indexType, const void* indirect)
 {
-    if (!hasEdges(context, mode))
+    if (!isTriangles(mode))
         return false;
     // Arrays: count, instances, first, base instance; elements: count, instances, first index, base vertex,
     // base instance.

@@ -4,6 +4,8 @@
 #include "Argument.h"
 #include "Checks.h"
 #include "Context.h"
+#include "DeviceConfigs.h"
+#include "DeviceGate.h"
 #include "Host.h"
 
 namespace layer {

@@ -1,5 +1,6 @@
 // The entry of an EGL vendor library, as glvnd's libEGL calls it (glvnd/libeglabi.h). It loads the machine's
 // own vendor libraries and hands on what they offer, with the layer's wrappers in place of their functions.
+#include "Device.h"
 #include "Host.h"
 #include "Process.h"
 
@@ -67,6 +68,8 @@ EGLDisplay getPlatformDisplay(EGLenum platform, void* native, const EGLAttrib* a
 
 EGLBoolean getSupportsApi(EGLenum api)
 {
+    if (api != EGL_OPENGL_ES_API && layer::emulatedDevice())
+        return EGL_FALSE;
     for (std::size_t i = 0; i < vendorCount; ++i) {
         if (vendors[i].imports.getSupportsAPI(api))
             return EGL_TRUE;

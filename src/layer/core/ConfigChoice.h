@@ -1,0 +1,21 @@
+#pragma once
+
+#include "DeviceTable.h"
+#include "GlTypes.h"
+
+#include <optional>
+#include <vector>
+
+namespace layer {
+
+/// The configs that a list of attributes asks for, as eglChooseConfig() chooses and sorts them: their places
+/// among all. The list ends with EGL_NONE and may be null. Nothing for an attribute that there is not. Each
+/// config has every attribute of EGL.
+std::optional<std::vector<std::size_t>> chooseConfigs(
+    const std::vector<device::Config>& configs, const EGLint* attributes);
+
+/// How badly a config of the host stands in for one of a device; 0 where it does so in everything that shows.
+/// What surfaces the host has at all is a mask of EGL_SURFACE_TYPE.
+int standInCost(const device::Config& wanted, const device::Config& host, EGLint hostSurfaces);
+
+} // namespace layer

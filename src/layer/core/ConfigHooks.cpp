@@ -1,0 +1,130 @@
+// The functions of EGL by which a program learns what there is: a device answers for its configs and strings.
+#include "Checks.h"
+#include "Context.h"
+#include "Device.h"
+#include "DeviceConfigs.h"
+
+#include <algorithm>
+
+namespace layer::hooks {
+
+namespace {
+
+/// The configs of the device, where the display is one that the host takes; else the host raises the error.
+DeviceConfigs* configsOf(EGLDisplay display)
+{
+    if (!emulatedDevice())
+        return nullptr;
+    Host& host = hostOf(display);
+    EGLint count = 0;
+    const bool isReady =
+        host.function<decltype(&::eglGetConfigs)>(Fn::eglGetConfigs)(display, nullptr, 0, &count) == EGL_TRUE;
+    host.function<EGLint (*)()>(Fn::eglGetError)();
+    return isReady ? deviceConfigs(display) : nullptr;
+}
+
+/// Writes handles as EGL's functions do: the number of all where there is no place for them.
+void put(const DeviceConfigs& configs, const std::vector<std::size_t>& chosen, EGLConfig* handles,
+    EGLint size, EGLint* count)
+{
+    *count = static_cast<EGLint>(chosen.size());
+    if (!handles)
+        return;
+    *count = std::clamp(size, 0, *count);
+    for (std::size_t i = 0; i < static_cast<std::size_t>(*count); ++i)
+        handles[i] = configs.handleAt(chosen[i]);
+}
+
+} // namespace
+
+EGLBoolean eglGetConfigs(EGLDisplay display, EGLConfig* handles, EGLint size, EGLint* count)
+{
+    const DeviceConfigs* configs = count ? configsOf(display) : nullptr;
+    if (!configs)
+        return generated::eglGetConfigs(display, handles, size, count);
+    std::vector<std::size_t> all(configs->size());
+    for (std::size_t i = 0; i < all.size(); ++i)
+        all[i] = i;
+    put(*configs, all, handles, size, count);
+    setEglError(EGL_SUCCESS);
+    return EGL_TRUE;
+}
+
+EGLBoolean eglChooseConfig(
+    EGLDisplay display, const EGLint* attributes, EGLConfig* handles, EGLint size, EGLint* count)
+{
+    const DeviceConfigs* configs = count ? configsOf(display) : nullptr;
+    if (!configs)
+        return generated::eglChooseConfig(display, attributes, handles, size, count);
+    const std::optional<std::vector<std::size_t>> chosen = chooseConfigs(configs->attributes(), attributes);
+    if (!chosen) {
+        refuseEgl(Fn::eglChooseConfig,
+            {argument(display), argument(attributes), argument(handles), argument(size), argument(count)},
+            EGL_BAD_ATTRIBUTE, "the list has an attribute that configs do not have");
+        return EGL_FALSE;
+    }
+    put(*configs, *chosen, handles, size, count);
+    setEglError(EGL_SUCCESS);
+    return EGL_TRUE;
+}
+
+EGLBoolean eglGetConfigAttrib(EGLDisplay display, EGLConfig handle, EGLint attribute, EGLint* value)
+{
+    const DeviceConfigs* configs = value ? configsOf(display) : nullptr;
+    const std::optional<std::size_t> index = configs ? configs->indexOf(handle) : std::nullopt;
+    if (!index)
+        return generated::eglGetConfigAttrib(display, handle, attribute, value);
+    const device::Config& config = configs->configAt(*index);
+    const auto found = config.find(attribute);
+    if (found == config.end())
+        return generated::eglGetConfigAttrib(display, handle, attribute, value);
+    *value = found->second;
+    setEglError(EGL_SUCCESS);
+    return EGL_TRUE;
+}
+
+EGLBoolean eglQueryContext(EGLDisplay display, EGLContext handle, EGLint attribute, EGLint* value)
+{
+    const EGLBoolean done = generated::eglQueryContext(display, handle, attribute, value);
+    const Context* context = done ? contexts::find(display, handle) : nullptr;
+    if (!context || !context->api)
+        return done;
+    if (attribute == EGL_CONFIG_ID && context->configId)
+        *value = *context->configId;
+    else if (attribute == EGL_CONTEXT_CLIENT_VERSION)
+        *value = context->api->version / 10;
+    else if (attribute == EGL_CONTEXT_MINOR_VERSION)
+        *value = context->api->version % 10;
+    return done;
+}
+
+EGLBoolean eglQuerySurface(EGLDisplay display, EGLSurface surface, EGLint attribute, EGLint* value)
+{
+    const EGLBoolean done = generated::eglQuerySurface(display, surface, attribute, value);
+    if (done && attribute == EGL_CONFIG_ID && emulatedDevice())
+        *value = surfaceConfigId(display, surface).value_or(*value);
+    return done;
+}
+
+const char* eglQueryString(EGLDisplay display, EGLint name)
+{
+    const char* text = generated::eglQueryString(display, name);
+    const device::Table* table = text && display != EGL_NO_DISPLAY ? emulatedDevice() : nullptr;
+    if (!table)
+        return text;
+    const auto found = table->eglTexts.find(name);
+    if (found != table->eglTexts.end())
+        return found->second.c_str();
+    return name == EGL_CLIENT_APIS ? "OpenGL_ES" : text;
+}
+
+EGLBoolean eglBindAPI(EGLenum api)
+{
+    if (api == EGL_OPENGL_ES_API || !emulatedDevice())
+        return generated::eglBindAPI(api);
+    refuseEgl(Fn::eglBindAPI, {argument(api)}, EGL_BAD_PARAMETER,
+        emulatedDevice()->name + " has OpenGL ES and no other API");
+    return EGL_FALSE;
+}
+
+} // namespace layer::hooks

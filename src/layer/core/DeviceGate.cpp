@@ -1,0 +1,200 @@
+#include "DeviceGate.h"
+
+#include "CallText.h"
+#include "Checks.h"
+#include "GlEnumerants.h"
+
+#include <algorithm>
+#include <bit>
+#include <map>
+#include <mutex>
+#include <string_view>
+
+namespace layer {
+
+namespace {
+
+constexpr LimitRow limitRows[] = {
+#include "LayerLimits.inc"
+};
+
+/// Stands in for the functions that a device lacks. The wrapper that called it asks checkGl() then.
+std::uint64_t refuseCall()
+{
+    Context& context = currentContext();
+    context.refusedCall = true;
+    context.mustCheck = true;
+    return 0;
+}
+
+void* refusing()
+{
+    return reinterpret_cast<void*>(&refuseCall);
+}
+
+std::vector<GLint> hostCompressedFormats(Host& host)
+{
+    const auto get = host.function<void (*)(GLenum, GLint*)>(Fn::glGetIntegerv);
+    GLint count = 0;
+    get(gl::numCompressedTextureFormats, &count);
+    std::vector<GLint> formats(static_cast<std::size_t>(std::clamp(count, 0, 4096)));
+    if (!formats.empty())
+        get(gl::compressedTextureFormats, formats.data());
+    return formats;
+}
+
+bool isListed(const device::Api& api, GLenum capability, GLenum value)
+{
+    const auto list = api.capabilities.find(capability);
+    return list != api.capabilities.end()
+        && std::ranges::any_of(list->second, [=](const device::Number& number) {
+               return convert<std::int64_t>(number) == std::int64_t{value};
+           });
+}
+
+/// Of the device's maker, of whose extensions the registry knows nothing.
+bool isOfMaker(GLenum enumerant)
+{
+    return std::string_view(::gl::enumerantName(static_cast<std::int32_t>(enumerant))).ends_with("_BWD");
+}
+
+} // namespace
+
+const LimitRow& limitRow(std::size_t index)
+{
+    return limitRows[index];
+}
+
+DeviceGate::DeviceGate(Host& host, const device::Table& table, const device::Api& api)
+    : m_table(table)
+    , m_api(api)
+    , m_availability(api.version, api.extensions)
+    , m_strings(table, api)
+{
+    for (const LimitRow& row : limitRows)
+        m_limits.push_back(capability(api, row.limit));
+    for (const GLint format : hostCompressedFormats(host))
+        m_hostCompressed.insert(static_cast<GLenum>(format));
+    blockFunctions();
+    blockEnumerants();
+}
+
+void DeviceGate::blockFunctions()
+{
+    for (std::size_t i = 0; i < functionCount; ++i) {
+        const auto function = static_cast<Fn>(i);
+        const bool isEgl = std::string_view(rowOf(function).name).starts_with("egl");
+        if (!isEgl && !m_availability.has(function))
+            m_functions[i] = refusing();
+    }
+}
+
+void DeviceGate::blockEnumerants()
+{
+    const bool hasMaker = std::ranges::any_of(
+        m_api.extensions, [](const std::string& name) { return name.starts_with("GL_BWD_"); });
+    for (const GLenum missing : m_availability.missingEnumerants()) {
+        if (missing < enumerantLimit && !(hasMaker && isOfMaker(missing)))
+            m_blocked[missing / 64] |= std::uint64_t{1} << (missing % 64);
+    }
+    // What the device tells of itself, it has.
+    for (const auto& [name, values] : m_api.capabilities) {
+        if (name >= enumerantLimit)
+            continue;
+        unblock(name);
+        if (name != gl::compressedTextureFormats && name != gl::shaderBinaryFormats)
+            continue;
+        for (const device::Number& value : values)
+            unblock(static_cast<GLenum>(std::clamp<std::int64_t>(convert<std::int64_t>(value), 0, 0xFFFF)));
+    }
+    for (const auto& [format, counts] : m_api.sampleCounts) {
+        if (format < enumerantLimit)
+            unblock(format);
+    }
+}
+
+bool DeviceGate::blocks(Fn function) const
+{
+    return m_functions[static_cast<std::size_t>(function)].load(std::memory_order_relaxed) == refusing();
+}
+
+bool DeviceGate::hasCompressed(GLenum format) const
+{
+    // OpenGL ES 3.0 has these ten without saying so.
+    const bool isCore = m_api.version >= 30 && format >= 0x9270 && format <= 0x9279;
+    return isCore || !m_api.capabilities.contains(gl::compressedTextureFormats)
+        || isListed(m_api, gl::compressedTextureFormats, format);
+}
+
+bool DeviceGate::isCompressed(GLenum format) const
+{
+    return hostHasCompressed(format) || isListed(m_api, gl::compressedTextureFormats, format);
+}
+
+DeviceGate& gateOf(Host& host, const device::Table& table, const device::Api& api)
+{
+    static auto* const mutex = new std::mutex;
+    static auto* const gates =
+        new std::map<std::pair<Host*, const device::Api*>, std::unique_ptr<DeviceGate>>;
+    const std::scoped_lock lock(*mutex);
+    std::unique_ptr<DeviceGate>& gate = (*gates)[{&host, &api}];
+    if (!gate)
+        gate = std::make_unique<DeviceGate>(host, table, api);
+    return *gate;
+}
+
+namespace {
+
+/// Whether an enumerant stands in a parameter that is a signed number, as in glTexImage2D().
+bool isSignedParameter(const FunctionRow& row, std::size_t place)
+{
+    std::string_view rest = row.parameters;
+    for (; place > 0; --place)
+        rest.remove_prefix(rest.find(' ') + 1);
+    return rest.starts_with('n');
+}
+
+void refuseEnumerant(
+    Context& context, Fn function, std::initializer_list<Argument> arguments, GLenum enumerant, bool isSigned)
+{
+    const DeviceGate& gate = *context.gate;
+    const char* name = ::gl::enumerantName(static_cast<std::int32_t>(enumerant));
+    CallText why;
+    if (*name)
+        why << name;
+    else
+        why.hexadecimal(enumerant);
+    why << " is not available on " << gate.table().name << ": " << gate.availability().needOf(enumerant);
+    refuseGl(context, function, arguments, isSigned ? gl::invalidValue : gl::invalidEnum, why.text());
+}
+
+} // namespace
+
+bool refuses(Context& context, Fn function, std::initializer_list<Argument> arguments)
+{
+    const FunctionRow& row = rowOf(function);
+    const DeviceGate& gate = *context.gate;
+    const Argument* values = arguments.begin();
+    for (unsigned rest = row.enumerants; rest != 0; rest &= rest - 1) {
+        const auto place = static_cast<std::size_t>(std::countr_zero(rest));
+        const auto enumerant = static_cast<GLenum>(values[place].bits);
+        if (!gate.blocks(enumerant)) [[likely]]
+            continue;
+        if (gate.blocks(function))
+            return false;
+        refuseEnumerant(context, function, arguments, enumerant, isSignedParameter(row, place));
+        return true;
+    }
+    for (std::size_t i = row.firstLimit; i < std::size_t{row.firstLimit} + row.limitCount; ++i) {
+        const Refusal refusal = checkLimit(gate, i, arguments);
+        if (refusal.code == gl::none) [[likely]]
+            continue;
+        if (gate.blocks(function))
+            return false;
+        refuseGl(context, function, arguments, refusal.code, refusal.why);
+        return true;
+    }
+    return false;
+}
+
+} // namespace layer
