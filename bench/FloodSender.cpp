@@ -58,12 +58,24 @@ private:
     std::string m_batch;
 };
 
+void sendErrors(demo::Session& session, std::uint32_t records)
+{
+    session.introduce("errors");
+    for (std::uint32_t i = 0; i < records; ++i) {
+        char text[96];
+        const std::uint32_t cap = firstWrongEnumerant + i;
+        std::snprintf(text, sizeof text, "GL_INVALID_ENUM in glEnable(0x%x)\nglEnable(cap = 0x%x)", cap, cap);
+        session.glError(0x0500, "glEnable", text);
+    }
+}
+
 } // namespace
 
-Senders::Senders(int number, const QString& socketName, int records, int rate)
+Senders::Senders(int number, const QString& socketName, int records, int rate, Content content)
 {
-    const QStringList arguments{
-        QString::fromLatin1(senderOption), socketName, QString::number(records), QString::number(rate)};
+    const QStringList arguments{QString::fromLatin1(senderOption), socketName, QString::number(records),
+        QString::number(rate),
+        content == Content::Errors ? QStringLiteral("errors") : QStringLiteral("mixed")};
     for (int i = 0; i < number; ++i) {
         m_processes.push_back(std::make_unique<QProcess>());
         m_processes.back()->setProcessChannelMode(QProcess::ForwardedChannels);
@@ -90,15 +102,19 @@ bool Senders::haveFailed() const
 
 std::optional<int> runAsSender(int argc, char** argv)
 {
-    if (argc != 5 || std::strcmp(argv[1], senderOption) != 0)
+    if (argc != 6 || std::strcmp(argv[1], senderOption) != 0)
         return std::nullopt;
     try {
         const auto records = static_cast<std::uint32_t>(std::strtoul(argv[3], nullptr, 10));
         const auto rate = static_cast<std::uint32_t>(std::strtoul(argv[4], nullptr, 10));
         BatchedOutput output(demo::connectTo(demo::socketPath(argv[2])), rate == 0);
         demo::Session session(output, {});
-        demo::FloodProgress progress;
-        demo::playFlood(session, records, rate, progress);
+        if (std::strcmp(argv[5], "errors") == 0) {
+            sendErrors(session, records);
+        } else {
+            demo::FloodProgress progress;
+            demo::playFlood(session, records, rate, progress);
+        }
         output.flush();
         // The end of the connection is not what is measured.
         pause();

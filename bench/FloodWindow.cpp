@@ -1,18 +1,15 @@
 #include "FloodWindow.h"
 
-#include "Client.h"
 #include "ClientInterface.h"
 #include "Console.h"
 #include "ErrorListModel.h"
 #include "FloodSender.h"
-#include "MainWindow.h"
-#include "Preferences.h"
+#include "FloodedWindow.h"
 
 #include <QAbstractEventDispatcher>
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
-#include <QLocalServer>
 #include <QMouseEvent>
 #include <QTabBar>
 #include <QTabWidget>
@@ -23,7 +20,6 @@
 #include <atomic>
 #include <ctime>
 #include <functional>
-#include <map>
 #include <memory>
 #include <stdexcept>
 #include <thread>
@@ -38,13 +34,6 @@ namespace offset = ui::messages::offset;
 namespace flood {
 
 namespace {
-
-constexpr qint64 patience = 300'000;
-
-double milliseconds(const QElapsedTimer& timer)
-{
-    return static_cast<double>(timer.nsecsElapsed()) / 1e6;
-}
 
 /// Bytes of memory that this process has in use.
 double residentMemory()
@@ -106,71 +95,6 @@ private:
     QElapsedTimer m_since;
     double m_workBefore = 0;
     Span m_gap;
-};
-
-/// The program's window, and what its clients have sent.
-class Window {
-public:
-    Window()
-        : m_preferences("Bench")
-        , m_window(nullptr, m_preferences)
-    {
-        m_window.resize(900, 640);
-        m_window.show();
-        auto* server = m_window.findChild<QLocalServer*>();
-        if (!server || !server->isListening())
-            throw std::runtime_error("the window does not listen");
-        // Behind the window's own slot, and before anything is read.
-        QObject::connect(server, &QLocalServer::newConnection, &m_window, [this] { watchNewClients(); });
-    }
-
-    /// Waits until so many records have been received.
-    void waitFor(int records, const Senders& senders)
-    {
-        QElapsedTimer waited;
-        waited.start();
-        while (count() < records) {
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-            if (waited.hasExpired(patience) || senders.haveFailed())
-                throw std::runtime_error("the records did not arrive");
-        }
-    }
-
-    int count() const { return m_count; }
-    const std::map<const Client*, int>& clients() const { return m_clients; }
-    ClientInterface& page() const
-    {
-        for (auto* page : m_window.findChildren<ClientInterface*>()) {
-            if (page->client())
-                return *page;
-        }
-        throw std::runtime_error("there is no client");
-    }
-
-    std::function<void(const Message&)> onRecord = [](const Message&) {
-    };
-
-private:
-    void watchNewClients()
-    {
-        for (auto* client : m_window.findChildren<Client*>()) {
-            if (!m_clients.emplace(client, 0).second)
-                continue;
-            QObject::connect(
-                client, &Client::clientMessage, &m_window, [this, client](const Message& record) {
-                    ++m_count;
-                    ++m_clients[client];
-                    onRecord(record);
-                });
-            auto* pages = page().findChild<QTabWidget*>(QStringLiteral("tabWidget"));
-            pages->setCurrentIndex(0);
-        }
-    }
-
-    Preferences m_preferences;
-    MainWindow m_window;
-    std::map<const Client*, int> m_clients;
-    int m_count = 0;
 };
 
 /// Clicks on the tabs of a page from another thread, as a desktop does, and sees when the page is painted.

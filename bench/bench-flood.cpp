@@ -2,8 +2,9 @@
 // again, sends them over the real socket. The same run measures a plain text view that shows one line a
 // record (the baseline) and a loop that only cuts and counts (the ceiling), so that the numbers can be
 // compared on any machine. Options: --short for a run that only sees whether it works, --full for a million
-// records as well.
+// records as well, --layer for the ceiling and what comes through the client layer alone.
 
+#include "FloodLayer.h"
 #include "FloodSender.h"
 #include "FloodSubjects.h"
 #include "FloodWindow.h"
@@ -59,6 +60,13 @@ QString both(const flood::Span& span, int decimals)
     return QStringLiteral("%1 (%2)").arg(span.clock, 0, 'f', decimals).arg(span.work, 0, 'f', decimals);
 }
 
+double printCeiling(int records)
+{
+    const double ceiling = flood::measureCeiling(records);
+    row(QStringLiteral("ceiling: cut and count, records/s"), number(ceiling));
+    return ceiling;
+}
+
 void printFlood(int count, const flood::Result& result, double baseline, double ceiling)
 {
     const QString title = QStringLiteral("window, %1 records: ").arg(count);
@@ -77,12 +85,44 @@ void printFlood(int count, const flood::Result& result, double baseline, double 
         QStringLiteral("<= 96"));
 }
 
+#ifdef CORVALE_RUN
+void printErrors(const QString& title, const flood::ErrorFlood& result, const QString& wanted)
+{
+    row(title + QStringLiteral(": records/s"), number(result.rate), wanted);
+    row(title + QStringLiteral(": lost, twice"),
+        QStringLiteral("%1, %2").arg(result.lost).arg(result.doubled), QStringLiteral("0, 0"));
+    if (result.costOfError > 0)
+        row(title + QStringLiteral(": ns an error takes the program"), number(result.costOfError));
+}
+
+void measureLayer(int errors)
+{
+    printErrors(QStringLiteral("a plain sender's errors"), flood::measurePlainErrors(errors), {});
+    const flood::ErrorFlood layer = flood::measureLayer(errors);
+    if (layer.rate == 0) {
+        row(QStringLiteral("a program through the layer"), QStringLiteral("no OpenGL ES"));
+        return;
+    }
+    printErrors(QStringLiteral("a program through the layer"), layer, QStringLiteral(">= 200000"));
+    printErrors(QStringLiteral("the same with a log"),
+        flood::measureLayer(errors, QDir::tempPath() + QStringLiteral("/log")), {});
+    const flood::ErrorFlood stopped = flood::measureLayer(errors, {}, true);
+    row(QStringLiteral("a stopped window: ms of the program"), number(stopped.costOfError * errors / 1e6),
+        QStringLiteral("< 1000"));
+    row(QStringLiteral("a stopped window: lost, twice"),
+        QStringLiteral("%1, %2").arg(stopped.lost).arg(stopped.doubled), QStringLiteral("0, 0"));
+}
+#else
+void measureLayer(int)
+{
+    row(QStringLiteral("a program through the layer"), QStringLiteral("not built"));
+}
+#endif
+
 void measure(bool brief, bool full)
 {
     const int count = brief ? 3000 : 100'000;
-    printMachine();
-    const double ceiling = flood::measureCeiling(brief ? 3000 : 300'000);
-    row(QStringLiteral("ceiling: cut and count, records/s"), number(ceiling));
+    const double ceiling = printCeiling(brief ? 3000 : 300'000);
     const double baseline = flood::measureBaseline(brief ? 1000 : 15'000);
     row(QStringLiteral("baseline: plain lines, records/s"), number(baseline));
     printFlood(count, flood::measureWindow(count, false), baseline, ceiling);
@@ -104,6 +144,7 @@ void measure(bool brief, bool full)
     row(many + QStringLiteral("slowest / mean"), number(crowd.fairness, 2), QStringLiteral(">= 0.5"));
     row(many + QStringLiteral("longest gap, ms (own work)"), both(crowd.longestGap, 1),
         QStringLiteral("< 50"));
+    measureLayer(brief ? 3000 : 200'000);
     if (full)
         printFlood(1'000'000, flood::measureWindow(1'000'000, false), baseline, ceiling);
 }
@@ -124,7 +165,14 @@ int main(int argc, char** argv)
     registerResources();
     const QStringList arguments = QCoreApplication::arguments();
     try {
-        measure(arguments.contains(QStringLiteral("--short")), arguments.contains(QStringLiteral("--full")));
+        printMachine();
+        if (arguments.contains(QStringLiteral("--layer"))) {
+            printCeiling(300'000);
+            measureLayer(200'000);
+        } else {
+            measure(
+                arguments.contains(QStringLiteral("--short")), arguments.contains(QStringLiteral("--full")));
+        }
     } catch (const std::runtime_error& failure) {
         QTextStream(stderr) << "bench-flood: " << failure.what() << "\n";
         return 1;

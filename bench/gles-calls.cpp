@@ -46,8 +46,9 @@ int main(int argumentCount, char* arguments[])
     nanosecondsOf(1000, [](long i) { glDepthFunc(i % 2 ? GL_LESS : GL_LEQUAL); });
     const double right = nanosecondsOf(times, [](long i) { glDepthFunc(i % 2 ? GL_LESS : GL_LEQUAL); });
     const double same = nanosecondsOf(times, [](long) { glDepthFunc(GL_LESS); });
-    const double wrong = nanosecondsOf(errors, [](long) {
-        glEnable(0x1234);
+    // Each error with a number of its own, so that whoever receives them can tell which.
+    const double wrong = nanosecondsOf(errors, [](long i) {
+        glEnable(static_cast<GLenum>(0x1000001 + i));
         glGetError();
     });
     std::printf("%.2f %.2f %.1f\n", same, right, wrong);

@@ -7,9 +7,13 @@ if(NOT CMAKE_BUILD_TYPE)
     set(CMAKE_BUILD_TYPE Release)
 endif()
 
+option(CORVALE_PRECOMPILE "Precompile the headers of Qt" OFF)
 find_program(CORVALE_CCACHE ccache)
 if(CORVALE_CCACHE)
     set(CMAKE_CXX_COMPILER_LAUNCHER ${CORVALE_CCACHE})
+    if(CORVALE_PRECOMPILE)
+        list(PREPEND CMAKE_CXX_COMPILER_LAUNCHER ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros)
+    endif()
 endif()
 
 add_library(corvale_warnings INTERFACE)
@@ -31,11 +35,30 @@ if(CORVALE_FUZZ)
     target_compile_options(corvale_sanitizers INTERFACE -fsanitize=fuzzer-no-link)
 endif()
 
+# The headers of Qt, compiled once rather than in every file. Not in every build, so that a file that forgets an include
+# does not compile.
+set(corvale_qt_definitions QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING)
+function(corvale_add_precompiled target)
+    set(source ${CMAKE_CURRENT_BINARY_DIR}/${target}.cpp)
+    file(CONFIGURE OUTPUT ${source} CONTENT "")
+    add_library(${target} OBJECT EXCLUDE_FROM_ALL ${source})
+    target_compile_definitions(${target} PRIVATE ${corvale_qt_definitions})
+    target_link_libraries(${target} PRIVATE Qt6::Widgets corvale_warnings corvale_sanitizers)
+    target_precompile_headers(${target} PRIVATE <QtWidgets>)
+endfunction()
+
 # Names that the string-based signal and slot connections rely on must not be mixed with Qt's macros for
 # `signals` and `slots` in code without Qt, so only rooms with Qt get the code generators.
 function(corvale_use_qt target)
     set_target_properties(${target} PROPERTIES AUTOMOC ON AUTOUIC ON)
-    target_compile_definitions(${target} PRIVATE QT_NO_CAST_TO_ASCII QT_NO_CAST_FROM_BYTEARRAY QT_NO_URL_CAST_FROM_STRING)
+    target_compile_definitions(${target} PRIVATE ${corvale_qt_definitions})
+    # Another one where the options differ: compilers take it only with the same ones.
+    if(CORVALE_PRECOMPILE)
+        target_link_libraries(${target} PRIVATE Qt6::Widgets)
+        # Else ccache cannot know what comes from the precompiled header.
+        target_compile_options(${target} PRIVATE $<$<CXX_COMPILER_ID:GNU>:-fpch-preprocess>)
+        target_precompile_headers(${target} REUSE_FROM ${CORVALE_PRECOMPILED})
+    endif()
 endfunction()
 
 # A room: a folder of src/ as a static library. Its headers are visible to those that link it and to nobody else.

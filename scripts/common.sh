@@ -4,7 +4,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
 
 # What a build needs, and a command to run it: the packages of a bare Debian 12.
-build_packages=(g++ cmake ninja-build qt6-base-dev qt6-svg-dev libtinyxml2-dev nlohmann-json3-dev
+build_packages=(g++ cmake ninja-build qt6-base-dev qt6-svg-dev libtinyxml2-dev libzstd-dev nlohmann-json3-dev
     khronos-api libegl-dev libglvnd-core-dev)
 run_packages=(libqt6svg6 fonts-dejavu-core)
 test_packages=(libgtest-dev libgles-dev libegl1 libgles2 libegl-mesa0 libgl1-mesa-dri)

@@ -12,6 +12,7 @@
 #include "FeedbackDialog.h"
 #include "FocusedWheel.h"
 #include "HostNotice.h"
+#include "KeptFilters.h"
 #include "LocalListener.h"
 #include "MonitorStatus.h"
 #include "PlainMessageBox.h"
@@ -74,6 +75,7 @@ MainWindow::MainWindow(WindowController* controller, Preferences& preferences)
     m_ui->setupUi(this);
     setWindowIcon(QIcon(QStringLiteral(":/CorvaleResources/Corvale")));
     m_clientTabs = m_ui->clienttabs;
+    m_keptFilters = std::make_unique<KeptFilters>(m_preferences);
     m_ui->mainTabWidget->setFocus();
     m_status = new MonitorStatus(m_ui->statusbar);
     m_preferencesReporter = std::make_unique<PreferencesReporter>(m_preferences, *m_status);
@@ -243,6 +245,7 @@ void MainWindow::serverNewConnection()
     connect(&page->saver(), &ConsoleSaver::ended, this, &MainWindow::consoleSaved, Qt::QueuedConnection);
     if (m_windowState)
         m_windowState->follow(*page);
+    page->setKeptFilters(m_keptFilters.get());
     countProblems(*page);
     page->setLive();
     m_clients.insert(client);

@@ -13,6 +13,7 @@ class Client;
 class ClientInterface;
 class ClientTabWidget;
 class ConsoleFontSize;
+class KeptFilters;
 class LocalListener;
 class MonitorStatus;
 class PreferencesReporter;
@@ -115,6 +116,7 @@ private:
     WindowController* m_controller;
     Preferences& m_preferences;
     ClientTabWidget* m_clientTabs = nullptr;
+    std::unique_ptr<KeptFilters> m_keptFilters;
     MonitorStatus* m_status = nullptr;
     std::unique_ptr<PreferencesReporter> m_preferencesReporter;
     SystemReportGUIReceiver* m_reportReceiver = nullptr;

@@ -75,8 +75,9 @@ void WindowState::restoreGeometry()
 
 void WindowState::follow(ClientInterface& page)
 {
-    QHeaderView* header = page.findChild<ErrorListView*>()->horizontalHeader();
-    header->restoreState(m_errorListColumns);
+    auto* list = page.findChild<ErrorListView*>();
+    list->restoreColumns(m_errorListColumns);
+    QHeaderView* header = list->horizontalHeader();
     connect(header, &QHeaderView::sectionResized, this,
         [this, header] { m_errorListColumns = header->saveState(); });
     bind(page.findChild<QCheckBox*>(QStringLiteral("chkWarnings")), settings::showWarnings, m_preferences);

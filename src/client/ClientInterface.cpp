@@ -5,6 +5,7 @@
 #include "Console.h"
 #include "ConsoleSaver.h"
 #include "ContextInterface.h"
+#include "ErrorFilterBar.h"
 #include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
 #include "GlEnumerants.h"
@@ -70,7 +71,18 @@ void ClientInterface::setUpErrorList()
         connect(model, &QAbstractItemModel::rowsInserted, this, &ClientInterface::updateErrorListHint);
         connect(model, &QAbstractItemModel::modelReset, this, &ClientInterface::updateErrorListHint);
     }
+    connect(
+        m_errorListFilter, &ErrorListFilterProxyModel::settled, this, &ClientInterface::updateErrorListHint);
+    m_ui->errorFilterBar->setErrors(m_errorListModel);
+    connect(m_ui->errorFilterBar, &ErrorFilterBar::filterChanged, m_errorListFilter,
+        &ErrorListFilterProxyModel::setFilter);
+    connect(m_ui->btnClearErrors, &QPushButton::clicked, m_errorListModel, &ErrorListModel::clear);
     updateErrorListHint();
+}
+
+void ClientInterface::setKeptFilters(KeptFilters* filters)
+{
+    m_ui->errorFilterBar->setKeptFilters(filters);
 }
 
 void ClientInterface::updateErrorListHint()
@@ -78,10 +90,19 @@ void ClientInterface::updateErrorListHint()
     const bool isEmpty = m_errorListFilter->rowCount() == 0;
     if (!isEmpty && m_ui->lblErrorListEmpty->isHidden())
         return; // as at nearly every row that arrives
-    m_ui->lblErrorListEmpty->setText(m_errorListModel->rowCount() == 0
-            ? tr("No errors or warnings. Those that the application reports appear here by themselves.")
-            : tr("All rows are hidden. Tick \"Errors\" or \"Warnings\" above to show them."));
+    m_ui->lblErrorListEmpty->setText(emptyListHint());
     m_ui->lblErrorListEmpty->setVisible(isEmpty);
+}
+
+QString ClientInterface::emptyListHint() const
+{
+    if (m_errorListModel->rowCount() == 0)
+        return tr("No errors or warnings. Those that the application reports appear here by themselves.");
+    if (!m_errorListFilter->isSettled())
+        return tr("Looking for rows...");
+    if (!m_errorListFilter->filter().isEmpty())
+        return tr("No row matches the filter. Esc in its line clears it.");
+    return tr("All rows are hidden. Tick \"Errors\" or \"Warnings\" above to show them.");
 }
 
 void ClientInterface::setUpContexts()

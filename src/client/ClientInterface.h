@@ -16,6 +16,7 @@ class ConsoleSaver;
 class ContextInterface;
 class ErrorListFilterProxyModel;
 class ErrorListModel;
+class KeptFilters;
 
 namespace Ui {
 class ClientInterface;
@@ -59,6 +60,9 @@ public:
     using ContextFollower = std::function<void(ContextInterface&)>;
     void setContextFollower(const ContextFollower& follower) { m_contextFollower = follower; }
 
+    /// Offers filters for the error list that are kept with names. They must live longer.
+    void setKeptFilters(KeptFilters* filters);
+
     /// The index of the page that is shown: console, error list or contexts.
     int subPage() const;
     /// Shows one of these pages and gives it the focus.
@@ -93,6 +97,7 @@ private:
 
     void colourContextsHint();
     void updateErrorListHint();
+    QString emptyListHint() const;
     void showConsoleMenu(const QPoint& position);
     void addContext(const ui::messages::Message& message);
     void removeOldestContexts();

@@ -3,7 +3,8 @@
 #include "TextViewPlace.h"
 #include "TextViewSelection.h"
 
-#include <QElapsedTimer>
+#include <QAbstractButton>
+#include <QDateTime>
 #include <QTextEdit>
 
 #include <algorithm>
@@ -26,7 +27,10 @@ Console::Console(QTextEdit* view, QAbstractButton* autoScroll, QObject* parent)
     , m_follower(view, autoScroll)
     , m_document(view->document())
     , m_spool(new ConsoleSpool(this))
+    , m_history(view, *m_spool, m_follower, m_document)
+    , m_startTime(QDateTime::currentMSecsSinceEpoch())
 {
+    m_sinceStart.start();
     m_document.setPalette(view->palette());
     // A scroll bar that came and went would have all text laid out for another width, twice in each restart.
     view->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
@@ -38,6 +42,9 @@ Console::Console(QTextEdit* view, QAbstractButton* autoScroll, QObject* parent)
         if (m_document.waiting() > 0)
             m_pace.refreshNow();
     });
+    connect(&m_history, &ConsoleHistory::liveShown, &m_pace, &ConsolePace::fillUp);
+    connect(
+        &m_history, &ConsoleHistory::endWanted, autoScroll, [autoScroll] { autoScroll->setChecked(true); });
     connect(m_spool, &ConsoleSpool::failed, this, [this](const QString& reason) {
         Q_EMIT statusMessage(
             tr("The complete console cannot be kept for saving (%1). What is shown is not affected.")
@@ -48,30 +55,34 @@ Console::Console(QTextEdit* view, QAbstractButton* autoScroll, QObject* parent)
 void Console::add(const ui::messages::Message& record, ConsolePace::Reading reading)
 {
     if (console_entry::isShown(record.type()))
-        addEntry(console_entry::pack(record), reading);
+        addEntry(console_entry::pack(record), record.frame(), reading);
 }
 
 void Console::addClosingLine(const QString& text)
 {
-    addEntry(console_entry::packClosingLine(text.toStdString()), ConsolePace::Reading::NoConnection);
+    addEntry(console_entry::packClosingLine(text.toStdString()), ui::messages::noFrame,
+        ConsolePace::Reading::NoConnection);
 }
 
-void Console::addEntry(std::string entry, ConsolePace::Reading reading)
+void Console::addEntry(std::string entry, std::uint32_t frame, ConsolePace::Reading reading)
 {
-    m_spool->append(entry);
+    const EntryStamp stamp{m_startTime + m_sinceStart.elapsed(), frame};
+    const std::uint64_t serial = entryCount();
+    m_spool->append(entry, stamp);
+    ConsoleItem item{std::move(entry), serial, stamp};
     if (m_pace.mayWriteAtOnce(reading, m_document.isClosed()))
-        writeAtOnce(std::move(entry));
+        writeAtOnce(std::move(item));
     else
-        m_document.enqueue(std::move(entry));
+        m_document.enqueue(std::move(item));
 }
 
-void Console::writeAtOnce(std::string entry)
+void Console::writeAtOnce(ConsoleItem item)
 {
     QElapsedTimer time;
     time.start();
     {
         const TextViewSelection selection(m_view);
-        m_document.append(std::move(entry));
+        m_document.append(std::move(item));
         trimIfOverfull();
     }
     showEndIfFollowing();
@@ -167,6 +178,7 @@ void Console::closeDocument()
 
 void Console::clear()
 {
+    m_history.leave();
     m_document.clear();
     m_spool->clear();
 }
@@ -179,6 +191,7 @@ void Console::setFont(const QFont& font)
 
 void Console::restart()
 {
+    m_history.leave();
     m_document.restart(restartWeight());
     m_pace.fillUp();
 }
@@ -190,7 +203,11 @@ void Console::recolour()
         restart();
         m_follower.showEnd(m_document.writeCursor());
     } else {
-        m_follower.keepDuring([this] { m_document.rewrite(); });
+        m_follower.keepDuring([this] {
+            m_history.rewrite(m_view->palette());
+            if (!m_history.isShown())
+                m_document.rewrite();
+        });
     }
 }
 

@@ -2,10 +2,12 @@
 
 #include "ConsoleDocument.h"
 #include "ConsoleFollower.h"
+#include "ConsoleHistory.h"
 #include "ConsolePace.h"
 #include "ConsoleSpool.h"
 #include "Message.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 
 class QAbstractButton;
@@ -40,6 +42,12 @@ public:
     bool isComplete() const { return !m_pace.isFlooded() && !m_pace.isRefreshPending(); }
     ConsoleSpool& spool() { return *m_spool; }
 
+    /// The number of entries that the console ever had, which is the serial number of the next one.
+    std::uint64_t entryCount() const { return m_spool->endSerial(); }
+    /// Goes to an entry, wherever it is, and selects it. False when "Clear" has removed it, or there was none
+    /// of this serial number.
+    bool showEntry(std::uint64_t serial) { return m_history.showEntry(serial); }
+
 Q_SIGNALS:
     /// A text that the status bar is to show.
     void statusMessage(const QString& text);
@@ -47,8 +55,8 @@ Q_SIGNALS:
     void zoomWanted(int points);
 
 private:
-    void addEntry(std::string entry, ConsolePace::Reading reading);
-    void writeAtOnce(std::string entry);
+    void addEntry(std::string entry, std::uint32_t frame, ConsolePace::Reading reading);
+    void writeAtOnce(ConsoleItem item);
     void refresh();
     bool showMore();
     void showWaiting();
@@ -66,4 +74,7 @@ private:
     ConsoleDocument m_document;
     ConsolePace m_pace;
     ConsoleSpool* m_spool;
+    ConsoleHistory m_history;
+    QElapsedTimer m_sinceStart;
+    qint64 m_startTime; ///< Milliseconds since the epoch.
 };

@@ -18,7 +18,7 @@ constexpr int mostAtOnce = 1300;
 QString earlierEntriesText(std::uint64_t count)
 {
     return QCoreApplication::translate(
-        "Console", "%1 earlier entries are no longer shown. \"Save console...\" writes them all to a file.")
+        "Console", "%1 earlier entries are no longer shown. Scroll up or click here to see them.")
         .arg(count);
 }
 
@@ -66,19 +66,23 @@ void ConsoleDocument::write(Entry& entry, ConsoleWriter& writer)
     ++m_written;
 }
 
-void ConsoleDocument::append(std::string entry)
+ConsoleDocument::Entry ConsoleDocument::entryOf(ConsoleItem item)
 {
-    const int weight = console_entry::weight(entry);
-    m_entries.push_back({std::move(entry), weight, 0});
+    const int weight = console_entry::weight(item.bytes);
+    return {std::move(item.bytes), item.serial, item.stamp, weight, 0};
+}
+
+void ConsoleDocument::append(ConsoleItem item)
+{
+    m_entries.push_back(entryOf(std::move(item)));
     const Edit edit(m_document);
     write(m_entries.back(), m_writer);
 }
 
-void ConsoleDocument::enqueue(std::string entry)
+void ConsoleDocument::enqueue(ConsoleItem item)
 {
-    const int weight = console_entry::weight(entry);
-    m_waiting.push_back({std::move(entry), weight, 0});
-    m_waitingWeight += weight;
+    m_waiting.push_back(entryOf(std::move(item)));
+    m_waitingWeight += m_waiting.back().weight;
     // What could never be shown only takes memory.
     while (m_waiting.size() > liveEntries || (m_waitingWeight > liveWeight && m_waiting.size() > 1))
         skipOldest();
@@ -155,6 +159,17 @@ void ConsoleDocument::restart(int weight)
     showFrom(firstOfNewest(weight));
 }
 
+void ConsoleDocument::show(
+    std::vector<ConsoleItem> items, std::uint64_t earlier, const ConsoleOutline& before)
+{
+    m_entries.clear();
+    for (ConsoleItem& item : items)
+        m_entries.push_back(entryOf(std::move(item)));
+    m_forgotten = earlier;
+    m_outline = before;
+    showFrom(0);
+}
+
 void ConsoleDocument::rewrite()
 {
     const bool wasClosed = m_closed;
@@ -170,6 +185,7 @@ void ConsoleDocument::showFrom(std::size_t first)
     m_written = 0;
     m_shownWeight = 0;
     m_headLength = 0;
+    m_closingLength = 0;
     m_first = first;
     writeFrom(first);
 }
@@ -211,7 +227,11 @@ void ConsoleDocument::addHead()
     cursor.setBlockFormat(QTextBlockFormat());
     cursor.setBlockCharFormat(QTextCharFormat());
     const int before = lengthOf(*m_document);
-    cursor.insertText(earlierEntriesText(earlier), ConsoleWriter::ownLineFormat());
+    QTextCharFormat link = ConsoleWriter::ownLineFormat();
+    link.setAnchor(true);
+    link.setAnchorHref(QLatin1String(earlierLink));
+    link.setFontUnderline(true);
+    cursor.insertText(earlierEntriesText(earlier), link);
     m_headLength = lengthOf(*m_document) - before + (isOwnLine ? 1 : 0);
 }
 
@@ -336,7 +356,7 @@ int ConsoleDocument::shownLength() const
 /// places.
 bool ConsoleDocument::isUnchanged() const
 {
-    return shownLength() == lengthOf(*m_document);
+    return shownLength() + m_closingLength == lengthOf(*m_document);
 }
 
 bool ConsoleDocument::trim(int limit)
@@ -378,7 +398,9 @@ bool ConsoleDocument::trim(int limit)
 void ConsoleDocument::close(const QString& reason)
 {
     const Edit edit(m_document);
+    const int before = lengthOf(*m_document);
     m_writer.closingLine(reason);
+    m_closingLength += lengthOf(*m_document) - before;
     m_closed = true;
     m_closingReason = reason;
 }
@@ -391,4 +413,32 @@ void ConsoleDocument::clear()
     m_entries.clear();
     m_forgotten = 0;
     showFrom(0);
+}
+
+std::optional<ConsoleDocument::Range> ConsoleDocument::rangeOf(std::uint64_t serial) const
+{
+    if (!isUnchanged())
+        return {};
+    int position = m_headLength;
+    for (auto entry = m_entries.begin() + static_cast<std::ptrdiff_t>(m_first); entry != m_entries.end();
+         ++entry) {
+        if (entry->serial == serial)
+            return Range{position, position + entry->length};
+        position += entry->length;
+    }
+    return {};
+}
+
+std::optional<std::uint64_t> ConsoleDocument::serialAt(int position) const
+{
+    if (m_first == m_entries.size() || !isUnchanged())
+        return {};
+    std::uint64_t serial = m_entries[m_first].serial;
+    int end = m_headLength;
+    for (auto entry = m_entries.begin() + static_cast<std::ptrdiff_t>(m_first);
+         entry != m_entries.end() && end <= position; ++entry) {
+        serial = entry->serial;
+        end += entry->length;
+    }
+    return serial;
 }

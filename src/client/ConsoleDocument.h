@@ -8,6 +8,7 @@
 #include <deque>
 #include <optional>
 #include <string>
+#include <vector>
 
 class QTextDocument;
 
@@ -25,6 +26,9 @@ public:
     /// Entries beyond these that it holds before the oldest are trimmed.
     static constexpr std::size_t trimStep = 250;
 
+    /// The anchor of the line about earlier entries.
+    static constexpr const char* earlierLink = "#earlier";
+
     /// Writes into an empty document, which must live longer.
     explicit ConsoleDocument(QTextDocument* document);
 
@@ -32,9 +36,9 @@ public:
     void setPalette(const QPalette& palette);
 
     /// Writes an entry at the end. Only while none waits.
-    void append(std::string entry);
+    void append(ConsoleItem item);
     /// Lets an entry wait for appendWaiting() or restart().
-    void enqueue(std::string entry);
+    void enqueue(ConsoleItem item);
     std::size_t waiting() const { return m_waiting.size(); }
     /// True when entries between those that are shown and those that wait were dropped, so that only
     /// restart() can show the others.
@@ -46,6 +50,9 @@ public:
     void restart(int weight);
     /// Clears the document and writes what it has shown, with the line that closed it.
     void rewrite();
+    /// Clears the document and writes these entries, which have so many before them and an outline of the
+    /// text there.
+    void show(std::vector<ConsoleItem> items, std::uint64_t earlier, const ConsoleOutline& before);
     /// True when there are older entries that fill() could add.
     bool isFillable() const;
     /// Adds older entries, of a given weight or a little more, before what is shown.
@@ -69,19 +76,36 @@ public:
     /// Ends the document with a line that says why nothing is added any more. Only restart() opens it again.
     void close(const QString& reason);
     bool isClosed() const { return m_closed; }
+    /// Leaves the document to another one that writes into it. This one is closed then.
+    void release() { m_closed = true; }
 
     void clear();
+
+    /// Positions in the document.
+    struct Range {
+        int start;
+        int end;
+    };
+    /// The text of an entry with the given serial number; none where it is not shown.
+    std::optional<Range> rangeOf(std::uint64_t serial) const;
+    /// The entry at a position in the document: the first one that is shown for a place before it.
+    std::optional<std::uint64_t> serialAt(int position) const;
+    /// True when there are entries before those that are shown.
+    bool hasEarlier() const { return m_forgotten + m_first > 0; }
     /// The place where the next entry is written.
     const QTextCursor& writeCursor() const { return m_writer.cursor(); }
 
 private:
     struct Entry {
         std::string bytes;
+        std::uint64_t serial = 0;
+        EntryStamp stamp;
         int weight = 1;
         int length = 0; ///< Characters in the document.
     };
     using Entries = std::deque<Entry>;
 
+    static Entry entryOf(ConsoleItem item);
     void write(Entry& entry, ConsoleWriter& writer);
     void skipOldest();
     void takeFromWaiting();
@@ -118,4 +142,5 @@ private:
     std::uint64_t m_rebuildAfter = 20 * liveEntries;
     bool m_closed = false;
     QString m_closingReason;
+    int m_closingLength = 0; ///< Characters of the line that says so.
 };

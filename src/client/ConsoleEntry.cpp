@@ -166,9 +166,14 @@ int weight(std::string_view entry)
 
 void follow(std::string_view entry, ConsoleOutline& outline)
 {
+    follow(entry, outline, entry);
+}
+
+void follow(std::string_view entry, ConsoleOutline& outline, std::string_view kept)
+{
     switch (const Type type = typeOf(entry)) {
     case Type::IdentifiedMessage:
-        outline.openFrame(entry);
+        outline.openFrame(kept);
         break;
     case Type::LineBreak:
         outline.breakLine();

@@ -2,11 +2,25 @@
 
 #include "Message.h"
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 class ConsoleOutline;
 class ConsoleSink;
+
+/// When an entry arrived, and in which frame of its application.
+struct EntryStamp {
+    std::int64_t time = 0; ///< Milliseconds since the epoch.
+    std::uint32_t frame = 0; ///< As in the record; ui::messages::noFrame where there is none.
+};
+
+/// An entry with what is known of it.
+struct ConsoleItem {
+    std::string bytes;
+    std::uint64_t serial = 0; ///< Number of entries that the console had before it, cleared ones too.
+    EntryStamp stamp;
+};
 
 /// Entries of the console: records that it shows, cut to the bytes that it takes to draw or save them again.
 namespace console_entry {
@@ -28,5 +42,7 @@ int weight(std::string_view entry);
 
 /// Adds an entry to an outline as write() would, without looking at its texts.
 void follow(std::string_view entry, ConsoleOutline& outline);
+/// The same, but the outline keeps other bytes than those of an entry that opens a frame.
+void follow(std::string_view entry, ConsoleOutline& outline, std::string_view kept);
 
 } // namespace console_entry

@@ -40,3 +40,9 @@ void ConsoleOutline::removeText()
     m_openFrames.clear();
     m_isLineEmpty = true;
 }
+
+void ConsoleOutline::replaceOpenFrames(const std::function<std::string(const std::string&)>& replacement)
+{
+    for (std::string& frame : m_openFrames)
+        frame = replacement(frame);
+}

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -42,6 +43,8 @@ public:
     bool isInFrame() const { return !m_openFrames.empty(); }
     /// The entries whose frames are open, from the outermost frame to the innermost.
     const std::vector<std::string>& openFrames() const { return m_openFrames; }
+    /// Has a function give the entries of open frames from what is kept of them.
+    void replaceOpenFrames(const std::function<std::string(const std::string&)>& replacement);
 
 private:
     std::vector<std::string> m_openFrames;

@@ -11,6 +11,13 @@ TextViewPlace::TextViewPlace(QTextEdit* view)
 {
 }
 
+TextViewPlace::TextViewPlace(QTextEdit* view, const QTextCursor& top, int y)
+    : m_view(view)
+    , m_top(top)
+    , m_y(y)
+{
+}
+
 void TextViewPlace::restore() const
 {
     QScrollBar& bar = *m_view->verticalScrollBar();

@@ -9,6 +9,8 @@ class TextViewPlace {
 public:
     /// Remembers the place that a view shows. The view must live at least as long.
     explicit TextViewPlace(QTextEdit* view);
+    /// A place that the view is to show: the line of a cursor at a given height.
+    TextViewPlace(QTextEdit* view, const QTextCursor& top, int y);
 
     /// Scrolls back to the place.
     void restore() const;

@@ -21,10 +21,11 @@ constexpr auto lingerTime = 300ms;
 
 } // namespace
 
-Client::Client(pid_t pid, std::string name, bool isNameChosen, QueueBudget& budget)
+Client::Client(
+    pid_t pid, const Naming& naming, const std::vector<std::string>& arguments, QueueBudget& budget)
     : m_pid(pid)
-    , m_name(std::move(name))
-    , m_isNameChosen(isNameChosen)
+    , m_naming(naming)
+    , m_name(naming.nameOf(arguments))
     , m_first(budget)
     , m_waiting(budget)
     , m_last(budget)
@@ -43,11 +44,10 @@ void Client::Kept::add(const Record& record, std::size_t countLimit)
 
 void Client::take(const Record& record)
 {
-    if (record.type == static_cast<std::uint32_t>(Type::SetName)) {
-        if (m_isNameChosen)
-            return;
-        m_name = record.payload.substr(0, record.payload.find('\0'));
-    } else if (record.type == static_cast<std::uint32_t>(Type::ContextInformation)) {
+    // Names are for the launcher to give.
+    if (record.type == static_cast<std::uint32_t>(Type::SetName))
+        return;
+    if (record.type == static_cast<std::uint32_t>(Type::ContextInformation)) {
         m_contexts.add(record, contextLimit);
     } else if (isKept(record.type)) {
         m_report.add(record, reportLimit);
@@ -58,6 +58,17 @@ void Client::take(const Record& record)
     // A window that comes later gets these first.
     if (m_link)
         m_waiting.push(record);
+}
+
+void Client::rename(const std::vector<std::string>& arguments)
+{
+    const std::string name = m_naming.nameOf(arguments);
+    if (name == m_name)
+        return;
+    m_name = name;
+    // A window that comes later gets it first.
+    if (m_link)
+        m_waiting.push({static_cast<std::uint32_t>(Type::SetName), noFrame, m_name});
 }
 
 void Client::dropOldest()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ProgramName.h"
 #include "RecordQueue.h"
 #include "WindowLink.h"
 #include "WindowSocket.h"
@@ -22,11 +23,13 @@ namespace launcher {
 /// window, and comes again with all that matters when there is a new one.
 class Client {
 public:
-    /// The budget outlives the client. A name that the user chose stays, whatever the process says.
-    Client(pid_t pid, std::string name, bool isNameChosen, QueueBudget& budget);
+    /// The budget outlives the client.
+    Client(pid_t pid, const Naming& naming, const std::vector<std::string>& arguments, QueueBudget& budget);
 
     pid_t pid() const { return m_pid; }
     const std::string& name() const { return m_name; }
+    /// Names it anew, since its process has become another program.
+    void rename(const std::vector<std::string>& arguments);
 
     void take(const Record& record);
     /// Drops some of the oldest records that wait; to be done only while there is no connection.
@@ -73,8 +76,8 @@ private:
     void disconnect(bool isRefused);
 
     pid_t m_pid;
+    Naming m_naming;
     std::string m_name;
-    bool m_isNameChosen;
     Kept m_contexts;
     Kept m_report;
     std::uint64_t m_dropped = 0; ///< In front of what waits.

@@ -1,6 +1,7 @@
 #include "Launcher.h"
 
 #include "Descriptors.h"
+#include "ProfileChoice.h"
 #include "ProgramFile.h"
 
 #include <algorithm>
@@ -33,6 +34,19 @@ constexpr auto commonEndTime = 100ms;
 constexpr auto idleWindowTime = 2s;
 constexpr auto slowWindowTime = 30s;
 
+/// What of a profile is left out, in one sentence.
+std::string misreadText(const Device& device)
+{
+    constexpr std::size_t mostNamed = 10;
+    const std::size_t count = device.misread.size();
+    std::string text = "The profile " + device.table.name + " has "
+        + (count == 1 ? "a value" : std::to_string(count) + " values")
+        + " that cannot be understood and that the program does not see: ";
+    for (std::size_t i = 0; i < std::min(count, mostNamed); ++i)
+        text += (i > 0 ? ", " : "") + device.misread[i];
+    return text + (count > mostNamed ? ", and so on." : ".");
+}
+
 } // namespace
 
 Launcher::Launcher(Options options)
@@ -48,12 +62,29 @@ int Launcher::fail(int code, const std::string& text) const
     return code;
 }
 
+bool Launcher::chooseDevice()
+{
+    m_naming.chosen = m_options.name;
+    const ProfileChoice choice = chooseProfile(m_options.profile);
+    std::fputs(choice.refusal.c_str(), stderr);
+    if (!choice.warning.empty() && !m_options.quiet)
+        fail(0, choice.warning);
+    m_isStrict = choice.isStrict;
+    if (!choice.profile)
+        return choice.refusal.empty();
+    m_device = deviceOf(*choice.profile, choice.isStrict);
+    m_naming.device = m_device->table.name;
+    if (!m_device->misread.empty())
+        fail(0, misreadText(*m_device));
+    return true;
+}
+
 std::variant<Changes, Unwatchable> Launcher::setUp()
 {
     if (const auto why = whyUnwatchable(findProgram(m_options.program.front())))
         return Unwatchable{*why};
     m_folder = std::make_unique<PrivateFolder>();
-    auto setup = layerSetup(m_options, *m_folder);
+    auto setup = layerSetup(m_options, m_isStrict, m_device ? &*m_device : nullptr, *m_folder);
     if (std::holds_alternative<Changes>(setup) && !m_greeter.listen(m_folder->socketPath()))
         return Unwatchable{"no socket can be made in " + m_folder->path()};
     return setup;
@@ -66,6 +97,8 @@ int Launcher::run()
         return fail(exit_code::wrongArguments, "Cannot write " + m_options.log + ": " + m_log.reason() + ".");
     if (findProgram(name).empty())
         return fail(exit_code::notFound, "There is no program " + name + ".");
+    if (!chooseDevice())
+        return exit_code::wrongArguments;
     const auto setup = setUp();
     const auto* changes = std::get_if<Changes>(&setup);
     if (const auto* unwatchable = std::get_if<Unwatchable>(&setup)) {
@@ -73,7 +106,10 @@ int Launcher::run()
         if (m_options.require)
             return fail(exit_code::notRun, "Cannot watch " + name + ": " + unwatchable->reason + ".");
         m_whyUnwatched = "Running " + name + " without watching it: " + unwatchable->reason + ".";
-        if (!m_options.quiet)
+        if (m_device)
+            m_whyUnwatched += " It sees this machine; the profile " + m_naming.device + " has no effect.";
+        m_naming.device.clear();
+        if (!m_options.quiet || m_options.profile)
             fail(0, m_whyUnwatched);
     }
     m_isWatching = changes != nullptr;
@@ -88,6 +124,7 @@ int Launcher::run()
     // Only now: the program has the limit that it would have alone.
     platform::raiseDescriptorLimit();
     const ProcessEnd end = watch();
+    m_log.close();
     m_processes.clear();
     m_folder.reset();
     const int code = exitCode(end);
@@ -109,6 +146,8 @@ ProcessEnd Launcher::watch()
         const int outputPause = passOutput();
         noteEnds();
         const int ringPause = drain();
+        // What the window shows is in the log as well.
+        m_log.flush();
         connectClients();
         transfer();
         removeDone();
@@ -133,8 +172,8 @@ void Launcher::welcome(Newcomer newcomer)
         // The same process: it has executed another program, which may have ended by now.
         process->leave(nullptr);
     }
-    m_processes.push_back(std::make_unique<WatchedProcess>(
-        std::move(newcomer), m_options.name, m_budget, m_log, m_wakeUp.number()));
+    m_processes.push_back(
+        std::make_unique<WatchedProcess>(std::move(newcomer), m_naming, m_budget, m_log, m_wakeUp.number()));
     m_hasWatched = true;
     m_nextConnect = Clock::now();
 }
@@ -222,8 +261,8 @@ WatchedProcess& Launcher::programClient()
         if (process->isAlive() && process->pid() == m_program.pid())
             return *process;
     }
-    m_processes.push_back(std::make_unique<WatchedProcess>(
-        m_program.pid(), m_options.name, m_options.program, m_budget, m_log));
+    m_processes.push_back(
+        std::make_unique<WatchedProcess>(m_program.pid(), m_naming, m_options.program, m_budget, m_log));
     m_nextConnect = Clock::now();
     WatchedProcess& client = *m_processes.back();
     if (!m_whyUnwatched.empty())

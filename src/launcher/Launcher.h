@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DeviceOfProfile.h"
 #include "Greeter.h"
 #include "Options.h"
 #include "PrivateFolder.h"
@@ -31,6 +32,8 @@ public:
 private:
     using Clock = std::chrono::steady_clock;
 
+    /// Takes the profile. False, with the lines for the user, where the wanted one is not to be had.
+    bool chooseDevice();
     std::variant<Changes, Unwatchable> setUp();
     int fail(int code, const std::string& text) const;
     int exitCode(const ProcessEnd& end) const;
@@ -57,6 +60,9 @@ private:
     bool isDelivered();
 
     Options m_options;
+    Naming m_naming;
+    bool m_isStrict = false;
+    std::optional<Device> m_device; ///< None for the machine.
     WindowSocket m_window;
     std::unique_ptr<PrivateFolder> m_folder;
     Program m_program;

@@ -1,7 +1,7 @@
 #include "LayerSetup.h"
 
+#include "DeviceOfProfile.h"
 #include "HostVendors.h"
-#include "Preferences.h"
 #include "PrivateFolder.h"
 #include "Utf8.h"
 
@@ -14,6 +14,9 @@ namespace launcher {
 
 namespace {
 
+constexpr const char* deviceVariable = "CORVALE_LAYER_DEVICE";
+constexpr const char* deviceFile = "device";
+
 /// The folder of the layer's libraries, beside the folder of this program.
 fs::path layerFolder()
 {
@@ -24,12 +27,10 @@ fs::path layerFolder()
     return program.parent_path().parent_path() / "lib" / "corvale";
 }
 
-std::string layerOptions(const Options& options)
+std::string layerOptions(const Options& options, bool isStrict)
 {
     std::string words = options.noErrors ? "no-errors" : "";
-    Preferences preferences;
-    std::string error;
-    if (preferences.load(error) && preferences.get(settings::strictContextMode))
+    if (isStrict)
         words += words.empty() ? "strict" : " strict";
     return words;
 }
@@ -72,7 +73,8 @@ std::variant<Changes, Unwatchable> withVendor(
 
 } // namespace
 
-std::variant<Changes, Unwatchable> layerSetup(const Options& options, const PrivateFolder& folder)
+std::variant<Changes, Unwatchable> layerSetup(
+    const Options& options, bool isStrict, const Device* device, const PrivateFolder& folder)
 {
     if (folder.path().empty())
         return Unwatchable{"a private folder can be made neither in XDG_RUNTIME_DIR nor in TMPDIR or /tmp"};
@@ -83,7 +85,14 @@ std::variant<Changes, Unwatchable> layerSetup(const Options& options, const Priv
         return Unwatchable{"there is no " + library.string()};
     Changes changes;
     changes["CORVALE_LAYER_SOCKET"] = folder.socketPath();
-    changes["CORVALE_LAYER_OPTIONS"] = layerOptions(options);
+    changes["CORVALE_LAYER_OPTIONS"] = layerOptions(options, isStrict);
+    // Also without one: this launcher may be run by another one.
+    changes[deviceVariable].clear();
+    if (device) {
+        if (!folder.write(deviceFile, toText(device->table)))
+            return Unwatchable{"a file cannot be written in " + folder.path()};
+        changes[deviceVariable] = folder.path() + "/" + deviceFile;
+    }
     // Both would make their OpenGL ES contexts through GLX on X11.
     setUnlessSet(changes, "SDL_VIDEO_X11_FORCE_EGL", "1");
     setUnlessSet(changes, "QT_XCB_GL_INTEGRATION", "xcb_egl");

@@ -9,6 +9,7 @@
 namespace launcher {
 
 class PrivateFolder;
+struct Device;
 
 /// What changes in the program's environment so that the layer gets into it.
 using Changes = std::map<std::string, std::string>;
@@ -18,8 +19,9 @@ struct Unwatchable {
     std::string reason;
 };
 
-/// Finds the layer's library and the host's, writes what libglvnd is to find into the folder, and says what
-/// the program's environment needs.
-std::variant<Changes, Unwatchable> layerSetup(const Options& options, const PrivateFolder& folder);
+/// Finds the layer's library and the host's, writes what libglvnd and the layer are to find into the folder,
+/// and says what the program's environment needs. Without a device the program sees the machine.
+std::variant<Changes, Unwatchable> layerSetup(
+    const Options& options, bool isStrict, const Device* device, const PrivateFolder& folder);
 
 } // namespace launcher

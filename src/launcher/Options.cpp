@@ -22,7 +22,11 @@ shows what has come until then.
   --show-output   show also what the program writes on its standard output and error, line by line, and its exit status
                   at the end; see below
   --log FILE      write one line for each message into FILE as well, which is replaced
-  --profile NAME  not yet: comes with a later version
+  --profile NAME  let the program see the device of a profile in place of this machine: one of the window's profiles
+                  by its name, a file, or Host for none. Without this option it is the one that is chosen in the window
+  --list-profiles print the names of the profiles and exit
+  --make-profile FILE
+                  write what EGL and OpenGL ES of this machine can do as a profile into FILE and exit
   --quiet         do not say when a program cannot be watched
   --require       fail when the program cannot be watched
   --help          show this text and exit
@@ -36,25 +40,46 @@ where corvale-run itself writes to a terminal or to /dev/null. Many programs kee
 is some kilobytes. When nobody reads the standard output any more, the program gets a broken pipe as it would alone; its
 standard error is read on, without passing it on. Processes that outlive the program cannot write there any more.
 
+With a profile the program's title ends in the profile's name. What of the profile cannot be understood is told on
+standard error and left out. A program that cannot be watched sees this machine.
+
 Environment:
+  CORVALE_PROFILE_PATH
+                   folder of your profiles where none is chosen in the window
   TMPDIR           folder of the window's socket, /tmp where it is not set
   XDG_RUNTIME_DIR  where corvale-run keeps a private folder while it runs; else TMPDIR, else /tmp
 
 Exit status: that of the program, and corvale-run ends by the same signal as the program. Else
-  1    with --require: the program has ended with status 0, but never used EGL where it could be watched
-  2    the arguments are not understood, or the log cannot be written
+  1    with --require: the program has ended with status 0, but never used EGL where it could be watched;
+       with --make-profile: this machine has no OpenGL ES, or the file cannot be written
+  2    the arguments are not understood, there is no such profile, or the log cannot be written
   126  the program cannot be run or, with --require, not be watched
   127  the program was not found
 )";
 
-enum Choice { name = 256, way, noErrors, log, profile, quiet, require, showOutput, help, version };
+enum Choice {
+    name = 256,
+    way,
+    noErrors,
+    log,
+    profile,
+    listProfiles,
+    makeProfile,
+    quiet,
+    require,
+    showOutput,
+    help,
+    version
+};
 
-constexpr std::array<option, 11> known{{{"name", required_argument, nullptr, name},
+constexpr std::array<option, 13> known{{{"name", required_argument, nullptr, name},
     {"via", required_argument, nullptr, way}, {"no-errors", no_argument, nullptr, noErrors},
     {"log", required_argument, nullptr, log}, {"profile", required_argument, nullptr, profile},
-    {"quiet", no_argument, nullptr, quiet}, {"require", no_argument, nullptr, require},
-    {"show-output", no_argument, nullptr, showOutput}, {"help", no_argument, nullptr, help},
-    {"version", no_argument, nullptr, version}, {nullptr, 0, nullptr, 0}}};
+    {"list-profiles", no_argument, nullptr, listProfiles},
+    {"make-profile", required_argument, nullptr, makeProfile}, {"quiet", no_argument, nullptr, quiet},
+    {"require", no_argument, nullptr, require}, {"show-output", no_argument, nullptr, showOutput},
+    {"help", no_argument, nullptr, help}, {"version", no_argument, nullptr, version},
+    {nullptr, 0, nullptr, 0}}};
 
 Options refuse(const std::string& why, const std::string& argument = {})
 {
@@ -96,7 +121,19 @@ std::string take(int choice, Options& options)
             return "The log needs a file name.";
         break;
     case profile:
-        return "Profiles cannot be chosen here yet; --profile comes with a later version.";
+        options.profile = optarg;
+        if (options.profile->empty())
+            return "Which profile? --list-profiles tells which there are.";
+        break;
+    case listProfiles:
+        options.request = Options::Request::ListProfiles;
+        break;
+    case makeProfile:
+        options.request = Options::Request::MakeProfile;
+        options.made = optarg;
+        if (options.made.empty())
+            return "The profile needs a file name.";
+        break;
     case quiet:
         options.quiet = true;
         break;
@@ -133,7 +170,9 @@ Options readOptions(int argc, char* const* argv)
             return refuse(why);
     }
     options.program.assign(argv + optind, argv + argc);
-    if (options.program.empty())
+    if (options.request != Options::Request::Run && !options.program.empty())
+        return refuse("Profiles are listed and made without a program:", options.program.front());
+    if (options.request == Options::Request::Run && options.program.empty())
         return refuse("Which program?");
     return options;
 }

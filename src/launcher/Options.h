@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -8,6 +9,7 @@ namespace launcher {
 /// Exit codes of the launcher itself.
 namespace exit_code {
 inline constexpr int nothingWatched = 1; ///< --require, and no process has connected.
+inline constexpr int notMade = 1; ///< --make-profile, and there is no profile.
 inline constexpr int wrongArguments = 2;
 inline constexpr int notRun = 126;
 inline constexpr int notFound = 127;
@@ -18,7 +20,7 @@ enum class Via { Vendor, Preload };
 
 /// What the arguments ask for.
 struct Options {
-    enum class Request { Run, Answer, Refuse };
+    enum class Request { Run, ListProfiles, MakeProfile, Answer, Refuse };
 
     Request request = Request::Run;
     std::string text; ///< Whole lines for standard output (Answer) or standard error (Refuse).
@@ -30,6 +32,8 @@ struct Options {
     bool quiet = false;
     bool require = false;
     bool showOutput = false;
+    std::optional<std::string> profile; ///< A name or a path; without, the one that the window has chosen.
+    std::string made; ///< Path of the profile that is to be made.
     std::vector<std::string> program; ///< With its arguments.
 };
 

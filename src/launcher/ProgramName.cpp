@@ -86,4 +86,10 @@ std::string programName(const std::vector<std::string>& arguments)
     return std::string(own);
 }
 
+std::string Naming::nameOf(const std::vector<std::string>& arguments) const
+{
+    const std::string name = chosen.empty() ? programName(arguments) : chosen;
+    return device.empty() ? name : name + " on " + device;
+}
+
 } // namespace launcher

@@ -4,9 +4,13 @@
 #include "GlEnumerants.h"
 #include "WholeRecord.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
+#include <charconv>
+#include <concepts>
 #include <cstdio>
-#include <ctime>
+#include <cstring>
 
 #include <fcntl.h>
 
@@ -18,106 +22,142 @@ namespace offset = ui::messages::offset;
 
 namespace {
 
-std::string timeText()
-{
-    timespec now{};
-    clock_gettime(CLOCK_REALTIME, &now);
-    tm local{};
-    localtime_r(&now.tv_sec, &local);
-    char date[32];
-    const std::size_t size = std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S", &local);
-    const std::string milliseconds = std::to_string(1000 + now.tv_nsec / 1'000'000);
-    return std::string(date, size) + "." + milliseconds.substr(1);
-}
+/// Bytes of lines that go to the system at once.
+constexpr std::size_t batchSize = 64U << 10U;
+/// Bytes of lines that wait where the file takes no more; whole lines beyond them are lost.
+constexpr std::size_t waitingLimit = 1U << 20U;
 
-/// A text on one line: control characters are written as escapes.
-std::string oneLine(std::string_view text)
+/// Adds a text as part of a line: control characters are written as escapes.
+void addEscaped(std::string& line, std::string_view text)
 {
-    std::string line;
-    for (const char c : text) {
-        const auto code = static_cast<unsigned char>(c);
+    const auto isControl = [](char c) {
+        return static_cast<unsigned char>(c) < ' ' || c == '\x7F';
+    };
+    while (!text.empty()) {
+        const auto end = std::find_if(text.begin(), text.end(), isControl);
+        const auto plain = static_cast<std::size_t>(end - text.begin());
+        line.append(text.substr(0, plain));
+        text.remove_prefix(plain);
+        if (text.empty())
+            return;
         char escape[8];
-        if (c == '\n')
+        if (text.front() == '\n')
             line += "\\n";
-        else if (c == '\t')
+        else if (text.front() == '\t')
             line += "\\t";
-        else if (code < ' ' || code == 0x7F)
-            line.append(
-                escape, static_cast<std::size_t>(std::snprintf(escape, sizeof escape, "\\x%02X", code)));
         else
-            line += c;
+            line.append(escape,
+                static_cast<std::size_t>(std::snprintf(
+                    escape, sizeof escape, "\\x%02X", static_cast<unsigned char>(text.front()))));
+        text.remove_prefix(1);
     }
-    return line;
 }
 
-std::string valueName(const char* name, std::uint32_t value)
+void addNumber(std::string& line, std::integral auto value)
 {
-    char digits[16];
-    std::snprintf(digits, sizeof digits, "0x%04X", value);
-    return *name != '\0' ? name : digits;
+    std::array<char, 24> digits;
+    line.append(digits.data(), std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr);
 }
 
-std::string enumerant(std::uint32_t value)
+/// Adds the name of a value, or its number if it has none.
+void addName(std::string& line, const char* name, std::uint32_t value)
 {
-    return valueName(gl::enumerantName(static_cast<std::int32_t>(value)), value);
+    if (*name != '\0') {
+        line += name;
+        return;
+    }
+    std::array<char, 16> digits;
+    line.append(digits.data(),
+        static_cast<std::size_t>(std::snprintf(digits.data(), digits.size(), "0x%04X", value)));
 }
 
-std::string reportText(const Message& message)
+void addEnumerant(std::string& line, std::uint32_t value)
 {
+    addName(line, gl::enumerantName(static_cast<std::int32_t>(value)), value);
+}
+
+void addReport(std::string& line, const Message& message)
+{
+    line += "report ";
     switch (message.type()) {
     case Type::ReportLeadingNumber:
-        return std::to_string(message.u32(offset::reportKey));
+        addNumber(line, message.u32(offset::reportKey));
+        break;
     case Type::ReportFlag:
-        return std::to_string(message.u32(offset::reportKey)) + ": "
-            + std::to_string(message.u8(offset::reportFlag));
+        addNumber(line, message.u32(offset::reportKey));
+        line += ": ";
+        addNumber(line, message.u8(offset::reportFlag));
+        break;
     case Type::ReportText:
-        return std::string(message.text(offset::reportText, offset::reportTextEnd)) + ": "
-            + std::to_string(message.u8(offset::reportTextEnd));
+        addEscaped(line, message.text(offset::reportText, offset::reportTextEnd));
+        line += ": ";
+        addNumber(line, message.u8(offset::reportTextEnd));
+        break;
     case Type::ReportDetail:
-        return std::string(message.text(offset::reportText, offset::reportTextEnd)) + ": "
-            + std::to_string(message.u32(offset::reportTextEnd));
+        addEscaped(line, message.text(offset::reportText, offset::reportTextEnd));
+        line += ": ";
+        addNumber(line, message.u32(offset::reportTextEnd));
+        break;
     case Type::ReportKeyedText:
     case Type::ReportOtherKeyedText:
-        return std::to_string(message.u32(offset::reportKey)) + ": "
-            + std::string(message.text(offset::reportKeyedText));
+        addNumber(line, message.u32(offset::reportKey));
+        line += ": ";
+        addEscaped(line, message.text(offset::reportKeyedText));
+        break;
     default:
-        return "complete";
+        line += "complete";
     }
 }
 
-/// Kind and text of a record.
-std::string recordText(const Message& message)
+void addText(std::string& line, std::string_view kind, std::string_view text)
+{
+    line += kind;
+    addEscaped(line, text);
+}
+
+/// Adds kind and text of a record.
+void addRecord(std::string& line, const Message& message)
 {
     switch (message.type()) {
     case Type::SetName:
-        return "name " + std::string(message.text(offset::text));
+        return addText(line, "name ", message.text(offset::text));
     case Type::IdentifiedMessage:
-        return "message " + std::string(message.text(offset::identifiedText))
-            + " (ID: " + std::to_string(message.u32(offset::identifiedId)) + ")";
+        addText(line, "message ", message.text(offset::identifiedText));
+        line += " (ID: ";
+        addNumber(line, message.u32(offset::identifiedId));
+        line += ')';
+        return;
     case Type::LineBreak:
-        return "end-of-message";
+        line += "end-of-message";
+        return;
     case Type::DebugMessage:
-        return "debug " + enumerant(message.u32(offset::debugType)) + " "
-            + enumerant(message.u32(offset::debugSeverity)) + " "
-            + std::to_string(message.u32(offset::debugId)) + " "
-            + std::string(message.text(offset::debugText));
+        line += "debug ";
+        addEnumerant(line, message.u32(offset::debugType));
+        line += ' ';
+        addEnumerant(line, message.u32(offset::debugSeverity));
+        line += ' ';
+        addNumber(line, message.u32(offset::debugId));
+        return addText(line, " ", message.text(offset::debugText));
     case Type::Information:
-        return "information " + std::string(message.text(offset::text));
+        return addText(line, "information ", message.text(offset::text));
     case Type::Warning:
-        return "warning " + std::string(message.text(offset::text));
+        return addText(line, "warning ", message.text(offset::text));
     case Type::Error:
-        return "error " + std::string(message.text(offset::text));
+        return addText(line, "error ", message.text(offset::text));
     case Type::GlError: {
         const std::uint32_t code = message.u32(offset::glErrorCode);
-        return "gl-error " + valueName(gl::errorName(code), code) + " in "
-            + std::string(message.text(offset::glErrorFunction, offset::glErrorDescription)) + ": "
-            + std::string(message.text(offset::glErrorDescription));
+        line += "gl-error ";
+        addName(line, gl::errorName(code), code);
+        addText(line, " in ", message.text(offset::glErrorFunction, offset::glErrorDescription));
+        return addText(line, ": ", message.text(offset::glErrorDescription));
     }
     case Type::ContextInformation:
-        return "context " + std::to_string(message.i32(offset::contextNumber))
-            + (message.u32(offset::contextStrict) != 0 ? " strict" : " loose");
+        line += "context ";
+        addNumber(line, message.i32(offset::contextNumber));
+        line += message.u32(offset::contextStrict) != 0 ? " strict" : " loose";
+        return;
     default:
-        return "report " + reportText(message);
+        addReport(line, message);
     }
 }
 
@@ -136,31 +176,89 @@ bool RecordLog::open(const std::string& path)
 
 void RecordLog::write(pid_t pid, const layer::ring::Record& record)
 {
-    if (!m_file)
+    if (!m_file || !beginLine(pid))
         return;
-    const Message message = WholeRecord(record).message();
-    const std::string frame = record.frame == ui::messages::noFrame ? "-" : std::to_string(record.frame);
-    writeLine(pid, frame + " " + recordText(message));
+    const std::size_t end = WholeRecord(record).copyTo(m_message);
+    if (end < m_messageEnd)
+        std::memset(m_message.data() + end, 0, m_messageEnd - end);
+    m_messageEnd = end;
+    if (record.frame == ui::messages::noFrame)
+        m_lines += '-';
+    else
+        addNumber(m_lines, record.frame);
+    m_lines += ' ';
+    addRecord(m_lines, m_message);
+    endLine();
 }
 
 void RecordLog::note(pid_t pid, std::string_view text)
 {
-    if (m_file)
-        writeLine(pid, "- " + std::string(text));
+    if (!m_file || !beginLine(pid))
+        return;
+    addText(m_lines, "- ", text);
+    endLine();
 }
 
-void RecordLog::writeLine(pid_t pid, std::string_view text)
+bool RecordLog::beginLine(pid_t pid)
 {
-    const std::string line = timeText() + " " + std::to_string(pid) + " " + oneLine(text) + "\n";
+    if (m_lines.size() > waitingLimit) {
+        tellLoss(EAGAIN);
+        return false;
+    }
+    timespec now{};
+    clock_gettime(CLOCK_REALTIME, &now);
+    if (now.tv_sec != m_second) {
+        tm local{};
+        localtime_r(&now.tv_sec, &local);
+        char date[32];
+        m_date.assign(date, std::strftime(date, sizeof date, "%Y-%m-%dT%H:%M:%S.", &local));
+        m_second = now.tv_sec;
+    }
+    m_lines += m_date;
+    const auto milliseconds = now.tv_nsec / 1'000'000;
+    m_lines.append(milliseconds < 10 ? 2 : milliseconds < 100 ? 1 : 0, '0');
+    addNumber(m_lines, milliseconds);
+    m_lines += ' ';
+    addNumber(m_lines, pid);
+    m_lines += ' ';
+    return true;
+}
+
+void RecordLog::endLine()
+{
+    m_lines += '\n';
+    if (m_lines.size() >= batchSize)
+        flush();
+}
+
+void RecordLog::flush()
+{
+    if (m_lines.empty())
+        return;
     ssize_t size = 0;
     do
-        size = ::write(m_file.number(), line.data(), line.size());
+        size = ::write(m_file.number(), m_lines.data(), m_lines.size());
     while (size < 0 && errno == EINTR);
-    if (size == static_cast<ssize_t>(line.size()) || m_hasFailed)
-        return;
-    m_hasFailed = true;
-    const std::string why = size < 0 ? platform::errorText(errno) : "it takes no more";
-    std::fprintf(stderr, "corvale-run: Lines are missing in %s: %s.\n", m_path.c_str(), why.c_str());
+    if (size >= 0)
+        m_lines.erase(0, static_cast<std::size_t>(size));
+    else if (errno != EAGAIN)
+        tellLoss(errno);
+}
+
+void RecordLog::close()
+{
+    flush();
+    if (!m_lines.empty())
+        tellLoss(EAGAIN);
+    m_file.reset();
+}
+
+void RecordLog::tellLoss(int error)
+{
+    if (!m_isLossTold)
+        std::fprintf(stderr, "corvale-run: Lines are missing in %s: %s.\n", m_path.c_str(),
+            error == EAGAIN ? "it takes no more" : platform::errorText(error).c_str());
+    m_isLossTold = true;
 }
 
 } // namespace launcher

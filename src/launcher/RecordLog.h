@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Descriptor.h"
+#include "Message.h"
 #include "RingReader.h"
 
+#include <ctime>
 #include <string>
 #include <string_view>
 
@@ -10,8 +12,8 @@
 
 namespace launcher {
 
-/// A file with one line for each record: time, process, kind, frame and text. Each line is in the system's
-/// hands before the next record is looked at.
+/// A file with one line for each record: time, process, kind, frame and text. Lines wait for flush() unless
+/// they are many.
 class RecordLog {
 public:
     /// Replaces the file at a path. False if it cannot be opened; reason() tells why.
@@ -22,13 +24,25 @@ public:
     /// A line about a process that is not of its own making.
     void note(pid_t pid, std::string_view text);
 
+    /// Puts all lines into the system's hands. What it does not take now is tried again later.
+    void flush();
+    /// Flushes for the last time.
+    void close();
+
 private:
-    void writeLine(pid_t pid, std::string_view text);
+    bool beginLine(pid_t pid);
+    void endLine();
+    void tellLoss(int error);
 
     Descriptor m_file;
     std::string m_path;
     std::string m_reason;
-    bool m_hasFailed = false;
+    std::string m_lines; ///< Not written yet.
+    ui::messages::Message m_message; ///< The last record, with zeros behind its end.
+    std::size_t m_messageEnd = 0;
+    std::time_t m_second = -1;
+    std::string m_date; ///< Of that second.
+    bool m_isLossTold = false;
 };
 
 } // namespace launcher

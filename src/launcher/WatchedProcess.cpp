@@ -1,6 +1,5 @@
 #include "WatchedProcess.h"
 
-#include "ProgramName.h"
 #include "WholeRecord.h"
 
 #include <utility>
@@ -14,20 +13,20 @@ using ui::messages::noFrame;
 using ui::messages::Type;
 
 WatchedProcess::WatchedProcess(
-    Newcomer newcomer, const std::string& name, QueueBudget& budget, RecordLog& log, int wakeUp)
+    Newcomer newcomer, const Naming& naming, QueueBudget& budget, RecordLog& log, int wakeUp)
     : m_ring(std::move(newcomer.ring))
     , m_doorbell(std::make_unique<Doorbell>(*m_ring, wakeUp))
     , m_death(std::move(newcomer.death))
     , m_log(log)
-    , m_client(newcomer.pid, name.empty() ? programName(newcomer.arguments) : name, !name.empty(), budget)
+    , m_client(newcomer.pid, naming, newcomer.arguments, budget)
 {
     m_log.note(pid(), "begins " + m_client.name());
 }
 
-WatchedProcess::WatchedProcess(pid_t pid, const std::string& name, const std::vector<std::string>& arguments,
+WatchedProcess::WatchedProcess(pid_t pid, const Naming& naming, const std::vector<std::string>& arguments,
     QueueBudget& budget, RecordLog& log)
     : m_log(log)
-    , m_client(pid, name.empty() ? programName(arguments) : name, !name.empty(), budget)
+    , m_client(pid, naming, arguments, budget)
 {
     m_log.note(pid, "begins " + m_client.name());
 }
@@ -38,9 +37,7 @@ void WatchedProcess::attach(Newcomer newcomer, int wakeUp)
     m_doorbell = std::make_unique<Doorbell>(*m_ring, wakeUp);
     m_death = std::move(newcomer.death);
     // A shell may have become another program.
-    const std::string name = programName(newcomer.arguments);
-    if (name != m_client.name())
-        m_client.take({static_cast<std::uint32_t>(Type::SetName), noFrame, name});
+    m_client.rename(newcomer.arguments);
 }
 
 bool WatchedProcess::isDead() const

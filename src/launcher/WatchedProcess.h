@@ -25,12 +25,11 @@ public:
         Stalled, ///< There is more than may wait.
     };
 
-    /// `name` is the one that the user chose, if any. Budget, log and the eventfd that tells of new records
+    /// Budget, log and the eventfd that tells of new records
     /// outlive this.
-    WatchedProcess(
-        Newcomer newcomer, const std::string& name, QueueBudget& budget, RecordLog& log, int wakeUp);
+    WatchedProcess(Newcomer newcomer, const Naming& naming, QueueBudget& budget, RecordLog& log, int wakeUp);
     /// One that has not announced itself.
-    WatchedProcess(pid_t pid, const std::string& name, const std::vector<std::string>& arguments,
+    WatchedProcess(pid_t pid, const Naming& naming, const std::vector<std::string>& arguments,
         QueueBudget& budget, RecordLog& log);
     /// It has announced itself.
     void attach(Newcomer newcomer, int wakeUp);

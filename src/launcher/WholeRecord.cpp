@@ -74,15 +74,19 @@ void WholeRecord::add(const char* bytes, std::size_t size)
         m_pieces[m_count++] = {const_cast<char*>(bytes), size};
 }
 
-Message WholeRecord::message() const
+std::size_t WholeRecord::copyTo(Message& message) const
 {
-    Message message;
     std::size_t at = 0;
+    std::size_t end = 0;
     for (std::size_t i = 0; i < m_count; ++i) {
-        std::memcpy(message.data() + at, m_pieces[i].iov_base, m_pieces[i].iov_len);
-        at += m_pieces[i].iov_len;
+        const auto& [bytes, size] = m_pieces[i];
+        if (i + 1 < m_count || bytes != zeros.data()) {
+            std::memcpy(message.data() + at, bytes, size);
+            end = at + size;
+        }
+        at += size;
     }
-    return message;
+    return end;
 }
 
 std::string number(std::uint32_t value)

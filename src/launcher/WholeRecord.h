@@ -40,7 +40,8 @@ public:
                     {static_cast<char*>(m_pieces[i].iov_base) + hidden, m_pieces[i].iov_len - hidden});
         }
     }
-    ui::messages::Message message() const;
+    /// Copies it to the start of a message, without the zeros that fill it up; returns where these begin.
+    std::size_t copyTo(ui::messages::Message& message) const;
 
 private:
     void add(const char* bytes, std::size_t size);

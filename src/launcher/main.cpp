@@ -1,10 +1,18 @@
 #include "Launcher.h"
+#include "MadeProfile.h"
+#include "ProfileChoice.h"
 
 #include <cstdio>
 
 int main(int argc, char** argv)
 {
     launcher::Options options = launcher::readOptions(argc, argv);
+    if (options.request == launcher::Options::Request::ListProfiles) {
+        std::fputs(launcher::profileList().c_str(), stdout);
+        return 0;
+    }
+    if (options.request == launcher::Options::Request::MakeProfile)
+        return launcher::makeProfile(options.made);
     if (options.request != launcher::Options::Request::Run) {
         const bool isAnswer = options.request == launcher::Options::Request::Answer;
         std::fputs(options.text.c_str(), isAnswer ? stdout : stderr);

@@ -30,6 +30,7 @@ enum class KeyKind {
     Boolean,
     Mask, ///< Any of some bits, an element for each.
     List, ///< Any number of enumerants, an element for each.
+    Real, ///< A number that may have a fraction.
 };
 
 /// What one value of a key is: the text of one element, and of one cell of the editor.
@@ -49,6 +50,7 @@ constexpr ValueKind valueKind(KeyKind kind)
     case KeyKind::Size:
         break;
     case KeyKind::Range:
+    case KeyKind::Real:
         return ValueKind::Real;
     case KeyKind::Enumerant:
     case KeyKind::List:

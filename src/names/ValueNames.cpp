@@ -3,6 +3,7 @@
 #include "EglEnumerants.h"
 #include "GlEnumerants.h"
 #include "KeyTables.h"
+#include "LimitKeys.h"
 
 #include <charconv>
 #include <limits>
@@ -48,9 +49,12 @@ std::string maskValue(std::string_view attribute, std::int32_t value)
 /// Elements that no table knows are limits but for those that their name says to be something else.
 KeyKind kindOf(std::string_view xmlName)
 {
+    const ESCapabilityKey::XMLName name{std::string(xmlName)};
     ESCapabilityKeyNode node;
-    if (findKeyNode(ESCapabilityKey::XMLName{std::string(xmlName)}, &node))
+    if (findKeyNode(name, &node))
         return node.key.kind;
+    if (const auto limit = findCapability(name))
+        return limit->kind;
     return xmlName.ends_with("_format") || xmlName.ends_with("_type") ? KeyKind::Enumerant : KeyKind::Count;
 }
 
@@ -99,9 +103,8 @@ std::string esApi(std::string_view version)
 
 std::string esCapability(std::string_view xmlName)
 {
-    ESCapabilityKeyNode node;
-    const bool isKnown = findKeyNode(ESCapabilityKey::XMLName{std::string(xmlName)}, &node);
-    return isKnown ? node.key.displayName.text : std::string(xmlName);
+    const auto key = findCapability(ESCapabilityKey::XMLName{std::string(xmlName)});
+    return key ? key->displayName.text : std::string(xmlName);
 }
 
 std::string glValue(std::string_view value)

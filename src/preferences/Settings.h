@@ -67,6 +67,9 @@ inline const Setting<property_list::List> recentFiles{ofThisVersion("/RecentFile
 /// Programs that were run last, the most recent first, each as ProgramRun::toText() gives it. RecentRuns.
 inline const Setting<property_list::List> recentRuns{ofThisVersion("/recent_runs")};
 
+/// Filters of error lists with their names, each as KeptFilters writes it. KeptFilters.
+inline const Setting<property_list::List> errorFilters{ofThisVersion("/error_filters")};
+
 // What WindowState remembers of the main window.
 /// As QWidget::saveGeometry() gives it.
 inline const Setting<property_list::Data> windowGeometry{ofThisVersion("/window/geometry")};

@@ -230,7 +230,7 @@ void TestConsole::heavyEntriesDoNotPileUp()
     ConsoleDocument document(&text);
     const std::string entry = console_entry::pack(records::text(Type::Information, std::string(8000, 'x')));
     for (int i = 0; i < live; ++i)
-        document.enqueue(entry);
+        document.enqueue({entry, 0, {}});
     QVERIFY(document.waiting() * entry.size() < 2'000'000);
     document.restart(1);
     QCOMPARE(console_oracle::earlierEntries(text), live - 1);
@@ -238,9 +238,9 @@ void TestConsole::heavyEntriesDoNotPileUp()
     // What is trimmed weighs nothing any more.
     document.clear();
     while (!document.isOverfull())
-        document.append(entry);
+        document.append({entry, 0, {}});
     QVERIFY(document.trim(text.characterCount()));
-    document.append(entry);
+    document.append({entry, 0, {}});
     QVERIFY(!document.isOverfull());
 }
 

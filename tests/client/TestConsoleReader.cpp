@@ -19,6 +19,9 @@ private Q_SLOTS:
     void newLayoutMovesNobody();
     void selectionOfTheFirstLineDoesNotGrow();
     void readerStopsFollowing();
+    void wholeConsoleCanBeRead_data();
+    void wholeConsoleCanBeRead();
+    void entriesAreFoundAgain();
 };
 
 void TestConsoleReader::readerStays()
@@ -172,6 +175,102 @@ void TestConsoleReader::readerStopsFollowing()
     page.receive(lines, 50);
     QVERIFY(page.comesToRest());
     QVERIFY(page.isAtEnd());
+}
+
+void TestConsoleReader::wholeConsoleCanBeRead_data()
+{
+    QTest::addColumn<QList<Message>>("between");
+    QTest::newRow("lines") << QList<Message>{};
+    QTest::newRow("errors") << QList<Message>{text(Type::Error, "an error\nof two lines")};
+    QTest::newRow("in an open frame") << QList<Message>{identified("mark", 1), text(Type::Warning, "w")};
+}
+
+/// Scrolls through more than the document can hold, up to the first line and down again, while more arrives.
+void TestConsoleReader::wholeConsoleCanBeRead()
+{
+    QFETCH(const QList<Message>, between);
+    constexpr int count = 5000;
+    Page page;
+    for (int i = 0; i < count; ++i) {
+        page.receive({text(Type::Information, "line " + std::to_string(i))}, 1);
+        if (i % 50 == 0)
+            page.receive(between, static_cast<int>(between.size()));
+    }
+    QVERIFY(page.comesToRest());
+    QScrollBar& bar = *page.view->verticalScrollBar();
+    const auto number = [](const QString& line) {
+        return line.startsWith(QLatin1String("line ")) ? line.mid(5).toInt() : -1;
+    };
+    int last = count;
+    const auto read = [&](QAbstractSlider::SliderAction action, int direction) {
+        bar.triggerAction(action);
+        QCoreApplication::processEvents();
+        // No line between two looks at the view is left out.
+        QTextBlock block = page.view->cursorForPosition(page.view->viewport()->rect().center()).block();
+        while (block.next().isValid() && number(block.text()) < 0)
+            block = block.next();
+        const int line = number(block.text());
+        const int step = direction * (line - last);
+        last = line < 0 ? last : line;
+        return line < 0 || (step >= 0 && step < 150);
+    };
+    int steps = 0;
+    for (; last > 20 && steps < 2000; ++steps)
+        QVERIFY2(read(QAbstractSlider::SliderPageStepSub, -1), qPrintable(QString::number(last)));
+    QVERIFY2(last <= 20, qPrintable(QString::number(last)));
+    page.receive({text(Type::Information, "new")}, 3000);
+    QVERIFY(page.comesToRest());
+    bar.setValue(0);
+    QCOMPARE(number(page.topLine()), 0);
+    for (steps = 0; last < count - 50 && steps < 2000; ++steps)
+        QVERIFY2(read(QAbstractSlider::SliderPageStepAdd, 1), qPrintable(QString::number(last)));
+    QVERIFY(last > count - 100);
+    page.autoScroll->click();
+    QVERIFY(page.comesToRest());
+    QVERIFY(page.isAtEnd());
+    QCOMPARE(page.whyWrong(), QString());
+    // The keys go to the ends of everything.
+    QTest::keySequence(page.view, QKeySequence::MoveToStartOfDocument);
+    QCOMPARE(number(page.topLine()), 0);
+    QTest::keySequence(page.view, QKeySequence::MoveToEndOfDocument);
+    QVERIFY(page.autoScroll->isChecked());
+    QVERIFY(page.comesToRest());
+    QVERIFY(page.isAtEnd());
+    // The line that counts the earlier entries leads to them.
+    page.autoScroll->click();
+    bar.setValue(0);
+    const int earlier = page.earlier();
+    QTest::mouseClick(page.view->viewport(), Qt::LeftButton, {}, {40, 8});
+    QVERIFY(earlier > 0 && page.earlier() < earlier);
+}
+
+void TestConsoleReader::entriesAreFoundAgain()
+{
+    Page page;
+    Console& console = page.page.console();
+    const QList<Message> lines = numbered(100'000);
+    page.receive(lines, 100);
+    console.clear();
+    QCOMPARE(console.entryCount(), 100U);
+    page.receive(lines, 6000);
+    QVERIFY2(!console.showEntry(99) && !console.showEntry(6100), "cleared, and not yet there");
+    QVERIFY(page.autoScroll->isChecked());
+    for (const int entry : {100, 3000, 3001, 2000, 6099, 101}) {
+        QVERIFY(console.showEntry(static_cast<std::uint64_t>(entry)));
+        QCOMPARE(page.view->textCursor().selectedText(), QStringLiteral("line %1").arg(entry));
+        QVERIFY(page.view->viewport()->rect().contains(page.view->cursorRect()));
+        QVERIFY(!page.autoScroll->isChecked());
+        page.receive(lines, 10);
+    }
+    // What was selected stays so as long as it is near.
+    console.showEntry(3000);
+    page.view->setPalette(QPalette(Qt::darkGray));
+    QVERIFY(page.comesToRest());
+    QCOMPARE(page.view->textCursor().selectedText(), QStringLiteral("line 3000"));
+    console.clear();
+    page.receive(lines, 1);
+    QVERIFY(page.comesToRest());
+    QVERIFY(page.document().toPlainText().endsWith(QStringLiteral("line 6160")));
 }
 
 QTEST_MAIN(TestConsoleReader)

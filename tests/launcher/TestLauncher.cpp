@@ -329,11 +329,42 @@ TEST_F(Launcher, saysWhenNothingCanBeWatched)
     LauncherRun required(program({"errors", "1"}, {"--require"}));
     EXPECT_EQ(required.errors(), "corvale-run: Cannot watch " + name + ": " + reason);
     EXPECT_EQ(required.finish(), 126);
+    LauncherRun impersonated(program({"errors", "1"}, {"--quiet", "--profile", "Ostrell Wren"}));
+    EXPECT_TRUE(impersonated.errors().ends_with("the profile Ostrell Wren has no effect.\n"));
+    EXPECT_EQ(impersonated.finish(), 90);
     setenv("CORVALE_LAYER_DIR", before.c_str(), 1);
 
     LauncherRun never(program({"unwatched"}, {"--require"}));
     EXPECT_NE(never.errors().find("Nothing was watched"), std::string::npos);
     EXPECT_EQ(never.finish(), 1);
+}
+
+TEST_F(Launcher, titlesTellWhichDeviceAProgramSees)
+{
+    for (const auto& [name, title] :
+        {std::pair("", "watched-program on Ostrell Wren"), {"Mine", "Mine on Ostrell Wren"}}) {
+        FakeWindow window;
+        LauncherRun run(program({"errors", "1"}, {"--profile", "Ostrell Wren", "--name", name}));
+        ASSERT_TRUE(window.takeAll());
+        EXPECT_EQ(run.errors(), "");
+        EXPECT_EQ(window.clients.at(0).records.at(1).text, title);
+    }
+}
+
+TEST_F(Launcher, makesNoProfileOfNothing)
+{
+    const std::filesystem::path file = child_process::freshFolder() / "made.xml";
+    child_process::fill(file, "old");
+    LauncherRun nothing({"--make-profile", file.string()});
+    EXPECT_TRUE(nothing.errors().ends_with(
+        "corvale-run: This machine has no OpenGL ES; there is no profile to be made.\n"));
+    EXPECT_EQ(nothing.finish(), 1);
+    EXPECT_EQ(child_process::contentOf(file), "old");
+    EXPECT_EQ(std::ranges::distance(std::filesystem::directory_iterator(file.parent_path())), 1);
+    LauncherRun nowhere({"--make-profile", (file / "below").string()});
+    EXPECT_NE(nowhere.errors().find("Not a directory"), std::string::npos);
+    EXPECT_EQ(nowhere.finish(), 1);
+    EXPECT_EQ(LauncherRun({"--make-profile", file.string(), "true"}).finish(), 2);
 }
 
 TEST_F(Launcher, endsWithTheCodesOfAShell)

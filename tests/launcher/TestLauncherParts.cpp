@@ -1,21 +1,26 @@
 #include "ChildProcess.h"
+#include "DeviceOfProfile.h"
 #include "HostVendors.h"
 #include "LayerSetup.h"
 #include "PrivateFolder.h"
 #include "ProgramFile.h"
 #include "ProgramName.h"
+#include "RecordLog.h"
 #include "RecordQueue.h"
 #include "WholeRecord.h"
 
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include <elf.h>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 using namespace launcher;
 namespace fs = std::filesystem;
@@ -121,23 +126,29 @@ TEST(LayerSetup, saysWhatTheProgramNeeds)
     const PrivateFolder folder;
     Options options;
     options.noErrors = true;
-    const Changes vendor = std::get<Changes>(layerSetup(options, folder));
+    const Changes vendor = std::get<Changes>(layerSetup(options, false, nullptr, folder));
     const std::string file = folder.path() + "/egl_vendor.json";
     EXPECT_EQ(vendor,
-        (Changes{{"CORVALE_LAYER_HOST", "libhost.so"}, {"CORVALE_LAYER_OPTIONS", "no-errors"},
-            {"CORVALE_LAYER_SOCKET", folder.socketPath()}, {"SDL_VIDEO_X11_FORCE_EGL", "1"},
-            {"__EGL_VENDOR_LIBRARY_FILENAMES", file}}));
+        (Changes{{"CORVALE_LAYER_DEVICE", ""}, {"CORVALE_LAYER_HOST", "libhost.so"},
+            {"CORVALE_LAYER_OPTIONS", "no-errors"}, {"CORVALE_LAYER_SOCKET", folder.socketPath()},
+            {"SDL_VIDEO_X11_FORCE_EGL", "1"}, {"__EGL_VENDOR_LIBRARY_FILENAMES", file}}));
     EXPECT_NE(child_process::contentOf(file).find((layer / "libEGL_corvale.so").string()), std::string::npos);
 
+    Device device;
+    device.table.name = "Board";
+    const Changes withDevice = std::get<Changes>(layerSetup(options, true, &device, folder));
+    EXPECT_EQ(child_process::contentOf(withDevice.at("CORVALE_LAYER_DEVICE")), toText(device.table));
+    EXPECT_EQ(withDevice.at("CORVALE_LAYER_OPTIONS"), "no-errors strict");
+
     options.via = Via::Preload;
-    const Changes preload = std::get<Changes>(layerSetup(options, folder));
+    const Changes preload = std::get<Changes>(layerSetup(options, false, nullptr, folder));
     EXPECT_EQ(preload.at("LD_PRELOAD"), (layer / "libcorvale_preload.so").string() + ":libother.so");
     EXPECT_FALSE(preload.contains("__EGL_VENDOR_LIBRARY_FILENAMES"));
     unsetenv("LD_PRELOAD");
 
     options.via = Via::Vendor;
     fs::remove(layer / "host.json");
-    EXPECT_TRUE(std::holds_alternative<Unwatchable>(layerSetup(options, folder)));
+    EXPECT_TRUE(std::holds_alternative<Unwatchable>(layerSetup(options, false, nullptr, folder)));
 }
 
 TEST(PrivateFolder, goesWithItsLauncherAndItsProcesses)
@@ -168,7 +179,8 @@ TEST(WholeRecord, fillsUpAndEndsTexts)
 {
     const std::string full(8216, 'x');
     for (const std::uint32_t type : {3U, 5U, 9U, 10U, 16U, 17U, 18U}) {
-        const ui::messages::Message message = WholeRecord({type, 7, full}).message();
+        ui::messages::Message message;
+        EXPECT_GE(WholeRecord({type, 7, full}).copyTo(message), 8223U);
         EXPECT_EQ(message.frame(), 7U);
         EXPECT_EQ(message.rawType(), type);
         EXPECT_EQ(message.u8(75), type == 9 ? 0 : 'x') << type;
@@ -178,7 +190,8 @@ TEST(WholeRecord, fillsUpAndEndsTexts)
     }
     // A part of it that was sent already, cut at each of its seams.
     const WholeRecord record({9, 7, std::string_view(full).substr(0, 100)});
-    const ui::messages::Message message = record.message();
+    ui::messages::Message message;
+    EXPECT_EQ(record.copyTo(message), 108U);
     for (const std::size_t skipped : {0U, 1U, 8U, 74U, 75U, 76U, 77U, 107U, 108U, 109U, 8223U}) {
         std::vector<iovec> pieces;
         record.addTo(pieces, skipped);
@@ -187,6 +200,70 @@ TEST(WholeRecord, fillsUpAndEndsTexts)
             bytes.append(static_cast<const char*>(piece.iov_base), piece.iov_len);
         EXPECT_EQ(bytes, std::string(message.data() + skipped, sizeof message - skipped)) << skipped;
     }
+}
+
+namespace {
+
+std::string bytesIn(int pipe)
+{
+    std::string all;
+    std::string piece(100'000, '\0');
+    for (ssize_t size = 0; (size = read(pipe, piece.data(), piece.size())) > 0;)
+        all.append(piece, 0, static_cast<std::size_t>(size));
+    return all;
+}
+
+/// Lines without their time.
+std::vector<std::string> linesOf(const std::string& bytes)
+{
+    std::vector<std::string> lines;
+    std::istringstream stream(bytes);
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line.substr(std::min(line.size(), std::strlen("2000-01-01T00:00:00.000 "))));
+    return lines;
+}
+
+} // namespace
+
+TEST(RecordLog, losesWholeLinesAndOnlyWhereTheFileTakesNoMore)
+{
+    const fs::path path = child_process::freshFolder() / "log";
+    ASSERT_EQ(mkfifo(path.c_str(), 0600), 0);
+    const int reader = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    RecordLog log;
+    ASSERT_TRUE(log.open(path));
+    log.write(7, {9, ui::messages::noFrame, std::string(8000, '\x03')});
+    log.write(7, {6, 0, "\ta"});
+    log.flush();
+    const std::vector<std::string> first = linesOf(bytesIn(reader));
+    ASSERT_EQ(first.size(), 2U);
+    EXPECT_TRUE(first[0].starts_with("7 - gl-error 0x3030303 in \\x03\\x03")) << first[0];
+    EXPECT_EQ(first[1], "7 0 information \\ta") << "nothing is left of the record before";
+
+    const std::string text(100, 'x');
+    const auto writeAndRead = [&](std::uint32_t count) {
+        for (std::uint32_t frame = 0; frame < count; ++frame)
+            log.write(7, {6, frame, text});
+        std::string bytes;
+        for (std::size_t before = 1; before != bytes.size();) {
+            before = bytes.size();
+            log.flush();
+            bytes += bytesIn(reader);
+        }
+        const std::vector<std::string> lines = linesOf(bytes);
+        for (std::size_t i = 0; i < lines.size(); ++i)
+            EXPECT_EQ(lines[i], "7 " + std::to_string(i) + " information " + text);
+        return lines.size();
+    };
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(writeAndRead(2000), 2000U) << "more than a pipe takes at once";
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    testing::internal::CaptureStderr();
+    EXPECT_LT(writeAndRead(20'000), 12'000U) << "more than may wait";
+    EXPECT_EQ(writeAndRead(100), 100U);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+        "corvale-run: Lines are missing in " + path.string() + ": it takes no more.\n");
+    close(reader);
 }
 
 TEST(RecordQueue, keepsOrderAndCountsBytes)

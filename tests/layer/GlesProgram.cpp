@@ -187,6 +187,15 @@ constexpr const char* vertexShader = "#version 320 es\nlayout(location = 0) in v
 constexpr const char* geometryShader =
     "#version 320 es\nlayout(triangles) in;\nlayout(triangle_strip, max_vertices = 3) out;\nvoid main() {\n"
     "for (int i = 0; i < 3; ++i) { gl_Position = gl_in[i].gl_Position; EmitVertex(); }\nEndPrimitive(); }\n";
+constexpr const char* controlShader =
+    "#version 320 es\nlayout(vertices = 4) out;\nvoid main() {\n"
+    "gl_out[gl_InvocationID].gl_Position = gl_in[gl_InvocationID].gl_Position;\n"
+    "for (int i = 0; i < 4; ++i) gl_TessLevelOuter[i] = 1.0;\n"
+    "gl_TessLevelInner[0] = gl_TessLevelInner[1] = 1.0; }\n";
+constexpr const char* evaluationShader =
+    "#version 320 es\nlayout(quads) in;\nvoid main() { gl_Position = mix(\n"
+    "mix(gl_in[0].gl_Position, gl_in[1].gl_Position, gl_TessCoord.x),\n"
+    "mix(gl_in[2].gl_Position, gl_in[3].gl_Position, gl_TessCoord.x), gl_TessCoord.y); }\n";
 constexpr const char* fragmentShader = "#version 320 es\nprecision mediump float;\nout vec4 color;\n"
                                        "void main() { color = vec4(1.0); }\n";
 
@@ -237,6 +246,11 @@ Draws draws()
         glBufferData(GL_DRAW_INDIRECT_BUFFER, static_cast<GLsizeiptr>(count * sizeof *numbers), numbers,
             GL_STATIC_DRAW);
     };
+    const auto startPatches = [] {
+        glUseProgram(link({{GL_VERTEX_SHADER, vertexShader}, {GL_TESS_CONTROL_SHADER, controlShader},
+            {GL_TESS_EVALUATION_SHADER, evaluationShader}, {GL_FRAGMENT_SHADER, fragmentShader}}));
+        glPatchParameteri(GL_PATCH_VERTICES, 4);
+    };
     return {
         {"arrays",
             [] {
@@ -268,6 +282,17 @@ Draws draws()
                 glUseProgram(link({{GL_VERTEX_SHADER, vertexShader}, {GL_GEOMETRY_SHADER, geometryShader},
                     {GL_FRAGMENT_SHADER, fragmentShader}}));
                 glDrawArrays(GL_TRIANGLE_STRIP, 0, 4);
+            }},
+        {"patches",
+            [=] {
+                startPatches();
+                glDrawArrays(GL_PATCHES, 0, 4);
+            }},
+        {"indirect-patches",
+            [=] {
+                startPatches();
+                bindIndirect(arraysIndirect.data(), 4);
+                glDrawArraysIndirect(GL_PATCHES, nullptr);
             }},
         {"range",
             [=] {

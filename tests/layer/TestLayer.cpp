@@ -165,17 +165,29 @@ TEST_F(TestLayer, threadsReportEachErrorOnce)
         counts, (std::map<std::string, int>{{"x = 0", 500}, {"x = 1", 500}, {"x = 2", 500}, {"x = 3", 500}}));
 }
 
-TEST_F(TestLayer, allWaysToComeByAFunctionAreCaught)
+/// The ways to come by a function that a program tried, and those of them that the layer has caught.
+std::pair<std::string, std::string> waysTriedAndCaught(Layer layer)
 {
-    LayeredProgram program({CORVALE_GLES_PROGRAM, "ways"}, Layer::Vendor);
-    const std::string ways = program.finish();
-    std::string caught;
+    LayeredProgram program({CORVALE_GLES_PROGRAM, "ways"}, layer);
+    std::pair<std::string, std::string> ways;
+    ways.first = program.finish();
     for (const SentRecord& error : errorsOf(program)) {
         const std::string call = error.text(68);
-        caught += call.substr(call.rfind(')') - 1, 1) + ' ';
+        ways.second += call.substr(call.rfind(')') - 1, 1) + ' ';
     }
-    EXPECT_EQ(caught, ways);
-    EXPECT_GE(ways.size(), 12U) << "six ways at least need nothing but what the test needs anyway";
+    return ways;
+}
+
+TEST_F(TestLayer, allWaysToComeByAFunctionAreCaught)
+{
+    const auto [tried, caught] = waysTriedAndCaught(Layer::Vendor);
+    EXPECT_EQ(caught, tried);
+    EXPECT_GE(tried.size(), 12U) << "six ways at least need nothing but what the test needs anyway";
+    if (!canPreload())
+        return;
+    const auto [triedAgain, preloaded] = waysTriedAndCaught(Layer::Preload);
+    EXPECT_EQ(triedAgain, tried);
+    EXPECT_EQ(preloaded + "9 ", tried) << "all but the loader's own dlsym(), which nothing can replace";
 }
 
 TEST_F(TestLayer, recordsCarryTheFrameThatTheyBelongTo)
@@ -228,6 +240,22 @@ TEST_F(TestLayer, wireframesShowEdgesAndNothingElseChanges)
     EXPECT_TRUE(errorsOf(layered).empty());
     EXPECT_TRUE(layered.recordsOf(static_cast<std::uint32_t>(Type::DebugMessage)).empty());
     EXPECT_EQ(layered.recordsOf(static_cast<std::uint32_t>(Type::Information)).size(), 1U);
+}
+
+TEST_F(TestLayer, patchesAreDrawnAsEverAndThatIsSaidOnce)
+{
+    LayeredProgram program({CORVALE_GLES_PROGRAM, "draw"}, Layer::Vendor);
+    const std::string patches = program.ask("patches");
+    const std::string indirect = program.ask("indirect-patches");
+    const std::string square = program.ask("arrays");
+    EXPECT_EQ(patches.substr(patches.find(' ')), square.substr(square.find(' ')));
+    program.setWireframe(true);
+    EXPECT_EQ(program.ask("indirect-patches"), indirect);
+    EXPECT_EQ(program.recordsOf(static_cast<std::uint32_t>(Type::Information)).size(), 1U);
+    EXPECT_EQ(program.ask("patches"), patches);
+    program.finish();
+    EXPECT_EQ(program.recordsOf(static_cast<std::uint32_t>(Type::Information)).size(), 1U);
+    EXPECT_TRUE(errorsOf(program).empty());
 }
 
 TEST(TestWireframe, edges)

@@ -1,5 +1,7 @@
 #include "EglEnumerants.h"
 #include "KeyTables.h"
+#include "LimitKeys.h"
+#include "Minima.h"
 
 #include <gtest/gtest.h>
 
@@ -139,6 +141,44 @@ TEST(KeyTables, kindsSayWhatValuesAre)
     EXPECT_EQ(valueKind(KeyKind::Size), ValueKind::Integer);
     EXPECT_TRUE(hasNames(ValueKind::Bit));
     EXPECT_FALSE(hasNames(ValueKind::Real));
+}
+
+TEST(LimitKeys, goOnWhereTheKeyTableEnds)
+{
+    std::set<std::string> elements;
+    visitLimitKeys([&](const ESCapabilityKey& key) {
+        ESCapabilityKeyNode node;
+        EXPECT_FALSE(findKeyNode(key.xmlName, &node) || findKeyNode(key.displayName, &node))
+            << key.xmlName.text;
+        EXPECT_TRUE(elements.insert(key.xmlName.text).second) << key.xmlName.text;
+        EXPECT_EQ(findCapability(key.xmlName), key);
+        EXPECT_EQ(findCapability(key.displayName), key);
+        EXPECT_EQ(capabilityEnumerant(key.xmlName.text), key.value);
+        for (const auto version : {gl::EsVersion::Es20, gl::EsVersion::Es30, gl::EsVersion::Es31}) {
+            EXPECT_TRUE(!gl::minimum(key.displayName.text, version) || key.versions.contains(version))
+                << key.displayName.text;
+        }
+    });
+    const auto kindOf = [](const char* name) {
+        return findCapability(ESCapabilityKey::XMLName{name})->kind;
+    };
+    EXPECT_EQ(kindOf("max_texture_size"), KeyKind::Size);
+    EXPECT_EQ(kindOf("max_3d_texture_size"), KeyKind::Size);
+    EXPECT_EQ(kindOf("max_texture_lod_bias"), KeyKind::Real);
+    EXPECT_EQ(kindOf("program_binary_format"), KeyKind::List);
+    EXPECT_EQ(findCapability(ESCapabilityKey::XMLName{"max_compute_work_group_size"})->children.size(), 3U);
+    EXPECT_FALSE(findCapability(ESCapabilityKey::XMLName{"width"})) << "a part";
+}
+
+TEST(LimitKeys, elementsAreCalledLikeTheirEnumerants)
+{
+    const std::vector<std::pair<const char*, std::optional<std::uint32_t>>> elements{
+        {"compressed_texture_format", 0x86A3}, {"program_binary_format", 0x87FF},
+        {"max_texture_max_anisotropy", 0x84FF}, {"max_views", 0x9631}, {"max_clip_planes", 0x0D32},
+        {"timestamp", 0x8E28}, {"alpha_bits", 0x0D55}, {"max_nothing", std::nullopt},
+        {"internal_format", std::nullopt}, {"Alpha_bits", std::nullopt}, {"", std::nullopt}};
+    for (const auto& [element, enumerant] : elements)
+        EXPECT_EQ(capabilityEnumerant(element), enumerant) << element;
 }
 
 TEST(KeyTables, versionsThatHaveACapability)

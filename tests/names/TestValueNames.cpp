@@ -66,8 +66,11 @@ TEST(ValueNames, capabilitiesHaveNamesByTheirKind)
     };
     EXPECT_EQ(name("max_texture_size", "4096"), "4096");
     EXPECT_EQ(name("height", "0"), "0");
-    EXPECT_EQ(name("max_uniform_block_size", "16384"), "16384") << "in no table";
-    EXPECT_EQ(name("program_binary_format", "6408"), "GL_RGBA") << "in no table";
+    EXPECT_EQ(name("max_uniform_block_size", "16384"), "16384");
+    EXPECT_EQ(name("program_binary_format", "6408"), "GL_RGBA");
+    EXPECT_EQ(name("max_texture_lod_bias", "2.5"), "2.5");
+    EXPECT_EQ(name("some_limit", "6408"), "6408") << "in no table";
+    EXPECT_EQ(name("some_format", "6408"), "GL_RGBA") << "in no table";
     EXPECT_EQ(name("compressed_texture_format", "36196"), "GL_ETC1_RGB8_OES");
     EXPECT_EQ(name("shader_compiler", " 1 "), "GL_TRUE");
 }
@@ -78,5 +81,5 @@ TEST(ValueNames, keysAndVersions)
     expectNames(
         value_names::esApi, {{"1", "OpenGL ES 1.1"}, {"20", "OpenGL ES 2.0"}, {"4", "4"}, {"x", "x"}});
     expectNames(value_names::esCapability,
-        {{"samples", "GL_SAMPLES"}, {"min", "min"}, {"program_binary_format", "program_binary_format"}});
+        {{"samples", "GL_SAMPLES"}, {"min", "min"}, {"program_binary_format", "GL_PROGRAM_BINARY_FORMATS"}});
 }

@@ -160,8 +160,12 @@ void drawLines(const Context& context, GLsizei count, const Draw& draw)
             gl::lines, count, gl::unsignedInt, nullptr);
 }
 
-bool isTriangles(GLenum mode)
+/// Whether it is a mode whose edges are known. That patches have none is told.
+bool hasEdges(Context& context, GLenum mode)
 {
+    constexpr GLenum patches = 0x000E;
+    if (mode == patches)
+        tellOnce(context, "tessellated patches cannot be turned into lines");
     return mode == gl::triangles || mode == gl::triangleStrip || mode == gl::triangleFan;
 }
 
@@ -200,10 +204,7 @@ bool wantsLines(const Context& context)
 
 bool drawAsLines(Context& context, const Draw& draw)
 {
-    constexpr GLenum patches = 0x000E;
-    if (draw.mode == patches)
-        tellOnce(context, "tessellated patches cannot be turned into lines");
-    if (!isTriangles(draw.mode) || draw.count < 3 || draw.instances < 1)
+    if (!hasEdges(context, draw.mode) || draw.count < 3 || draw.instances < 1)
         return false;
     if (draw.count > vertexLimit) {
         tellOnce(context, "it has more than four million vertices");
@@ -235,7 +236,7 @@ bool drawAsLines(Context& context, const Draw& draw)
 
 bool drawIndirectAsLines(Context& context, GLenum mode, GLenum indexType, const void* indirect)
 {
-    if (!isTriangles(mode))
+    if (!hasEdges(context, mode))
         return false;
     // Arrays: count, instances, first, base instance; elements: count, instances, first index, base vertex,
     // base instance.

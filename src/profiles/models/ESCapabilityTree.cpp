@@ -1,6 +1,6 @@
 #include "ESCapabilityTree.h"
 
-#include "KeyTables.h"
+#include "LimitKeys.h"
 #include "ProfileColumns.h"
 #include "ValueNames.h"
 
@@ -78,14 +78,13 @@ bool ESCapabilityTree::setData(const QModelIndex& index, const QVariant& value, 
 
 void ESCapabilityTree::addParts(const QModelIndex& capability)
 {
-    ESCapabilityKeyNode node;
-    const std::string name = item(capability)->text(KeyColumn);
-    if (!findKeyNode(ESCapabilityKey::XMLName{name}, &node) || node.children.empty())
+    const auto key = findCapability(ESCapabilityKey::XMLName{item(capability)->text(KeyColumn)});
+    if (!key || key->children.empty())
         return;
-    insertRows(0, static_cast<int>(node.children.size()), capability);
+    insertRows(0, static_cast<int>(key->children.size()), capability);
     int row = 0;
-    for (const ESCapabilityKeyNode& part : node.children)
-        setData(index(row++, KeyColumn, capability), QString::fromStdString(part.key.xmlName.text));
+    for (const ESCapabilityKey& part : key->children)
+        setData(index(row++, KeyColumn, capability), QString::fromStdString(part.xmlName.text));
 }
 
 std::unique_ptr<ProfileTreeItem> ESCapabilityTree::makeItem() const

@@ -1,6 +1,7 @@
 #include "ESCapabilityTreeView.h"
 
 #include "ESCapabilityTreeItemDelegate.h"
+#include "LimitKeys.h"
 #include "NewRowValues.h"
 #include "ProfileColumns.h"
 #include "UnusedKeys.h"
@@ -19,9 +20,8 @@ QString elementOf(const QString& entry)
     static const QRegularExpression enumerant(QStringLiteral("^GL_([A-Z][A-Z0-9_]*)$"));
     static const QRegularExpression element(QStringLiteral("^[A-Za-z_][A-Za-z0-9_.-]*$"));
     const QString name = entry.trimmed();
-    ESCapabilityKeyNode node;
-    if (findKeyNode(ESCapabilityKey::DisplayName{name.toStdString()}, &node) && node.key.value != 0)
-        return QString::fromStdString(node.key.xmlName.text);
+    if (const auto key = findCapability(ESCapabilityKey::DisplayName{name.toStdString()}))
+        return QString::fromStdString(key->xmlName.text);
     const QRegularExpressionMatch match = enumerant.match(name);
     if (match.hasMatch())
         return match.captured(1).toLower();
@@ -34,9 +34,8 @@ QString refusalFor(const QModelIndex& api, const QString& entry)
     // That one would be read as an extension.
     if (element.isEmpty() || element == QLatin1String("extension"))
         return ESCapabilityTreeView::tr("Enter the name of a limit, such as GL_MAX_SAMPLES or max_samples.");
-    ESCapabilityKeyNode node;
-    const bool isKnown = findKeyNode(ESCapabilityKey::XMLName{element.toStdString()}, &node);
-    if (isKnown && node.key.kind != KeyKind::List && keysBelow(api.model(), api).contains(element))
+    const auto key = findCapability(ESCapabilityKey::XMLName{element.toStdString()});
+    if (key && key->kind != KeyKind::List && keysBelow(api.model(), api).contains(element))
         return ESCapabilityTreeView::tr("%1 is there already. Choose another one.").arg(entry.trimmed());
     return {};
 }
@@ -69,16 +68,16 @@ void ESCapabilityTreeView::addCapabilityTriggered()
     if (!api.isValid())
         return;
     QStringList names;
-    ESCapabilityKeyNode node;
     for (const ESCapabilityKey::XMLName& name : unusedCapabilities(api)) {
-        if (findKeyNode(name, &node))
-            names << QString::fromStdString(node.key.displayName.text);
+        if (const auto key = findCapability(name))
+            names << QString::fromStdString(key->displayName.text);
     }
-    visitESCapabilityKeyNodes([&names](const ESCapabilityKeyNode& capability) {
-        const QString name = QString::fromStdString(capability.key.displayName.text);
-        if (capability.key.kind == KeyKind::List && !names.contains(name))
-            names << name;
-    });
+    // Another value of a list that is there already.
+    for (const QString& element : keysBelow(model(), api)) {
+        const auto key = findCapability(ESCapabilityKey::XMLName{element.toStdString()});
+        if (key && key->kind == KeyKind::List)
+            names << QString::fromStdString(key->displayName.text);
+    }
     const QString chosen = askForAny(tr("Add Capability"), tr("Select a capability"), names,
         [&api](const QString& name) { return refusalFor(api, name); });
     if (!chosen.isEmpty())

@@ -3,6 +3,7 @@
 #include "EglEnumerants.h"
 #include "GlEnumerants.h"
 #include "KeyTables.h"
+#include "LimitKeys.h"
 #include "Minima.h"
 
 #include <QLocale>
@@ -36,15 +37,16 @@ QString forCapability(const QString& element, gl::EsVersion version)
         {"compressed_texture_format", hasEtc2 ? "GL_COMPRESSED_RGB8_ETC2" : "GL_ETC1_RGB8_OES"},
         {"implementation_color_read_type", "GL_UNSIGNED_BYTE"},
         {"implementation_color_read_format", "GL_RGBA"},
+        {"program_binary_format", "GL_TSR_PROGRAM_BINARY_BWD"},
+        {"layer_provoking_vertex", "GL_FIRST_VERTEX_CONVENTION"},
     };
     if (const auto name = names.find(element); name != names.end())
         return QString::number(gl::enumerantValue(name->second).value_or(0));
     if (element == QLatin1String("sample_buffers") || element == QLatin1String("samples"))
         return QStringLiteral("0");
-    ESCapabilityKeyNode node;
     std::string enumerant = "GL_" + element.toUpper().toStdString();
-    if (findKeyNode(ESCapabilityKey::XMLName{element.toStdString()}, &node))
-        enumerant = node.key.displayName.text;
+    if (const auto key = findCapability(ESCapabilityKey::XMLName{element.toStdString()}))
+        enumerant = key->displayName.text;
     // 2.0 asks for a single pixel only, and nothing for viewports; the same as for textures is of more use.
     if (element == QLatin1String("max_renderbuffer_size") || element == QLatin1String("max_viewport_dims"))
         enumerant = "GL_MAX_TEXTURE_SIZE";

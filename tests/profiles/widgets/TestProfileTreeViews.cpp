@@ -301,8 +301,9 @@ void TestProfileTreeViews::namesAreTyped()
     show<widgets::ESCapabilityTreeView>(m_profile->capabilities());
     for (const char* name : {"GL_MAX_DRAW_BUFFERS", " max_color_attachments ", "max_lights"})
         add(at({0}), QStringLiteral("Add Capability"), QString::fromLatin1(name));
-    QCOMPARE(
-        keys(at({0})).mid(0, 3), QStringList({"GL_MAX_LIGHTS", "max_color_attachments", "max_draw_buffers"}));
+    add(at({0}), QStringLiteral("Add Capability"), QStringLiteral("GL_MAX_UNHEARD_OF"));
+    QCOMPARE(keys(at({0})).mid(0, 4),
+        QStringList({"max_unheard_of", "GL_MAX_LIGHTS", "GL_MAX_COLOR_ATTACHMENTS", "GL_MAX_DRAW_BUFFERS"}));
 
     const auto refuses = [this](const QModelIndex& where, const char* action, const char* name) {
         bool refused = false;
@@ -318,7 +319,7 @@ void TestProfileTreeViews::namesAreTyped()
         trigger(QString::fromLatin1(action));
         return refused && keys(where) == before;
     };
-    for (const char* name : {"", "1x", "a b", "extension", "GL_SAMPLES", "samples"})
+    for (const char* name : {"", "1x", "a b", "extension", "GL_SAMPLES", "samples", "GL_MAX_DRAW_BUFFERS"})
         QVERIFY2(refuses(at({0}), "Add Capability", name), name);
 
     show<widgets::ESExtensionTreeView>(m_profile->extensions());
@@ -354,6 +355,8 @@ void TestProfileTreeViews::newRowsAreLegal_data()
     row(1, "GL_MAX_UNIFORM_BLOCK_SIZE", "16384");
     row(1, "GL_COMPRESSED_TEXTURE_FORMATS", "37492");
     row(1, "GL_MAX_VIEWPORT_DIMS", "2048");
+    row(1, "GL_MAX_TEXTURE_LOD_BIAS", "2");
+    row(1, "GL_MAX_COMPUTE_WORK_GROUP_SIZE", "1");
 }
 
 void TestProfileTreeViews::newRowsAreLegal()

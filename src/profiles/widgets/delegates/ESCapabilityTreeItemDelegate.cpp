@@ -3,6 +3,7 @@
 #include "ESSelectors.h"
 #include "GlEnumerants.h"
 #include "ImageFormatSelector.h"
+#include "LimitKeys.h"
 #include "Numbers.h"
 #include "ProfileColumns.h"
 #include "UnusedKeys.h"
@@ -16,12 +17,6 @@ namespace {
 std::string keyText(const QModelIndex& index)
 {
     return index.siblingAtColumn(KeyColumn).data(Qt::EditRole).toString().toStdString();
-}
-
-std::optional<ESCapabilityKey> capability(const ESCapabilityKey::XMLName& name)
-{
-    ESCapabilityKeyNode node;
-    return findKeyNode(name, &node) ? std::optional(node.key) : std::nullopt;
 }
 
 std::set<std::string> partsOf(const ESCapabilityKey& key)
@@ -41,7 +36,7 @@ QStringList keysFor(const QModelIndex& row)
         parts.insert(keyText(row.model()->index(i, KeyColumn, row)));
     QStringList names;
     for (const ESCapabilityKey::XMLName& name : unusedCapabilities(row.parent())) {
-        const std::optional<ESCapabilityKey> key = capability(name);
+        const std::optional<ESCapabilityKey> key = findCapability(name);
         if (isNew || (key && partsOf(*key) == parts))
             names += QString::fromStdString(name.text);
     }
@@ -53,11 +48,11 @@ std::optional<ValueKind> valueKindOf(const QModelIndex& index, int level)
 {
     const std::string name = keyText(index);
     if (level == 1) {
-        const std::optional<ESCapabilityKey> key = capability({name});
+        const std::optional<ESCapabilityKey> key = findCapability(ESCapabilityKey::XMLName{name});
         return key ? std::optional(valueKind(key->kind)) : std::nullopt;
     }
     const std::optional<ESCapabilityKey> whole =
-        level == 2 ? capability({keyText(index.parent())}) : std::nullopt;
+        level == 2 ? findCapability(ESCapabilityKey::XMLName{keyText(index.parent())}) : std::nullopt;
     return whole && partsOf(*whole).contains(name) ? std::optional(valueKind(whole->kind)) : std::nullopt;
 }
 
@@ -88,9 +83,8 @@ QWidget* makeValueSelector(QWidget* parent, const QModelIndex& index)
         return new ImageFormatSelector(parent, Use::CompressedTexture, current);
     if (key == "shader_binary_format")
         return new ShaderBinaryFormatSelector(parent, current);
-    if (key == "shader_compiler")
-        return new ESTrueFalseSelector(parent, current);
-    return nullptr;
+    const auto known = findCapability(ESCapabilityKey::XMLName{key});
+    return known && known->kind == KeyKind::Boolean ? new ESTrueFalseSelector(parent, current) : nullptr;
 }
 
 } // namespace
@@ -102,7 +96,8 @@ QWidget* ESCapabilityTreeItemDelegate::makeEditor(QWidget* parent, const QModelI
         return ESTreeItemDelegate::makeEditor(parent, index);
     if (index.column() == KeyColumn)
         return level == 1 ? new ESCapabilitySelector(parent, keysFor(index), storedText(index)) : nullptr;
-    const std::optional<ESCapabilityKey> key = level == 1 ? capability({keyText(index)}) : std::nullopt;
+    const std::optional<ESCapabilityKey> key =
+        level == 1 ? findCapability(ESCapabilityKey::XMLName{keyText(index)}) : std::nullopt;
     // The value of a row with parts is its parts.
     if (index.model()->hasChildren(keyOf(index)) || (key && !key->children.empty()))
         return nullptr;

@@ -1,6 +1,7 @@
 #include "UnusedKeys.h"
 
 #include "ExtensionCatalogue.h"
+#include "LimitKeys.h"
 #include "ProfileColumns.h"
 
 #include <algorithm>
@@ -45,6 +46,14 @@ std::set<ESCapabilityKey::XMLName> unusedCapabilities(const QModelIndex& api)
     visitESCapabilityKeyNodes([&](const ESCapabilityKeyNode& node) {
         if (!used.contains(QString::fromStdString(node.key.xmlName.text)))
             unused.insert(node.key.xmlName);
+    });
+    esapi::API known;
+    if (!esapi::findAPI(api.data(Qt::EditRole).toInt(), &known))
+        return unused;
+    visitLimitKeys([&](const ESCapabilityKey& key) {
+        if (key.versions.contains(known.esVersion())
+            && !used.contains(QString::fromStdString(key.xmlName.text)))
+            unused.insert(key.xmlName);
     });
     return unused;
 }

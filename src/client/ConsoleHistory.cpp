@@ -1,0 +1,284 @@
+#include "ConsoleHistory.h"
+
+#include "ConsoleFollower.h"
+#include "ConsoleSpool.h"
+#include "TextViewPlace.h"
+
+#include <QKeyEvent>
+#include <QScrollBar>
+#include <QTextBlock>
+#include <QTextEdit>
+
+#include <algorithm>
+#include <deque>
+#include <iterator>
+
+namespace {
+
+/// Weight of the entries that a window has before and behind the reader's place, at least and at most.
+/// Measured: 600 entries are written and laid out in 30 to 45 ms.
+constexpr int leastHalf = 200;
+constexpr int mostHalf = 300;
+
+int linesOf(const QTextEdit& view)
+{
+    return view.viewport()->height() / std::max(1, view.fontMetrics().lineSpacing()) + 1;
+}
+
+/// The text at a height of the view. In its middle, as beside a frame it would be the frame's start.
+QTextCursor cursorAt(const QTextEdit& view, int y)
+{
+    return view.cursorForPosition(QPoint(view.viewport()->width() / 2, y));
+}
+
+bool isSeparator(QChar character)
+{
+    constexpr char16_t frameStart = 0xFDD0;
+    constexpr char16_t frameEnd = 0xFDD1;
+    return character == QChar::ParagraphSeparator || character == frameStart || character == frameEnd;
+}
+
+} // namespace
+
+ConsoleHistory::ConsoleHistory(
+    QTextEdit* view, ConsoleSpool& spool, ConsoleFollower& follower, ConsoleDocument& liveDocument)
+    : m_view(view)
+    , m_spool(spool)
+    , m_follower(follower)
+    , m_live(liveDocument)
+    , m_window(view->document())
+{
+    m_window.setPalette(view->palette());
+    view->installEventFilter(this);
+    view->viewport()->installEventFilter(this);
+    view->viewport()->setMouseTracking(true);
+    connect(&follower, &ConsoleFollower::readerMoved, this, &ConsoleHistory::extend);
+}
+
+void ConsoleHistory::rewrite(const QPalette& palette)
+{
+    m_window.setPalette(palette);
+    if (m_isShown)
+        m_window.rewrite();
+}
+
+/// Brings more entries when the reader has come near to the end of those that are shown.
+void ConsoleHistory::extend()
+{
+    const QScrollBar& bar = *m_view->verticalScrollBar();
+    if (m_follower.isFollowing() || m_follower.isHeld() || bar.isSliderDown())
+        return;
+    const bool needsEarlier =
+        bar.value() < bar.pageStep() && document().hasEarlier() && (m_isShown || !m_live.isFillable());
+    const bool needsLater = document().isClosed() && isNearEnd();
+    if (!needsEarlier && !needsLater)
+        return;
+    const int y = needsEarlier ? 0 : m_view->viewport()->height() - 1;
+    const QTextCursor cursor = cursorAt(*m_view, y);
+    if (const std::optional<std::uint64_t> serial = document().serialAt(cursor.position())) {
+        const std::optional<ConsoleDocument::Range> range = rangeOf(*serial);
+        QTextCursor start(m_view->document());
+        start.setPosition(range ? textStart(*range) : cursor.position());
+        showAround(*serial, m_view->cursorRect(start).top());
+    }
+}
+
+bool ConsoleHistory::isNearEnd() const
+{
+    const QTextCursor bottom = cursorAt(*m_view, m_view->viewport()->height() - 1);
+    return m_view->document()->blockCount() - bottom.blockNumber() < linesOf(*m_view);
+}
+
+int ConsoleHistory::halfWeight() const
+{
+    return std::clamp(2 * linesOf(*m_view), leastHalf, mostHalf);
+}
+
+/// Entries of a given weight before an entry, and as many behind it.
+std::vector<ConsoleItem> ConsoleHistory::itemsAround(std::uint64_t serial, int weight, bool& reachesEnd) const
+{
+    const auto before = std::min(serial - m_spool.firstSerial(), static_cast<std::uint64_t>(weight));
+    ConsoleSpool::Reader reader(m_spool, serial - before);
+    std::deque<ConsoleItem> items;
+    int weightBefore = 0;
+    int weightBehind = 0;
+    std::string_view entry;
+    reachesEnd = true;
+    while (reader.next(entry)) {
+        if (weightBehind >= weight) {
+            reachesEnd = false;
+            break;
+        }
+        const bool isBefore = reader.serial() < serial;
+        (isBefore ? weightBefore : weightBehind) += console_entry::weight(entry);
+        // The line that stands for missing entries takes the place of the last of them.
+        items.push_back(
+            {std::string(entry), reader.isEntry() ? reader.serial() : reader.serial() - 1, reader.stamp()});
+        while (isBefore && weightBefore > weight && items.size() > 1) {
+            weightBefore -= console_entry::weight(items.front().bytes);
+            items.pop_front();
+        }
+    }
+    return {std::make_move_iterator(items.begin()), std::make_move_iterator(items.end())};
+}
+
+/// Shows a window around an entry, whose text begins at a given height in the view.
+void ConsoleHistory::showAround(std::uint64_t serial, int y)
+{
+    const QTextCursor cursor = m_view->textCursor();
+    const Selection selection{placeOf(cursor.anchor()), placeOf(cursor.position())};
+    bool reachesEnd = true;
+    std::vector<ConsoleItem> items = itemsAround(serial, halfWeight(), reachesEnd);
+    if (reachesEnd) {
+        m_isShown = false;
+        m_live.restart(2 * halfWeight());
+    } else {
+        const std::uint64_t first = items.front().serial;
+        m_live.release();
+        m_isShown = true;
+        m_window.show(std::move(items), first - m_spool.firstSerial(), m_spool.outlineBefore(first));
+        m_window.close(tr("Newer entries have arrived. Tick \"Auto-scroll\" to see them."));
+    }
+    if (const std::optional<int> position = positionOf(selection.position)) {
+        QTextCursor restored(m_view->document());
+        restored.setPosition(positionOf(selection.anchor).value_or(*position));
+        restored.setPosition(*position, QTextCursor::KeepAnchor);
+        m_view->setTextCursor(restored);
+    }
+    if (const std::optional<ConsoleDocument::Range> range = rangeOf(serial)) {
+        QTextCursor start(m_view->document());
+        start.setPosition(textStart(*range));
+        if (!positionOf(selection.position))
+            m_view->setTextCursor(start);
+        TextViewPlace(m_view, start, y).restore();
+    }
+    if (reachesEnd)
+        Q_EMIT liveShown();
+}
+
+bool ConsoleHistory::bringEntry(std::uint64_t serial)
+{
+    if (serial < m_spool.firstSerial() || serial >= m_spool.endSerial())
+        return false;
+    m_follower.stopFollowing();
+    if (!rangeOf(serial))
+        showAround(serial, m_view->viewport()->height() / 3);
+    return true;
+}
+
+bool ConsoleHistory::showEntry(std::uint64_t serial)
+{
+    if (!bringEntry(serial))
+        return false;
+    selectEntry(serial);
+    return true;
+}
+
+void ConsoleHistory::selectEntry(std::uint64_t serial)
+{
+    const std::optional<ConsoleDocument::Range> range = rangeOf(serial);
+    if (!range)
+        return; // Its text is missing, as the disk had no room for it.
+    const QTextDocument& text = *m_view->document();
+    const int start = textStart(*range);
+    int end = range->end;
+    while (end > start && isSeparator(text.characterAt(end - 1)))
+        --end;
+    QTextCursor cursor(m_view->document());
+    // The cursor, which the view makes visible, is to stand at the start.
+    cursor.setPosition(end);
+    cursor.setPosition(start, QTextCursor::KeepAnchor);
+    m_view->setTextCursor(cursor);
+    const QRect at = m_view->cursorRect(cursor);
+    if (!m_view->viewport()->rect().contains(at.topLeft()) || at.bottom() > m_view->viewport()->height())
+        TextViewPlace(m_view, cursor, m_view->viewport()->height() / 3).restore();
+}
+
+std::optional<ConsoleDocument::Range> ConsoleHistory::rangeOf(std::uint64_t serial) const
+{
+    return document().rangeOf(serial);
+}
+
+std::optional<std::uint64_t> ConsoleHistory::topEntry() const
+{
+    return document().serialAt(cursorAt(*m_view, 0).position());
+}
+
+/// Where the text of an entry begins, behind the line break or the frame before it.
+int ConsoleHistory::textStart(const ConsoleDocument::Range& range) const
+{
+    int start = range.start;
+    while (start < range.end && isSeparator(m_view->document()->characterAt(start)))
+        ++start;
+    return start;
+}
+
+std::optional<ConsoleHistory::Place> ConsoleHistory::placeOf(int position) const
+{
+    const std::optional<std::uint64_t> serial = document().serialAt(position);
+    const std::optional<ConsoleDocument::Range> range = serial ? rangeOf(*serial) : std::nullopt;
+    if (!range || position < range->start)
+        return {};
+    return Place{*serial, position - range->start};
+}
+
+std::optional<int> ConsoleHistory::positionOf(const std::optional<Place>& place) const
+{
+    const std::optional<ConsoleDocument::Range> range = place ? rangeOf(place->serial) : std::nullopt;
+    if (!range)
+        return {};
+    return std::min(range->start + place->offset, range->end);
+}
+
+bool ConsoleHistory::eventFilter(QObject* watched, QEvent* event)
+{
+    switch (event->type()) {
+    case QEvent::KeyPress:
+        if (watched == m_view && keyPressed(static_cast<const QKeyEvent&>(*event)))
+            return true;
+        break;
+    case QEvent::MouseMove: {
+        const QPoint place = static_cast<const QMouseEvent*>(event)->position().toPoint();
+        const bool isLink = !m_view->anchorAt(place).isEmpty();
+        m_view->viewport()->setCursor(isLink ? Qt::PointingHandCursor : Qt::IBeamCursor);
+        break;
+    }
+    case QEvent::MouseButtonRelease:
+        followLink(static_cast<const QMouseEvent&>(*event));
+        break;
+    default:
+        break;
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+/// Ctrl+Home and Ctrl+End go to the ends of the whole console, not only of what is shown.
+bool ConsoleHistory::keyPressed(const QKeyEvent& event)
+{
+    if (event.matches(QKeySequence::MoveToStartOfDocument) && document().hasEarlier()) {
+        m_follower.stopFollowing();
+        m_view->moveCursor(QTextCursor::Start);
+        showAround(m_spool.firstSerial(), 0);
+        m_view->moveCursor(QTextCursor::Start);
+        return true;
+    }
+    if (event.matches(QKeySequence::MoveToEndOfDocument)) {
+        Q_EMIT endWanted();
+        return true;
+    }
+    return false;
+}
+
+void ConsoleHistory::followLink(const QMouseEvent& event)
+{
+    const QPoint place = event.position().toPoint();
+    if (event.button() != Qt::LeftButton || m_view->textCursor().hasSelection()
+        || m_view->anchorAt(place) != QLatin1String(ConsoleDocument::earlierLink))
+        return;
+    // What was the first entry comes to the bottom of the view, with those before it above.
+    const std::optional<std::uint64_t> first = document().serialAt(0);
+    if (!first || *first == m_spool.firstSerial())
+        return;
+    m_follower.stopFollowing();
+    showAround(*first - 1, m_view->viewport()->height() - 2 * m_view->fontMetrics().lineSpacing());
+}

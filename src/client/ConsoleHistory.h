@@ -1,0 +1,86 @@
+#pragma once
+
+#include "ConsoleDocument.h"
+
+#include <QObject>
+
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+class ConsoleFollower;
+class ConsoleSpool;
+class QKeyEvent;
+class QMouseEvent;
+class QTextCursor;
+class QTextEdit;
+
+/// Brings entries of the spool back to a reader of the console, wherever they are: when the reader scrolls
+/// beyond what is shown, clicks on the line that counts the earlier entries, or asks for an entry.
+///
+/// It shows a window of a few hundred entries around the reader's place, and writes that anew when the reader
+/// comes to its end. Where the window would reach the newest entries, the live document shows them instead.
+class ConsoleHistory : public QObject {
+    Q_OBJECT
+
+public:
+    /// All of these live at least as long.
+    ConsoleHistory(
+        QTextEdit* view, ConsoleSpool& spool, ConsoleFollower& follower, ConsoleDocument& liveDocument);
+
+    /// True while a window of earlier entries is shown, so that the live document cannot be written.
+    bool isShown() const { return m_isShown; }
+    /// Another writes into the text document from now on.
+    void leave() { m_isShown = false; }
+    void rewrite(const QPalette& palette);
+
+    /// Shows an entry, and selects its text. False when the console has none of this serial number (any
+    /// more).
+    bool showEntry(std::uint64_t serial);
+    /// Shows an entry, without selecting it.
+    bool bringEntry(std::uint64_t serial);
+    /// The text of an entry in the view's document, where it is there.
+    std::optional<ConsoleDocument::Range> rangeOf(std::uint64_t serial) const;
+    /// The entry at the top of the view.
+    std::optional<std::uint64_t> topEntry() const;
+
+Q_SIGNALS:
+    /// The live document has been written anew, and can be filled up.
+    void liveShown();
+    /// The reader asks for the end of the console.
+    void endWanted();
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    /// A position in the text of an entry.
+    struct Place {
+        std::uint64_t serial = 0;
+        int offset = 0;
+    };
+    struct Selection {
+        std::optional<Place> anchor;
+        std::optional<Place> position;
+    };
+
+    const ConsoleDocument& document() const { return m_isShown ? m_window : m_live; }
+    void extend();
+    bool isNearEnd() const;
+    void showAround(std::uint64_t serial, int y);
+    std::vector<ConsoleItem> itemsAround(std::uint64_t serial, int weight, bool& reachesEnd) const;
+    int halfWeight() const;
+    std::optional<Place> placeOf(int position) const;
+    std::optional<int> positionOf(const std::optional<Place>& place) const;
+    int textStart(const ConsoleDocument::Range& range) const;
+    void selectEntry(std::uint64_t serial);
+    bool keyPressed(const QKeyEvent& event);
+    void followLink(const QMouseEvent& event);
+
+    QTextEdit* m_view;
+    ConsoleSpool& m_spool;
+    ConsoleFollower& m_follower;
+    ConsoleDocument& m_live;
+    ConsoleDocument m_window;
+    bool m_isShown = false;
+};

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "ErrorFilter.h"
+#include "ErrorListArrangement.h"
+
+#include <QSortFilterProxyModel>
+#include <QTimer>
+
+class ErrorListModel;
+
+/// Shows the rows of an ErrorListModel that the boxes of the severities and the filter let through, in the
+/// order of arrival or sorted by a column; rows of any other severity never.
+///
+/// The rows are found in steps of the event loop, which a QSortFilterProxyModel could not do, so everything
+/// that it does for that is replaced here. Another choice resets the model at once, with what was found in
+/// some milliseconds; more rows are told as they are found, and settled() when all are.
+class ErrorListFilterProxyModel : public QSortFilterProxyModel {
+    Q_OBJECT
+
+public:
+    explicit ErrorListFilterProxyModel(QObject* parent = nullptr);
+
+    void setShowErrors(bool show);
+    void setShowWarnings(bool show);
+    void setFilter(const ErrorFilter& filter);
+    const ErrorFilter& filter() const { return m_filter; }
+
+    /// Whether everything is shown that is to be.
+    bool isSettled() const { return !m_timer.isActive(); }
+    bool isByArrival() const { return m_arrangement.isByArrival(); }
+    /// The row of the source that a row shows.
+    int sourceRow(int row) const
+    {
+        return static_cast<int>(m_arrangement.shown()[static_cast<std::size_t>(row)]);
+    }
+    /// The row that shows one of the source, -1 where none does.
+    int rowOf(int sourceRow) const { return m_arrangement.placeOf(static_cast<std::uint32_t>(sourceRow)); }
+    /// The list behind the filter, if it is one of errors.
+    const ErrorListModel* errors() const { return m_errors; }
+
+    void setSourceModel(QAbstractItemModel* model) override;
+    QModelIndex mapToSource(const QModelIndex& index) const override;
+    QModelIndex mapFromSource(const QModelIndex& index) const override;
+    QModelIndex index(int row, int column, const QModelIndex& parent = QModelIndex()) const override;
+    QModelIndex parent(const QModelIndex& index) const override;
+    QModelIndex sibling(int row, int column, const QModelIndex& index) const override;
+    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex& parent = QModelIndex()) const override;
+    bool hasChildren(const QModelIndex& parent = QModelIndex()) const override;
+    bool canFetchMore(const QModelIndex& parent) const override;
+    void fetchMore(const QModelIndex& parent) override;
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+    Qt::ItemFlags flags(const QModelIndex& index) const override;
+    /// Column -1 stands for the order of arrival.
+    void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
+
+Q_SIGNALS:
+    /// All rows are found, after a time in which they were not.
+    void settled();
+
+protected:
+    bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
+
+private:
+    void change(bool& flag, bool value);
+    void arrangeAnew();
+    void rowsArrived();
+    void work();
+    void publish();
+
+    const ErrorListModel* m_errors = nullptr;
+    bool m_showWarnings = true;
+    bool m_showErrors = true;
+    ErrorFilter m_filter;
+    ErrorListArrangement::Order m_order;
+    ErrorListArrangement m_arrangement;
+    QTimer m_timer; ///< Runs while there is something to do.
+};

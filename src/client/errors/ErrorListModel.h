@@ -1,0 +1,53 @@
+#pragma once
+
+#include "ErrorList.h"
+#include "TextPool.h"
+
+#include <QAbstractTableModel>
+#include <QIcon>
+
+#include <deque>
+
+/// The problems that a client reported, oldest first. Rows are only ever appended, and there may be millions,
+/// so each is kept in few bytes. Cells answer the display role alone; the vertical header shows each row's
+/// severity as an icon.
+class ErrorListModel : public QAbstractTableModel {
+    Q_OBJECT
+
+public:
+    ErrorListModel(const QIcon& info, const QIcon& warning, const QIcon& error, QObject* parent = nullptr);
+
+    void append(qint32 severity, qint32 frame, const QString& code, const QString& description,
+        const QString& function);
+    /// Removes all rows.
+    void clear();
+
+    /// The severity of a row that exists.
+    qint32 severity(int row) const;
+    /// A row that exists.
+    error_list::Row row(int row) const;
+    /// A number for the text in one of the columns of texts: rows with the same number have the same text.
+    TextPool::Reference textNumber(int row, error_list::Column column) const;
+
+    int rowCount(const QModelIndex& parent = QModelIndex()) const override;
+    int columnCount(const QModelIndex& parent = QModelIndex()) const override;
+    QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+    QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+
+private:
+    struct StoredRow {
+        qint32 severity;
+        qint32 frame; ///< Negative where the problem belongs to no frame.
+        TextPool::Reference code; ///< Name of the GL error, empty where there is none.
+        TextPool::Reference description;
+        TextPool::Reference function; ///< API function that raised it, empty where none is known.
+    };
+
+    QString text(TextPool::Reference reference) const;
+
+    QIcon m_info;
+    QIcon m_warning;
+    QIcon m_error;
+    TextPool m_texts;
+    std::deque<StoredRow> m_rows;
+};

@@ -1,0 +1,226 @@
+#include "SessionReader.h"
+
+#include "Hash.h"
+#include "PackedPayload.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <limits>
+
+#include <unistd.h>
+#include <zstd.h>
+
+namespace sessions {
+
+namespace {
+
+/// Blocks that a file may have; their heads are kept in memory.
+constexpr std::size_t blockLimit = 2'000'000;
+
+constexpr const char* recordsDamaged = "Some records of the session are damaged and left out.";
+
+} // namespace
+
+struct SessionReader::Decompressor {
+    ZSTD_DCtx* context = ZSTD_createDCtx();
+
+    Decompressor() = default;
+    ~Decompressor() { ZSTD_freeDCtx(context); }
+    Decompressor(const Decompressor&) = delete;
+    Decompressor& operator=(const Decompressor&) = delete;
+};
+
+SessionReader::SessionReader() = default;
+SessionReader::~SessionReader() = default;
+
+bool SessionReader::open(const std::filesystem::path& path)
+{
+    platform::OpenedFile file = platform::openForReading(path, std::numeric_limits<std::size_t>::max());
+    m_reason = file.reason;
+    if (!file.stream)
+        return false;
+    m_file = std::move(file.stream);
+    m_damage.clear();
+    m_clients.clear();
+    m_blocks.clear();
+    m_recordCount = 0;
+    m_decompressor = std::make_unique<Decompressor>();
+    if (!readHead())
+        return false;
+    readBlockHeads();
+    return true;
+}
+
+bool SessionReader::readHead()
+{
+    std::string bytes;
+    if (!readBytes(0, format::fileHeadSize, bytes)) {
+        m_reason = "it is no session: it is too short";
+        return false;
+    }
+    format::ByteSource source(bytes);
+    if (source.bytes(format::magic.size()) != format::magic) {
+        m_reason = "it is no session";
+        return false;
+    }
+    if (source.u32() != format::version) {
+        m_reason = "it is a session of a later version, which this program cannot read";
+        return false;
+    }
+    source.u32();
+    // A calendar does not hold all of them.
+    constexpr std::uint64_t latest = std::uint64_t{1} << 53U;
+    m_begin = std::chrono::system_clock::time_point(
+        std::chrono::microseconds(static_cast<std::int64_t>(std::min(source.number(8), latest))));
+    return true;
+}
+
+void SessionReader::readBlockHeads()
+{
+    std::string bytes;
+    for (std::uint64_t place = format::fileHeadSize;;) {
+        if (!readBytes(place, format::blockHeadSize, bytes)) {
+            if (!bytes.empty())
+                noteDamage("The end of the session is missing.");
+            return;
+        }
+        const std::optional<format::BlockHead> head = format::BlockHead::fromBytes(bytes);
+        if (!head) {
+            noteDamage("The session is damaged; what follows after " + std::to_string(m_recordCount)
+                + " records cannot be read.");
+            return;
+        }
+        place += format::blockHeadSize;
+        // Only its last byte: that costs no time and tells whether the block is there.
+        if (head->storedSize > 0 && !readBytes(place + head->storedSize - 1, 1, bytes)) {
+            noteDamage("The end of the session is missing.");
+            return;
+        }
+        if (m_blocks.size() >= blockLimit) {
+            noteDamage("The session is too long to be read whole.");
+            return;
+        }
+        if (head->kind == format::recordsBlock) {
+            m_blocks.push_back({place, m_recordCount, *head});
+            m_recordCount += head->count;
+        } else if (head->kind == format::clientBlock) {
+            takeClient(*head, place);
+        } else if (head->kind == format::endBlock) {
+            takeEnd(*head, place);
+        }
+        place += head->storedSize;
+    }
+}
+
+void SessionReader::takeClient(const format::BlockHead& head, std::uint64_t place)
+{
+    if (!content(head, place, m_content))
+        return;
+    format::ByteSource source(m_content);
+    SessionClient client;
+    client.number = source.u32();
+    client.pid = source.u32();
+    client.begin = SessionTime(static_cast<std::int64_t>(source.number(8)));
+    client.name = source.text();
+    client.device = source.text();
+    if (!source.ok() || client.number >= format::clientLimit) {
+        noteDamage("The session has a process that is damaged.");
+        return;
+    }
+    // There is a gap where a block is damaged.
+    for (std::size_t number = m_clients.size(); number <= client.number; ++number)
+        m_clients.emplace_back().number = static_cast<std::uint32_t>(number);
+    m_clients[client.number] = std::move(client);
+}
+
+void SessionReader::takeEnd(const format::BlockHead& head, std::uint64_t place)
+{
+    if (!content(head, place, m_content))
+        return;
+    format::ByteSource source(m_content);
+    const std::uint32_t number = source.u32();
+    const std::uint32_t end = source.u32();
+    const SessionTime time(static_cast<std::int64_t>(source.number(8)));
+    std::string text = source.text();
+    if (!source.ok() || number >= m_clients.size() || end > static_cast<std::uint32_t>(ClientEnd::Lost)) {
+        noteDamage("The session has a process whose end is damaged.");
+        return;
+    }
+    SessionClient& client = m_clients[number];
+    client.end = static_cast<ClientEnd>(end);
+    client.endTime = time;
+    client.endText = std::move(text);
+}
+
+std::size_t SessionReader::blockOf(std::uint64_t record) const
+{
+    const auto after = std::upper_bound(m_blocks.begin(), m_blocks.end(), record,
+        [](std::uint64_t number, const Block& block) { return number < block.firstRecord; });
+    return after == m_blocks.begin() ? 0 : static_cast<std::size_t>(after - m_blocks.begin()) - 1;
+}
+
+bool SessionReader::read(std::size_t block, const Take& take)
+{
+    const Block& which = m_blocks.at(block);
+    if (!content(which.head, which.place, m_content))
+        return false;
+    format::ByteSource source(m_content);
+    for (std::uint32_t i = 0; i < which.head.count; ++i) {
+        const auto size = static_cast<std::size_t>(source.number(2));
+        SessionRecord record;
+        record.record.type = static_cast<std::uint32_t>(source.number(2));
+        record.client = source.u32();
+        record.record.frame = source.u32();
+        record.time = SessionTime(static_cast<std::int64_t>(source.number(8)));
+        const std::string_view packed = source.bytes(size);
+        if (!source.ok() || record.client >= m_clients.size()) {
+            noteDamage(recordsDamaged);
+            return false;
+        }
+        unpackPayload(record.record.type, packed, m_payload);
+        record.record.payload = m_payload;
+        take(record);
+    }
+    return true;
+}
+
+bool SessionReader::content(const format::BlockHead& head, std::uint64_t place, std::string& to)
+{
+    const bool isStored = head.size == head.storedSize;
+    std::string& stored = isStored ? to : m_stored;
+    bool isWhole = readBytes(place, head.storedSize, stored) && platform::fnv1(stored) == head.checksum;
+    if (isWhole && !isStored) {
+        to.resize(head.size);
+        isWhole =
+            ZSTD_decompressDCtx(m_decompressor->context, to.data(), to.size(), stored.data(), stored.size())
+            == head.size;
+    }
+    if (!isWhole)
+        noteDamage(recordsDamaged);
+    return isWhole;
+}
+
+bool SessionReader::readBytes(std::uint64_t place, std::size_t size, std::string& to) const
+{
+    to.resize(size);
+    std::size_t done = 0;
+    while (done < size) {
+        const ssize_t count =
+            pread(fileno(m_file.get()), to.data() + done, size - done, static_cast<off_t>(place + done));
+        if (count < 0 && errno == EINTR)
+            continue;
+        if (count <= 0)
+            break;
+        done += static_cast<std::size_t>(count);
+    }
+    to.resize(done);
+    return done == size;
+}
+
+void SessionReader::noteDamage(const std::string& text)
+{
+    if (m_damage.empty())
+        m_damage = text;
+}
+
+} // namespace sessions

@@ -1,0 +1,215 @@
+#include "SessionWriter.h"
+
+#include "FileErrors.h"
+#include "Hash.h"
+#include "PackedPayload.h"
+
+#include <array>
+#include <cerrno>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <zstd.h>
+
+namespace sessions {
+
+namespace {
+
+/// A block is written when it has as many bytes: few enough to be read within some milliseconds.
+constexpr std::size_t blockSize = std::size_t{256} << 10U;
+constexpr int compressionLevel = 1;
+/// What is not worth compressing.
+constexpr std::size_t smallBlock = 256;
+
+/// Whether a file may be replaced by a session: nothing is lost of what is empty or a session itself.
+bool mayReplace(int file, off_t size)
+{
+    std::array<char, format::magic.size()> start{};
+    return size == 0
+        || (pread(file, start.data(), start.size(), 0) == ssize_t{start.size()}
+            && std::string_view(start.data(), start.size()) == format::magic);
+}
+
+} // namespace
+
+struct SessionWriter::Compressor {
+    ZSTD_CCtx* context = ZSTD_createCCtx();
+    std::string output = std::string(ZSTD_compressBound(format::blockLimit), '\0');
+
+    Compressor() = default;
+    ~Compressor() { ZSTD_freeCCtx(context); }
+    Compressor(const Compressor&) = delete;
+    Compressor& operator=(const Compressor&) = delete;
+
+    /// The content as it is to be stored.
+    std::string_view compress(std::string_view content)
+    {
+        if (content.size() < smallBlock)
+            return content;
+        const std::size_t size = ZSTD_compressCCtx(
+            context, output.data(), output.size(), content.data(), content.size(), compressionLevel);
+        if (ZSTD_isError(size) != 0 || size >= content.size())
+            return content;
+        return {output.data(), size};
+    }
+};
+
+SessionWriter::SessionWriter() = default;
+
+SessionWriter::~SessionWriter()
+{
+    if (m_file >= 0)
+        close();
+}
+
+bool SessionWriter::open(const std::filesystem::path& path)
+{
+    return open(path, std::chrono::system_clock::now());
+}
+
+bool SessionWriter::open(const std::filesystem::path& path, std::chrono::system_clock::time_point begin)
+{
+    if (!openFile(path))
+        return false;
+    m_compressor = std::make_unique<Compressor>();
+    m_begin = std::chrono::steady_clock::now();
+    std::string head(format::magic);
+    format::putNumber(head, format::version, 4);
+    format::putNumber(head, 0, 4);
+    const auto sinceEpoch = std::chrono::duration_cast<std::chrono::microseconds>(begin.time_since_epoch());
+    format::putNumber(head, static_cast<std::uint64_t>(sinceEpoch.count()), 8);
+    write(head);
+    return ok();
+}
+
+bool SessionWriter::openFile(const std::filesystem::path& path)
+{
+    constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    m_file = ::open(path.c_str(), flags, 0666);
+    struct stat status { };
+    const bool isOpen = m_file >= 0 && fstat(m_file, &status) == 0;
+    if (isOpen && !S_ISREG(status.st_mode))
+        m_reason = "it is no regular file";
+    else if (isOpen && !mayReplace(m_file, status.st_size))
+        m_reason = "the file that is there is no session, and is not replaced";
+    else if (!isOpen || ftruncate(m_file, 0) != 0)
+        m_reason = platform::errorText(errno);
+    if (m_reason.empty())
+        return true;
+    if (m_file >= 0)
+        ::close(m_file);
+    m_file = -1;
+    return false;
+}
+
+SessionTime SessionWriter::now() const
+{
+    return std::chrono::duration_cast<SessionTime>(std::chrono::steady_clock::now() - m_begin);
+}
+
+std::uint32_t SessionWriter::beginClient(
+    std::uint32_t pid, std::string_view name, std::string_view device, SessionTime time)
+{
+    if (m_clientCount == format::clientLimit && m_reason.empty())
+        m_reason = "there are too many processes";
+    const std::uint32_t number = m_clientCount++;
+    std::string content;
+    format::putNumber(content, number, 4);
+    format::putNumber(content, pid, 4);
+    format::putNumber(content, static_cast<std::uint64_t>(time.count()), 8);
+    format::putText(content, name);
+    format::putText(content, device);
+    writeBlock(format::clientBlock, content, 0, time);
+    return number;
+}
+
+void SessionWriter::add(std::uint32_t client, const Record& record, SessionTime time)
+{
+    if (!ok())
+        return;
+    if (m_recordCount++ == 0)
+        m_firstTime = time;
+    m_packed.clear();
+    packPayload(record.type, record.payload, m_packed);
+    format::putNumber(m_records, m_packed.size(), 2);
+    format::putNumber(m_records, record.type, 2);
+    format::putNumber(m_records, client, 4);
+    format::putNumber(m_records, record.frame, 4);
+    format::putNumber(m_records, static_cast<std::uint64_t>(time.count()), 8);
+    m_records += m_packed;
+    if (m_records.size() >= blockSize)
+        flush();
+}
+
+void SessionWriter::endClient(std::uint32_t client, ClientEnd end, std::string_view text, SessionTime time)
+{
+    flush();
+    std::string content;
+    format::putNumber(content, client, 4);
+    format::putNumber(content, static_cast<std::uint32_t>(end), 4);
+    format::putNumber(content, static_cast<std::uint64_t>(time.count()), 8);
+    format::putText(content, text);
+    writeBlock(format::endBlock, content, 0, time);
+}
+
+void SessionWriter::flush()
+{
+    if (m_recordCount > 0)
+        writeBlock(format::recordsBlock, m_records, m_recordCount, m_firstTime);
+    m_records.clear();
+    m_recordCount = 0;
+}
+
+void SessionWriter::writeBlock(
+    std::uint32_t kind, std::string_view content, std::uint32_t count, SessionTime time)
+{
+    if (!ok())
+        return;
+    const std::string_view stored = m_compressor->compress(content);
+    format::BlockHead head;
+    head.kind = kind;
+    head.storedSize = static_cast<std::uint32_t>(stored.size());
+    head.size = static_cast<std::uint32_t>(content.size());
+    head.count = count;
+    head.time = time;
+    head.checksum = platform::fnv1(stored);
+    write(head.bytes().append(stored));
+}
+
+void SessionWriter::write(std::string_view bytes)
+{
+    std::uint64_t place = m_size;
+    while (!bytes.empty()) {
+        const ssize_t size = pwrite(m_file, bytes.data(), bytes.size(), static_cast<off_t>(place));
+        if (size < 0 && errno == EINTR)
+            continue;
+        if (size <= 0) {
+            fail(size < 0 ? errno : ENOSPC);
+            return;
+        }
+        bytes.remove_prefix(static_cast<std::size_t>(size));
+        place += static_cast<std::uint64_t>(size);
+    }
+    m_size = place;
+}
+
+void SessionWriter::fail(int error)
+{
+    m_reason = platform::errorText(error);
+    // A reader would manage as well, but would have to say that the file is damaged.
+    [[maybe_unused]] const int result = ftruncate(m_file, static_cast<off_t>(m_size));
+}
+
+bool SessionWriter::close()
+{
+    if (m_file < 0)
+        return false;
+    flush();
+    if (::close(m_file) != 0 && m_reason.empty())
+        m_reason = platform::errorText(errno);
+    m_file = -1;
+    return m_reason.empty();
+}
+
+} // namespace sessions
