@@ -6,7 +6,9 @@
 #include <cerrno>
 #include <cstdint>
 
-#ifndef _WIN32
+#ifdef _WIN32
+#include <io.h>
+#else
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -46,7 +48,22 @@ OpenedFile openForReading(const std::filesystem::path& path, std::size_t limit)
     return OpenedFile{std::move(stream), {}, false};
 }
 
+FileStream openAgain(int descriptor)
+{
+    const int copy = _dup(descriptor);
+    return FileStream(copy < 0 ? nullptr : _fdopen(copy, "rb"));
+}
+
 #else
+
+FileStream openAgain(int descriptor)
+{
+    const int copy = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    FileStream stream(copy < 0 ? nullptr : fdopen(copy, "rb"));
+    if (copy >= 0 && !stream)
+        close(copy);
+    return stream;
+}
 
 OpenedFile openForReading(const std::filesystem::path& path, std::size_t limit)
 {

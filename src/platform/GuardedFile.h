@@ -33,6 +33,9 @@ struct FileBytes {
 /// so a FIFO, a device, a folder or a monster in its place is refused with a readable reason.
 OpenedFile openForReading(const std::filesystem::path& path, std::size_t limit);
 
+/// A stream of its own for a file that is open. Nothing, with errno set, for one that is not.
+FileStream openAgain(int descriptor);
+
 /// Reads what is left of a stream, at most `limit` bytes; more than that, or a read error, is refused.
 FileBytes readStream(std::FILE* stream, std::size_t limit);
 

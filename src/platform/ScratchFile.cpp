@@ -61,11 +61,16 @@ bool seek(std::FILE* stream, std::uint64_t offset)
 
 } // namespace
 
+FileStream openNamelessFile()
+{
+    return FileStream(openNameless());
+}
+
 bool ScratchFile::open()
 {
     if (m_stream)
         return true;
-    m_stream.reset(openNameless());
+    m_stream = openNamelessFile();
     if (!m_stream)
         return fail();
     // Whole blocks come from above; a second buffer would only delay the news of a full disk.

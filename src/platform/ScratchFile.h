@@ -8,6 +8,10 @@
 
 namespace platform {
 
+/// A new file without a name in the folder for temporary files, for reading and writing. Nothing, with errno
+/// set, where it cannot be made.
+FileStream openNamelessFile();
+
 /// A file without a name in the folder for temporary files, for what is too much for memory. It is made when
 /// the first bytes come, and goes with the object or the process, whatever ends it.
 class ScratchFile {

@@ -89,6 +89,13 @@ public:
         : m_bytes(bytes)
     {
     }
+    /// One of which something is missing.
+    static ByteSource failed()
+    {
+        ByteSource source{{}};
+        source.m_isOk = false;
+        return source;
+    }
     std::uint64_t number(std::size_t size);
     std::uint32_t u32() { return static_cast<std::uint32_t>(number(4)); }
     std::string_view bytes(std::size_t size);

@@ -37,9 +37,17 @@ bool SessionReader::open(const std::filesystem::path& path)
 {
     platform::OpenedFile file = platform::openForReading(path, std::numeric_limits<std::size_t>::max());
     m_reason = file.reason;
-    if (!file.stream)
+    return file.stream && open(std::move(file.stream));
+}
+
+bool SessionReader::open(platform::FileStream file)
+{
+    if (!file) {
+        m_reason = "it is not open";
         return false;
-    m_file = std::move(file.stream);
+    }
+    m_file = std::move(file);
+    m_reason.clear();
     m_damage.clear();
     m_clients.clear();
     m_blocks.clear();
@@ -159,28 +167,51 @@ std::size_t SessionReader::blockOf(std::uint64_t record) const
     return after == m_blocks.begin() ? 0 : static_cast<std::size_t>(after - m_blocks.begin()) - 1;
 }
 
+platform::FileStream SessionReader::again() const
+{
+    return platform::openAgain(m_file ? fileno(m_file.get()) : -1);
+}
+
 bool SessionReader::read(std::size_t block, const Take& take)
 {
+    if (!load(block))
+        return false;
+    SessionRecord record;
+    while (next(record))
+        take(record);
+    return m_source.ok();
+}
+
+bool SessionReader::load(std::size_t block)
+{
     const Block& which = m_blocks.at(block);
+    m_left = 0;
     if (!content(which.head, which.place, m_content))
         return false;
-    format::ByteSource source(m_content);
-    for (std::uint32_t i = 0; i < which.head.count; ++i) {
-        const auto size = static_cast<std::size_t>(source.number(2));
-        SessionRecord record;
-        record.record.type = static_cast<std::uint32_t>(source.number(2));
-        record.client = source.u32();
-        record.record.frame = source.u32();
-        record.time = SessionTime(static_cast<std::int64_t>(source.number(8)));
-        const std::string_view packed = source.bytes(size);
-        if (!source.ok() || record.client >= m_clients.size()) {
-            noteDamage(recordsDamaged);
-            return false;
-        }
-        unpackPayload(record.record.type, packed, m_payload);
-        record.record.payload = m_payload;
-        take(record);
+    m_source = format::ByteSource(m_content);
+    m_left = which.head.count;
+    return true;
+}
+
+bool SessionReader::next(SessionRecord& record)
+{
+    if (m_left == 0)
+        return false;
+    --m_left;
+    const auto size = static_cast<std::size_t>(m_source.number(2));
+    record.record.type = static_cast<std::uint32_t>(m_source.number(2));
+    record.client = m_source.u32();
+    record.record.frame = m_source.u32();
+    record.time = SessionTime(static_cast<std::int64_t>(m_source.number(8)));
+    const std::string_view packed = m_source.bytes(size);
+    if (!m_source.ok() || record.client >= m_clients.size()) {
+        m_source = format::ByteSource::failed();
+        m_left = 0;
+        noteDamage(recordsDamaged);
+        return false;
     }
+    unpackPayload(record.record.type, packed, m_payload);
+    record.record.payload = m_payload;
     return true;
 }
 

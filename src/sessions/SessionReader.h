@@ -27,6 +27,10 @@ public:
 
     /// False with a reason() if it is no session of a known version.
     bool open(const std::filesystem::path& path);
+    /// The same for a file that is open already. Its position means nothing.
+    bool open(platform::FileStream file);
+    /// The file once more, for another reader.
+    platform::FileStream again() const;
     const std::string& reason() const { return m_reason; }
     /// What is missing or damaged, as a sentence; empty if nothing is.
     const std::string& damage() const { return m_damage; }
@@ -44,6 +48,11 @@ public:
     /// Gives the records of a block in their order; they are valid during the call only. False if the block
     /// is damaged; then damage() tells, and some of its records may have been given.
     bool read(std::size_t block, const Take& take);
+    /// The same one by one: makes a block the one whose records next() gives. False if it is damaged.
+    bool load(std::size_t block);
+    /// Gives the next record, which is valid until the next call. False at the end of the block, and where it
+    /// is damaged.
+    bool next(SessionRecord& record);
 
 private:
     struct Block {
@@ -73,6 +82,8 @@ private:
     std::string m_stored; ///< Buffers.
     std::string m_content;
     std::string m_payload;
+    format::ByteSource m_source{{}}; ///< What next() has not given yet of the content.
+    std::uint32_t m_left = 0; ///< Records in it.
 };
 
 } // namespace sessions

@@ -3,7 +3,9 @@
 #include "FileErrors.h"
 #include "Hash.h"
 #include "PackedPayload.h"
+#include "ScratchFile.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 
@@ -35,7 +37,7 @@ bool mayReplace(int file, off_t size)
 
 struct SessionWriter::Compressor {
     ZSTD_CCtx* context = ZSTD_createCCtx();
-    std::string output = std::string(ZSTD_compressBound(format::blockLimit), '\0');
+    std::string output;
 
     Compressor() = default;
     ~Compressor() { ZSTD_freeCCtx(context); }
@@ -47,6 +49,7 @@ struct SessionWriter::Compressor {
     {
         if (content.size() < smallBlock)
             return content;
+        output.resize(std::max(output.size(), ZSTD_compressBound(content.size())));
         const std::size_t size = ZSTD_compressCCtx(
             context, output.data(), output.size(), content.data(), content.size(), compressionLevel);
         if (ZSTD_isError(size) != 0 || size >= content.size())
@@ -59,7 +62,7 @@ SessionWriter::SessionWriter() = default;
 
 SessionWriter::~SessionWriter()
 {
-    if (m_file >= 0)
+    if (m_file >= 0 || m_output)
         close();
 }
 
@@ -70,8 +73,26 @@ bool SessionWriter::open(const std::filesystem::path& path)
 
 bool SessionWriter::open(const std::filesystem::path& path, std::chrono::system_clock::time_point begin)
 {
-    if (!openFile(path))
-        return false;
+    return openFile(path) && this->begin(begin);
+}
+
+bool SessionWriter::openNameless()
+{
+    const platform::FileStream file = platform::openNamelessFile();
+    m_file = file ? fcntl(fileno(file.get()), F_DUPFD_CLOEXEC, 0) : -1;
+    if (m_file < 0)
+        m_reason = platform::errorText(errno);
+    return m_file >= 0 && begin(std::chrono::system_clock::now());
+}
+
+bool SessionWriter::open(Output output, std::chrono::system_clock::time_point begin)
+{
+    m_output = std::move(output);
+    return this->begin(begin);
+}
+
+bool SessionWriter::begin(std::chrono::system_clock::time_point begin)
+{
     m_compressor = std::make_unique<Compressor>();
     m_begin = std::chrono::steady_clock::now();
     std::string head(format::magic);
@@ -179,6 +200,14 @@ void SessionWriter::writeBlock(
 
 void SessionWriter::write(std::string_view bytes)
 {
+    if (m_output)
+        m_reason = m_output(bytes);
+    if (m_output ? m_reason.empty() : writeToFile(bytes))
+        m_size += bytes.size();
+}
+
+bool SessionWriter::writeToFile(std::string_view bytes)
+{
     std::uint64_t place = m_size;
     while (!bytes.empty()) {
         const ssize_t size = pwrite(m_file, bytes.data(), bytes.size(), static_cast<off_t>(place));
@@ -186,12 +215,12 @@ void SessionWriter::write(std::string_view bytes)
             continue;
         if (size <= 0) {
             fail(size < 0 ? errno : ENOSPC);
-            return;
+            return false;
         }
         bytes.remove_prefix(static_cast<std::size_t>(size));
         place += static_cast<std::uint64_t>(size);
     }
-    m_size = place;
+    return true;
 }
 
 void SessionWriter::fail(int error)
@@ -201,14 +230,21 @@ void SessionWriter::fail(int error)
     [[maybe_unused]] const int result = ftruncate(m_file, static_cast<off_t>(m_size));
 }
 
+platform::FileStream SessionWriter::again() const
+{
+    return platform::openAgain(m_file);
+}
+
 bool SessionWriter::close()
 {
-    if (m_file < 0)
+    if (m_file < 0 && !m_output)
         return false;
     flush();
-    if (::close(m_file) != 0 && m_reason.empty())
+    if (m_file >= 0 && ::close(m_file) != 0 && m_reason.empty())
         m_reason = platform::errorText(errno);
     m_file = -1;
+    m_output = nullptr;
+    m_compressor.reset();
     return m_reason.empty();
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "GuardedFile.h"
 #include "SessionFormat.h"
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -25,8 +27,14 @@ public:
     bool open(const std::filesystem::path& path);
     /// The same with the beginning of a session that is over.
     bool open(const std::filesystem::path& path, std::chrono::system_clock::time_point begin);
+    /// Begins a session in a file without a name, which goes when nobody has it open any more.
+    bool openNameless();
+    /// Takes the bytes of the file, in order; returns why they could not be kept, or nothing.
+    using Output = std::function<std::string(std::string_view)>;
+    /// Begins a session that is written by somebody else.
+    bool open(Output output, std::chrono::system_clock::time_point begin);
     /// Whether it is open and everything could be written until now.
-    bool ok() const { return m_file >= 0 && m_reason.empty(); }
+    bool ok() const { return (m_file >= 0 || m_output) && m_reason.empty(); }
     const std::string& reason() const { return m_reason; }
 
     /// The time since open().
@@ -39,6 +47,9 @@ public:
 
     /// Writes out what has been added; to be called about once a second, so that little is lost.
     void flush();
+    /// The file once more, for a reader, which need not be closed before this writer. Nothing where it is not
+    /// open, or written by somebody else.
+    platform::FileStream again() const;
     /// Writes out the rest and closes the file. False with a reason() if anything is missing.
     bool close();
     /// Bytes in the file.
@@ -48,11 +59,14 @@ private:
     struct Compressor;
 
     bool openFile(const std::filesystem::path& path);
+    bool begin(std::chrono::system_clock::time_point begin);
     void writeBlock(std::uint32_t kind, std::string_view content, std::uint32_t count, SessionTime time);
     void write(std::string_view bytes);
+    bool writeToFile(std::string_view bytes);
     void fail(int error);
 
     int m_file = -1;
+    Output m_output;
     std::string m_reason;
     std::unique_ptr<Compressor> m_compressor;
     std::chrono::steady_clock::time_point m_begin;

@@ -296,3 +296,38 @@ TEST(SessionFile, endsWithItsLastWholeBlockWhenTheDiskIsFull)
     EXPECT_EQ(seen.records.size() % 10, 0U);
     EXPECT_EQ(seen.damage, "");
 }
+
+/// Without a name, read while it is written, and written anew by way of somebody else's file.
+TEST(SessionFile, passesFromWriterToWriter)
+{
+    SessionWriter scratch;
+    ASSERT_TRUE(scratch.openNameless());
+    scratch.beginClient(7, "one", "", SessionTime(0));
+    for (int i = 0; i < 3; ++i)
+        scratch.add(0, RecordMaker::text(Type::Error, std::to_string(i)).record(), SessionTime(i));
+    scratch.flush();
+    SessionReader reader;
+    ASSERT_TRUE(reader.open(scratch.again()));
+    scratch.close();
+
+    std::string bytes;
+    SessionWriter writer;
+    const auto append = [&bytes](std::string_view part) {
+        bytes += part;
+        return std::string();
+    };
+    ASSERT_TRUE(writer.open(append, reader.begin()));
+    writer.beginClient(7, "one", "", SessionTime(0));
+    ASSERT_TRUE(reader.load(0));
+    SessionRecord record;
+    while (reader.next(record))
+        writer.add(0, record.record, record.time);
+    ASSERT_TRUE(writer.close());
+    writeBytes(sessionPath(), bytes);
+    EXPECT_EQ(Seen(sessionPath()).records.size(), 3U);
+    EXPECT_EQ(Seen(sessionPath()).damage, "");
+
+    SessionWriter full;
+    EXPECT_FALSE(full.open([](std::string_view) { return std::string("no room"); }, reader.begin()));
+    EXPECT_EQ(full.reason(), "no room");
+}
