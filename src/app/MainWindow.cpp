@@ -15,6 +15,7 @@
 #include "KeptFilters.h"
 #include "LocalListener.h"
 #include "MonitorStatus.h"
+#include "NewProfileActions.h"
 #include "PlainMessageBox.h"
 #include "Preferences.h"
 #include "PreferencesReporter.h"
@@ -171,11 +172,21 @@ void MainWindow::setUpActions()
 
 void MainWindow::setUpMenus()
 {
-    auto* run = new RunProgramActions(m_preferences, m_ui->menuFile, m_ui->actionExit, m_ui->tabPrograms);
+    auto* run = new RunProgramActions(
+        m_preferences, *m_currentProfile, m_ui->menuFile, m_ui->actionExit, m_ui->tabPrograms);
     connect(run, &RunProgramActions::statusMessage, this,
         [this](const QString& text) { statusBar()->showMessage(text, messageTime); });
     connect(run, &RunProgramActions::pageWanted, this,
         [this] { m_ui->mainTabWidget->setCurrentWidget(m_ui->tabPrograms); });
+
+    // Behind "New Profile".
+    auto* sources = new NewProfileActions(*m_clientTabs, m_ui->menuFile, m_ui->menuFile->actions().at(1));
+    connect(sources, &NewProfileActions::statusMessage, this,
+        [this](const QString& text) { statusBar()->showMessage(text, messageTime); });
+    connect(sources, &NewProfileActions::made, this, [this](const ProfileData& profile) {
+        m_ui->mainTabWidget->setCurrentWidget(m_ui->tabProfileProperties);
+        m_profilePanel->showNew(profile);
+    });
 
     m_recentProfiles = new RecentFilesMenu(m_preferences, tr("&Recent Profiles"), this);
     m_recentProfiles->setObjectName(QStringLiteral("menuRecentProfiles"));

@@ -24,17 +24,6 @@ QString nameOf(const ProfileData& profile)
     }
 }
 
-/// What the list shows for a profile. Files can share a device's name, so theirs is added.
-QString itemText(const ProfileDataWrapper& profile)
-{
-    constexpr qsizetype longestName = 120;
-    QString name = nameOf(profile.data()).left(longestName);
-    const QString file = QString::fromStdString(profile.data().fileName());
-    if (!profile.isWritable() || file.isEmpty() || file == name)
-        return name;
-    return QStringLiteral("%1 (%2)").arg(name, file);
-}
-
 } // namespace
 
 ProfileChooser::ProfileChooser(models::CurrentProfile& current, QComboBox* box)
@@ -47,6 +36,16 @@ ProfileChooser::ProfileChooser(models::CurrentProfile& current, QComboBox* box)
     connect(&m_current, &models::CurrentProfile::listChanged, this, &ProfileChooser::showList);
     connect(&m_current, &models::CurrentProfile::chosenChanged, this, &ProfileChooser::showChosen);
     connect(&m_current, &models::CurrentProfile::editedChanged, this, &ProfileChooser::markEdits);
+}
+
+QString ProfileChooser::itemText(const ProfileDataWrapper& profile)
+{
+    constexpr qsizetype longestName = 120;
+    QString name = nameOf(profile.data()).left(longestName);
+    const QString file = QString::fromStdString(profile.data().fileName());
+    if (!profile.isWritable() || file.isEmpty() || file == name)
+        return name;
+    return QStringLiteral("%1 (%2)").arg(name, file);
 }
 
 void ProfileChooser::pick()

@@ -24,6 +24,9 @@ public:
     /// Makes what the box shows the choice, and the box show the choice: the user may go back to it.
     void pick();
 
+    /// What the user reads for a profile of the list. Files can share a device's name, so theirs is added.
+    static QString itemText(const ProfileDataWrapper& profile);
+
 private:
     void showList();
     void showChosen();

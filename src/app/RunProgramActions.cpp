@@ -1,6 +1,10 @@
 #include "RunProgramActions.h"
 
+#include "CurrentProfile.h"
 #include "NoticeBar.h"
+#include "ProfileCatalogue.h"
+#include "ProfileChooser.h"
+#include "ProfileDataWrapper.h"
 #include "RunProgramDialog.h"
 
 #include <QAction>
@@ -8,9 +12,11 @@
 #include <QMenu>
 #include <QPushButton>
 
-RunProgramActions::RunProgramActions(Preferences& preferences, QMenu* menu, QAction* before, QWidget* page)
+RunProgramActions::RunProgramActions(Preferences& preferences, const models::CurrentProfile& profile,
+    QMenu* menu, QAction* before, QWidget* page)
     : QObject(menu->window())
     , m_window(menu->parentWidget()->window())
+    , m_profile(profile)
     , m_recent(preferences)
 {
     setUpActions(menu, before);
@@ -59,10 +65,28 @@ void RunProgramActions::setUpNotice(QWidget* page)
 
 void RunProgramActions::ask()
 {
-    auto* dialog = new RunProgramDialog(m_recent.runs(), m_window);
+    auto* dialog = new RunProgramDialog(m_recent.runs(), profiles(), m_window);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     connect(dialog, &QDialog::accepted, this, [this, dialog] { run(dialog->run()); });
     dialog->open();
+}
+
+QList<RunProfile> RunProgramActions::profiles() const
+{
+    const auto chosen = m_profile.chosen();
+    const QString name = chosen ? ProfileChooser::itemText(*chosen) : tr("Host");
+    QList<RunProfile> profiles{{tr("%1 (chosen in the window)").arg(name), {}},
+        {tr("Host (no profile)"), ProgramRun::hostProfile()}};
+    const ProfileCatalogue* catalogue = m_profile.catalogue();
+    if (!catalogue)
+        return profiles;
+    for (const auto* list : {&catalogue->builtinProfiles(), &catalogue->userProfiles()}) {
+        for (const auto& profile : *list) {
+            if (const std::string key = profile->key(); !key.empty())
+                profiles.append({ProfileChooser::itemText(*profile), QString::fromStdString(key)});
+        }
+    }
+    return profiles;
 }
 
 void RunProgramActions::run(const ProgramRun& run)
@@ -70,7 +94,12 @@ void RunProgramActions::run(const ProgramRun& run)
     Q_EMIT pageWanted();
     m_notice->setText({});
     m_recent.add(run);
-    m_runner.start(run);
+    ProgramRun started = run;
+    if (started.profile.isEmpty()) {
+        const auto chosen = m_profile.chosen();
+        started.profile = chosen ? QString::fromStdString(chosen->key()) : ProgramRun::hostProfile();
+    }
+    m_runner.start(started);
     updateActions();
 }
 

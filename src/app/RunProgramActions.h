@@ -9,9 +9,15 @@ class QAction;
 class QMenu;
 class QWidget;
 
+namespace models {
+class CurrentProfile;
+}
+
 namespace widgets {
 class NoticeBar;
 }
+
+struct RunProfile;
 
 /// The entries of a menu by which the user runs programs, runs the last one again and ends those that run.
 /// What could not be run stays in a notice until the user hides it or the next program starts.
@@ -20,8 +26,9 @@ class RunProgramActions : public QObject {
 
 public:
     /// Adds its actions in front of the entry of the menu, and its notice to the layout of the page. The
-    /// store must live longer.
-    RunProgramActions(Preferences& preferences, QMenu* menu, QAction* before, QWidget* page);
+    /// store and the current profile must live longer.
+    RunProgramActions(Preferences& preferences, const models::CurrentProfile& profile, QMenu* menu,
+        QAction* before, QWidget* page);
 
 Q_SIGNALS:
     /// Text that passes.
@@ -37,8 +44,10 @@ private:
     void runAgain();
     void tellFailure(const QString& text);
     void updateActions();
+    QList<RunProfile> profiles() const;
 
     QWidget* m_window;
+    const models::CurrentProfile& m_profile;
     RecentRuns m_recent;
     ProgramRunner m_runner;
     widgets::NoticeBar* m_notice = nullptr;

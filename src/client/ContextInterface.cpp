@@ -60,8 +60,8 @@ ContextInterface::~ContextInterface() = default;
 
 void ContextInterface::showVersions(const Message& record)
 {
-    m_ui->lbl_context_info_es_version_val->setText(
-        QString::fromLatin1(catalogue::esVersionName(record.u32(offset::contextEsVersion))));
+    m_esVersion = QString::fromLatin1(catalogue::esVersionName(record.u32(offset::contextEsVersion)));
+    m_ui->lbl_context_info_es_version_val->setText(m_esVersion);
     m_ui->lbl_context_info_gl_version_val->setText(
         QString::fromLatin1(catalogue::glVersionName(record.u32(offset::contextGlVersion))));
     m_ui->lbl_context_info_glsl_version_val->setText(QString::fromLatin1(
@@ -83,6 +83,8 @@ void ContextInterface::showEsExtensions(const Message& record)
         for (const std::uint32_t code : readExtensions(record, state.listOffset))
             model->append(catalogue::esExtensionName(code, catalogue::Prefix::With), state.text);
     }
+    for (const std::uint32_t code : readExtensions(record, offset::contextExtensions))
+        m_esExtensions.append(QString::fromLatin1(catalogue::esExtensionName(code, catalogue::Prefix::With)));
     QTableView& table = *m_ui->table_context_info_es_extensions;
     const int height = table.fontMetrics().height() + 6;
     table.verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);

@@ -14,6 +14,7 @@ namespace {
 const auto commandKey = QStringLiteral("command");
 const auto folderKey = QStringLiteral("folder");
 const auto environmentKey = QStringLiteral("environment");
+const auto profileKey = QStringLiteral("profile");
 
 /// As a shell does it, since people type it.
 QString withHome(const QString& path)
@@ -86,14 +87,16 @@ std::optional<ProgramRun::Problem> ProgramRun::environmentProblem() const
 QString ProgramRun::toText() const
 {
     const QJsonObject object{{commandKey, command}, {folderKey, folder},
-        {environmentKey, QJsonArray::fromStringList(environment)}};
+        {environmentKey, QJsonArray::fromStringList(environment)}, {profileKey, profile}};
     return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
 std::optional<ProgramRun> ProgramRun::fromText(const QString& text)
 {
     const QJsonObject object = QJsonDocument::fromJson(text.toUtf8()).object();
-    ProgramRun run{object.value(commandKey).toString(), object.value(folderKey).toString(), {}};
+    // Runs of older versions have no profile.
+    ProgramRun run{object.value(commandKey).toString(), object.value(folderKey).toString(), {},
+        object.value(profileKey).toString()};
     const QJsonArray variables = object.value(environmentKey).toArray();
     for (const auto& variable : variables)
         run.environment.append(variable.toString());

@@ -11,6 +11,9 @@ struct ProgramRun {
     Q_DECLARE_TR_FUNCTIONS(ProgramRun)
 
 public:
+    /// The profile that stands for the machine as it is.
+    static QString hostProfile() { return QStringLiteral("Host"); }
+
     enum class Field { Command, Folder, Environment };
     struct Problem {
         Field field;
@@ -20,6 +23,9 @@ public:
     QString command; ///< Program and arguments on one line; what has blanks stands in double quotes.
     QString folder; ///< Where it runs; that of this process if empty. "~" is the home folder.
     QStringList environment; ///< NAME=value, in addition to the environment of this process.
+    /// The profile whose device it sees, as the launcher takes it; that which is chosen in the window if
+    /// empty.
+    QString profile = {};
 
     /// The program and its arguments one by one; empty if there is no program.
     QStringList arguments() const;

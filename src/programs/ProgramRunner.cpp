@@ -41,8 +41,9 @@ void ProgramRunner::start(const ProgramRun& run)
     });
     ++m_count;
     Q_EMIT countChanged();
-    program->start(
-        launcher, QStringList{QStringLiteral("--show-output"), QStringLiteral("--")} + run.arguments());
+    const QStringList options{
+        QStringLiteral("--show-output"), QStringLiteral("--profile=") + run.profile, QStringLiteral("--")};
+    program->start(launcher, options + run.arguments());
 }
 
 void ProgramRunner::finish(StartedProgram* program, const QString& name)

@@ -14,7 +14,8 @@ class ProgramRunner : public QObject {
 public:
     explicit ProgramRunner(QObject* parent = nullptr);
 
-    /// Starts a program; failed() or started() tells what became of that.
+    /// Starts a program that sees the device of its profile, which is never empty here; failed() or started()
+    /// tells what became of that.
     void start(const ProgramRun& run);
     /// Ends the programs that run.
     void stopAll();

@@ -24,7 +24,8 @@ QString itemText(const ProgramRun& run)
 
 } // namespace
 
-RunProgramDialog::RunProgramDialog(const QList<ProgramRun>& recent, QWidget* parent)
+RunProgramDialog::RunProgramDialog(
+    const QList<ProgramRun>& recent, const QList<RunProfile>& profiles, QWidget* parent)
     : QDialog(parent)
     , m_ui(std::make_unique<Ui::RunProgramDialog>())
     , m_recent(recent)
@@ -47,6 +48,8 @@ RunProgramDialog::RunProgramDialog(const QList<ProgramRun>& recent, QWidget* par
     connect(environment, &QPlainTextEdit::textChanged, this, &RunProgramDialog::clearProblem);
     connect(m_ui->btnBrowseProgram, &QPushButton::clicked, this, &RunProgramDialog::browseProgram);
     connect(m_ui->btnBrowseFolder, &QPushButton::clicked, this, &RunProgramDialog::browseFolder);
+    for (const RunProfile& profile : profiles)
+        m_ui->cmbProfile->addItem(profile.text, profile.name);
     setUpRecent();
     m_ui->edtProgram->selectAll();
     m_ui->edtProgram->setFocus();
@@ -71,11 +74,21 @@ void RunProgramDialog::fill(const ProgramRun& run)
     m_ui->edtProgram->setText(run.command);
     m_ui->edtFolder->setText(run.folder);
     m_ui->txtEnvironment->setPlainText(run.environment.join(QLatin1Char('\n')));
+    showProfile(run.profile);
+}
+
+void RunProgramDialog::showProfile(const QString& name)
+{
+    QComboBox& box = *m_ui->cmbProfile;
+    if (box.findData(name) < 0)
+        box.addItem(tr("%1 (not there any more)").arg(name), name);
+    box.setCurrentIndex(box.findData(name));
 }
 
 ProgramRun RunProgramDialog::run() const
 {
-    ProgramRun run{m_ui->edtProgram->text().trimmed(), m_ui->edtFolder->text().trimmed(), {}};
+    ProgramRun run{m_ui->edtProgram->text().trimmed(), m_ui->edtFolder->text().trimmed(), {},
+        m_ui->cmbProfile->currentData().toString()};
     for (const QString& line : m_ui->txtEnvironment->toPlainText().split(QLatin1Char('\n'))) {
         if (!line.trimmed().isEmpty())
             run.environment.append(line);

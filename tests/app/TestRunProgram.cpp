@@ -23,7 +23,7 @@ namespace {
 /// program and passes SIGTERM on.
 constexpr const char* fakeLauncher = R"(#!/bin/sh
 { echo $$; printf '%s|' "$PWD" "$GREETING" "$@"; echo; } >>"$SEEN"
-shift 2
+shift 3
 [ "$1" = missing ] && echo "corvale-run: There is no program $1." >&2 && exit 127
 "$@" &
 child=$!
@@ -136,7 +136,7 @@ void TestRunProgram::dialogRefusesWhatCannotBeRun()
     QFETCH(QString, environment);
     QFETCH(QString, reason);
     QFETCH(QString, focus);
-    RunProgramDialog dialog({}, nullptr);
+    RunProgramDialog dialog({}, {}, nullptr);
     dialog.show();
     QVERIFY(QTest::qWaitForWindowActive(&dialog));
     auto& program = *dialog.findChild<QLineEdit*>(QStringLiteral("edtProgram"));
@@ -164,7 +164,8 @@ void TestRunProgram::dialogOffersRecentRuns()
     QList<ProgramRun> expected;
     for (int i = 0; i < 12; ++i) {
         expected.prepend({QStringLiteral("game --level %1").arg(i), QStringLiteral("/folder \"%1\"").arg(i),
-            {QStringLiteral("A=%1").arg(i), QStringLiteral("B=\xe4 \x01\\n")}});
+            {QStringLiteral("A=%1").arg(i), QStringLiteral("B=\xe4 \x01\\n")},
+            i == 10 ? QStringLiteral("Gone.xml") : QString()});
         recent.add(expected.first());
     }
     expected.move(4, 0);
@@ -173,7 +174,10 @@ void TestRunProgram::dialogOffersRecentRuns()
     Session::loaded(again);
     QCOMPARE(RecentRuns(again).runs(), expected.mid(0, 10));
 
-    RunProgramDialog dialog(RecentRuns(again).runs(), nullptr);
+    const QList<RunProfile> profiles{{QStringLiteral("Wren (chosen)"), {}},
+        {QStringLiteral("Host"), QStringLiteral("Host")},
+        {QStringLiteral("Tarn"), QStringLiteral("Tarn.xml")}};
+    RunProgramDialog dialog(RecentRuns(again).runs(), profiles, nullptr);
     QCOMPARE(dialog.run(), expected[0]);
     auto& list = *dialog.findChild<QComboBox*>(QStringLiteral("cmbRecent"));
     dialog.show();
@@ -181,6 +185,12 @@ void TestRunProgram::dialogOffersRecentRuns()
     list.setFocus();
     QTest::keyClick(&list, Qt::Key_Down);
     QCOMPARE(dialog.run(), expected[1]);
+    auto& profile = *dialog.findChild<QComboBox*>(QStringLiteral("cmbProfile"));
+    QCOMPARE(profile.currentText(), QStringLiteral("Wren (chosen)"));
+    QTest::keyClick(&list, Qt::Key_Down);
+    QCOMPARE(profile.currentText(), QStringLiteral("Gone.xml (not there any more)"));
+    profile.setCurrentIndex(2);
+    QCOMPARE(dialog.run().profile, QStringLiteral("Tarn.xml"));
 
     // A file that somebody has written by hand.
     again.set(settings::recentRuns, {"", "true", "[]", R"({"command":"\"\""})", R"({"command":"a"})"});
@@ -194,7 +204,8 @@ void TestRunProgram::launcherGetsWhatWasEntered()
     const QString folder = path("a b");
     enter(QStringLiteral("sh -c \"exit 3\" \"a  b\" $HOME"), folder, QStringLiteral("GREETING=good = day"));
     QTRY_COMPARE(status(), QStringLiteral("\"sh\" has ended with exit status 3."));
-    const QByteArray line = folder.toUtf8() + "|good = day|--show-output|--|sh|-c|exit 3|a  b|$HOME|";
+    const QByteArray line =
+        folder.toUtf8() + "|good = day|--show-output|--profile=Host|--|sh|-c|exit 3|a  b|$HOME|";
     QCOMPARE(contentOf(path("seen")).split('\n').value(1), line);
     QVERIFY(!find<QAction>("actionStop").isEnabled());
 

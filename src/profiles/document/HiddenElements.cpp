@@ -35,7 +35,11 @@ std::optional<Reason> reasonInRoot(const XMLElement& element)
 
 std::optional<Reason> reasonInEgl(const XMLElement& element)
 {
-    if (element.Name() != std::string_view("config"))
+    const std::string_view name = element.Name();
+    // What eglQueryString() answers has its place, though no list shows it.
+    if (name == "vendor" || name == "version" || name == "extension")
+        return std::nullopt;
+    if (name != "config")
         return Reason::Unknown;
     return profile_elements::number(element, "id") ? std::nullopt : std::optional(Reason::Id);
 }

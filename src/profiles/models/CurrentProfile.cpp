@@ -143,6 +143,22 @@ void CurrentProfile::newProfile()
     saveCopy(added, added->data());
 }
 
+void CurrentProfile::showNew(const ProfileData& content)
+{
+    if (!m_controller || !m_catalogue)
+        return;
+    const WritablePointer added = m_catalogue->newProfile();
+    setContent(*added->edit(), content);
+    takeBackFailedSave();
+    m_state = State::UnsavedNew;
+    m_stored = added->data();
+    m_stored->extensions().clear();
+    m_stored->capabilities().clear();
+    m_stored->configs().clear();
+    Q_EMIT shownChanged(added);
+    m_catalogue->forget(*added);
+}
+
 bool CurrentProfile::canSave() const
 {
     return m_controller && m_catalogue && m_stored;

@@ -71,6 +71,8 @@ public:
 
     /// Shows a new profile and saves it under a name that the user gives; it stays shown when they give none.
     void newProfile();
+    /// Shows a new profile with that content, all of which counts as edits that are in no file.
+    void showNew(const ProfileData& content);
 
     /// Save what the editor holds: in place where that is possible, or as a copy in any case. What was saved
     /// becomes the chosen profile. A file that holds the edits already is not written again. False when

@@ -330,6 +330,14 @@ void Profile::newProfile()
         m_current.newProfile();
 }
 
+void Profile::showNew(const ProfileData& content)
+{
+    if (!mayLeave())
+        return;
+    m_current.showNew(content);
+    modify();
+}
+
 bool Profile::hasUnsavedEdits()
 {
     return !finishEdits() || differsFromStored();

@@ -50,6 +50,9 @@ public:
     /// Makes a profile, shows it, and saves it under a name that the user gives. Unsaved edits are asked
     /// about before.
     void newProfile();
+    /// Shows a new profile with that content in place of what is shown, unless the user does not want to
+    /// leave that.
+    void showNew(const ProfileData& content);
     void retranslateUi();
 
     bool hasUnsavedEdits() override;
