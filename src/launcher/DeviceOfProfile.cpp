@@ -261,15 +261,6 @@ void addEglTexts(Table& table, const EglStrings& strings)
         table.eglTexts.emplace(eglExtensions, extensions);
 }
 
-/// The number by which tables name a version; 0 for one that is none.
-int tableVersion(int version)
-{
-    esapi::API api;
-    if (esapi::findAPI(version, &api))
-        return static_cast<int>(api.esVersion());
-    return version == static_cast<int>(gl::EsVersion::Es32) ? version : 0;
-}
-
 } // namespace
 
 Device deviceOf(const ProfileData& profile, bool isStrict)
@@ -287,12 +278,13 @@ Device deviceOf(const ProfileData& profile, bool isStrict)
     };
     // Every supported version is a key of the extensions.
     for (const auto& [version, names] : profile.extensions()) {
-        const int number = tableVersion(version);
-        if (number == 0) {
+        const std::optional<gl::EsVersion> known = esapi::versionOf(version);
+        if (!known) {
             device.misread.push_back("version " + std::to_string(version) + " of OpenGL ES");
             continue;
         }
         place = value_names::esApi(std::to_string(version));
+        const int number = static_cast<int>(*known);
         Api& api = apis[number];
         api.version = number;
         for (const std::string& name : names) {

@@ -34,6 +34,15 @@ bool findAPI(int version, API* api)
     return false;
 }
 
+std::optional<gl::EsVersion> versionOf(int version)
+{
+    API api;
+    if (findAPI(version, &api))
+        return api.esVersion();
+    return version == static_cast<int>(gl::EsVersion::Es32) ? std::optional(gl::EsVersion::Es32)
+                                                            : std::nullopt;
+}
+
 void visitAPIs(const std::function<void(const API&)>& visit)
 {
     for (const API& row : apis())

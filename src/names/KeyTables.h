@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -91,6 +92,10 @@ bool operator<(const API& left, const API& right);
 
 /// The API of an `es` element's version.
 bool findAPI(int version, API* api);
+
+/// The version of OpenGL ES that an `es` element's version stands for: that of its API, or 3.2, which is none
+/// of them.
+std::optional<gl::EsVersion> versionOf(int version);
 
 /// Calls the function for every API, the oldest first.
 void visitAPIs(const std::function<void(const API&)>& visit);

@@ -98,7 +98,10 @@ std::string esApi(std::string_view version)
 {
     const auto number = parseNumber<std::int32_t>(version);
     esapi::API api;
-    return number && esapi::findAPI(*number, &api) ? api.displayName : std::string(version);
+    if (number && esapi::findAPI(*number, &api))
+        return api.displayName;
+    const bool isEs32 = number && esapi::versionOf(*number) == gl::EsVersion::Es32;
+    return isEs32 ? "OpenGL ES 3.2" : std::string(version);
 }
 
 std::string esCapability(std::string_view xmlName)

@@ -87,10 +87,10 @@ void ESCapabilityTreeView::addCapabilityTriggered()
 /// Gives a new capability values to start from and lets the user change the first of them.
 void ESCapabilityTreeView::fillIn(const QModelIndex& capability)
 {
-    esapi::API api;
-    const bool isKnown = esapi::findAPI(capability.parent().data(Qt::EditRole).toInt(), &api);
+    const std::optional<gl::EsVersion> version =
+        esapi::versionOf(capability.parent().data(Qt::EditRole).toInt());
     const QString value = new_values::forCapability(
-        capability.data(Qt::EditRole).toString(), isKnown ? api.esVersion() : gl::EsVersion::Es20);
+        capability.data(Qt::EditRole).toString(), version.value_or(gl::EsVersion::Es20));
     const int parts = model()->rowCount(capability);
     for (int row = 0; row < parts; ++row)
         model()->setData(model()->index(row, models::ValueColumn, capability), value);

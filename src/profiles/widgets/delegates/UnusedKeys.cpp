@@ -47,11 +47,11 @@ std::set<ESCapabilityKey::XMLName> unusedCapabilities(const QModelIndex& api)
         if (!used.contains(QString::fromStdString(node.key.xmlName.text)))
             unused.insert(node.key.xmlName);
     });
-    esapi::API known;
-    if (!esapi::findAPI(api.data(Qt::EditRole).toInt(), &known))
+    const std::optional<gl::EsVersion> version = esapi::versionOf(api.data(Qt::EditRole).toInt());
+    if (!version)
         return unused;
     visitLimitKeys([&](const ESCapabilityKey& key) {
-        if (key.versions.contains(known.esVersion())
+        if (key.versions.contains(*version)
             && !used.contains(QString::fromStdString(key.xmlName.text)))
             unused.insert(key.xmlName);
     });
