@@ -17,8 +17,8 @@ struct RunProfile {
     QString name; ///< As ProgramRun has it.
 };
 
-/// Asks which program is to be run, with which arguments, where, with which profile, and in which environment.
-/// It is accepted only with a run that has no problem.
+/// Asks which program is to be run, with which arguments, where, with which profile, and in which
+/// environment. It is accepted only with a run that has no problem.
 class RunProgramDialog : public QDialog {
     Q_OBJECT
 

@@ -51,8 +51,7 @@ std::set<ESCapabilityKey::XMLName> unusedCapabilities(const QModelIndex& api)
     if (!version)
         return unused;
     visitLimitKeys([&](const ESCapabilityKey& key) {
-        if (key.versions.contains(*version)
-            && !used.contains(QString::fromStdString(key.xmlName.text)))
+        if (key.versions.contains(*version) && !used.contains(QString::fromStdString(key.xmlName.text)))
             unused.insert(key.xmlName);
     });
     return unused;
