@@ -1,6 +1,7 @@
 // What the client layer costs a program: bench-layer [rounds]. The same calls with and without it, in turns,
 // and the start of a small program. Prints medians; the ratios hold on any machine, the nanoseconds do not.
 
+#include "DeviceTable.h"
 #include "LayeredProgram.h"
 
 #include <algorithm>
@@ -8,6 +9,8 @@
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -22,10 +25,12 @@ struct Way {
     const char* name;
     Layer layer;
     const char* options; ///< Of the layer.
+    bool onDevice = false; ///< Whether the program sees a device in place of the machine.
 };
 
 constexpr std::array ways{Way{"bare", Layer::None, ""}, Way{"layer, no check", Layer::Vendor, "no-errors"},
     Way{"layer, driver tells (KHR_debug)", Layer::Vendor, ""},
+    Way{"layer, driver tells, a profile on", Layer::Vendor, "", true},
     Way{"layer, glGetError after each call", Layer::Vendor, "get-error"}};
 
 /// Of calls that change nothing, that change state, and that make an error, in nanoseconds; then of start and
@@ -38,10 +43,26 @@ double median(std::vector<double> values)
     return values[values.size() / 2];
 }
 
+/// A device of OpenGL ES 3.0 with a few limits, written once.
+const std::string& deviceFile()
+{
+    static const std::string path = [] {
+        using Number = layer::device::Number;
+        layer::device::Table table;
+        table.name = "Bench";
+        table.apis.push_back({30, {"GL_KHR_debug"}, {{0x0D33, {Number(std::int64_t{4096})}}}, {}, {}, {}});
+        std::string file = (std::filesystem::temp_directory_path() / "bench-layer-device").string();
+        std::ofstream(file) << toText(table);
+        return file;
+    }();
+    return path;
+}
+
 LayeredProgram start(const Way& way, std::vector<std::string> arguments)
 {
     arguments.insert(arguments.begin(), CORVALE_GLES_CALLS);
-    return {std::move(arguments), way.layer, {{"CORVALE_LAYER_OPTIONS", way.options}}};
+    return {std::move(arguments), way.layer,
+        {{"CORVALE_LAYER_OPTIONS", way.options}, {"CORVALE_LAYER_DEVICE", way.onDevice ? deviceFile() : ""}}};
 }
 
 Times measure(const Way& way)
@@ -80,5 +101,6 @@ int main(int argumentCount, char* arguments[])
     for (std::size_t way = 0; way < ways.size(); ++way)
         std::printf("%-34s %9.2f %12.2f %12.1f %15.1f\n", ways[way].name, median(all[way][0]),
             median(all[way][1]), median(all[way][2]), median(all[way][3]));
+    std::filesystem::remove(deviceFile());
     return 0;
 }
