@@ -10,6 +10,7 @@
 #include "DocumentationOpener.h"
 #include "ErrorListModel.h"
 #include "FeedbackDialog.h"
+#include "FindBar.h"
 #include "FocusedWheel.h"
 #include "HostNotice.h"
 #include "KeptFilters.h"
@@ -164,10 +165,25 @@ void MainWindow::setUpActions()
     connect(m_ui->actionPreferences, SIGNAL(triggered()), SLOT(onPreferences()));
     connect(m_ui->actionExit, SIGNAL(triggered()), SLOT(close()));
     connect(m_ui->actionNew_Profile, SIGNAL(triggered()), SLOT(newProfile()));
+    connectFind();
     new FocusedWheel(m_ui->cmbProfile);
     new FocusedWheel(m_ui->cmbFont);
     connect(m_ui->cmbProfile, SIGNAL(currentIndexChanged(int)), SLOT(optionChanged()));
     connect(m_clientTabs, SIGNAL(tabCloseRequested(int)), SLOT(closeTab(int)));
+}
+
+void MainWindow::connectFind()
+{
+    const auto go = [this](Findable::Direction direction) {
+        if (FindBar* bar = FindBar::inFront(this))
+            bar->go(direction);
+    };
+    connect(m_ui->actionFind, &QAction::triggered, this, [this] {
+        if (FindBar* bar = FindBar::inFront(this))
+            bar->open();
+    });
+    connect(m_ui->actionFindNext, &QAction::triggered, this, [go] { go(Findable::Direction::Forward); });
+    connect(m_ui->actionFindPrevious, &QAction::triggered, this, [go] { go(Findable::Direction::Backward); });
 }
 
 void MainWindow::setUpMenus()

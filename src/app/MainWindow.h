@@ -99,6 +99,7 @@ protected:
 
 private:
     void setUpActions();
+    void connectFind();
     void setUpMenus();
     void setUpFonts();
     void setUpHelp();

@@ -3,15 +3,19 @@
 #include "CellContentsDialog.h"
 #include "Client.h"
 #include "Console.h"
+#include "ConsoleFind.h"
 #include "ConsoleSaver.h"
 #include "ContextInterface.h"
 #include "ErrorFilterBar.h"
 #include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
+#include "FindBar.h"
 #include "GlEnumerants.h"
+#include "ItemFind.h"
 #include "RecordText.h"
 #include "ui_ClientInterface.h"
 
+#include <QListView>
 #include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
@@ -46,6 +50,7 @@ ClientInterface::ClientInterface(Client* client, int index, const QFont& font, Q
     setUpConsole(font);
     setUpErrorList();
     setUpContexts();
+    setUpFind();
     makeConnections();
 }
 
@@ -118,6 +123,27 @@ void ClientInterface::setUpContexts()
     m_ui->contextsArea->hide();
     m_ui->contextsAreaContents->setAutoFillBackground(false);
     m_ui->contextsArea->viewport()->setAutoFillBackground(false);
+}
+
+void ClientInterface::setUpFind()
+{
+    auto* inConsole = new ConsoleFind(m_console, m_ui->txtConsole);
+    m_ui->consoleLayout->addWidget(new FindBar(inConsole, m_ui->tab_console));
+    auto* inErrors = new ItemFind(this);
+    inErrors->setViews({m_ui->tblErrorList});
+    connect(inErrors, &ItemFind::going, this, &ClientInterface::uncheckErrorListAutoScroll);
+    m_ui->errorListLayout->addWidget(new FindBar(inErrors, m_ui->tab_errorlist));
+    // One bar for all contexts, of which there may be hundreds.
+    auto* inContext = new ItemFind(this);
+    auto* bar = new FindBar(inContext, m_ui->tab_contextInfo);
+    m_ui->contextInfoLayout->addWidget(bar);
+    connect(m_ui->tabWidget_contexts, &QTabWidget::currentChanged, this, [this, inContext, bar] {
+        QList<QAbstractItemView*> views;
+        if (const QWidget* context = m_ui->tabWidget_contexts->currentWidget())
+            views = {context->findChild<QTableView*>(), context->findChild<QListView*>()};
+        inContext->setViews(views);
+        bar->searchAgain();
+    });
 }
 
 void ClientInterface::setConnectedWithoutTab(std::size_t count)

@@ -93,6 +93,7 @@ private:
     void setUpConsole(const QFont& font);
     void setUpErrorList();
     void setUpContexts();
+    void setUpFind();
     void makeConnections();
 
     void colourContextsHint();

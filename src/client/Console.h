@@ -42,6 +42,8 @@ public:
     bool isComplete() const { return !m_pace.isFlooded() && !m_pace.isRefreshPending(); }
     ConsoleSpool& spool() { return *m_spool; }
 
+    ConsoleHistory& history() { return m_history; }
+
     /// The number of entries that the console ever had, which is the serial number of the next one.
     std::uint64_t entryCount() const { return m_spool->endSerial(); }
     /// Goes to an entry, wherever it is, and selects it. False when "Clear" has removed it, or there was none

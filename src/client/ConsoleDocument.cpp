@@ -415,30 +415,37 @@ void ConsoleDocument::clear()
     showFrom(0);
 }
 
-std::optional<ConsoleDocument::Range> ConsoleDocument::rangeOf(std::uint64_t serial) const
+void ConsoleDocument::forEachShown(const std::function<void(std::uint64_t, int)>& function) const
 {
     if (!isUnchanged())
-        return {};
+        return;
     int position = m_headLength;
     for (auto entry = m_entries.begin() + static_cast<std::ptrdiff_t>(m_first); entry != m_entries.end();
          ++entry) {
-        if (entry->serial == serial)
-            return Range{position, position + entry->length};
+        function(entry->serial, position);
         position += entry->length;
     }
-    return {};
+}
+
+std::optional<ConsoleDocument::Range> ConsoleDocument::rangeOf(std::uint64_t serial) const
+{
+    std::optional<Range> range;
+    int end = m_headLength;
+    for (auto entry = m_entries.begin() + static_cast<std::ptrdiff_t>(m_first);
+         entry != m_entries.end() && !range; ++entry) {
+        end += entry->length;
+        if (entry->serial == serial)
+            range = Range{end - entry->length, end};
+    }
+    return range && isUnchanged() ? range : std::nullopt;
 }
 
 std::optional<std::uint64_t> ConsoleDocument::serialAt(int position) const
 {
-    if (m_first == m_entries.size() || !isUnchanged())
-        return {};
-    std::uint64_t serial = m_entries[m_first].serial;
-    int end = m_headLength;
-    for (auto entry = m_entries.begin() + static_cast<std::ptrdiff_t>(m_first);
-         entry != m_entries.end() && end <= position; ++entry) {
-        serial = entry->serial;
-        end += entry->length;
-    }
-    return serial;
+    std::optional<std::uint64_t> at;
+    forEachShown([&](std::uint64_t serial, int start) {
+        if (!at || start <= position)
+            at = serial;
+    });
+    return at;
 }

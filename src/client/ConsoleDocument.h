@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -90,6 +91,8 @@ public:
     std::optional<Range> rangeOf(std::uint64_t serial) const;
     /// The entry at a position in the document: the first one that is shown for a place before it.
     std::optional<std::uint64_t> serialAt(int position) const;
+    /// Calls a function with each entry that is shown, and its position.
+    void forEachShown(const std::function<void(std::uint64_t, int)>& function) const;
     /// True when there are entries before those that are shown.
     bool hasEarlier() const { return m_forgotten + m_first > 0; }
     /// The place where the next entry is written.

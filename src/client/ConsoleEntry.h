@@ -37,6 +37,9 @@ std::string packClosingLine(std::string_view text);
 /// Writes an entry to a sink. Bytes that are no entry write nothing.
 void write(std::string_view entry, ConsoleSink& sink);
 
+/// Adds what write() shows of an entry, as lines of UTF-8, to a text. Empty lines may differ.
+void appendLines(std::string_view entry, std::string& text);
+
 /// What it costs to lay an entry out, in lines or so; 1 for most.
 int weight(std::string_view entry);
 

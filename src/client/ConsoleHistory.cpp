@@ -184,6 +184,12 @@ void ConsoleHistory::selectEntry(std::uint64_t serial)
     int end = range->end;
     while (end > start && isSeparator(text.characterAt(end - 1)))
         --end;
+    select(start, end);
+}
+
+/// Selects text, and shows its start.
+void ConsoleHistory::select(int start, int end)
+{
     QTextCursor cursor(m_view->document());
     // The cursor, which the view makes visible, is to stand at the start.
     cursor.setPosition(end);
@@ -192,6 +198,41 @@ void ConsoleHistory::selectEntry(std::uint64_t serial)
     const QRect at = m_view->cursorRect(cursor);
     if (!m_view->viewport()->rect().contains(at.topLeft()) || at.bottom() > m_view->viewport()->height())
         TextViewPlace(m_view, cursor, m_view->viewport()->height() / 3).restore();
+}
+
+void ConsoleHistory::showMatch(std::uint64_t serial, std::size_t number, const FindPattern& pattern)
+{
+    if (!bringEntry(serial))
+        return;
+    const std::vector<ConsoleDocument::Range> matches = matchesIn(serial, pattern);
+    if (number < matches.size())
+        select(matches[number].start, matches[number].end);
+    else
+        selectEntry(serial);
+}
+
+std::vector<ConsoleDocument::Range> ConsoleHistory::matchesIn(
+    std::uint64_t serial, const FindPattern& pattern) const
+{
+    std::vector<ConsoleDocument::Range> matches;
+    const std::optional<ConsoleDocument::Range> range = rangeOf(serial);
+    if (!range)
+        return matches;
+    for (QTextBlock block = m_view->document()->findBlock(textStart(*range));
+         block.isValid() && block.position() < range->end; block = block.next()) {
+        const QString text = block.text();
+        for (FindPattern::Match match = pattern.find(text); match.start >= 0;
+             match = pattern.find(text, match.start + match.length)) {
+            const int start = block.position() + static_cast<int>(match.start);
+            matches.push_back({start, start + static_cast<int>(match.length)});
+        }
+    }
+    return matches;
+}
+
+void ConsoleHistory::forEachShown(const std::function<void(std::uint64_t, int)>& function) const
+{
+    document().forEachShown(function);
 }
 
 std::optional<ConsoleDocument::Range> ConsoleHistory::rangeOf(std::uint64_t serial) const

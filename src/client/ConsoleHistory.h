@@ -1,10 +1,12 @@
 #pragma once
 
 #include "ConsoleDocument.h"
+#include "FindPattern.h"
 
 #include <QObject>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -37,12 +39,17 @@ public:
     /// Shows an entry, and selects its text. False when the console has none of this serial number (any
     /// more).
     bool showEntry(std::uint64_t serial);
-    /// Shows an entry, without selecting it.
-    bool bringEntry(std::uint64_t serial);
     /// The text of an entry in the view's document, where it is there.
     std::optional<ConsoleDocument::Range> rangeOf(std::uint64_t serial) const;
-    /// The entry at the top of the view.
+    /// The entry at the top of the view, and at a position in its document.
     std::optional<std::uint64_t> topEntry() const;
+    std::optional<std::uint64_t> entryAt(int position) const { return document().serialAt(position); }
+    /// Calls a function with each entry that is in the document, and its position there.
+    void forEachShown(const std::function<void(std::uint64_t, int)>& function) const;
+    /// What a pattern matches in the text of an entry, as far as it is in the document.
+    std::vector<ConsoleDocument::Range> matchesIn(std::uint64_t serial, const FindPattern& pattern) const;
+    /// Shows an entry, and selects one of these matches.
+    void showMatch(std::uint64_t serial, std::size_t number, const FindPattern& pattern);
 
 Q_SIGNALS:
     /// The live document has been written anew, and can be filled up.
@@ -65,6 +72,7 @@ private:
     };
 
     const ConsoleDocument& document() const { return m_isShown ? m_window : m_live; }
+    bool bringEntry(std::uint64_t serial);
     void extend();
     bool isNearEnd() const;
     void showAround(std::uint64_t serial, int y);
@@ -74,6 +82,7 @@ private:
     std::optional<int> positionOf(const std::optional<Place>& place) const;
     int textStart(const ConsoleDocument::Range& range) const;
     void selectEntry(std::uint64_t serial);
+    void select(int start, int end);
     bool keyPressed(const QKeyEvent& event);
     void followLink(const QMouseEvent& event);
 

@@ -1,7 +1,9 @@
 #include "SystemReportPage.h"
 
 #include "FileReplacement.h"
+#include "FindBar.h"
 #include "SystemReportGUIReceiver.h"
+#include "TextFind.h"
 #include "ui_SystemReportPage.h"
 
 #include <QClipboard>
@@ -16,6 +18,7 @@ SystemReportPage::SystemReportPage(SystemReportGUIReceiver* receiver, QWidget* p
     , m_ui(std::make_unique<Ui::SystemReportPage>())
 {
     m_ui->setupUi(this);
+    m_ui->pageLayout->insertWidget(1, new FindBar(new TextFind(m_ui->viewer), this));
     connect(receiver, SIGNAL(ready(const SystemReport&)), m_ui->viewer, SLOT(setReport(const SystemReport&)));
     connect(m_ui->btnClear, &QPushButton::clicked, receiver, &SystemReportGUIReceiver::clear);
     connect(m_ui->btnClear, &QPushButton::clicked, m_ui->viewer, &SystemReportViewer::clearReport);

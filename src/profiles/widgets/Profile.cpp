@@ -4,7 +4,9 @@
 #include "EGLConfigTreeView.h"
 #include "ESCapabilityTreeView.h"
 #include "ESExtensionTreeView.h"
+#include "FindBar.h"
 #include "HiddenElements.h"
+#include "ItemFind.h"
 #include "PlainMessageBox.h"
 #include "ProfileChanges.h"
 #include "ProfileDataWrapper.h"
@@ -58,6 +60,9 @@ Profile::Profile(models::CurrentProfile& current, QWidget* parent)
         showWhetherEmpty();
     });
     setUpViews();
+    auto* inTrees = new ItemFind(this);
+    inTrees->setViews({m_capabilitiesView, m_extensionsView, m_eglConfigsView});
+    m_ui->profileLayout->addWidget(new FindBar(inTrees, this));
     setUpNotices();
     retranslateUi();
     if (parent)

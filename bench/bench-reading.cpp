@@ -1,0 +1,32 @@
+// How fast does the window let somebody read? A console of a million entries is searched and jumped through.
+// Options: --short for a run that only sees whether it works.
+
+#include "ReadingConsole.h"
+#include "Resources.h"
+
+#include <QApplication>
+#include <QTemporaryDir>
+#include <QTextStream>
+
+#include <stdexcept>
+
+int main(int argc, char** argv)
+{
+    // Where nothing is said it needs no display.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QTemporaryDir room(QStringLiteral("/var/tmp/cvb.XXXXXX"));
+    for (const char* name : {"TMPDIR", "HOME", "XDG_CONFIG_HOME", "XDG_RUNTIME_DIR"})
+        qputenv(name, room.path().toLocal8Bit());
+    const QApplication application(argc, argv);
+    registerResources();
+    const bool brief = QCoreApplication::arguments().contains(QStringLiteral("--short"));
+    QTextStream out(stdout);
+    try {
+        reading::measureConsole(out, brief ? 20'000 : 1'000'000);
+    } catch (const std::runtime_error& failure) {
+        QTextStream(stderr) << "bench-reading: " << failure.what() << "\n";
+        return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,81 @@
+#pragma once
+
+#include "LinearFind.h"
+
+#include <QAbstractItemView>
+#include <QPersistentModelIndex>
+#include <QPointer>
+
+#include <map>
+#include <vector>
+
+class ItemFindMarks;
+class ScrollBarMarks;
+
+/// Finds text in the cells of views, one view after the other. Each cell with it is a match.
+class ItemFind : public LinearFind {
+    Q_OBJECT
+
+public:
+    explicit ItemFind(QObject* parent);
+
+    /// Looks in these views from now on. They may go before this does.
+    void setViews(const QList<QAbstractItemView*>& views);
+
+    QString selectedText() const override;
+    QWidget* view() const override;
+
+Q_SIGNALS:
+    /// The view will show another cell.
+    void going(QAbstractItemView* view);
+
+protected:
+    void begin() override;
+    bool search() override;
+    std::size_t matchCount() const override { return m_matches.size(); }
+    std::optional<std::size_t> firstAtReader() const override { return m_firstAtReader; }
+    double searchedPart() const override;
+    void show(std::size_t match) override;
+    void mark() override;
+
+private:
+    /// Rows below the same one.
+    struct Siblings {
+        QPointer<QAbstractItemView> view;
+        QPersistentModelIndex parent;
+    };
+    struct Match {
+        std::uint32_t siblings; ///< Number in m_siblings.
+        int row;
+        int column;
+    };
+    /// A place in the walk through the rows.
+    struct Level {
+        std::uint32_t siblings;
+        int row = 0;
+    };
+    struct Marks {
+        ItemFindMarks* cells;
+        ScrollBarMarks* bar;
+    };
+
+    void follow(QAbstractItemModel* model);
+    void rowsInserted(const QAbstractItemModel* model, const QModelIndex& parent, int first);
+    bool enterNextView();
+    void enter(QAbstractItemView* view, const QModelIndex& parent);
+    bool searchRow();
+    void markScrollBars();
+    double placeOf(const Match& match) const;
+
+    QList<QPointer<QAbstractItemView>> m_views;
+    std::vector<QMetaObject::Connection> m_connections;
+    std::map<QAbstractItemView*, Marks> m_marks;
+    std::vector<Siblings> m_siblings;
+    std::vector<Level> m_levels; ///< From the outermost to the innermost row that is searched.
+    qsizetype m_viewsEntered = 0;
+    std::vector<Match> m_matches;
+    std::size_t m_marked = 0; ///< Number of matches that the scroll bars have.
+    QPointer<QAbstractItemView> m_readerView;
+    QPersistentModelIndex m_readerRow;
+    std::optional<std::size_t> m_firstAtReader;
+};
