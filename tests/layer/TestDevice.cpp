@@ -42,7 +42,7 @@ Table harbourBoard()
         limit(0x8DFB, std::int64_t{128}); // GL_MAX_VERTEX_UNIFORM_VECTORS
         limit(0x8DFC, std::int64_t{8}); // GL_MAX_VARYING_VECTORS
         limit(0x84E8, std::int64_t{2048}); // GL_MAX_RENDERBUFFER_SIZE
-        limit(0x8B4D, std::int64_t{10}); // GL_MAX_COMBINED_TEXTURE_IMAGE_UNITS
+        limit(0x8B4D, std::int64_t{40}); // GL_MAX_COMBINED_TEXTURE_IMAGE_UNITS
     }
     Api& last = table.apis.back();
     last.texts[0x8B8C] = "OpenGL ES GLSL ES 3.00 build 7";
@@ -219,7 +219,7 @@ TEST_F(TestDevice, limitsOfArgumentsHold)
             {"call glTexStorage3D 0x806F 1 0x8058 4 4 257", "0x501"},
             {"call glRenderbufferStorage 0x8D41 0x8058 2049 1", "0x501"},
             {"call glEnableVertexAttribArray 7", "0"}, {"call glEnableVertexAttribArray 8", "0x501"},
-            {"call glActiveTexture 0x84C9", "0"}, {"call glActiveTexture 0x84CA", "0x500"},
+            {"call glActiveTexture 0x84E1", "0"}, {"call glActiveTexture 0x84E8", "0x500"},
             {"call glBindBufferBase 0x8A11 23 0", "0"}, {"call glBindBufferBase 0x8A11 24 0", "0x501"},
             {"call glRenderbufferStorageMultisample 0x8D41 5 0x8058 4 4", "0x502"},
             {"call glRenderbufferStorageMultisample 0x8D41 1 0x8D7C 4 4", "0x502"},

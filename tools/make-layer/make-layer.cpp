@@ -65,8 +65,8 @@ std::string trimmed(std::string text)
     return text;
 }
 
-/// How an argument is shown: e enumerant, n enumerant as a signed number, m primitive mode, b bits, t
-/// boolean, i signed, u unsigned, f floating point, E enumerant of EGL, p anything else.
+/// How an argument is shown: e enumerant, x texture unit, n enumerant as a signed number, m primitive mode, b
+/// bits, t boolean, i signed, u unsigned, f floating point, E enumerant of EGL, p anything else.
 char kindOf(const std::string& type, std::string_view group)
 {
     static const std::map<std::string, char, std::less<>> kinds{
@@ -105,6 +105,9 @@ char kindOf(const std::string& type, std::string_view group)
     };
     if (group == "PrimitiveType")
         return 'm';
+    // They count from GL_TEXTURE0 into what other enumerants have.
+    if (group == "TextureUnit" && type == "GLenum")
+        return 'x';
     if (group == "InternalFormat" && type == "GLint")
         return 'n';
     const auto found = kinds.find(type);

@@ -16,6 +16,9 @@ enum class Promise { AtLeast, AtMost, Range, List, Nothing };
 
 Promise promiseOf(std::string_view name)
 {
+    // Drivers recommend these and take more.
+    if (name.starts_with("GL_MAX_ELEMENTS_"))
+        return Promise::Nothing;
     if (name.starts_with("GL_MAX_"))
         return Promise::AtLeast;
     if (name.starts_with("GL_MIN_") || name.ends_with("_ALIGNMENT"))

@@ -41,12 +41,24 @@ void appendMode(CallText& text, std::uint64_t bits)
         appendGlName(text, bits);
 }
 
+void appendTextureUnit(CallText& text, std::uint64_t bits)
+{
+    constexpr std::uint64_t mostUnits = 256;
+    if (bits - gl::texture0 < mostUnits)
+        text << "GL_TEXTURE" << bits - gl::texture0;
+    else
+        appendGlName(text, bits);
+}
+
 void appendArgument(CallText& text, char kind, std::uint64_t bits)
 {
     switch (kind) {
     case 'e':
     case 'n':
         appendGlName(text, bits);
+        break;
+    case 'x':
+        appendTextureUnit(text, bits);
         break;
     case 'm':
         appendMode(text, bits);
