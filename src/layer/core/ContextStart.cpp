@@ -110,7 +110,7 @@ void putExtensions(std::string& payload, const Context& context, std::string_vie
 void sendRecord(const Context& context, std::string_view extensions)
 {
     const HostFacts& host = hostFacts(*context.host, context.display);
-    const int version = context.api ? context.api->version : context.esVersion;
+    const int version = context.api ? offeredVersion(*context.api) : context.esVersion;
     std::string payload(ui::messages::recordSize - offset::payload, '\0');
     const auto put = [&](std::size_t at, std::uint32_t value) {
         putCodes(payload, at, {value});

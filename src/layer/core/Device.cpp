@@ -1,5 +1,6 @@
 #include "Device.h"
 
+#include "BeyondHost.h"
 #include "Process.h"
 #include "Records.h"
 
@@ -56,6 +57,14 @@ const device::Api* findApi(const device::Table& table, int version)
     const bool isVersion =
         version == 10 || version == 11 || version == 20 || (version >= 30 && version <= 32);
     return isVersion && found != table.apis.end() ? &*found : nullptr;
+}
+
+int offeredVersion(const device::Api& api)
+{
+    const auto text = api.texts.find(gl::version);
+    if (text == api.texts.end() || api.version < 20)
+        return api.version;
+    return std::clamp(versionIn(text->second), api.version, 32);
 }
 
 std::string apiName(int version)

@@ -19,6 +19,10 @@ const device::Table* emulatedDevice();
 /// compatible with it. Null where the device has none.
 const device::Api* findApi(const device::Table& table, int version);
 
+/// The version that contexts of a section offer. Drivers may give a later one than they were asked for, and
+/// say so in GL_VERSION.
+int offeredVersion(const device::Api& api);
+
 /// "OpenGL ES 2.0" for 20.
 std::string apiName(int version);
 /// "OpenGL ES 1.1, 2.0 and 3.0".

@@ -68,7 +68,7 @@ const LimitRow& limitRow(std::size_t index)
 DeviceGate::DeviceGate(Host& host, const device::Table& table, const device::Api& api)
     : m_table(table)
     , m_api(api)
-    , m_availability(api.version, api.extensions)
+    , m_availability(offeredVersion(api), api.extensions)
     , m_strings(table, api)
 {
     for (const LimitRow& row : limitRows)
@@ -121,7 +121,7 @@ bool DeviceGate::blocks(Fn function) const
 bool DeviceGate::hasCompressed(GLenum format) const
 {
     // OpenGL ES 3.0 has these ten without saying so.
-    const bool isCore = m_api.version >= 30 && format >= 0x9270 && format <= 0x9279;
+    const bool isCore = offeredVersion(m_api) >= 30 && format >= 0x9270 && format <= 0x9279;
     return isCore || !m_api.capabilities.contains(gl::compressedTextureFormats)
         || isListed(m_api, gl::compressedTextureFormats, format);
 }

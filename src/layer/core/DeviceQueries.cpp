@@ -45,13 +45,14 @@ bool isOfAnotherFramebuffer(const Context& context, GLenum name)
 
 std::optional<std::int64_t> stateOfVersion(const device::Api& api, GLenum name)
 {
-    if (api.version < 30)
+    const int version = offeredVersion(api);
+    if (version < 30)
         return std::nullopt;
     switch (name) {
     case gl::majorVersion:
-        return api.version / 10;
+        return version / 10;
     case gl::minorVersion:
-        return api.version % 10;
+        return version % 10;
     case gl::numExtensions:
         return static_cast<std::int64_t>(api.extensions.size());
     default:

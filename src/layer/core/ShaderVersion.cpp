@@ -79,10 +79,10 @@ std::string versionRefusal(const device::Table& table, const device::Api& api, s
 {
     int version = 0;
     std::from_chars(number.data(), number.data() + number.size(), version);
-    if (version <= languageOf(api.version))
+    if (version <= languageOf(offeredVersion(api)))
         return {};
     return "#version " + std::string(number) + " is not available on " + table.name + ", whose "
-        + apiName(api.version) + " has " + std::to_string(languageOf(api.version)) + " at most";
+        + apiName(api.version) + " has " + std::to_string(languageOf(offeredVersion(api))) + " at most";
 }
 
 } // namespace
