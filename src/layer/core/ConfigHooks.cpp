@@ -1,10 +1,18 @@
 // The functions of EGL by which a program learns what there is: a device answers for its configs and strings.
 #include "Checks.h"
+#include "ConfigChoice.h"
 #include "Context.h"
 #include "Device.h"
 #include "DeviceConfigs.h"
+#include "KeyTables.h"
+#include "Records.h"
+#include "ValueNames.h"
 
 #include <algorithm>
+#include <array>
+#include <mutex>
+#include <set>
+#include <string>
 
 namespace layer::hooks {
 
@@ -35,6 +43,33 @@ void put(const DeviceConfigs& configs, const std::vector<std::size_t>& chosen, E
         handles[i] = configs.handleAt(chosen[i]);
 }
 
+/// Why no config fits: the first attribute that none of them has as it is asked for.
+std::string whyNone(const DeviceConfigs& configs, const EGLint* attributes)
+{
+    for (; attributes && attributes[0] != EGL_NONE; attributes += 2) {
+        const std::array<EGLint, 3> alone{attributes[0], attributes[1], EGL_NONE};
+        const auto chosen = chooseConfigs(configs.attributes(), alone.data());
+        EGLAttribKey key;
+        if (chosen && chosen->empty() && findEGLAttribKey(attributes[0], &key))
+            return "none has " + key.displayName.text + " " + value_names::eglValue(key, attributes[1]);
+    }
+    return "none has all of it together";
+}
+
+/// Programs that find no config end, often without a word. Told once for each reason.
+void tellNone(const DeviceConfigs& configs, const EGLint* attributes)
+{
+    constexpr std::size_t mostTold = 16;
+    static std::mutex mutex;
+    static std::set<std::string> told;
+    const std::string reason = whyNone(configs, attributes);
+    const std::lock_guard lock(mutex);
+    if (told.size() < mostTold && told.insert(reason).second) {
+        records::information("eglChooseConfig finds no config on " + emulatedDevice()->name
+            + " for what the program asks for: " + reason + ".");
+    }
+}
+
 } // namespace
 
 EGLBoolean eglGetConfigs(EGLDisplay display, EGLConfig* handles, EGLint size, EGLint* count)
@@ -63,6 +98,8 @@ EGLBoolean eglChooseConfig(
             EGL_BAD_ATTRIBUTE, "the list has an attribute that configs do not have");
         return EGL_FALSE;
     }
+    if (chosen->empty())
+        tellNone(*configs, attributes);
     put(*configs, *chosen, handles, size, count);
     setEglError(EGL_SUCCESS);
     return EGL_TRUE;
