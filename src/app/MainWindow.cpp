@@ -16,6 +16,7 @@
 #include "KeptFilters.h"
 #include "LocalListener.h"
 #include "MonitorStatus.h"
+#include "MutedErrors.h"
 #include "NewProfileActions.h"
 #include "PlainMessageBox.h"
 #include "Preferences.h"
@@ -77,10 +78,10 @@ MainWindow::MainWindow(WindowController* controller, Preferences& preferences)
     m_ui->setupUi(this);
     setWindowIcon(QIcon(QStringLiteral(":/CorvaleResources/Corvale")));
     m_clientTabs = m_ui->clienttabs;
-    m_keptFilters = std::make_unique<KeptFilters>(m_preferences);
     m_ui->mainTabWidget->setFocus();
     m_status = new MonitorStatus(m_ui->statusbar);
     m_preferencesReporter = std::make_unique<PreferencesReporter>(m_preferences, *m_status);
+    setUpErrorLists();
     setUpHelp();
     setUpPages();
     setUpProfiles();
@@ -105,6 +106,21 @@ void MainWindow::setUpHelp()
     m_stats->initialise();
     m_aboutBox = new AboutBox(
         QStringLiteral(":/CorvaleResources/SplashCorvale"), product::nameAndVersion(), m_preferences, this);
+}
+
+void MainWindow::setUpErrorLists()
+{
+    m_keptFilters = std::make_unique<KeptFilters>(m_preferences);
+    // Beside the preferences; without them it is kept nowhere.
+    std::filesystem::path file = m_preferences.path();
+    if (!file.empty())
+        file.replace_filename("Corvale muted kinds.txt");
+    m_mutedErrors = new MutedErrors(file, this);
+    connect(m_mutedErrors, &MutedErrors::failed, this,
+        [this](const QString& reason) { statusBar()->showMessage(reason, messageTime); });
+    if (!m_mutedErrors->problem().isEmpty())
+        statusBar()->showMessage(
+            tr("The muted kinds cannot be read: %1").arg(m_mutedErrors->problem()), messageTime);
 }
 
 void MainWindow::setUpPages()
@@ -273,6 +289,7 @@ void MainWindow::serverNewConnection()
     if (m_windowState)
         m_windowState->follow(*page);
     page->setKeptFilters(m_keptFilters.get());
+    page->setMutedErrors(m_mutedErrors);
     countProblems(*page);
     page->setLive();
     m_clients.insert(client);

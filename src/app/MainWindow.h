@@ -16,6 +16,7 @@ class ConsoleFontSize;
 class KeptFilters;
 class LocalListener;
 class MonitorStatus;
+class MutedErrors;
 class PreferencesReporter;
 class ProfileCatalogue;
 class ProfileChooser;
@@ -102,6 +103,7 @@ private:
     void connectFind();
     void setUpMenus();
     void setUpFonts();
+    void setUpErrorLists();
     void setUpHelp();
     void setUpPages();
     void setUpProfiles();
@@ -118,6 +120,7 @@ private:
     Preferences& m_preferences;
     ClientTabWidget* m_clientTabs = nullptr;
     std::unique_ptr<KeptFilters> m_keptFilters;
+    MutedErrors* m_mutedErrors = nullptr;
     MonitorStatus* m_status = nullptr;
     std::unique_ptr<PreferencesReporter> m_preferencesReporter;
     SystemReportGUIReceiver* m_reportReceiver = nullptr;

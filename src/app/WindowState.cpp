@@ -3,6 +3,7 @@
 #include "Client.h"
 #include "ClientInterface.h"
 #include "ContextInterface.h"
+#include "ErrorList.h"
 #include "ErrorListView.h"
 #include "MainWindow.h"
 #include "Preferences.h"
@@ -78,8 +79,11 @@ void WindowState::follow(ClientInterface& page)
     auto* list = page.findChild<ErrorListView*>();
     list->restoreColumns(m_errorListColumns);
     QHeaderView* header = list->horizontalHeader();
-    connect(header, &QHeaderView::sectionResized, this,
-        [this, header] { m_errorListColumns = header->saveState(); });
+    connect(header, &QHeaderView::sectionResized, this, [this, header] {
+        // A folded list has a column more, which comes and goes.
+        if (header->count() == error_list::ColumnCount)
+            m_errorListColumns = header->saveState();
+    });
     bind(page.findChild<QCheckBox*>(QStringLiteral("chkWarnings")), settings::showWarnings, m_preferences);
     bind(page.findChild<QCheckBox*>(QStringLiteral("chkErrors")), settings::showErrors, m_preferences);
     page.setContextFollower([this](ContextInterface& context) { followContext(context); });

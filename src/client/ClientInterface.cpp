@@ -7,6 +7,7 @@
 #include "ConsoleSaver.h"
 #include "ContextInterface.h"
 #include "ErrorFilterBar.h"
+#include "ErrorListActions.h"
 #include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
 #include "FindBar.h"
@@ -81,6 +82,9 @@ void ClientInterface::setUpErrorList()
     m_ui->errorFilterBar->setErrors(m_errorListModel);
     connect(m_ui->errorFilterBar, &ErrorFilterBar::filterChanged, m_errorListFilter,
         &ErrorListFilterProxyModel::setFilter);
+    connect(
+        m_ui->chkFoldErrors, &QCheckBox::toggled, m_errorListFilter, &ErrorListFilterProxyModel::setFolded);
+    m_errorListActions = new ErrorListActions(*m_ui->tblErrorList, *m_errorListFilter, *m_ui->tab_errorlist);
     connect(m_ui->btnClearErrors, &QPushButton::clicked, m_errorListModel, &ErrorListModel::clear);
     updateErrorListHint();
 }
@@ -88,6 +92,11 @@ void ClientInterface::setUpErrorList()
 void ClientInterface::setKeptFilters(KeptFilters* filters)
 {
     m_ui->errorFilterBar->setKeptFilters(filters);
+}
+
+void ClientInterface::setMutedErrors(MutedErrors* muted)
+{
+    m_errorListActions->setMuted(muted, m_ui->btnMutedErrors);
 }
 
 void ClientInterface::updateErrorListHint()
@@ -107,6 +116,8 @@ QString ClientInterface::emptyListHint() const
         return tr("Looking for rows...");
     if (!m_errorListFilter->filter().isEmpty())
         return tr("No row matches the filter. Esc in its line clears it.");
+    if (m_errorListFilter->mutedCount() > 0)
+        return tr("All rows are muted. \"Muted Kinds...\" (Ctrl+Shift+M) shows them again.");
     return tr("All rows are hidden. Tick \"Errors\" or \"Warnings\" above to show them.");
 }
 

@@ -14,9 +14,11 @@ class Client;
 class Console;
 class ConsoleSaver;
 class ContextInterface;
+class ErrorListActions;
 class ErrorListFilterProxyModel;
 class ErrorListModel;
 class KeptFilters;
+class MutedErrors;
 
 namespace Ui {
 class ClientInterface;
@@ -62,6 +64,8 @@ public:
 
     /// Offers filters for the error list that are kept with names. They must live longer.
     void setKeptFilters(KeptFilters* filters);
+    /// Hides errors and warnings of these kinds, and lets the user change them. They must live longer.
+    void setMutedErrors(MutedErrors* muted);
 
     /// The index of the page that is shown: console, error list or contexts.
     int subPage() const;
@@ -117,4 +121,5 @@ private:
     ConsoleSaver* m_saver;
     ErrorListModel* m_errorListModel;
     ErrorListFilterProxyModel* m_errorListFilter;
+    ErrorListActions* m_errorListActions = nullptr;
 };

@@ -1,6 +1,7 @@
 #include "ErrorFilterBar.h"
 
 #include "ErrorFilterCompleter.h"
+#include "HintLabel.h"
 #include "KeptFilters.h"
 #include "PlainToolTip.h"
 
@@ -38,14 +39,14 @@ ErrorFilterBar::ErrorFilterBar(QWidget* parent)
     , m_edit(new QLineEdit(this))
     , m_keptButton(new QToolButton(this))
     , m_menu(new QMenu(m_keptButton))
-    , m_fault(new QLabel(this))
+    , m_fault(new HintLabel(this))
     , m_completer(new ErrorFilterCompleter(m_edit))
 {
     setUpEdit();
     setUpMenu();
     m_fault->setObjectName(QStringLiteral("lblErrorFilterFault"));
     m_fault->setTextFormat(Qt::PlainText);
-    m_fault->setWordWrap(true);
+    m_fault->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     m_fault->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_fault->hide();
     auto* layout = new QGridLayout(this);
@@ -197,11 +198,15 @@ void ErrorFilterBar::fillMenu()
 
 void ErrorFilterBar::keepFilter()
 {
-    bool isAccepted = false;
-    const QString name = QInputDialog::getText(this, tr("Keep Filter"),
-        tr("Name of the filter; one of the same name is replaced:"), QLineEdit::Normal, m_readText,
-        &isAccepted)
-                             .trimmed();
-    if (isAccepted && !name.isEmpty())
-        m_kept->keep({name, m_edit->text()});
+    auto* dialog = new QInputDialog(this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowTitle(tr("Keep Filter"));
+    dialog->setLabelText(tr("Name of the filter; one of the same name is replaced:"));
+    dialog->setTextValue(m_readText);
+    connect(
+        dialog, &QInputDialog::textValueSelected, this, [this, text = m_edit->text()](const QString& name) {
+            if (!name.trimmed().isEmpty())
+                m_kept->keep({name.trimmed(), text});
+        });
+    dialog->open();
 }

@@ -1,6 +1,8 @@
 #pragma once
 
+#ifndef Q_MOC_RUN // which cannot read <compare>
 #include "Signature.h"
+#endif
 
 #include <cstdint>
 #include <string>

@@ -21,6 +21,9 @@ enum Column {
     ColumnCount,
 };
 
+/// Behind the others in a folded list.
+inline constexpr int CountColumn = ColumnCount;
+
 /// A problem as the model keeps it. The texts are UTF-8 and valid until the list is cleared.
 struct Row {
     qint32 severity = SeverityError;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ErrorFilter.h"
+#include "ErrorKinds.h"
 #include "ErrorListArrangement.h"
 
 #include <QSortFilterProxyModel>
@@ -9,7 +10,9 @@
 class ErrorListModel;
 
 /// Shows the rows of an ErrorListModel that the boxes of the severities and the filter let through, in the
-/// order of arrival or sorted by a column; rows of any other severity never.
+/// order of arrival or sorted by a column; rows of any other severity never. In a folded list, the rows of a
+/// kind are one group, with their count in a column of its own and the rows below it where it is open. Rows
+/// of muted kinds are not shown.
 ///
 /// The rows are found in steps of the event loop, which a QSortFilterProxyModel could not do, so everything
 /// that it does for that is replaced here. Another choice resets the model at once, with what was found in
@@ -25,16 +28,34 @@ public:
     void setFilter(const ErrorFilter& filter);
     const ErrorFilter& filter() const { return m_filter; }
 
+    void setFolded(bool folded);
+    bool isFolded() const { return m_isFolded; }
+    /// The kinds whose rows are not shown, none for nobody. They must live longer; to be called again when
+    /// they have changed.
+    void setMuted(const sessions::KnownKinds* muted);
+    /// Rows that are not shown for their kind alone.
+    int mutedCount() const { return m_arrangement.mutedCount(); }
+    /// What the kind of a row is known by.
+    const sessions::Signature& signatureOf(int row);
+
     /// Whether everything is shown that is to be.
     bool isSettled() const { return !m_timer.isActive(); }
+    /// Whether the rows are those of the source in their order.
     bool isByArrival() const { return m_arrangement.isByArrival(); }
-    /// The row of the source that a row shows.
-    int sourceRow(int row) const
+    /// The row of the source that a row shows; of a group the first one.
+    int sourceRow(int row) const { return static_cast<int>(m_arrangement.rowOf(entry(row))); }
+    /// The row that shows one of the source, maybe as the group that it is in. -1 where none does.
+    int rowOf(int sourceRow) const { return rowOfEntry(static_cast<ErrorListArrangement::Entry>(sourceRow)); }
+    /// What a row shows, which is of use until the source is cleared.
+    ErrorListArrangement::Entry entry(int row) const
     {
-        return static_cast<int>(m_arrangement.shown()[static_cast<std::size_t>(row)]);
+        return m_arrangement.shown()[static_cast<std::size_t>(row)];
     }
-    /// The row that shows one of the source, -1 where none does.
-    int rowOf(int sourceRow) const { return m_arrangement.placeOf(static_cast<std::uint32_t>(sourceRow)); }
+    int rowOfEntry(ErrorListArrangement::Entry entry) const { return m_arrangement.placeOf(entry); }
+    bool isGroup(int row) const { return ErrorListArrangement::isGroup(entry(row)); }
+    bool isOpen(int group) const { return m_arrangement.isOpen(entry(group)); }
+    /// Opens or closes a group.
+    void toggle(int group);
     /// The list behind the filter, if it is one of errors.
     const ErrorListModel* errors() const { return m_errors; }
 
@@ -56,6 +77,7 @@ public:
     void sort(int column, Qt::SortOrder order = Qt::AscendingOrder) override;
 
 Q_SIGNALS:
+    void mutedCountChanged(int count);
     /// All rows are found, after a time in which they were not.
     void settled();
 
@@ -63,7 +85,11 @@ protected:
     bool filterAcceptsRow(int sourceRow, const QModelIndex& sourceParent) const override;
 
 private:
+    ErrorListArrangement::Verdict judge(int sourceRow);
+    QVariant groupText(ErrorListArrangement::Entry group, int column) const;
     void change(bool& flag, bool value);
+    void sourceReset();
+    void announceMuted();
     void arrangeAnew();
     void rowsArrived();
     void work();
@@ -74,6 +100,9 @@ private:
     bool m_showErrors = true;
     ErrorFilter m_filter;
     ErrorListArrangement::Order m_order;
+    bool m_isFolded = false;
+    ErrorKinds m_kinds;
+    int m_announcedMuted = 0;
     ErrorListArrangement m_arrangement;
     QTimer m_timer; ///< Runs while there is something to do.
 };

@@ -16,7 +16,7 @@ namespace {
 constexpr std::size_t mostBlocks = 100;
 
 /// Selected rows that are kept in a sorted list, where each is looked for among all rows.
-constexpr int mostRowsInOrder = 40;
+constexpr std::uint64_t mostRowsInOrder = 40;
 
 } // namespace
 
@@ -26,10 +26,10 @@ void ErrorListPlace::keep()
     if (m_view->model()->rowCount() == 0)
         return;
     const int top = std::max(0, m_view->rowAt(0));
-    m_topRow = sourceRow(top);
+    m_top = entryOf(top);
     m_topOffset = m_view->rowViewportPosition(top);
     const QModelIndex current = m_view->currentIndex();
-    m_currentRow = current.isValid() ? sourceRow(current.row()) : -1;
+    m_current = current.isValid() ? entryOf(current.row()) : ErrorListArrangement::noEntry;
     m_currentColumn = current.column();
     m_selected = selectedCells();
 }
@@ -40,11 +40,11 @@ std::vector<ErrorListPlace::Cells> ErrorListPlace::selectedCells() const
     std::vector<Cells> blocks;
     for (const QItemSelectionRange& range : m_view->selectionModel()->selection()) {
         for (int row = range.top(); row <= range.bottom(); ++row) {
-            const int source = sourceRow(row);
-            if (row > range.top() && blocks.back().bottom == source - 1)
-                blocks.back().bottom = source;
+            const Entry entry = entryOf(row);
+            if (row > range.top() && blocks.back().bottom + 1 == entry)
+                blocks.back().bottom = entry;
             else if (blocks.size() < mostBlocks)
-                blocks.push_back({source, source, range.left(), range.right()});
+                blocks.push_back({entry, entry, range.left(), range.right()});
             else
                 return {};
         }
@@ -57,40 +57,46 @@ void ErrorListPlace::restoreSelection() const
     const QAbstractItemModel& model = *m_view->model();
     QItemSelectionModel& selectionModel = *m_view->selectionModel();
     QItemSelection selection;
-    const int count = std::accumulate(m_selected.begin(), m_selected.end(), 0,
-        [](int sum, const Cells& cells) { return sum + cells.bottom - cells.top + 1; });
+    const std::uint64_t count = std::accumulate(m_selected.begin(), m_selected.end(), std::uint64_t(0),
+        [](std::uint64_t sum, const Cells& cells) { return sum + cells.bottom - cells.top + 1; });
+    // There may be a column less than before.
+    const int lastColumn = model.columnCount() - 1;
     const auto add = [&](int top, int bottom, const Cells& cells) {
-        if (top >= 0 && top <= bottom)
-            selection.append(
-                QItemSelectionRange(model.index(top, cells.left), model.index(bottom, cells.right)));
+        if (top >= 0 && top <= bottom && cells.left <= lastColumn)
+            selection.append(QItemSelectionRange(
+                model.index(top, cells.left), model.index(bottom, std::min(cells.right, lastColumn))));
     };
     for (const Cells& cells : m_selected) {
         if (isByArrival())
             add(rowFrom(cells.top), rowFrom(cells.bottom + 1) - 1, cells);
-        for (int source = cells.top; !isByArrival() && count <= mostRowsInOrder && source <= cells.bottom;
-             ++source)
-            add(rowOf(source), rowOf(source), cells);
+        for (Entry entry = cells.top; !isByArrival() && count <= mostRowsInOrder && entry <= cells.bottom;
+             ++entry)
+            add(rowOf(entry), rowOf(entry), cells);
     }
     selectionModel.select(selection, QItemSelectionModel::ClearAndSelect);
 
-    const int row = rowOf(m_currentRow);
+    const int row = rowOf(m_current);
     if (row < 0)
         return;
     // The view would scroll to the current cell.
     m_view->setAutoScroll(false);
-    selectionModel.setCurrentIndex(model.index(row, m_currentColumn), QItemSelectionModel::NoUpdate);
+    selectionModel.setCurrentIndex(
+        model.index(row, std::min(m_currentColumn, lastColumn)), QItemSelectionModel::NoUpdate);
     m_view->setAutoScroll(true);
 }
 
 void ErrorListPlace::restoreScrolling() const
 {
     const int count = m_view->model()->rowCount();
-    if (count == 0 || m_topRow < 0)
+    if (count == 0 || m_top == ErrorListArrangement::noEntry)
         return;
-    int row = isByArrival() ? rowFrom(m_topRow) : std::max(0, rowOf(m_topRow));
-    if (isByArrival()
-        && (row == count || (row > 0 && m_topRow - sourceRow(row - 1) < sourceRow(row) - m_topRow)))
-        --row;
+    int row = std::max(0, rowOf(m_top));
+    if (isByArrival() && !ErrorListArrangement::isGroup(m_top)) {
+        row = rowFrom(m_top);
+        // The nearer one of those around a row that is not shown.
+        if (row == count || (row > 0 && m_top - entryOf(row - 1) < entryOf(row) - m_top))
+            --row;
+    }
     m_view->verticalScrollBar()->setValue(m_view->verticalHeader()->sectionPosition(row) - m_topOffset);
 }
 
@@ -104,20 +110,20 @@ bool ErrorListPlace::isByArrival() const
     return !filter() || filter()->isByArrival();
 }
 
-int ErrorListPlace::sourceRow(int row) const
+ErrorListPlace::Entry ErrorListPlace::entryOf(int row) const
 {
-    return filter() ? filter()->sourceRow(row) : row;
+    return filter() ? filter()->entry(row) : static_cast<Entry>(row);
 }
 
-/// In the order of arrival, the first row that shows a source row or a later one; the number of rows where
-/// none does.
-int ErrorListPlace::rowFrom(int source) const
+/// In the order of arrival, the first row that shows an entry or a later one; the number of rows where none
+/// does.
+int ErrorListPlace::rowFrom(Entry entry) const
 {
     int first = 0;
     int last = m_view->model()->rowCount();
     while (first < last) {
         const int middle = first + (last - first) / 2;
-        if (sourceRow(middle) < source)
+        if (entryOf(middle) < entry)
             first = middle + 1;
         else
             last = middle;
@@ -125,10 +131,10 @@ int ErrorListPlace::rowFrom(int source) const
     return first;
 }
 
-/// The row that shows a source row, -1 where none does.
-int ErrorListPlace::rowOf(int source) const
+/// The row that shows an entry, -1 where none does.
+int ErrorListPlace::rowOf(Entry entry) const
 {
-    if (source < 0)
+    if (entry == ErrorListArrangement::noEntry)
         return -1;
-    return filter() ? filter()->rowOf(source) : source;
+    return filter() ? filter()->rowOfEntry(entry) : static_cast<int>(entry);
 }

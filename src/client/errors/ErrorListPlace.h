@@ -1,12 +1,14 @@
 #pragma once
 
+#include "ErrorListArrangement.h"
+
 #include <vector>
 
 class ErrorListFilterProxyModel;
 class QTableView;
 
-/// What the reader of an error list sees and has selected. It is kept in rows of the model behind the filter,
-/// so that it survives another filter or order, which reset the model.
+/// What the reader of an error list sees and has selected. It is kept in entries, which are rows of the model
+/// behind the filter or groups, so that it survives another filter or order, which reset the model.
 class ErrorListPlace {
 public:
     /// For a view that lives at least as long and has been laid out before each call.
@@ -22,10 +24,12 @@ public:
     void restoreScrolling() const;
 
 private:
+    using Entry = ErrorListArrangement::Entry;
+
     /// A block of selected cells.
     struct Cells {
-        int top;
-        int bottom;
+        Entry top;
+        Entry bottom;
         int left;
         int right;
     };
@@ -33,14 +37,14 @@ private:
     std::vector<Cells> selectedCells() const;
     const ErrorListFilterProxyModel* filter() const;
     bool isByArrival() const;
-    int sourceRow(int row) const;
-    int rowFrom(int source) const;
-    int rowOf(int source) const;
+    Entry entryOf(int row) const;
+    int rowFrom(Entry entry) const;
+    int rowOf(Entry entry) const;
 
     QTableView* m_view;
-    int m_topRow = -1;
+    Entry m_top = ErrorListArrangement::noEntry;
     int m_topOffset = 0; ///< Pixels from the upper edge of the view to that of the top row.
-    int m_currentRow = -1;
+    Entry m_current = ErrorListArrangement::noEntry;
     int m_currentColumn = -1;
     std::vector<Cells> m_selected;
 };

@@ -58,7 +58,7 @@ ErrorListView::ErrorListView(QWidget* parent)
     connect(verticalScrollBar(), &QAbstractSlider::actionTriggered, this, &ErrorListView::readerActed);
     // Its signals keep silent about clicks near the edge of a row.
     verticalHeader()->viewport()->installEventFilter(this);
-    connect(this, &QAbstractItemView::doubleClicked, this, &ErrorListView::requestContents);
+    connect(this, &QAbstractItemView::doubleClicked, this, &ErrorListView::open);
 }
 
 void ErrorListView::setModel(QAbstractItemModel* model)
@@ -66,6 +66,7 @@ void ErrorListView::setModel(QAbstractItemModel* model)
     if (QAbstractItemModel* former = this->model()) {
         disconnect(former, &QAbstractItemModel::modelAboutToBeReset, this, &ErrorListView::keepPlace);
         disconnect(former, &QAbstractItemModel::modelReset, this, &ErrorListView::restorePlace);
+        disconnect(former, &QAbstractItemModel::columnsInserted, this, &ErrorListView::placeCountColumn);
         if (auto* formerFilter = qobject_cast<ErrorListFilterProxyModel*>(former))
             disconnect(formerFilter, &ErrorListFilterProxyModel::settled, this, &ErrorListView::placeSettled);
     }
@@ -76,6 +77,7 @@ void ErrorListView::setModel(QAbstractItemModel* model)
     connect(model, &QAbstractItemModel::modelAboutToBeReset, this, &ErrorListView::keepPlace);
     // Connected after the selection, which the reset clears.
     connect(model, &QAbstractItemModel::modelReset, this, &ErrorListView::restorePlace);
+    connect(model, &QAbstractItemModel::columnsInserted, this, &ErrorListView::placeCountColumn);
     if (filter())
         connect(filter(), &ErrorListFilterProxyModel::settled, this, &ErrorListView::placeSettled);
 }
@@ -199,8 +201,9 @@ void ErrorListView::contextMenuEvent(QContextMenuEvent* event)
     const QPointer<ErrorListView> self(this);
     QMenu menu;
     QAction* view = menu.addAction(tr("View contents"));
-    view->setShortcut(Qt::Key_Return);
+    view->setShortcut(m_openRow ? QKeySequence(Qt::CTRL | Qt::Key_Return) : QKeySequence(Qt::Key_Return));
     view->setEnabled(cell.isValid());
+    menu.addActions(actions());
     const QAction* chosen = menu.exec(viewport()->mapToGlobal(event->pos()));
     if (self && chosen == view && cell.isValid())
         requestContents(cell);
@@ -214,6 +217,69 @@ void ErrorListView::requestContents(const QModelIndex& index)
     Q_EMIT itemContentsRequested(index.row(), index.column(), corner);
 }
 
+void ErrorListView::open(const QModelIndex& index)
+{
+    if (!index.isValid())
+        return;
+    if (filter() && filter()->isGroup(index.row()))
+        filter()->toggle(index.row());
+    else if (m_openRow && filter())
+        m_openRow(filter()->sourceRow(index.row()));
+    else
+        requestContents(index);
+}
+
+/// True for a key that opens, closes or shows the current row.
+bool ErrorListView::openWithKey(const QKeyEvent& event)
+{
+    const QModelIndex index = currentIndex();
+    const bool isGroup = filter() && filter()->isGroup(index.row());
+    const bool isReturn = event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+    if (isReturn && event.modifiers().testFlag(Qt::ControlModifier))
+        requestContents(index);
+    else if (isReturn)
+        open(index);
+    else if (isGroup && (event.key() == Qt::Key_Plus || event.key() == Qt::Key_Minus)) {
+        if (filter()->isOpen(index.row()) == (event.key() == Qt::Key_Minus))
+            filter()->toggle(index.row());
+    } else
+        return false;
+    return true;
+}
+
+/// In front of the others, where it shows which rows are groups.
+void ErrorListView::placeCountColumn()
+{
+    const QFontMetrics metrics(font());
+    horizontalHeader()->moveSection(horizontalHeader()->visualIndex(error_list::CountColumn), 0);
+    setColumnWidth(error_list::CountColumn, metrics.horizontalAdvance(QStringLiteral("  00,000,000  ")));
+}
+
+void ErrorListView::goToRow(int row)
+{
+    readerActed();
+    m_follower.stopFollowing();
+    executeDelayedItemsLayout();
+    const QModelIndex cell = model()->index(row, std::max(0, currentIndex().column()));
+    setCurrentIndex(cell);
+    scrollTo(cell, QAbstractItemView::PositionAtCenter);
+    setFocus();
+}
+
+std::vector<int> ErrorListView::selectedRows() const
+{
+    std::vector<int> rows;
+    if (!selectionModel())
+        return rows;
+    for (const QItemSelectionRange& range : selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.push_back(row);
+    }
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return rows;
+}
+
 void ErrorListView::keyPressEvent(QKeyEvent* event)
 {
     readerActed();
@@ -222,8 +288,7 @@ void ErrorListView::keyPressEvent(QKeyEvent* event)
         event->accept();
         return;
     }
-    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentIndex().isValid()) {
-        requestContents(currentIndex());
+    if (currentIndex().isValid() && openWithKey(*event)) {
         event->accept();
         return;
     }

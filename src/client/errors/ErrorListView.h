@@ -7,14 +7,20 @@
 #include <QTableView>
 #include <QTimer>
 
+#include <functional>
+#include <utility>
+#include <vector>
+
 class ErrorListFilterProxyModel;
 class QMenu;
 
-/// The table of a client's errors and warnings. Its context menu, a double click and the Return key ask for
-/// the full contents of a cell; Ctrl+C copies a cell as it is, and several as lines of tab-separated cells
-/// that begin with the severity. Cells with tabs, line breaks or quotes are quoted there, as spreadsheets do
-/// it. When a filter resets its model, the reader keeps the place, the current cell and the selection as far
-/// as they are still shown. A click on a header sorts, the third one brings the order of arrival back.
+/// The table of a client's errors and warnings. Its context menu, which also has the view's actions, a double
+/// click and the Return key ask for the full contents of a cell, unless somebody else opens rows; then
+/// Ctrl+Return does. Of a group they open or close it, and so do + and -. Ctrl+C copies a cell as it is, and
+/// several as lines of tab-separated cells that begin with the severity. Cells with tabs, line breaks or
+/// quotes are quoted there, as spreadsheets do it. When a filter resets its model, the reader keeps the
+/// place, the current cell and the selection as far as they are still shown. A click on a header sorts, the
+/// third one brings the order of arrival back.
 class ErrorListView : public QTableView {
     Q_OBJECT
 
@@ -26,6 +32,14 @@ public:
     /// Gives the columns the widths of a state that QHeaderView::saveState() gave. The order of the rows
     /// stays.
     void restoreColumns(const QByteArray& state);
+
+    /// Has a double click and the Return key call a function with a row of the model behind the filter.
+    void setRowOpener(std::function<void(int sourceRow)> opener) { m_openRow = std::move(opener); }
+
+    /// Makes a row the current one, with the reader on it.
+    void goToRow(int row);
+    /// The rows with selected cells, in the order in which they are shown.
+    std::vector<int> selectedRows() const;
 
     /// The button that is checked as long as the view is to follow its last row. A reader who scrolls up, or
     /// who selects a row, unchecks it.
@@ -55,12 +69,16 @@ private:
     void sortBy(int column, Qt::SortOrder order);
     void followEndIfPending();
     void requestContents(const QModelIndex& index);
+    void open(const QModelIndex& index);
+    bool openWithKey(const QKeyEvent& event);
+    void placeCountColumn();
     void copySelection() const;
     QString severityText(const QModelIndex& cell) const;
     ErrorListFilterProxyModel* filter() const;
     void setUpRows();
     void setUpColumns();
 
+    std::function<void(int)> m_openRow;
     EndFollower m_follower;
     ErrorListPlace m_place; ///< While a filter resets the model.
     bool m_isPlaceKept = false; ///< The reader comes back to the place when the filter has found all rows.

@@ -1,0 +1,149 @@
+#include "ErrorListActions.h"
+
+#include "ErrorListFilterProxyModel.h"
+#include "ErrorListModel.h"
+#include "ErrorListView.h"
+#include "MutedErrors.h"
+#include "MutedErrorsDialog.h"
+
+#include <QAction>
+#include <QInputDialog>
+#include <QLocale>
+#include <QPushButton>
+
+#include <algorithm>
+#include <cstdlib>
+#include <limits>
+#include <set>
+
+namespace {
+
+/// Kinds that are muted in one go.
+constexpr std::size_t mostKinds = 1000;
+
+} // namespace
+
+ErrorListActions::ErrorListActions(ErrorListView& view, ErrorListFilterProxyModel& filter, QWidget& page)
+    : QObject(&page)
+    , m_view(view)
+    , m_filter(filter)
+    , m_page(page)
+{
+    add(tr("&Next Error"), QKeySequence(Qt::Key_F8), [this] { goToError(1); });
+    add(tr("&Previous Error"), QKeySequence(Qt::SHIFT | Qt::Key_F8), [this] { goToError(-1); });
+    add(tr("&Go to Frame..."), QKeySequence(Qt::CTRL | Qt::Key_G), [this] { askForFrame(); });
+}
+
+QAction* ErrorListActions::add(
+    const QString& text, const QKeySequence& key, const std::function<void()>& what)
+{
+    auto* action = new QAction(text, this);
+    action->setShortcut(key);
+    action->setShortcutContext(Qt::WidgetWithChildrenShortcut);
+    connect(action, &QAction::triggered, this, what);
+    m_page.addAction(action);
+    m_view.addAction(action);
+    return action;
+}
+
+void ErrorListActions::addFirst(QAction* action)
+{
+    m_page.addAction(action);
+    m_view.insertAction(m_view.actions().value(0), action);
+}
+
+/// The one after the current row, or before it; from one end on to the other.
+void ErrorListActions::goToError(int step)
+{
+    const ErrorListModel* errors = m_filter.errors();
+    const int count = m_filter.rowCount();
+    if (!errors || count == 0)
+        return;
+    const QModelIndex current = m_view.currentIndex();
+    int row = current.isValid() ? current.row() : (step > 0 ? -1 : count);
+    for (int i = 0; i < count; ++i) {
+        row = (row + step + count) % count;
+        if (errors->severity(m_filter.sourceRow(row)) == error_list::SeverityError) {
+            goToRow(row);
+            return;
+        }
+    }
+}
+
+void ErrorListActions::askForFrame()
+{
+    auto* dialog = new QInputDialog(&m_page);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setWindowTitle(tr("Go to Frame"));
+    dialog->setLabelText(tr("Frame, or the nearest one in the list:"));
+    dialog->setInputMode(QInputDialog::IntInput);
+    dialog->setIntRange(0, std::numeric_limits<int>::max());
+    const int row = m_view.currentIndex().row();
+    if (m_filter.errors() && row >= 0)
+        dialog->setIntValue(std::max(0, m_filter.errors()->row(m_filter.sourceRow(row)).frame));
+    connect(dialog, &QInputDialog::intValueSelected, this, &ErrorListActions::goToFrame);
+    dialog->open();
+}
+
+/// To the first of the rows whose frames are nearest.
+void ErrorListActions::goToFrame(int frame)
+{
+    int nearest = -1;
+    std::int64_t distance = std::numeric_limits<std::int64_t>::max();
+    for (int row = 0; distance > 0 && row < m_filter.rowCount(); ++row) {
+        const qint32 other = m_filter.errors()->row(m_filter.sourceRow(row)).frame;
+        const std::int64_t between = std::abs(std::int64_t(other) - frame);
+        if (other >= 0 && between < distance) {
+            distance = between;
+            nearest = row;
+        }
+    }
+    if (nearest >= 0)
+        goToRow(nearest);
+}
+
+void ErrorListActions::goToRow(int row)
+{
+    m_view.goToRow(row);
+}
+
+void ErrorListActions::setMuted(MutedErrors* muted, QPushButton* button)
+{
+    m_muted = muted;
+    m_mutedButton = button;
+    m_filter.setMuted(&muted->kinds());
+    m_mute = add(tr("&Mute This Kind"), QKeySequence(Qt::CTRL | Qt::Key_M), [this] { muteChosen(); });
+    m_mute->setToolTip(tr("Hide all rows like the selected ones, in all lists and from now on"));
+    add(tr("M&uted Kinds..."), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_M), [this] { showMuted(); });
+    connect(muted, &MutedErrors::changed, this, [this] { m_filter.setMuted(&m_muted->kinds()); });
+    connect(button, &QPushButton::clicked, this, &ErrorListActions::showMuted);
+    connect(
+        &m_filter, &ErrorListFilterProxyModel::mutedCountChanged, this, &ErrorListActions::updateMutedButton);
+    updateMutedButton();
+}
+
+void ErrorListActions::muteChosen()
+{
+    std::set<sessions::Signature> kinds;
+    for (const int row : m_view.selectedRows()) {
+        kinds.insert(m_filter.signatureOf(row));
+        if (kinds.size() == mostKinds)
+            break;
+    }
+    if (!kinds.empty())
+        m_muted->mute({kinds.begin(), kinds.end()});
+}
+
+void ErrorListActions::showMuted()
+{
+    auto* dialog = new MutedErrorsDialog(*m_muted, &m_page);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
+}
+
+void ErrorListActions::updateMutedButton()
+{
+    const int count = m_filter.mutedCount();
+    m_mutedButton->setText(tr("%1 muted").arg(QLocale().toString(count)));
+    m_mutedButton->setVisible(count > 0);
+}

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+#include <functional>
+
+class ErrorListFilterProxyModel;
+class ErrorListView;
+class MutedErrors;
+class QAction;
+class QKeySequence;
+class QPushButton;
+
+/// What can be done with the rows of an error list, as actions of its view and of the page around it: going
+/// to errors and frames, and muting kinds.
+class ErrorListActions : public QObject {
+    Q_OBJECT
+
+public:
+    /// The keys work in the page, and the view offers the actions in its menu. Both live at least as long.
+    ErrorListActions(ErrorListView& view, ErrorListFilterProxyModel& filter, QWidget& page);
+
+    /// Offers to mute kinds, and has a button tell how many rows are muted. They must live longer.
+    void setMuted(MutedErrors* muted, QPushButton* button);
+
+    /// Puts an action in front of the others.
+    void addFirst(QAction* action);
+
+private:
+    QAction* add(const QString& text, const QKeySequence& key, const std::function<void()>& what);
+    void goToError(int step);
+    void askForFrame();
+    void goToFrame(int frame);
+    void goToRow(int row);
+    void muteChosen();
+    void showMuted();
+    void updateMutedButton();
+
+    ErrorListView& m_view;
+    ErrorListFilterProxyModel& m_filter;
+    QWidget& m_page;
+    QAction* m_mute = nullptr;
+    MutedErrors* m_muted = nullptr;
+    QPointer<QPushButton> m_mutedButton;
+};

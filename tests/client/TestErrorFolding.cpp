@@ -1,0 +1,311 @@
+#include "ErrorListActions.h"
+#include "ErrorListFilterProxyModel.h"
+#include "ErrorListModel.h"
+#include "ErrorListView.h"
+#include "MutedErrors.h"
+#include "MutedErrorsDialog.h"
+
+#include <QAbstractItemModelTester>
+#include <QApplication>
+#include <QFile>
+#include <QHeaderView>
+#include <QInputDialog>
+#include <QPushButton>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+#include <optional>
+
+using namespace error_list;
+
+namespace {
+
+/// A list with its view in a page. The tester of its model is too slow for many rows.
+struct List {
+    explicit List(bool isTested = true)
+    {
+        if (isTested)
+            tester.emplace(&filter);
+        filter.setSourceModel(&model);
+        page.setLayout(new QVBoxLayout);
+        page.layout()->addWidget(&view);
+        page.layout()->addWidget(&button);
+        view.setModel(&filter);
+        page.resize(700, 300);
+        page.show();
+        // Else keys would be no shortcuts.
+        page.activateWindow();
+        isActive = QTest::qWaitForWindowActive(&page);
+    }
+    void add(qint32 severity, int frame, const char* text, const char* function = "")
+    {
+        model.append(severity, frame, QString(), QString::fromLatin1(text), QString::fromLatin1(function));
+    }
+    /// Three kinds, of which one has three rows.
+    void fill()
+    {
+        add(SeverityError, 5, "Level 1 is too large", "glTexImage2D");
+        add(SeverityWarning, 6, "slow");
+        add(SeverityError, 7, "Level 20 is too large", "glTexImage2D");
+        add(SeverityError, 7, "Level 1 is too large", "glTexImage3D");
+        add(SeverityError, 3, "Level 4 is too large", "glTexImage2D");
+    }
+    /// The rows, each with count, frames and function.
+    QStringList shown() const
+    {
+        QStringList rows;
+        for (int row = 0; row < filter.rowCount(); ++row) {
+            QStringList cells;
+            for (const int column :
+                {CountColumn, static_cast<int>(FrameColumn), static_cast<int>(FunctionColumn)})
+                cells.append(filter.index(row, column).data().toString());
+            rows.append(cells.join(QLatin1Char('|')));
+        }
+        return rows;
+    }
+
+    ErrorListModel model{QIcon(), QIcon(), QIcon()};
+    ErrorListFilterProxyModel filter;
+    std::optional<QAbstractItemModelTester> tester;
+    QWidget page;
+    ErrorListView view;
+    QPushButton button;
+    bool isActive = false;
+};
+
+} // namespace
+
+class TestErrorFolding : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void rowsOfAKindAreOne();
+    void rowsArriveInAFoldedList();
+    void foldingKeepsTheReadersPlace();
+    void manyKindsInSteps();
+    void mutedKindsAreHiddenAndCounted();
+    void mutedKindsAreKept();
+    void mutedFileThatCannotBeRead();
+    void keysGoToErrorsAndFrames();
+};
+
+void TestErrorFolding::rowsOfAKindAreOne()
+{
+    List list;
+    list.fill();
+    list.filter.setFolded(true);
+    const QStringList folded = {QStringLiteral("\u25B8 3|3\u20137|glTexImage2D"),
+        QStringLiteral("\u25B8 1|6|"), QStringLiteral("\u25B8 1|7|glTexImage3D")};
+    QCOMPARE(list.shown(), folded);
+    QCOMPARE(list.view.horizontalHeader()->visualIndex(CountColumn), 0);
+
+    list.view.setCurrentIndex(list.filter.index(0, DescriptionColumn));
+    QTest::keyClick(&list.view, Qt::Key_Return);
+    QCOMPARE(list.shown().mid(0, 5),
+        QStringList({"\u25BE 3|3\u20137|glTexImage2D", "|5|glTexImage2D", "|7|glTexImage2D",
+            "|3|glTexImage2D", "\u25B8 1|6|"}));
+    QCOMPARE(list.view.currentIndex().row(), 0);
+    // The rows of an open group stay below it in any order, and another filter leaves it open.
+    list.filter.sort(CountColumn, Qt::AscendingOrder);
+    QTRY_COMPARE(list.shown().mid(1, 3),
+        QStringList({"\u25B8 1|7|glTexImage3D", "\u25BE 3|3\u20137|glTexImage2D", "|5|glTexImage2D"}));
+    list.filter.setShowWarnings(false);
+    QTRY_COMPARE(list.shown().size(), 5);
+    QTest::keyClick(&list.view, Qt::Key_Minus);
+    QCOMPARE(list.shown(), QStringList({folded[2], folded[0]}));
+
+    list.filter.setFolded(false);
+    QCOMPARE(list.filter.columnCount(), static_cast<int>(ColumnCount));
+    QCOMPARE(list.filter.rowCount(), 4);
+    QVERIFY(list.filter.isByArrival());
+}
+
+void TestErrorFolding::rowsArriveInAFoldedList()
+{
+    List list;
+    list.filter.setFolded(true);
+    list.fill();
+    QTRY_COMPARE(list.shown().value(0), QStringLiteral("\u25B8 3|3\u20137|glTexImage2D"));
+    QSignalSpy resets(&list.filter, &QAbstractItemModel::modelReset);
+    list.add(SeverityError, 90, "Level 9 is too large", "glTexImage2D");
+    list.add(SeverityError, -1, "new");
+    QTRY_COMPARE(list.shown().size(), 4);
+    QCOMPARE(list.shown().at(0), QStringLiteral("\u25B8 4|3\u201390|glTexImage2D"));
+    QCOMPARE(list.shown().at(3), QStringLiteral("\u25B8 1||"));
+    QCOMPARE(resets.count(), 0); // groups come behind the others
+
+    list.filter.toggle(0);
+    list.add(SeverityError, 91, "Level 0 is too large", "glTexImage2D");
+    QTRY_COMPARE(list.shown().value(5), QStringLiteral("|91|glTexImage2D"));
+    list.filter.sort(FunctionColumn, Qt::DescendingOrder);
+    list.add(SeverityError, 1, "x", "zoom");
+    QTRY_COMPARE(list.shown().value(0), QStringLiteral("\u25B8 1|1|zoom"));
+    list.model.clear();
+    QCOMPARE(list.filter.rowCount(), 0);
+    list.add(SeverityWarning, 2, "other");
+    QTRY_COMPARE(list.shown(), QStringList("\u25B8 1|2|"));
+}
+
+void TestErrorFolding::foldingKeepsTheReadersPlace()
+{
+    List list(false);
+    for (int i = 0; i < 1000; ++i)
+        list.add(SeverityError, i, "text",
+            qPrintable(QStringLiteral("gl%1").arg(QChar('a' + i % 26)) + QChar('a' + i / 26 % 26)));
+    list.view.setCurrentIndex(list.filter.index(300, CodeColumn));
+    list.view.verticalScrollBar()->setValue(list.view.rowHeight(0) * 298);
+    const auto current = [&] {
+        return list.view.currentIndex().siblingAtColumn(FunctionColumn).data().toString();
+    };
+    const auto top = [&] {
+        return list.view.indexAt(QPoint(100, 1)).siblingAtColumn(FunctionColumn).data().toString();
+    };
+    const QString function = current();
+    const QString topFunction = top();
+    list.filter.setFolded(true);
+    QTRY_VERIFY(list.filter.isSettled());
+    QCOMPARE(current(), function);
+    QCOMPARE(top(), topFunction);
+    // Also while rows arrive below an open group.
+    list.filter.toggle(list.view.currentIndex().row());
+    QTest::keyClick(&list.view, Qt::Key_Down);
+    QVERIFY(!list.filter.isGroup(list.view.currentIndex().row()));
+    list.add(SeverityError, 5000, "text", qPrintable(function));
+    QTRY_VERIFY(list.filter.isSettled());
+    QVERIFY(!list.filter.isGroup(list.view.currentIndex().row()));
+    list.filter.setFolded(false);
+    QCOMPARE(current(), function);
+}
+
+void TestErrorFolding::manyKindsInSteps()
+{
+    List list(false);
+    for (int i = 0; i < 20'000; ++i)
+        list.add(i % 2 ? SeverityError : SeverityWarning, i, "Call 7 of 9",
+            qPrintable(QStringLiteral("gl") + QString(i % 97, QLatin1Char('x'))));
+    QTRY_VERIFY(list.filter.isSettled());
+    list.filter.setFolded(true);
+    list.filter.sort(FunctionColumn, Qt::DescendingOrder);
+    QTRY_VERIFY(list.filter.isSettled());
+    QCOMPARE(list.filter.rowCount(), 2 * 97);
+    int count = 0;
+    for (int row = 0; row < list.filter.rowCount(); ++row) {
+        const QString text = list.filter.index(row, CountColumn).data().toString();
+        count += QLocale().toInt(text.mid(2));
+        QCOMPARE(list.filter.index(row, FunctionColumn).data().toString().size(), 2 + 96 - row / 2);
+    }
+    QCOMPARE(count, 20'000);
+}
+
+void TestErrorFolding::mutedKindsAreHiddenAndCounted()
+{
+    MutedErrors muted{{}};
+    List list;
+    QVERIFY(list.isActive);
+    ErrorListActions actions(list.view, list.filter, list.page);
+    actions.setMuted(&muted, &list.button);
+    list.fill();
+    QVERIFY(!list.button.isVisible());
+    list.view.setCurrentIndex(list.filter.index(2, FrameColumn)); // one of three
+    QTest::keyClick(&list.view, Qt::Key_M, Qt::ControlModifier);
+    QCOMPARE(list.filter.rowCount(), 2);
+    QVERIFY(list.button.isVisible());
+    QCOMPARE(list.button.text(), QStringLiteral("3 muted"));
+    list.add(SeverityError, 8, "Level 77 is too large", "glTexImage2D");
+    QCOMPARE(list.filter.rowCount(), 2);
+    QCOMPARE(list.button.text(), QStringLiteral("4 muted"));
+    list.filter.setShowErrors(false); // none of them would be shown
+    QVERIFY(!list.button.isVisible());
+    list.filter.setShowErrors(true);
+
+    list.button.click();
+    auto* dialog = list.page.findChild<MutedErrorsDialog*>();
+    QVERIFY(dialog);
+    auto* kinds = dialog->findChild<QTreeWidget*>(QStringLiteral("listMutedErrors"));
+    QCOMPARE(kinds->topLevelItemCount(), 1);
+    QCOMPARE(kinds->topLevelItem(0)->text(1), QStringLiteral("glTexImage2D"));
+    dialog->activateWindow();
+    QTRY_COMPARE(QApplication::activeWindow(), static_cast<QWidget*>(dialog));
+    kinds->setFocus();
+    kinds->selectAll();
+    QTest::keyClick(kinds, Qt::Key_Delete);
+    QCOMPARE(kinds->topLevelItemCount(), 0);
+    QCOMPARE(list.filter.rowCount(), 6);
+    QVERIFY(!list.button.isVisible());
+}
+
+void TestErrorFolding::mutedKindsAreKept()
+{
+    const QTemporaryDir folder;
+    const std::filesystem::path file = std::filesystem::path(folder.path().toStdString()) / "muted.txt";
+    const sessions::Signature kind{sessions::Severity::Error, "glClear", "GL_INVALID_VALUE", "mask #"};
+    const sessions::Signature other{sessions::Severity::Warning, "", "", "slow"};
+    MutedErrors first(file);
+    MutedErrors second(file);
+    QVERIFY(first.mute({kind}));
+    // What another window has written stays.
+    QVERIFY(second.mute({other}));
+    QVERIFY(MutedErrors(file).kinds().contains(kind));
+    QSignalSpy changes(&first, &MutedErrors::changed);
+    QVERIFY(first.show({kind}));
+    QCOMPARE(changes.count(), 1);
+    QVERIFY(first.kinds().contains(other));
+    QCOMPARE(MutedErrors(file).kinds().size(), 1U);
+}
+
+void TestErrorFolding::mutedFileThatCannotBeRead()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("muted.txt"));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    const QByteArray text = "This is no list of kinds\n";
+    file.write(text);
+    file.close();
+    MutedErrors muted(path.toStdString());
+    QVERIFY(!muted.problem().isEmpty());
+    QSignalSpy failures(&muted, &MutedErrors::failed);
+    QVERIFY(!muted.mute({{sessions::Severity::Error, "glClear", "", "x"}}));
+    QCOMPARE(failures.count(), 1);
+    QVERIFY(muted.kinds().empty());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), text);
+}
+
+void TestErrorFolding::keysGoToErrorsAndFrames()
+{
+    List list;
+    QVERIFY(list.isActive);
+    const ErrorListActions actions(list.view, list.filter, list.page);
+    list.fill();
+    list.add(SeverityWarning, 40, "late");
+    list.add(SeverityWarning, -1, "no frame");
+    list.view.setFocus();
+    const auto press = [&](Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(&list.view, key, modifiers);
+        return list.view.currentIndex().row();
+    };
+    list.view.setCurrentIndex({});
+    QCOMPARE(press(Qt::Key_F8), 0);
+    QCOMPARE(press(Qt::Key_F8), 2); // over a warning
+    QCOMPARE(press(Qt::Key_F8, Qt::ShiftModifier), 0);
+    QCOMPARE(press(Qt::Key_F8, Qt::ShiftModifier), 4); // from the end on
+    const auto goTo = [&](int frame) {
+        QTest::keyClick(&list.view, Qt::Key_G, Qt::ControlModifier);
+        auto* dialog = list.page.findChild<QInputDialog*>();
+        dialog->setIntValue(frame);
+        dialog->accept();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return list.view.currentIndex().row();
+    };
+    QCOMPARE(goTo(7), 2);
+    QCOMPARE(goTo(1000), 5); // the nearest
+    QCOMPARE(goTo(0), 4);
+}
+
+QTEST_MAIN(TestErrorFolding)
+#include "TestErrorFolding.moc"
