@@ -68,10 +68,10 @@ bool hasPreferences()
         && fs::exists(fs::path(folder) / (std::string(settings::storeName) + ".plist"), error);
 }
 
-/// The profiles as the window has them.
-class Profiles {
+/// What the window's user has set. It is only read.
+class WindowSettings {
 public:
-    Profiles()
+    WindowSettings()
     {
         std::string error;
         const bool isThere = hasPreferences();
@@ -79,23 +79,37 @@ public:
             m_problem = m_preferences.loadProblem();
         else if (isThere && m_preferences.isUnreadable())
             m_problem = platform::readablePath(m_preferences.path()) + " holds no preferences.";
-        m_catalogue.emplace(m_preferences);
-        for (const auto* list : {&m_catalogue->builtinProfiles(), &m_catalogue->userProfiles()}) {
-            for (const Pointer& profile : *list)
-                m_all.push_back(profile);
-        }
     }
 
-    const ProfileCatalogue& catalogue() const { return *m_catalogue; }
+    Preferences& preferences() { return m_preferences; }
     bool isStrict() const { return m_preferences.get(settings::strictContextMode); }
     std::string chosenKey() const { return m_preferences.get(settings::currentProfile); }
     /// Why the preferences cannot be read; empty if they can.
     const std::string& problem() const { return m_problem; }
 
+private:
+    Preferences m_preferences;
+    std::string m_problem;
+};
+
+/// The profiles as the window has them. Reading them takes some milliseconds.
+class Profiles {
+public:
+    explicit Profiles(WindowSettings& settings)
+        : m_catalogue(settings.preferences())
+    {
+        for (const auto* list : {&m_catalogue.builtinProfiles(), &m_catalogue.userProfiles()}) {
+            for (const Pointer& profile : *list)
+                m_all.push_back(profile);
+        }
+    }
+
+    const ProfileCatalogue& catalogue() const { return m_catalogue; }
+
     /// Those that a name may mean; of the ways to mean one, only the first that fits counts.
     std::vector<Pointer> named(const std::string& name) const
     {
-        if (const Pointer exact = m_catalogue->find(name))
+        if (const Pointer exact = m_catalogue.find(name))
             return {exact};
         std::vector<Pointer> found = where([&](const Pointer& profile) { return nameOf(profile) == name; });
         const std::string wanted = lower(name);
@@ -133,7 +147,7 @@ public:
     /// Why the file of that name could not be loaded; empty if there is none of that kind.
     std::string whyBroken(const std::string& name) const
     {
-        for (const ProfileCatalogue::BrokenFile& broken : m_catalogue->brokenFiles()) {
+        for (const ProfileCatalogue::BrokenFile& broken : m_catalogue.brokenFiles()) {
             if (broken.file == name || stemOf(broken.file) == name)
                 return broken.file + " cannot be loaded: " + broken.reason;
         }
@@ -156,10 +170,8 @@ private:
         return found;
     }
 
-    Preferences m_preferences;
-    std::optional<ProfileCatalogue> m_catalogue;
+    ProfileCatalogue m_catalogue;
     std::vector<Pointer> m_all;
-    std::string m_problem;
 };
 
 bool isRegularFile(const std::string& path)
@@ -202,17 +214,18 @@ void findNamed(const std::string& name, const Profiles& profiles, ProfileChoice&
 ProfileChoice chooseProfile(const std::optional<std::string>& wanted)
 {
     ProfileChoice choice;
-    const Profiles profiles;
-    choice.isStrict = profiles.isStrict();
+    WindowSettings window;
+    choice.isStrict = window.isStrict();
     if (wanted && lower(*wanted) == lower(hostName))
         return choice;
     if (wanted && wanted->find('/') != std::string::npos) {
         readFile(*wanted, choice);
     } else if (wanted) {
-        findNamed(*wanted, profiles, choice);
-    } else if (!profiles.problem().empty()) {
-        choice.warning = "The profile that is chosen in the window is not known: " + profiles.problem();
-    } else if (const std::string key = profiles.chosenKey(); !key.empty()) {
+        findNamed(*wanted, Profiles(window), choice);
+    } else if (!window.problem().empty()) {
+        choice.warning = "The profile that is chosen in the window is not known: " + window.problem();
+    } else if (const std::string key = window.chosenKey(); !key.empty()) {
+        const Profiles profiles(window);
         if (const Pointer chosen = profiles.catalogue().find(key))
             choice.profile = chosen->data();
         else
@@ -224,7 +237,8 @@ ProfileChoice chooseProfile(const std::optional<std::string>& wanted)
 
 std::string profileList()
 {
-    return Profiles().list("");
+    WindowSettings window;
+    return Profiles(window).list("");
 }
 
 } // namespace launcher
