@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <utility>
@@ -49,11 +50,17 @@ std::string misreadText(const Device& device)
 
 } // namespace
 
-Launcher::Launcher(Options options)
+Launcher::Launcher(Options options, RecordSink* sink)
     : m_options(std::move(options))
+    , m_limit(m_options.timeLimit, m_options.frameLimit)
     , m_wakeUp(eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
     , m_budget{queueLimit}
 {
+    m_sinks.add(m_log);
+    if (!m_options.session.empty())
+        m_sinks.add(m_session);
+    if (sink)
+        m_sinks.add(*sink);
 }
 
 int Launcher::fail(int code, const std::string& text) const
@@ -90,21 +97,47 @@ std::variant<Changes, Unwatchable> Launcher::setUp()
     return setup;
 }
 
+bool Launcher::openFiles()
+{
+    if (!m_options.log.empty() && !m_log.open(m_options.log)) {
+        fail(0, "Cannot write " + m_options.log + ": " + m_log.reason() + ".");
+        return false;
+    }
+    if (!m_options.session.empty() && !m_session.open(m_options.session)) {
+        fail(0, "Cannot write the session " + m_options.session + ": " + m_session.reason() + ".");
+        return false;
+    }
+    return true;
+}
+
 int Launcher::run()
 {
+    const RunOutcome outcome = runProgram();
+    if (!outcome.end)
+        return outcome.exitCode;
+    Program::endLike(*outcome.end, exitCode(outcome));
+}
+
+RunOutcome Launcher::runProgram()
+{
+    const auto failed = [this](int code, const std::string& text) {
+        return RunOutcome{.exitCode = fail(code, text), .failure = text};
+    };
     const std::string& name = m_options.program.front();
-    if (!m_options.log.empty() && !m_log.open(m_options.log))
-        return fail(exit_code::wrongArguments, "Cannot write " + m_options.log + ": " + m_log.reason() + ".");
     if (findProgram(name).empty())
-        return fail(exit_code::notFound, "There is no program " + name + ".");
-    if (!chooseDevice())
-        return exit_code::wrongArguments;
+        return failed(exit_code::notFound, "There is no program " + name + ".");
+    if (!openFiles() || !chooseDevice())
+        return {.exitCode = exit_code::wrongArguments, .failure = "It could not be started."};
     const auto setup = setUp();
     const auto* changes = std::get_if<Changes>(&setup);
     if (const auto* unwatchable = std::get_if<Unwatchable>(&setup)) {
         m_folder.reset();
-        if (m_options.require)
-            return fail(exit_code::notRun, "Cannot watch " + name + ": " + unwatchable->reason + ".");
+        if (m_options.require) {
+            RunOutcome outcome =
+                failed(exit_code::notRun, "Cannot watch " + name + ": " + unwatchable->reason + ".");
+            outcome.isUnwatchable = true;
+            return outcome;
+        }
         m_whyUnwatched = "Running " + name + " without watching it: " + unwatchable->reason + ".";
         if (m_device)
             m_whyUnwatched += " It sees this machine; the profile " + m_naming.device + " has no effect.";
@@ -117,22 +150,33 @@ int Launcher::run()
         m_output.emplace();
     const Program::OutputEnds ends = m_output ? m_output->programEnds() : Program::OutputEnds{-1, -1};
     if (const int error = m_program.start(m_options.program, changes ? *changes : Changes{}, ends))
-        return fail(error == ENOENT ? exit_code::notFound : exit_code::notRun,
+        return failed(error == ENOENT ? exit_code::notFound : exit_code::notRun,
             "Cannot run " + name + ": " + std::strerror(error) + ".");
     if (m_output)
         m_output->closeProgramEnds();
     // Only now: the program has the limit that it would have alone.
     platform::raiseDescriptorLimit();
-    const ProcessEnd end = watch();
+    const auto start = Clock::now();
+    m_session.setDevice(m_naming.device);
+    m_limit.start();
+    RunOutcome outcome;
+    outcome.end = watch();
+    outcome.time = std::chrono::duration_cast<std::chrono::milliseconds>(m_endTime - start);
+    outcome.hasWatched = m_hasWatched;
+    outcome.limit = m_limit.reached();
+    outcome.isHardEnd = m_limit.isHard();
+    outcome.frames = m_frames;
+    outcome.device = m_naming.device;
     m_log.close();
+    m_session.close();
     m_processes.clear();
     m_folder.reset();
-    const int code = exitCode(end);
-    Program::endLike(end, code);
+    return outcome;
 }
 
-int Launcher::exitCode(const ProcessEnd& end) const
+int Launcher::exitCode(const RunOutcome& outcome) const
 {
+    const ProcessEnd& end = *outcome.end;
     if (end.kind != ProcessEnd::Kind::Exited || end.number != 0 || !m_options.require || m_hasWatched)
         return end.number;
     return fail(exit_code::nothingWatched,
@@ -146,6 +190,8 @@ ProcessEnd Launcher::watch()
         const int outputPause = passOutput();
         noteEnds();
         const int ringPause = drain();
+        noteFrames();
+        const int limitPause = m_end ? -1 : m_limit.enforce(m_program.pid(), m_frames);
         // What the window shows is in the log as well.
         m_log.flush();
         connectClients();
@@ -154,9 +200,33 @@ ProcessEnd Launcher::watch()
         if (m_hasLeft && isDelivered())
             return *m_end;
         // As unsigned numbers, since -1 is for ever.
-        wait(static_cast<int>(
-            std::min(static_cast<unsigned int>(outputPause), static_cast<unsigned int>(ringPause))));
+        unsigned int pause = ~0U;
+        for (const int wanted : {outputPause, ringPause, limitPause, m_session.flushOld()})
+            pause = std::min(pause, static_cast<unsigned int>(wanted));
+        wait(static_cast<int>(pause));
     }
+}
+
+void Launcher::noteFrames()
+{
+    for (const auto& process : m_processes) {
+        const std::uint32_t frames = process->frames();
+        if (frames != ui::messages::noFrame)
+            m_frames = std::max(m_frames, frames);
+    }
+}
+
+void Launcher::finish(WatchedProcess& program)
+{
+    const RunLimit::Reached limit = m_limit.reached();
+    const bool isEnded = limit != RunLimit::Reached::None
+        && (m_end->kind == ProcessEnd::Kind::Exited || m_end->number == SIGTERM || m_end->number == SIGKILL);
+    if (!isEnded)
+        program.finish(*m_end, m_options.showOutput);
+    else if (limit == RunLimit::Reached::Time)
+        program.finishEnded("Ended by corvale-run on the time limit");
+    else
+        program.finishEnded("Ended by corvale-run after the frames that were asked for");
 }
 
 void Launcher::welcome(Newcomer newcomer)
@@ -172,8 +242,8 @@ void Launcher::welcome(Newcomer newcomer)
         // The same process: it has executed another program, which may have ended by now.
         process->leave(nullptr);
     }
-    m_processes.push_back(
-        std::make_unique<WatchedProcess>(std::move(newcomer), m_naming, m_budget, m_log, m_wakeUp.number()));
+    m_processes.push_back(std::make_unique<WatchedProcess>(
+        std::move(newcomer), m_naming, m_budget, m_sinks, m_wakeUp.number()));
     m_hasWatched = true;
     m_nextConnect = Clock::now();
 }
@@ -187,6 +257,10 @@ void Launcher::noteEnds()
         m_end = m_program.collectEnd();
         m_endTime = m_lastProgress = Clock::now();
         m_nextConnect = m_endTime;
+        if (m_end) {
+            noteFrames();
+            m_limit.finish();
+        }
         if (m_end && m_output)
             m_output->noteEnd();
     }
@@ -197,7 +271,7 @@ void Launcher::noteEnds()
     for (const auto& process : m_processes) {
         if (process->isAlive() && process->pid() == m_program.pid()) {
             if (m_end && isOutputDone)
-                process->finish(*m_end, m_options.showOutput);
+                finish(*process);
         } else if (process->isDead()) {
             process->finish(ProcessEnd::ofZombie(process->pid()));
         }
@@ -262,7 +336,7 @@ WatchedProcess& Launcher::programClient()
             return *process;
     }
     m_processes.push_back(
-        std::make_unique<WatchedProcess>(m_program.pid(), m_naming, m_options.program, m_budget, m_log));
+        std::make_unique<WatchedProcess>(m_program.pid(), m_naming, m_options.program, m_budget, m_sinks));
     m_nextConnect = Clock::now();
     WatchedProcess& client = *m_processes.back();
     if (!m_whyUnwatched.empty())

@@ -7,6 +7,9 @@
 #include "Program.h"
 #include "ProgramOutput.h"
 #include "RecordLog.h"
+#include "RecordSink.h"
+#include "RunLimit.h"
+#include "SessionRecorder.h"
 #include "WatchedProcess.h"
 #include "WindowSocket.h"
 
@@ -21,11 +24,28 @@
 
 namespace launcher {
 
+/// What became of a program.
+struct RunOutcome {
+    std::optional<ProcessEnd> end = {}; ///< None if it was not run.
+    int exitCode = 0; ///< Of the launcher, where the program was not run; the user has been told why.
+    std::string failure = {}; ///< Why it was not run, as a sentence.
+    bool isUnwatchable = false;
+    bool hasWatched = false;
+    RunLimit::Reached limit = RunLimit::Reached::None; ///< What it was ended for.
+    bool isHardEnd = false;
+    std::uint32_t frames = 0; ///< Of the process that showed most.
+    std::string device = {}; ///< The profile's name; empty without one.
+    std::chrono::milliseconds time{};
+};
+
 /// Runs a program and stands between its watched processes and the window until it ends.
 class Launcher {
 public:
-    explicit Launcher(Options options);
+    /// The sink, if any, gets all that the processes report. It outlives this.
+    explicit Launcher(Options options, RecordSink* sink = nullptr);
 
+    /// Runs the program to its end, or tells the user why it cannot.
+    RunOutcome runProgram();
     /// Ends with an exit code, or does not return: then the program was killed, and this process is as well.
     int run();
 
@@ -36,10 +56,13 @@ private:
     bool chooseDevice();
     std::variant<Changes, Unwatchable> setUp();
     int fail(int code, const std::string& text) const;
-    int exitCode(const ProcessEnd& end) const;
+    int exitCode(const RunOutcome& outcome) const;
+    bool openFiles();
 
     ProcessEnd watch();
     void welcome(Newcomer newcomer);
+    void noteFrames();
+    void finish(WatchedProcess& program);
     /// Notes the ends of processes; once the program has ended, leaves those that live on.
     void noteEnds();
     /// Passes on what the program writes; how long may be waited for the next time, in milliseconds.
@@ -71,6 +94,10 @@ private:
     std::string m_whyUnwatched; ///< For the user, to be told once.
     Greeter m_greeter;
     RecordLog m_log;
+    SessionRecorder m_session;
+    RecordSinks m_sinks;
+    RunLimit m_limit;
+    std::uint32_t m_frames = 0;
     Descriptor m_wakeUp; ///< Readable when a ring has records.
     QueueBudget m_budget;
     std::vector<std::unique_ptr<WatchedProcess>> m_processes;

@@ -1,5 +1,9 @@
 #pragma once
 
+#include "CheckOptions.h"
+
+#include <chrono>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,7 +24,7 @@ enum class Via { Vendor, Preload };
 
 /// What the arguments ask for.
 struct Options {
-    enum class Request { Run, ListProfiles, MakeProfile, Answer, Refuse };
+    enum class Request { Run, Check, Compare, ListProfiles, MakeProfile, Answer, Refuse };
 
     Request request = Request::Run;
     std::string text; ///< Whole lines for standard output (Answer) or standard error (Refuse).
@@ -29,11 +33,15 @@ struct Options {
     Via via = Via::Vendor;
     bool noErrors = false;
     std::string log; ///< Path; empty for none.
+    std::string session; ///< Path; empty for none.
     bool quiet = false;
     bool require = false;
     bool showOutput = false;
     std::optional<std::string> profile; ///< A name or a path; without, the one that the window has chosen.
     std::string made; ///< Path of the profile that is to be made.
+    CheckOptions check;
+    std::chrono::milliseconds timeLimit{}; ///< Zero for none.
+    std::uint32_t frameLimit = 0; ///< Zero for none.
     std::vector<std::string> program; ///< With its arguments.
 };
 

@@ -15,6 +15,8 @@
 #include <utility>
 #include <vector>
 
+#include <fnmatch.h>
+
 namespace fs = std::filesystem;
 
 namespace launcher {
@@ -119,6 +121,15 @@ public:
                     || lower(stemOf(profile->key())) == wanted;
             });
         return found;
+    }
+
+    /// Those whose names fit a pattern of fnmatch().
+    std::vector<Pointer> like(const std::string& pattern) const
+    {
+        return where([&](const Pointer& profile) {
+            return fnmatch(pattern.c_str(), nameOf(profile).c_str(), FNM_CASEFOLD) == 0
+                || fnmatch(pattern.c_str(), stemOf(profile->key()).c_str(), FNM_CASEFOLD) == 0;
+        });
     }
 
     std::string nearest(const std::string& name) const
@@ -233,6 +244,14 @@ ProfileChoice chooseProfile(const std::optional<std::string>& wanted)
                 + ". The program sees this machine.";
     }
     return choice;
+}
+
+std::vector<std::string> profilesLike(const std::string& pattern)
+{
+    std::vector<std::string> keys;
+    for (const Pointer& profile : Profiles().like(pattern))
+        keys.push_back(profile->key());
+    return keys;
 }
 
 std::string profileList()

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace launcher {
 
@@ -22,6 +23,9 @@ struct ProfileChoice {
 /// The profile of that name or file; without one, that which the window's user has chosen. Profiles are those
 /// of the window, by their keys or display names; "Host" is none. The preferences are only read.
 ProfileChoice chooseProfile(const std::optional<std::string>& wanted);
+
+/// The keys of all profiles whose names fit a pattern of fnmatch(); "Host" is not among them.
+std::vector<std::string> profilesLike(const std::string& pattern);
 
 /// The names of the profiles in lines, "Host" first.
 std::string profileList();

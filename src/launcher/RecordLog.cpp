@@ -174,7 +174,7 @@ bool RecordLog::open(const std::string& path)
     return static_cast<bool>(m_file);
 }
 
-void RecordLog::write(pid_t pid, const layer::ring::Record& record)
+void RecordLog::take(pid_t pid, const layer::ring::Record& record)
 {
     if (!m_file || !beginLine(pid))
         return;
@@ -189,6 +189,17 @@ void RecordLog::write(pid_t pid, const layer::ring::Record& record)
     m_lines += ' ';
     addRecord(m_lines, m_message);
     endLine();
+}
+
+void RecordLog::begin(pid_t pid, const std::string& name)
+{
+    note(pid, "begins " + name);
+}
+
+void RecordLog::end(pid_t pid, bool, const std::string& how, bool isTold)
+{
+    if (!isTold)
+        note(pid, how);
 }
 
 void RecordLog::note(pid_t pid, std::string_view text)

@@ -2,7 +2,7 @@
 
 #include "Descriptor.h"
 #include "Message.h"
-#include "RingReader.h"
+#include "RecordSink.h"
 
 #include <ctime>
 #include <string>
@@ -14,15 +14,15 @@ namespace launcher {
 
 /// A file with one line for each record: time, process, kind, frame and text. Lines wait for flush() unless
 /// they are many.
-class RecordLog {
+class RecordLog : public RecordSink {
 public:
     /// Replaces the file at a path. False if it cannot be opened; reason() tells why.
     bool open(const std::string& path);
     const std::string& reason() const { return m_reason; }
 
-    void write(pid_t pid, const layer::ring::Record& record);
-    /// A line about a process that is not of its own making.
-    void note(pid_t pid, std::string_view text);
+    void begin(pid_t pid, const std::string& name) override;
+    void take(pid_t pid, const layer::ring::Record& record) override;
+    void end(pid_t pid, bool isClean, const std::string& how, bool isTold) override;
 
     /// Puts all lines into the system's hands. What it does not take now is tried again later.
     void flush();
@@ -30,6 +30,8 @@ public:
     void close();
 
 private:
+    /// A line about a process that is not of its own making.
+    void note(pid_t pid, std::string_view text);
     bool beginLine(pid_t pid);
     void endLine();
     void tellLoss(int error);

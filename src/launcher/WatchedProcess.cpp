@@ -13,22 +13,22 @@ using ui::messages::noFrame;
 using ui::messages::Type;
 
 WatchedProcess::WatchedProcess(
-    Newcomer newcomer, const Naming& naming, QueueBudget& budget, RecordLog& log, int wakeUp)
+    Newcomer newcomer, const Naming& naming, QueueBudget& budget, RecordSink& sink, int wakeUp)
     : m_ring(std::move(newcomer.ring))
     , m_doorbell(std::make_unique<Doorbell>(*m_ring, wakeUp))
     , m_death(std::move(newcomer.death))
-    , m_log(log)
+    , m_sink(sink)
     , m_client(newcomer.pid, naming, newcomer.arguments, budget)
 {
-    m_log.note(pid(), "begins " + m_client.name());
+    m_sink.begin(pid(), m_client.name());
 }
 
 WatchedProcess::WatchedProcess(pid_t pid, const Naming& naming, const std::vector<std::string>& arguments,
-    QueueBudget& budget, RecordLog& log)
-    : m_log(log)
+    QueueBudget& budget, RecordSink& sink)
+    : m_sink(sink)
     , m_client(pid, naming, arguments, budget)
 {
-    m_log.note(pid, "begins " + m_client.name());
+    m_sink.begin(pid, m_client.name());
 }
 
 void WatchedProcess::attach(Newcomer newcomer, int wakeUp)
@@ -107,7 +107,7 @@ void WatchedProcess::readRest()
 
 void WatchedProcess::take(const Record& record)
 {
-    m_log.write(pid(), record);
+    m_sink.take(pid(), record);
     m_client.take(record);
 }
 
@@ -124,7 +124,7 @@ void WatchedProcess::tell(Type type, std::string_view text)
 void WatchedProcess::tellLast(Type type, std::string_view text)
 {
     const Record record{static_cast<std::uint32_t>(type), frames(), text};
-    m_log.write(pid(), record);
+    m_sink.take(pid(), record);
     m_client.addLastWords(record);
 }
 
@@ -146,23 +146,30 @@ void WatchedProcess::passWireframe()
 void WatchedProcess::finish(const ProcessEnd& end, bool tellsStatus)
 {
     readRest();
-    bool isClean = end.kind == ProcessEnd::Kind::Exited;
+    const bool isKnown = end.kind == ProcessEnd::Kind::Exited;
     if (end.kind == ProcessEnd::Kind::Killed) {
-        tellLast(Type::Error, "Killed by " + signalText(end.number));
-    } else if (end.kind == ProcessEnd::Kind::Unknown && m_ring && !m_ring->hasEnded()) {
+        const std::string how = "Killed by " + signalText(end.number);
+        tellLast(Type::Error, how);
+        close(false, how, true);
+    } else if (!isKnown && m_ring && !m_ring->hasEnded()) {
         // Either _exit() or a signal; only its parent has learned which.
-        tellLast(Type::Warning, "The process ended at once; whether by itself or by a signal is not known.");
+        const char* how = "The process ended at once; whether by itself or by a signal is not known.";
+        tellLast(Type::Warning, how);
+        close(false, how, true);
+    } else if (isKnown && tellsStatus) {
+        const std::string how = "Ended with exit status " + std::to_string(end.number);
+        tellLast(Type::Information, how);
+        close(true, how, true);
     } else {
-        isClean = true;
-        const bool isKnown = end.kind == ProcessEnd::Kind::Exited;
-        if (isKnown && tellsStatus)
-            tellLast(Type::Information, "Ended with exit status " + std::to_string(end.number));
-        else
-            m_log.note(pid(), isKnown ? "ends with status " + std::to_string(end.number) : "ends");
+        close(true, isKnown ? "ends with status " + std::to_string(end.number) : "ends", false);
     }
-    m_client.end(isClean);
-    m_ring.reset();
-    m_isAlive = false;
+}
+
+void WatchedProcess::finishEnded(const std::string& reason)
+{
+    readRest();
+    tellLast(Type::Information, reason);
+    close(true, reason, true);
 }
 
 void WatchedProcess::leave(const char* why)
@@ -174,9 +181,13 @@ void WatchedProcess::leave(const char* why)
     readRest();
     if (why)
         tellLast(Type::Information, why);
-    else
-        m_log.note(pid(), "ends");
-    m_client.end(true);
+    close(true, why ? why : "ends", why != nullptr);
+}
+
+void WatchedProcess::close(bool isClean, const std::string& how, bool isTold)
+{
+    m_sink.end(pid(), isClean, how, isTold);
+    m_client.end(isClean);
     m_ring.reset();
     m_isAlive = false;
 }

@@ -4,7 +4,7 @@
 #include "Doorbell.h"
 #include "Greeter.h"
 #include "ProcessEnd.h"
-#include "RecordLog.h"
+#include "RecordSink.h"
 
 #include <cstdint>
 #include <functional>
@@ -25,12 +25,12 @@ public:
         Stalled, ///< There is more than may wait.
     };
 
-    /// Budget, log and the eventfd that tells of new records
-    /// outlive this.
-    WatchedProcess(Newcomer newcomer, const Naming& naming, QueueBudget& budget, RecordLog& log, int wakeUp);
+    /// Budget, sink and the eventfd that tells of new records outlive this.
+    WatchedProcess(
+        Newcomer newcomer, const Naming& naming, QueueBudget& budget, RecordSink& sink, int wakeUp);
     /// One that has not announced itself.
     WatchedProcess(pid_t pid, const Naming& naming, const std::vector<std::string>& arguments,
-        QueueBudget& budget, RecordLog& log);
+        QueueBudget& budget, RecordSink& sink);
     /// It has announced itself.
     void attach(Newcomer newcomer, int wakeUp);
     bool isAttached() const { return m_ring != nullptr; }
@@ -52,6 +52,10 @@ public:
 
     /// Reads the rest and tells how the process ended; the exit status only if that is wanted.
     void finish(const ProcessEnd& end, bool tellsStatus = false);
+    /// The same where the launcher has ended it; the reason is for the user.
+    void finishEnded(const std::string& reason);
+    /// How many frames it has shown until now.
+    std::uint32_t frames() const;
     /// Ends the watching of a process that goes on.
     void leave(const char* why);
 
@@ -60,15 +64,16 @@ private:
     bool readRing(const std::function<bool()>& hasRoom);
     void readRest();
     void take(const Record& record);
-    std::uint32_t frames() const;
     void tellLast(ui::messages::Type type, std::string_view text);
+    /// It has no more to tell. `how` has been its last message if `isTold`.
+    void close(bool isClean, const std::string& how, bool isTold);
     void breakOff();
 
     std::unique_ptr<layer::ring::Reader>
         m_ring; ///< None before it has announced itself, and once it has ended.
     std::unique_ptr<Doorbell> m_doorbell; ///< Ends before the ring.
     Descriptor m_death;
-    RecordLog& m_log;
+    RecordSink& m_sink;
     Client m_client;
     std::uint64_t m_droppedTold = 0;
     bool m_isAlive = true;

@@ -1,3 +1,5 @@
+#include "Checks.h"
+#include "Comparer.h"
 #include "Launcher.h"
 #include "MadeProfile.h"
 #include "ProfileChoice.h"
@@ -13,6 +15,10 @@ int main(int argc, char** argv)
     }
     if (options.request == launcher::Options::Request::MakeProfile)
         return launcher::makeProfile(options.made);
+    if (options.request == launcher::Options::Request::Check)
+        return checks::runCheck(options);
+    if (options.request == launcher::Options::Request::Compare)
+        return checks::compareFiles(options.program[0], options.program[1]);
     if (options.request != launcher::Options::Request::Run) {
         const bool isAnswer = options.request == launcher::Options::Request::Answer;
         std::fputs(options.text.c_str(), isAnswer ? stdout : stderr);

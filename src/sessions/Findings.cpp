@@ -57,6 +57,12 @@ void Findings::add(const Finding& finding)
     }
 }
 
+void Findings::addOthers(Severity severity, std::uint64_t count)
+{
+    m_counts.at(static_cast<std::size_t>(severity)) += count;
+    m_others.at(static_cast<std::size_t>(severity)) += count;
+}
+
 Finding* Findings::findOrMake(const SignatureView& signature, Origin origin, std::string_view text)
 {
     const auto place = m_places.find(signature);

@@ -43,6 +43,9 @@ public:
     /// Adds a finding as another list has it.
     void add(const Finding& finding);
 
+    /// Counts what another list has no kinds for.
+    void addOthers(Severity severity, std::uint64_t count);
+
     /// In the order in which they came.
     const std::vector<Finding>& all() const { return m_findings; }
     /// The worst first; of those that are equally bad, the most frequent.

@@ -232,8 +232,8 @@ TEST(RecordLog, losesWholeLinesAndOnlyWhereTheFileTakesNoMore)
     const int reader = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     RecordLog log;
     ASSERT_TRUE(log.open(path));
-    log.write(7, {9, ui::messages::noFrame, std::string(8000, '\x03')});
-    log.write(7, {6, 0, "\ta"});
+    log.take(7, {9, ui::messages::noFrame, std::string(8000, '\x03')});
+    log.take(7, {6, 0, "\ta"});
     log.flush();
     const std::vector<std::string> first = linesOf(bytesIn(reader));
     ASSERT_EQ(first.size(), 2U);
@@ -243,7 +243,7 @@ TEST(RecordLog, losesWholeLinesAndOnlyWhereTheFileTakesNoMore)
     const std::string text(100, 'x');
     const auto writeAndRead = [&](std::uint32_t count) {
         for (std::uint32_t frame = 0; frame < count; ++frame)
-            log.write(7, {6, frame, text});
+            log.take(7, {6, frame, text});
         std::string bytes;
         for (std::size_t before = 1; before != bytes.size();) {
             before = bytes.size();

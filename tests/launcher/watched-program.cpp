@@ -113,6 +113,9 @@ void takeStep(const std::vector<std::string>& arguments, std::size_t& at)
         takeTime(arguments, at);
     } else if (step == "type") {
         write(static_cast<std::uint32_t>(std::stoi(arguments[++at])), "text");
+    } else if (step == "frames") {
+        for (int count = std::stoi(arguments[++at]); count > 0; --count)
+            writer->countFrame();
     } else if (step == "scribble") {
         scribble();
     } else if (step == "close") {

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "CheckOptions.h"
+#include "RunResult.h"
+#include "Verdict.h"
+
+#include <string>
+#include <vector>
+
+namespace checks {
+
+/// A check that is over.
+struct Check {
+    std::vector<std::string> program;
+    std::vector<RunResult> runs; ///< In the order of the devices.
+    Verdict verdict;
+};
+
+// One function a kind, each in a file of its own. The texts are UTF-8, whatever the program wrote.
+std::string textReport(const Check& check);
+/// A line for the check, one for each run, finding and fact; docs/check-report.schema.json describes them.
+std::string jsonReport(const Check& check);
+std::string junitReport(const Check& check);
+std::string sarifReport(const Check& check);
+std::string githubReport(const Check& check);
+std::string markdownReport(const Check& check);
+
+/// Writes the reports that are wanted. False if one cannot be written; the user has been told.
+bool writeReports(const Check& check, const std::vector<launcher::ReportRequest>& requests);
+
+} // namespace checks
