@@ -12,7 +12,8 @@ install(FILES src/resources/icons/Corvale.svg
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps
     RENAME corvale-gui.svg
     COMPONENT corvale)
-install(FILES "docs/Corvale User Manual.html" docs/profile-format.md docs/wire-format.md docs/session-format.md docs/layer.md CHANGELOG.md
+install(FILES "docs/Corvale User Manual.html" docs/profile-format.md docs/wire-format.md docs/session-format.md docs/continuous-integration.md
+    docs/check-report.schema.json docs/layer.md CHANGELOG.md
     DESTINATION ${CMAKE_INSTALL_DOCDIR}
     COMPONENT corvale)
 install(DIRECTORY docs/images
