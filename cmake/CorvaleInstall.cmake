@@ -3,6 +3,8 @@
 install(TARGETS corvale-gui RUNTIME COMPONENT corvale)
 if(TARGET corvale-run)
     install(TARGETS corvale-run RUNTIME COMPONENT corvale)
+    # Lets projects of CMake have tests that check their programs.
+    install(FILES cmake/CorvaleConfig.cmake DESTINATION lib/cmake/Corvale COMPONENT corvale)
 endif()
 # What watches programs: loaded into them by corvale-run, which looks for it beside its own folder.
 if(TARGET corvale_vendor)
@@ -12,8 +14,8 @@ install(FILES src/resources/icons/Corvale.svg
     DESTINATION ${CMAKE_INSTALL_DATADIR}/icons/hicolor/scalable/apps
     RENAME corvale-gui.svg
     COMPONENT corvale)
-install(FILES "docs/Corvale User Manual.html" docs/profile-format.md docs/wire-format.md docs/session-format.md docs/continuous-integration.md
-    docs/check-report.schema.json docs/layer.md CHANGELOG.md
+install(FILES "docs/Corvale User Manual.html" docs/profile-format.md docs/wire-format.md docs/session-format.md
+    docs/continuous-integration.md docs/check-report.schema.json docs/layer.md CHANGELOG.md
     DESTINATION ${CMAKE_INSTALL_DOCDIR}
     COMPONENT corvale)
 install(DIRECTORY docs/images
