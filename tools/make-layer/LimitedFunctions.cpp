@@ -43,8 +43,8 @@ LimitedFunctions::LimitedFunctions(
 void LimitedFunctions::readLine(
     const std::string& line, const Functions& functions, const Availability& availability)
 {
-    static const std::set<std::string> checks{
-        "below", "atMost", "unit", "attachment", "image", "compressed", "samples", "groups", "binding"};
+    static const std::set<std::string> checks{"below", "atMost", "unit", "attachment", "image", "compressed",
+        "samples", "groups", "binding", "parameter"};
     std::istringstream in(line);
     std::string pattern, parameter, check, limit, base;
     in >> pattern >> parameter >> check >> limit >> base;
@@ -62,7 +62,8 @@ void LimitedFunctions::readLine(
         std::ostringstream row;
         row << "{LimitRow::Check::" << check << ", " << value(limit) << "U, " << value(base) << "U, {"
             << place;
-        for (const char* other : {"target", "level", "internalformat", "width", "height", "depth", "offset"})
+        for (const char* other :
+            {"target", "level", "internalformat", "width", "height", "depth", "offset", "pname"})
             row << ", " << placeOf(other, parameters);
         row << "}},";
         m_rows[name].push_back(row.str());

@@ -21,12 +21,14 @@ void appendLine(CallText& text, std::string_view line)
         text << line << '\n';
 }
 
-/// The call reached a function that the device lacks.
+/// The call reached a function that the device lacks, or that it has and the host lacks.
 GLenum refuseFunction(Context& context, Fn function, std::initializer_list<Argument> arguments)
 {
+    const DeviceGate& gate = *context.gate;
     context.mustCheck = context.watched && !context.usesDebugOutput;
-    const std::string why = "not available on " + context.gate->table().name + ": "
-        + context.gate->availability().needOf(function);
+    std::string why = "not available on " + gate.table().name + ": " + gate.availability().needOf(function);
+    if (gate.availability().has(function))
+        why = gate.missingOnHost(function, arguments);
     refuseGl(context, function, arguments, gl::invalidOperation, why);
     return gl::invalidOperation;
 }
@@ -77,6 +79,8 @@ GLenum checkGl(Context& context, Fn function, std::initializer_list<Argument> ar
         return code;
     CallText text;
     appendLine(text, said);
+    if (context.gate)
+        appendLine(text, context.gate->missingOnHost(function, arguments));
     appendCall(text, function, arguments);
     if (code == gl::none) {
         records::debugMessage(gl::debugSourceApi, gl::debugTypeError, 0, gl::debugSeverityHigh, text.text());

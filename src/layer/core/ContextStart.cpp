@@ -150,7 +150,8 @@ void tellBeyondHost(const Context& context, std::string_view hostExtensions)
 
 void startDevice(Context& context, std::string_view hostExtensions)
 {
-    DeviceGate& gate = gateOf(*context.host, *emulatedDevice(), *context.api);
+    DeviceGate& gate = gateOf(
+        *context.host, {context.esVersion, std::string(hostExtensions)}, *emulatedDevice(), *context.api);
     context.gate = &gate;
     context.functions = gate.functions();
     tellBeyondHost(context, hostExtensions);

@@ -6,8 +6,10 @@
 
 #include <algorithm>
 #include <bit>
+#include <iterator>
 #include <map>
 #include <mutex>
+#include <sstream>
 #include <string_view>
 
 namespace layer {
@@ -18,18 +20,12 @@ constexpr LimitRow limitRows[] = {
 #include "LayerLimits.inc"
 };
 
-/// Stands in for the functions that a device lacks. The wrapper that called it asks checkGl() then.
 std::uint64_t refuseCall()
 {
     Context& context = currentContext();
     context.refusedCall = true;
     context.mustCheck = true;
     return 0;
-}
-
-void* refusing()
-{
-    return reinterpret_cast<void*>(&refuseCall);
 }
 
 std::vector<GLint> hostCompressedFormats(Host& host)
@@ -41,6 +37,24 @@ std::vector<GLint> hostCompressedFormats(Host& host)
     if (!formats.empty())
         get(gl::compressedTextureFormats, formats.data());
     return formats;
+}
+
+/// The name of an enumerant, or its number.
+std::string enumerantText(GLenum enumerant)
+{
+    const char* name = ::gl::enumerantName(static_cast<std::int32_t>(enumerant));
+    CallText text;
+    if (*name)
+        text << name;
+    else
+        text.hexadecimal(enumerant);
+    return std::string(text.text());
+}
+
+std::vector<std::string> wordsOf(const std::string& text)
+{
+    std::istringstream in(text);
+    return {std::istream_iterator<std::string>(in), {}};
 }
 
 bool isListed(const device::Api& api, GLenum capability, GLenum value)
@@ -65,10 +79,11 @@ const LimitRow& limitRow(std::size_t index)
     return limitRows[index];
 }
 
-DeviceGate::DeviceGate(Host& host, const device::Table& table, const device::Api& api)
+DeviceGate::DeviceGate(Host& host, const HostEs& hostEs, const device::Table& table, const device::Api& api)
     : m_table(table)
     , m_api(api)
     , m_availability(offeredVersion(api), api.extensions)
+    , m_hostAvailability(hostEs.version, wordsOf(hostEs.extensions))
     , m_strings(table, api)
 {
     for (const LimitRow& row : limitRows)
@@ -113,6 +128,11 @@ void DeviceGate::blockEnumerants()
     }
 }
 
+void* DeviceGate::refusing()
+{
+    return reinterpret_cast<void*>(&refuseCall);
+}
+
 bool DeviceGate::blocks(Fn function) const
 {
     return m_functions[static_cast<std::size_t>(function)].load(std::memory_order_relaxed) == refusing();
@@ -131,7 +151,22 @@ bool DeviceGate::isCompressed(GLenum format) const
     return hostHasCompressed(format) || isListed(m_api, gl::compressedTextureFormats, format);
 }
 
-DeviceGate& gateOf(Host& host, const device::Table& table, const device::Api& api)
+std::string DeviceGate::missingOnHost(Fn function, std::initializer_list<Argument> arguments) const
+{
+    const std::string but = ", but this machine has not: it ";
+    if (!m_hostAvailability.has(function))
+        return m_table.name + " has this function" + but + m_hostAvailability.needOf(function);
+    for (unsigned rest = rowOf(function).enumerants; rest != 0; rest &= rest - 1) {
+        const auto enumerant =
+            static_cast<GLenum>(arguments.begin()[static_cast<std::size_t>(std::countr_zero(rest))].bits);
+        if (!m_hostAvailability.has(enumerant))
+            return m_table.name + " has " + enumerantText(enumerant) + but
+                + m_hostAvailability.needOf(enumerant);
+    }
+    return {};
+}
+
+DeviceGate& gateOf(Host& host, const HostEs& hostEs, const device::Table& table, const device::Api& api)
 {
     static auto* const mutex = new std::mutex;
     static auto* const gates =
@@ -139,7 +174,7 @@ DeviceGate& gateOf(Host& host, const device::Table& table, const device::Api& ap
     const std::scoped_lock lock(*mutex);
     std::unique_ptr<DeviceGate>& gate = (*gates)[{&host, &api}];
     if (!gate)
-        gate = std::make_unique<DeviceGate>(host, table, api);
+        gate = std::make_unique<DeviceGate>(host, hostEs, table, api);
     return *gate;
 }
 
@@ -158,12 +193,8 @@ void refuseEnumerant(
     Context& context, Fn function, std::initializer_list<Argument> arguments, GLenum enumerant, bool isSigned)
 {
     const DeviceGate& gate = *context.gate;
-    const char* name = ::gl::enumerantName(static_cast<std::int32_t>(enumerant));
     CallText why;
-    if (*name)
-        why << name;
-    else
-        why.hexadecimal(enumerant);
+    why << enumerantText(enumerant);
     why << " is not available on " << gate.table().name << ": " << gate.availability().needOf(enumerant);
     refuseGl(context, function, arguments, isSigned ? gl::invalidValue : gl::invalidEnum, why.text());
 }

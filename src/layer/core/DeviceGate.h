@@ -26,11 +26,12 @@ struct LimitRow {
         compressed,
         samples,
         groups,
-        binding
+        binding,
+        parameter
     };
     /// The parameter that is limited, and others where the function has them.
     struct Places {
-        std::int8_t value, target, level, internalFormat, width, height, depth, offset;
+        std::int8_t value, target, level, internalFormat, width, height, depth, offset, name;
     };
 
     Check check;
@@ -39,12 +40,18 @@ struct LimitRow {
     Places places;
 };
 
+/// What the host has in contexts of its own.
+struct HostEs {
+    int version = 0; ///< 32 for 3.2.
+    std::string extensions; ///< With blanks between them.
+};
+
 /// What stands between a program and the host in contexts of one version of a device: which functions and
 /// enumerants it lacks, and its limits. Made once for each version and host.
 class DeviceGate {
 public:
     /// The context of the host that it is made for must be current.
-    DeviceGate(Host& host, const device::Table& table, const device::Api& api);
+    DeviceGate(Host& host, const HostEs& hostEs, const device::Table& table, const device::Api& api);
     DeviceGate(const DeviceGate&) = delete;
     DeviceGate& operator=(const DeviceGate&) = delete;
 
@@ -56,6 +63,8 @@ public:
     /// The host's functions as the program gets them; those that the device lacks refuse.
     std::atomic<void*>* functions() { return m_functions.data(); }
     bool blocks(Fn function) const;
+    /// What stands in for functions that are refused; the wrapper that called it asks checkGl() then.
+    static void* refusing();
     bool blocks(GLenum enumerant) const
     {
         return enumerant < enumerantLimit && ((m_blocked[enumerant / 64] >> (enumerant % 64)) & 1U) != 0;
@@ -63,6 +72,9 @@ public:
 
     /// The limit of a row of LayerLimits.inc, by its number.
     std::int64_t limitOf(std::size_t row) const { return m_limits[row]; }
+
+    /// What the device has of a call and the host lacks, as a sentence; empty where the host has all of it.
+    std::string missingOnHost(Fn function, std::initializer_list<Argument> arguments) const;
 
     /// True once: for whoever tells what the device has beyond the host.
     bool isFirstToTell() const { return !m_told.test_and_set(); }
@@ -82,6 +94,7 @@ private:
     const device::Table& m_table;
     const device::Api& m_api;
     Availability m_availability;
+    Availability m_hostAvailability;
     DeviceStrings m_strings;
     std::array<std::uint64_t, enumerantLimit / 64> m_blocked{};
     std::vector<std::int64_t> m_limits;
@@ -94,7 +107,7 @@ private:
 const LimitRow& limitRow(std::size_t index);
 
 /// The gate of a version of the device, made when it is first asked for.
-DeviceGate& gateOf(Host& host, const device::Table& table, const device::Api& api);
+DeviceGate& gateOf(Host& host, const HostEs& hostEs, const device::Table& table, const device::Api& api);
 
 /// Whether the device refuses a call, which is reported and must not reach the host.
 bool refuses(Context& context, Fn function, std::initializer_list<Argument> arguments);

@@ -1,4 +1,5 @@
 // What the limits of a device say about arguments; limited_functions.txt says about which.
+#include "Checks.h"
 #include "DeviceGate.h"
 #include "GlEnumerants.h"
 
@@ -27,6 +28,7 @@ public:
     std::int64_t height() const { return at(m_row.places.height); }
     std::int64_t depth() const { return at(m_row.places.depth); }
     std::int64_t offset() const { return at(m_row.places.offset); }
+    GLenum name() const { return static_cast<GLenum>(at(m_row.places.name)); }
     std::int64_t level() const { return at(m_row.places.level); }
 
 private:
@@ -52,6 +54,15 @@ Refusal beyond(const DeviceGate& gate, GLenum code, std::int64_t value, GLenum l
             + std::to_string(limitValue)};
 }
 
+/// The same for what counts from 0.
+Refusal beyondIndex(
+    const DeviceGate& gate, GLenum code, std::int64_t index, GLenum limit, std::int64_t limitValue)
+{
+    Refusal refusal = beyond(gate, code, index, limit, limitValue);
+    refusal.why.insert(0, "the index ");
+    return refusal;
+}
+
 /// Units, lights and attachments count from a base; what is further away is another enumerant.
 Refusal checkUnit(const DeviceGate& gate, const LimitRow& row, std::int64_t limit, std::int64_t value)
 {
@@ -61,7 +72,7 @@ Refusal checkUnit(const DeviceGate& gate, const LimitRow& row, std::int64_t limi
     if (unit < limit || unit >= (row.base == gl::texture0 ? textures : others))
         return {};
     const bool isAttachment = row.check == LimitRow::Check::attachment;
-    return beyond(gate, isAttachment ? gl::invalidOperation : gl::invalidEnum, unit, row.limit, limit);
+    return beyondIndex(gate, isAttachment ? gl::invalidOperation : gl::invalidEnum, unit, row.limit, limit);
 }
 
 struct ImageLimits {
@@ -165,11 +176,27 @@ Refusal checkBinding(const DeviceGate& gate, const Call& call)
         return {};
     const std::int64_t count = capability(gate.api(), found->count);
     if (call.value() >= count)
-        return beyond(gate, gl::invalidValue, call.value(), found->count, count);
+        return beyondIndex(gate, gl::invalidValue, call.value(), found->count, count);
     const std::int64_t alignment = capability(gate.api(), found->alignment, 1);
     if (alignment > 0 && call.offset() % alignment != 0)
         return beyond(gate, gl::invalidValue, call.offset(), found->alignment, alignment);
     return {};
+}
+
+/// What textures and samplers are set to, where that is an enumerant rather than a number.
+Refusal checkParameter(const DeviceGate& gate, GLenum name, GLenum value)
+{
+    const bool isFilterOrWrap =
+        name >= 0x2800 && name <= 0x2803; // GL_TEXTURE_MAG_FILTER to GL_TEXTURE_WRAP_T
+    const bool isWrapR = name == 0x8072; // GL_TEXTURE_WRAP_R
+    const bool isCompare =
+        name == 0x884C || name == 0x884D; // GL_TEXTURE_COMPARE_MODE, GL_TEXTURE_COMPARE_FUNC
+    const bool isSwizzle = name >= 0x8E42 && name <= 0x8E45; // GL_TEXTURE_SWIZZLE_R to GL_TEXTURE_SWIZZLE_A
+    if (!(isFilterOrWrap || isWrapR || isCompare || isSwizzle) || !gate.blocks(value))
+        return {};
+    return {gl::invalidEnum,
+        nameOf(value) + " is not available on " + gate.table().name + ": "
+            + gate.availability().needOf(value)};
 }
 
 } // namespace
@@ -183,7 +210,7 @@ Refusal checkLimit(const DeviceGate& gate, std::size_t row, std::initializer_lis
     switch (limited.check) {
     case Check::below:
         return call.value() < limit ? Refusal{}
-                                    : beyond(gate, gl::invalidValue, call.value(), limited.limit, limit);
+                                    : beyondIndex(gate, gl::invalidValue, call.value(), limited.limit, limit);
     case Check::atMost:
         return call.value() <= limit ? Refusal{}
                                      : beyond(gate, gl::invalidValue, call.value(), limited.limit, limit);
@@ -200,11 +227,40 @@ Refusal checkLimit(const DeviceGate& gate, std::size_t row, std::initializer_lis
         return checkGroups(gate, limited, call);
     case Check::binding:
         return checkBinding(gate, call);
+    case Check::parameter:
+        return checkParameter(gate, call.name(), static_cast<GLenum>(call.value()));
     }
     return {};
 }
 
 namespace hooks {
+
+void glPushMatrix()
+{
+    Context& context = currentContext();
+    struct Stack {
+        GLenum mode, depth, limit;
+    };
+    static constexpr Stack stacks[] = {
+        {0x1700, 0x0BA3, 0x0D36}, {0x1701, 0x0BA4, 0x0D38}, {0x1702, 0x0BA5, 0x0D39}};
+    for (const Stack& stack : stacks) {
+        if (!context.gate || context.gate->blocks(Fn::glPushMatrix))
+            break;
+        const auto get = context.host->function<void (*)(GLenum, GLint*)>(Fn::glGetIntegerv);
+        GLint mode = 0, depth = 0;
+        get(gl::matrixMode, &mode);
+        if (static_cast<GLenum>(mode) != stack.mode)
+            continue;
+        get(stack.depth, &depth);
+        const std::int64_t limit = capability(context.gate->api(), stack.limit);
+        if (depth < limit)
+            continue;
+        refuseGl(context, Fn::glPushMatrix, {}, gl::stackOverflow,
+            beyond(*context.gate, gl::stackOverflow, depth + 1, stack.limit, limit).why);
+        return;
+    }
+    generated::glPushMatrix();
+}
 
 /// Sizes above the limit are no error.
 void glViewport(GLint x, GLint y, GLsizei width, GLsizei height)

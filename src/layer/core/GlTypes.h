@@ -59,6 +59,7 @@ inline constexpr GLenum none = 0;
 inline constexpr GLenum invalidEnum = 0x0500;
 inline constexpr GLenum invalidValue = 0x0501;
 inline constexpr GLenum invalidOperation = 0x0502;
+inline constexpr GLenum stackOverflow = 0x0503;
 
 inline constexpr GLenum vendor = 0x1F00;
 inline constexpr GLenum renderer = 0x1F01;
@@ -90,6 +91,7 @@ inline constexpr GLenum linkStatus = 0x8B82;
 inline constexpr GLenum infoLogLength = 0x8B84;
 inline constexpr GLenum shaderSourceLength = 0x8B88;
 inline constexpr GLenum sampleBuffers = 0x80A8;
+inline constexpr GLenum matrixMode = 0x0BA0;
 inline constexpr GLenum samples = 0x80A9;
 inline constexpr GLenum numSampleCounts = 0x9380;
 inline constexpr GLenum implementationColorReadType = 0x8B9A;
