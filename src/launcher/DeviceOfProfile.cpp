@@ -13,6 +13,7 @@
 #include <array>
 #include <functional>
 #include <optional>
+#include <sstream>
 
 namespace launcher {
 
@@ -71,6 +72,18 @@ std::optional<std::int32_t> integerOf(const ProfileNode& node, std::string_view 
 {
     const ProfileNode* child = childNamed(node, part);
     return child ? integerIn(child->value) : std::nullopt;
+}
+
+/// Each once, also where an element has several.
+void addExtensions(Api& api, const std::vector<std::string>& elements)
+{
+    for (const std::string& element : elements) {
+        std::istringstream words(element);
+        for (std::string name; words >> name;) {
+            if (std::find(api.extensions.begin(), api.extensions.end(), name) == api.extensions.end())
+                api.extensions.push_back(name);
+        }
+    }
 }
 
 /// Reads the elements of one `es` section.
@@ -287,10 +300,7 @@ Device deviceOf(const ProfileData& profile, bool isStrict)
         const int number = static_cast<int>(*known);
         Api& api = apis[number];
         api.version = number;
-        for (const std::string& name : names) {
-            if (const std::string extension = trimmed(name); !extension.empty())
-                api.extensions.push_back(extension);
-        }
+        addExtensions(api, names);
         const auto nodes = profile.capabilities().find(version);
         ApiReader reader(api, complain);
         for (std::size_t i = 0; nodes != profile.capabilities().end() && i < nodes->second.size(); ++i)

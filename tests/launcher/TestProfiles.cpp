@@ -29,7 +29,8 @@ constexpr const char* odd = R"(<profile>
  <compressed_texture_format>GL_ETC1_RGB8_OES</compressed_texture_format>
  <compressed_texture_format>33776</compressed_texture_format><unheard_of>1</unheard_of>
  <version>OpenGL ES 2.0 odd</version><shader_compiler>GL_TRUE</shader_compiler>
- <max_element_index>4294967295</max_element_index><extension>GL_B</extension><extension>GL_A</extension>
+ <max_element_index>4294967295</max_element_index><extension>GL_B</extension><extension>GL_A
+ GL_B</extension>
  <precision_format><shader>GL_VERTEX_SHADER</shader><type>36338</type><min>127</min><max>126</max>
   <precision>23</precision></precision_format><precision_format><shader>1</shader></precision_format></es>
 <es version="31"><max_compute_work_group_size><z>3</z><x>1</x><y>2</y></max_compute_work_group_size>
