@@ -12,6 +12,8 @@
 #include <stdexcept>
 #include <vector>
 
+#include <sys/resource.h>
+
 using ui::messages::Message;
 using ui::messages::Type;
 
@@ -48,12 +50,14 @@ ErrorFlood takeErrors(Window& window, int errors, const std::function<bool()>& i
     const ClientInterface* page = nullptr;
     QElapsedTimer sinceFirst;
     double last = 0;
+    double workBefore = 0;
     window.onRecord = [&](const Message& record) {
         if (record.type() != Type::GlError)
             return;
         if (seen++ == 0) {
             page = &window.page();
             sinceFirst.start();
+            workBefore = processorTime();
         }
         last = milliseconds(sinceFirst);
     };
@@ -69,19 +73,31 @@ ErrorFlood takeErrors(Window& window, int errors, const std::function<bool()>& i
     }
     if (!page)
         return {};
+    const double work = processorTime() - workBefore;
     // Those that come twice would be the last.
     while (!isOver() && milliseconds(sinceFirst) < last + 200)
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     ErrorFlood result;
     result.rate = (seen - 1) * 1000.0 / last;
+    result.windowWork = work * 1000 / (seen - 1);
     countRows(*page, errors, result);
     return result;
+}
+
+/// Milliseconds that children which have ended had a processor.
+double timeOfChildren()
+{
+    rusage usage{};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1000
+        + static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1000;
 }
 
 } // namespace
 
 ErrorFlood measureLayer(int errors, const QString& log, bool isWindowStopped)
 {
+    const double before = timeOfChildren();
     Window window;
     QProcess launcher;
     QStringList arguments{QStringLiteral(CORVALE_GLES_CALLS), QStringLiteral("1"), QString::number(errors)};
@@ -96,6 +112,7 @@ ErrorFlood measureLayer(int errors, const QString& log, bool isWindowStopped)
     launcher.waitForFinished();
     if (result.rate == 0 && launcher.exitCode() != noGles)
         throw std::runtime_error("the errors did not arrive");
+    result.othersWork = (timeOfChildren() - before) * 1000 / errors;
     result.costOfError =
         QString::fromLatin1(launcher.readAllStandardOutput()).section(QLatin1Char(' '), 2).toDouble();
     return result;

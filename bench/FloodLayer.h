@@ -9,6 +9,9 @@ struct ErrorFlood {
     double rate = 0; ///< Errors a second between the first and the last.
     int lost = 0;
     int doubled = 0;
+    double windowWork = 0; ///< Microseconds of a processor that the window needs for each.
+    double othersWork =
+        0; ///< The same of program and launcher with their starts and ends; 0 for a plain sender.
     double costOfError = 0; ///< Nanoseconds of the program; 0 if it was a plain sender.
 };
 

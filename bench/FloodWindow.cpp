@@ -57,13 +57,6 @@ std::size_t textOfRow(const Message& record)
     }
 }
 
-double processorTime()
-{
-    timespec time{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
-    return static_cast<double>(time.tv_sec) * 1000 + static_cast<double>(time.tv_nsec) / 1e6;
-}
-
 /// Watches how long the event loop takes to come round, by the clock and in processor time of its own: on a
 /// busy machine others run in between.
 class GapWatch {

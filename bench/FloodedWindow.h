@@ -11,6 +11,7 @@
 #include <QLocalServer>
 #include <QTabWidget>
 
+#include <ctime>
 #include <functional>
 #include <map>
 #include <stdexcept>
@@ -23,6 +24,14 @@ constexpr qint64 patience = 300'000;
 inline double milliseconds(const QElapsedTimer& timer)
 {
     return static_cast<double>(timer.nsecsElapsed()) / 1e6;
+}
+
+/// Milliseconds that this thread has had a processor.
+inline double processorTime()
+{
+    timespec time{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return static_cast<double>(time.tv_sec) * 1000 + static_cast<double>(time.tv_nsec) / 1e6;
 }
 
 /// The program's window, and what its clients have sent.

@@ -91,6 +91,8 @@ void printErrors(const QString& title, const flood::ErrorFlood& result, const QS
     row(title + QStringLiteral(": records/s"), number(result.rate), wanted);
     row(title + QStringLiteral(": lost, twice"),
         QStringLiteral("%1, %2").arg(result.lost).arg(result.doubled), QStringLiteral("0, 0"));
+    row(title + QStringLiteral(": us of window, of others"),
+        QStringLiteral("%1, %2").arg(result.windowWork, 0, 'f', 2).arg(result.othersWork, 0, 'f', 2));
     if (result.costOfError > 0)
         row(title + QStringLiteral(": ns an error takes the program"), number(result.costOfError));
 }
