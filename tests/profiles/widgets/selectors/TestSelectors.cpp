@@ -76,8 +76,8 @@ void TestSelectors::showsNamesAndHoldsValues_data()
         {"odd", "", "12321"}, {"odd", "", "EGL_ALPHA_SIZE"});
     row("APIs", maker<ESAPISelector>(QList<std::int32_t>{1, 31}, QString("20")), {"20", "", "1", "31"},
         {"OpenGL ES 2.0", "", "OpenGL ES 1.1", "OpenGL ES 3.1"});
-    row("capabilities", maker<ESCapabilitySelector>(QStringList{"samples"}, QString("program_binary_format")),
-        {"program_binary_format", "", "samples"}, {"program_binary_format", "", "GL_SAMPLES"});
+    row("capabilities", maker<ESCapabilitySelector>(QStringList{"samples"}, QString("vendor_limit")),
+        {"vendor_limit", "", "samples"}, {"vendor_limit", "", "GL_SAMPLES"});
     row("GL truth", maker<ESTrueFalseSelector>(QString("1")), {"1", "", "1", "0"},
         {"GL_TRUE", "", "GL_TRUE", "GL_FALSE"});
     row("image format", maker<ImageFormatSelector>(ImageFormatSelector::Use::ReadFormat, QString("12x")),
