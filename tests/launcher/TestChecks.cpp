@@ -234,7 +234,7 @@ TEST_F(Checks, runOnSeveralDevices)
             "--report", "json=" + path("json")}));
     EXPECT_EQ(outcome.code, 3);
     for (const char* told : {"Hadlow Tarn 7 ", "Hadlow Tarn 10 ", "Hadlow Tarn 12 ", "this machine ", "12 x",
-             "on 4 devices", "4 of 4 done"})
+             "on 4 devices", "4 of 4 done", "failed: watched-program on 4 of 4 devices"})
         EXPECT_NE(outcome.errors.find(told), std::string::npos) << told << " in:\n" << outcome.errors;
     for (const char* name : {"a-host.session", "a-hadlow-tarn-10.session"}) {
         sessions::SessionReader reader;

@@ -106,6 +106,15 @@ struct Job {
     _exit(0);
 }
 
+/// In one line that changes on a terminal, since the table comes behind it.
+void tellProgress(std::size_t done, const std::vector<RunResult>& all, const RunResult& last)
+{
+    const bool isTerminal = isatty(STDERR_FILENO) != 0;
+    const bool isLast = done == all.size();
+    std::fprintf(stderr, "%scorvale-run: %zu of %zu done: %s%s", isTerminal ? "\r\x1B[K" : "", done,
+        all.size(), oneLine(last.deviceName()).c_str(), isTerminal && !isLast ? "" : "\n");
+}
+
 std::string contentOf(const launcher::Descriptor& file)
 {
     std::string content(

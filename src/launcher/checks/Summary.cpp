@@ -19,7 +19,7 @@ namespace {
 
 constexpr std::size_t leastRows = 12;
 /// Rows for the verdict, the rest of the list and the shell's prompt.
-constexpr std::size_t otherRows = 8;
+constexpr std::size_t otherRows = 9;
 constexpr std::size_t widestDevice = 32;
 
 enum class Color { Red = 31, Green = 32, Yellow = 33 };
@@ -112,6 +112,15 @@ void addRun(Page& page, const Check& check)
 
 void addTable(Page& page, const Check& check)
 {
+    const auto bad = static_cast<std::size_t>(std::count_if(check.runs.begin(), check.runs.end(),
+        [&](const RunResult& run) { return check.verdict.status(run) != 0; }));
+    const std::string name = oneLine(launcher::programName(check.program));
+    page.begin("corvale-run: ");
+    if (bad == 0)
+        page.add("passed", Color::Green, ": " + name + " on " + counted(check.runs.size(), "device"));
+    else
+        page.add("failed", Color::Red,
+            ": " + name + " on " + grouped(bad) + " of " + counted(check.runs.size(), "device"));
     std::size_t width = std::string_view("Device").size();
     for (const RunResult& run : check.runs)
         width = std::clamp(run.deviceName().size(), width, widestDevice);
