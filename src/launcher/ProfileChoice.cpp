@@ -249,8 +249,9 @@ ProfileChoice chooseProfile(const std::optional<std::string>& wanted)
 std::vector<std::string> profilesLike(const std::string& pattern)
 {
     WindowSettings window;
+    const Profiles profiles(window);
     std::vector<std::string> keys;
-    for (const Pointer& profile : Profiles(window).like(pattern))
+    for (const Pointer& profile : profiles.like(pattern))
         keys.push_back(profile->key());
     return keys;
 }

@@ -93,7 +93,6 @@ TEST_F(Checks, exitAsDocumented)
         {{"signal", "11"}, {"--fail-on", "never"}, 139, "It was killed by SIGSEGV"},
         {{"unwatched"}, {}, 4, "Nothing was watched"},
         {{"errors", "1", "fork", "errors", "4"}, {}, 3, "9 errors"},
-        {{"scribble", "errors", "1"}, {"--fail-on", "warning"}, 3, "not readable any more"},
         {{}, {"--baseline", "/nowhere"}, 2, "Cannot read the baseline /nowhere"},
         {{}, {"--report", "json=/nowhere/a"}, 2, "Cannot write /nowhere/a"},
         {{}, {"--report", "yaml=a"}, 2, "A report is KIND=FILE"},

@@ -202,8 +202,7 @@ std::vector<RunResult> runMatrix(const launcher::Options& options, const std::ve
         results[number] = resultOf(job->second, profiles[number]);
         running.erase(job);
         if (!options.quiet)
-            std::fprintf(stderr, "corvale-run: %zu of %zu done: %s\n", started - running.size(),
-                profiles.size(), oneLine(results[number].deviceName()).c_str());
+            tellProgress(started - running.size(), results, results[number]);
     }
     for (std::size_t i = started; i < profiles.size(); ++i) {
         results[i].device = profiles[i];
