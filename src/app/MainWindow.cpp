@@ -6,6 +6,7 @@
 #include "Console.h"
 #include "ConsoleFontSize.h"
 #include "ConsoleSaver.h"
+#include "ConsoleViewActions.h"
 #include "CurrentProfile.h"
 #include "DocumentationOpener.h"
 #include "ErrorListModel.h"
@@ -233,6 +234,7 @@ void MainWindow::setUpMenus()
 
     auto* view = new ThemeMenu(m_preferences, tr("&View"), this);
     view->setObjectName(QStringLiteral("menuView"));
+    m_consoleView = new ConsoleViewActions(m_preferences, view);
     m_ui->menubar->insertMenu(m_ui->menuHelp->menuAction(), view);
 
     // The titles of these menus name no key.
@@ -288,6 +290,7 @@ void MainWindow::serverNewConnection()
     connect(&page->saver(), &ConsoleSaver::ended, this, &MainWindow::consoleSaved, Qt::QueuedConnection);
     if (m_windowState)
         m_windowState->follow(*page);
+    m_consoleView->follow(*page);
     page->setKeptFilters(m_keptFilters.get());
     page->setMutedErrors(m_mutedErrors);
     countProblems(*page);

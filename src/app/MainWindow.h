@@ -13,6 +13,7 @@ class Client;
 class ClientInterface;
 class ClientTabWidget;
 class ConsoleFontSize;
+class ConsoleViewActions;
 class KeptFilters;
 class LocalListener;
 class MonitorStatus;
@@ -130,6 +131,7 @@ private:
     models::CurrentProfile* m_currentProfile = nullptr;
     ProfileChooser* m_profileChooser = nullptr;
     widgets::Profile* m_profilePanel = nullptr;
+    ConsoleViewActions* m_consoleView = nullptr;
     ConsoleFontSize* m_consoleFontSize = nullptr;
     WindowState* m_windowState = nullptr;
     RecentFilesMenu* m_recentProfiles = nullptr;

@@ -4,6 +4,7 @@
 #include "Client.h"
 #include "Console.h"
 #include "ConsoleFind.h"
+#include "ConsoleMargin.h"
 #include "ConsoleSaver.h"
 #include "ContextInterface.h"
 #include "ErrorFilterBar.h"
@@ -63,6 +64,8 @@ void ClientInterface::setUpConsole(const QFont& font)
     m_ui->txtConsole->setDocument(new QTextDocument(this));
     m_ui->txtConsole->setUndoRedoEnabled(false);
     m_console = new Console(m_ui->txtConsole, m_ui->chkConsoleAutoScroll, this);
+    m_margin = new ConsoleMargin(m_ui->txtConsole, m_console->history(), m_ui->tab_console);
+    m_ui->consoleTextLayout->insertWidget(0, m_margin);
     m_saver = new ConsoleSaver(m_console, this);
     fontChanged(font);
 }

@@ -12,6 +12,7 @@
 
 class Client;
 class Console;
+class ConsoleMargin;
 class ConsoleSaver;
 class ContextInterface;
 class ErrorListActions;
@@ -56,6 +57,7 @@ public:
 
     const ErrorListModel& errorListModel() const { return *m_errorListModel; }
     Console& console() { return *m_console; }
+    ConsoleMargin& consoleMargin() { return *m_margin; }
     const ConsoleSaver& saver() const { return *m_saver; }
 
     /// Calls a function with the page of each context that comes from now on.
@@ -118,6 +120,7 @@ private:
     State m_state = State::Fresh;
     ContextFollower m_contextFollower;
     Console* m_console;
+    ConsoleMargin* m_margin;
     ConsoleSaver* m_saver;
     ErrorListModel* m_errorListModel;
     ErrorListFilterProxyModel* m_errorListFilter;

@@ -88,6 +88,8 @@ void Console::writeAtOnce(ConsoleItem item)
     showEndIfFollowing();
     if (!m_pace.isRefreshPending() && hasMoreToShow())
         m_pace.fillUp();
+    if (m_foldsRepeats)
+        m_view->viewport()->update(); // for the margin, which counts
     m_pace.addWritingTime(time.nsecsElapsed());
 }
 
@@ -96,6 +98,8 @@ void Console::refresh()
     if (!m_pace.beginRefresh(m_view->isVisible()))
         return;
     const bool isFillable = showMore();
+    if (m_foldsRepeats)
+        m_view->viewport()->update();
     showEndIfFollowing();
     m_pace.endRefresh(m_document.waiting() > 0 && !m_document.isClosed(), isFillable);
 }
@@ -187,6 +191,21 @@ void Console::setFont(const QFont& font)
 {
     m_view->setFont(font);
     m_view->document()->setDefaultFont(font);
+}
+
+void Console::setFoldsRepeats(bool folds)
+{
+    if (std::exchange(m_foldsRepeats, folds) == folds)
+        return;
+    m_document.setFoldsRepeats(folds);
+    m_history.setFoldsRepeats(folds);
+    if (m_follower.isFollowing()) {
+        m_history.reloadLive();
+        restart();
+        showEndIfFollowing();
+    } else {
+        m_history.reload();
+    }
 }
 
 void Console::restart()

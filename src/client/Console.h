@@ -32,6 +32,8 @@ public:
     void addClosingLine(const QString& text);
     void clear();
     void setFont(const QFont& font);
+    /// Whether equal entries that follow each other are shown as one. All of them are kept.
+    void setFoldsRepeats(bool folds);
 
     /// The number of entries after which the document is written anew, as it never gives up their formats.
     void setRebuildAfter(std::uint64_t entries) { m_document.setRebuildAfter(entries); }
@@ -79,4 +81,5 @@ private:
     ConsoleHistory m_history;
     QElapsedTimer m_sinceStart;
     qint64 m_startTime; ///< Milliseconds since the epoch.
+    bool m_foldsRepeats = false;
 };

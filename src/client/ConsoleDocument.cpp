@@ -69,19 +69,34 @@ void ConsoleDocument::write(Entry& entry, ConsoleWriter& writer)
 ConsoleDocument::Entry ConsoleDocument::entryOf(ConsoleItem item)
 {
     const int weight = console_entry::weight(item.bytes);
-    return {std::move(item.bytes), item.serial, item.stamp, weight, 0};
+    return {std::move(item.bytes), item.serial, item.count, item.stamp, weight, 0};
 }
 
 void ConsoleDocument::append(ConsoleItem item)
 {
-    m_entries.push_back(entryOf(std::move(item)));
+    Entry entry = entryOf(std::move(item));
+    if (fold(m_entries, entry))
+        return;
+    m_entries.push_back(std::move(entry));
     const Edit edit(m_document);
     write(m_entries.back(), m_writer);
 }
 
+/// Folds an entry into the last of others, if it repeats that.
+bool ConsoleDocument::fold(Entries& entries, const Entry& entry) const
+{
+    if (!m_foldsRepeats || entries.empty() || !console_entry::isRepeated(entries.back().bytes, entry.bytes))
+        return false;
+    entries.back().count += entry.count;
+    return true;
+}
+
 void ConsoleDocument::enqueue(ConsoleItem item)
 {
-    m_waiting.push_back(entryOf(std::move(item)));
+    Entry entry = entryOf(std::move(item));
+    if (fold(m_waiting, entry))
+        return;
+    m_waiting.push_back(std::move(entry));
     m_waitingWeight += m_waiting.back().weight;
     // What could never be shown only takes memory.
     while (m_waiting.size() > liveEntries || (m_waitingWeight > liveWeight && m_waiting.size() > 1))
@@ -94,8 +109,8 @@ void ConsoleDocument::skipOldest()
         m_waitingOutline = outlineAt(m_entries.size());
     console_entry::follow(m_waiting.front().bytes, *m_waitingOutline);
     m_waitingWeight -= m_waiting.front().weight;
+    m_skipped += m_waiting.front().count;
     m_waiting.pop_front();
-    ++m_skipped;
 }
 
 void ConsoleDocument::appendWaiting(int weight)
@@ -103,22 +118,29 @@ void ConsoleDocument::appendWaiting(int weight)
     const Edit edit(m_document);
     do {
         weight -= m_waiting.front().weight;
-        takeFromWaiting();
-        write(m_entries.back(), m_writer);
+        if (takeFromWaiting())
+            write(m_entries.back(), m_writer);
     } while (weight > 0 && !m_waiting.empty());
 }
 
-void ConsoleDocument::takeFromWaiting()
+/// False when the entry was folded into the one before it.
+bool ConsoleDocument::takeFromWaiting()
 {
-    m_waitingWeight -= m_waiting.front().weight;
-    m_entries.push_back(std::move(m_waiting.front()));
+    Entry entry = std::move(m_waiting.front());
     m_waiting.pop_front();
+    m_waitingWeight -= entry.weight;
+    if (fold(m_entries, entry))
+        return false;
+    m_entries.push_back(std::move(entry));
+    return true;
 }
 
 void ConsoleDocument::takeAllWaiting()
 {
     if (m_skipped > 0) {
-        m_forgotten += m_entries.size() + m_skipped;
+        for (const Entry& entry : m_entries)
+            m_forgotten += entry.count;
+        m_forgotten += m_skipped;
         m_outline = *m_waitingOutline;
         m_entries.clear();
     }
@@ -133,8 +155,8 @@ void ConsoleDocument::takeAllWaiting()
 void ConsoleDocument::forgetOldest()
 {
     console_entry::follow(m_entries.front().bytes, m_outline);
+    m_forgotten += m_entries.front().count;
     m_entries.pop_front();
-    ++m_forgotten;
 }
 
 ConsoleOutline ConsoleDocument::outlineAt(std::size_t entry) const
@@ -143,6 +165,13 @@ ConsoleOutline ConsoleDocument::outlineAt(std::size_t entry) const
     for (std::size_t i = 0; i < entry; ++i)
         console_entry::follow(m_entries[i].bytes, outline);
     return outline;
+}
+
+/// Number of entries before those that are shown.
+std::uint64_t ConsoleDocument::earlierEntries() const
+{
+    return std::accumulate(m_entries.begin(), m_entries.begin() + static_cast<std::ptrdiff_t>(m_first),
+        m_forgotten, [](std::uint64_t sum, const Entry& entry) { return sum + entry.count; });
 }
 
 std::size_t ConsoleDocument::firstOfNewest(int weight) const
@@ -159,15 +188,19 @@ void ConsoleDocument::restart(int weight)
     showFrom(firstOfNewest(weight));
 }
 
-void ConsoleDocument::show(
+void ConsoleDocument::load(
     std::vector<ConsoleItem> items, std::uint64_t earlier, const ConsoleOutline& before)
 {
+    m_waiting.clear();
+    m_waitingWeight = 0;
+    m_waitingOutline.reset();
+    m_skipped = 0;
     m_entries.clear();
     for (ConsoleItem& item : items)
         m_entries.push_back(entryOf(std::move(item)));
     m_forgotten = earlier;
     m_outline = before;
-    showFrom(0);
+    m_first = 0;
 }
 
 void ConsoleDocument::rewrite()
@@ -213,7 +246,7 @@ void ConsoleDocument::writeFrom(std::size_t first)
 /// the entry before it.
 void ConsoleDocument::addHead()
 {
-    const std::uint64_t earlier = m_forgotten + m_first;
+    const std::uint64_t earlier = earlierEntries();
     if (earlier == 0)
         return;
     const ConsoleOutline outline = outlineAt(m_first);
@@ -415,37 +448,39 @@ void ConsoleDocument::clear()
     showFrom(0);
 }
 
-void ConsoleDocument::forEachShown(const std::function<void(std::uint64_t, int)>& function) const
+void ConsoleDocument::forEachShown(const std::function<bool(const Shown&)>& function) const
 {
     if (!isUnchanged())
         return;
     int position = m_headLength;
-    for (auto entry = m_entries.begin() + static_cast<std::ptrdiff_t>(m_first); entry != m_entries.end();
-         ++entry) {
-        function(entry->serial, position);
-        position += entry->length;
+    for (std::size_t i = m_first; i < m_entries.size(); ++i) {
+        const Entry& entry = m_entries[i];
+        if (!function({entry.serial, entry.count, entry.stamp, {position, position + entry.length}}))
+            break;
+        position += entry.length;
     }
 }
 
 std::optional<ConsoleDocument::Range> ConsoleDocument::rangeOf(std::uint64_t serial) const
 {
+    if (m_first == m_entries.size() || serial < m_entries[m_first].serial)
+        return {};
     std::optional<Range> range;
-    int end = m_headLength;
-    for (auto entry = m_entries.begin() + static_cast<std::ptrdiff_t>(m_first);
-         entry != m_entries.end() && !range; ++entry) {
-        end += entry->length;
-        if (entry->serial == serial)
-            range = Range{end - entry->length, end};
-    }
-    return range && isUnchanged() ? range : std::nullopt;
+    forEachShown([&](const Shown& entry) {
+        if (serial < entry.serial + entry.count)
+            range = entry.range;
+        return !range;
+    });
+    return range;
 }
 
 std::optional<std::uint64_t> ConsoleDocument::serialAt(int position) const
 {
     std::optional<std::uint64_t> at;
-    forEachShown([&](std::uint64_t serial, int start) {
-        if (!at || start <= position)
-            at = serial;
+    forEachShown([&](const Shown& entry) {
+        if (!at || entry.range.start <= position)
+            at = entry.serial;
+        return entry.range.start <= position;
     });
     return at;
 }

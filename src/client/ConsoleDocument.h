@@ -40,6 +40,8 @@ public:
     void append(ConsoleItem item);
     /// Lets an entry wait for appendWaiting() or restart().
     void enqueue(ConsoleItem item);
+    /// Whether entries that come from now on are folded into an equal one before them.
+    void setFoldsRepeats(bool folds) { m_foldsRepeats = folds; }
     std::size_t waiting() const { return m_waiting.size(); }
     /// True when entries between those that are shown and those that wait were dropped, so that only
     /// restart() can show the others.
@@ -51,9 +53,11 @@ public:
     void restart(int weight);
     /// Clears the document and writes what it has shown, with the line that closed it.
     void rewrite();
-    /// Clears the document and writes these entries, which have so many before them and an outline of the
-    /// text there.
-    void show(std::vector<ConsoleItem> items, std::uint64_t earlier, const ConsoleOutline& before);
+    /// Takes these entries, which have so many before them and an outline of the text there, for those that
+    /// it has kept. They have to be shown with restart() or show().
+    void load(std::vector<ConsoleItem> items, std::uint64_t earlier, const ConsoleOutline& before);
+    /// Clears the document and writes all entries that it has kept.
+    void show() { showFrom(0); }
     /// True when there are older entries that fill() could add.
     bool isFillable() const;
     /// Adds older entries, of a given weight or a little more, before what is shown.
@@ -91,10 +95,17 @@ public:
     std::optional<Range> rangeOf(std::uint64_t serial) const;
     /// The entry at a position in the document: the first one that is shown for a place before it.
     std::optional<std::uint64_t> serialAt(int position) const;
-    /// Calls a function with each entry that is shown, and its position.
-    void forEachShown(const std::function<void(std::uint64_t, int)>& function) const;
+    /// An entry that is shown.
+    struct Shown {
+        std::uint64_t serial;
+        std::uint64_t count; ///< Of this and the equal entries behind it that are folded into it.
+        EntryStamp stamp;
+        Range range;
+    };
+    /// Calls a function with each entry that is shown, as long as it returns true.
+    void forEachShown(const std::function<bool(const Shown&)>& function) const;
     /// True when there are entries before those that are shown.
-    bool hasEarlier() const { return m_forgotten + m_first > 0; }
+    bool hasEarlier() const { return earlierEntries() > 0; }
     /// The place where the next entry is written.
     const QTextCursor& writeCursor() const { return m_writer.cursor(); }
 
@@ -102,6 +113,7 @@ private:
     struct Entry {
         std::string bytes;
         std::uint64_t serial = 0;
+        std::uint64_t count = 1; ///< Of this and the equal entries behind it that are folded into it.
         EntryStamp stamp;
         int weight = 1;
         int length = 0; ///< Characters in the document.
@@ -111,7 +123,8 @@ private:
     static Entry entryOf(ConsoleItem item);
     void write(Entry& entry, ConsoleWriter& writer);
     void skipOldest();
-    void takeFromWaiting();
+    bool fold(Entries& entries, const Entry& entry) const;
+    bool takeFromWaiting();
     void takeAllWaiting();
     void forgetOldest();
     void writeFrom(std::size_t first);
@@ -121,6 +134,7 @@ private:
     void removeUpTo(int position);
     void joinWithNextBlock(QTextCursor cursor);
     ConsoleOutline outlineAt(std::size_t entry) const;
+    std::uint64_t earlierEntries() const;
     std::size_t firstOfNewest(int weight) const;
     std::size_t fillPlace(int weight) const;
     bool hasRoomForOlder() const;
@@ -143,6 +157,7 @@ private:
     std::uint64_t m_written = 0; ///< Number of entries written since the document was last empty.
     /// Number of entries after which their formats, which a document never gives up, are too many.
     std::uint64_t m_rebuildAfter = 20 * liveEntries;
+    bool m_foldsRepeats = false;
     bool m_closed = false;
     QString m_closingReason;
     int m_closingLength = 0; ///< Characters of the line that says so.

@@ -158,6 +158,13 @@ void write(std::string_view entry, ConsoleSink& sink)
     }
 }
 
+bool isRepeated(std::string_view former, std::string_view entry)
+{
+    // Those that open or leave frames do something else each time.
+    const Type type = typeOf(entry);
+    return former == entry && type >= Type::DebugMessage && type <= Type::GlError;
+}
+
 int weight(std::string_view entry)
 {
     return static_cast<int>(1 + entry.size() / bytesPerLine

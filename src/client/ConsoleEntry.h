@@ -20,6 +20,7 @@ struct ConsoleItem {
     std::string bytes;
     std::uint64_t serial = 0; ///< Number of entries that the console had before it, cleared ones too.
     EntryStamp stamp;
+    std::uint64_t count = 1; ///< Of this and the equal entries behind it that are folded into it.
 };
 
 /// Entries of the console: records that it shows, cut to the bytes that it takes to draw or save them again.
@@ -39,6 +40,10 @@ void write(std::string_view entry, ConsoleSink& sink);
 
 /// Adds what write() shows of an entry, as lines of UTF-8, to a text. Empty lines may differ.
 void appendLines(std::string_view entry, std::string& text);
+
+/// True when an entry shows the same as the one before it, and stands for itself, so that both can be folded
+/// into one.
+bool isRepeated(std::string_view former, std::string_view entry);
 
 /// What it costs to lay an entry out, in lines or so; 1 for most.
 int weight(std::string_view entry);

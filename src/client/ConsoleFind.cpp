@@ -280,11 +280,12 @@ void ConsoleFind::markScrollBar()
         return;
     std::vector<double> places;
     const QTextDocument& document = *m_view->document();
-    m_console->history().forEachShown([&](std::uint64_t serial, int position) {
-        const FoundEntries& found = serial < m_origin ? m_before : m_behind;
-        if (found.contains(serial))
-            places.push_back(
-                static_cast<double>(document.findBlock(position).blockNumber()) / document.blockCount());
+    m_console->history().forEachShown([&](const ConsoleDocument::Shown& entry) {
+        const FoundEntries& found = entry.serial < m_origin ? m_before : m_behind;
+        if (found.contains(entry.serial))
+            places.push_back(static_cast<double>(document.findBlock(entry.range.start).blockNumber())
+                / document.blockCount());
+        return true;
     });
     m_barMarks->setMarks(std::move(places));
 }

@@ -20,6 +20,9 @@ namespace {
 constexpr int leastHalf = 200;
 constexpr int mostHalf = 300;
 
+/// Entries that are read at once at most, where many are folded into few. Measured: 20 ms.
+constexpr std::uint64_t mostRead = 50'000;
+
 int linesOf(const QTextEdit& view)
 {
     return view.viewport()->height() / std::max(1, view.fontMetrics().lineSpacing()) + 1;
@@ -97,15 +100,34 @@ int ConsoleHistory::halfWeight() const
 /// Entries of a given weight before an entry, and as many behind it.
 std::vector<ConsoleItem> ConsoleHistory::itemsAround(std::uint64_t serial, int weight, bool& reachesEnd) const
 {
-    const auto before = std::min(serial - m_spool.firstSerial(), static_cast<std::uint64_t>(weight));
-    ConsoleSpool::Reader reader(m_spool, serial - before);
+    const std::uint64_t available = serial - m_spool.firstSerial();
+    auto before = static_cast<std::uint64_t>(weight);
+    std::vector<ConsoleItem> items =
+        itemsFrom(serial - std::min(available, before), serial, weight, reachesEnd);
+    // Where many are folded into few, those before them have to be read as well.
+    while (m_foldsRepeats && before < std::min(available, mostRead) && !items.empty()
+        && items.size() < static_cast<std::size_t>(weight)) {
+        before *= 8;
+        items = itemsFrom(serial - std::min(available, before), serial, weight, reachesEnd);
+    }
+    return items;
+}
+
+std::vector<ConsoleItem> ConsoleHistory::itemsFrom(
+    std::uint64_t first, std::uint64_t serial, int weight, bool& reachesEnd) const
+{
+    ConsoleSpool::Reader reader(m_spool, first);
     std::deque<ConsoleItem> items;
     int weightBefore = 0;
     int weightBehind = 0;
     std::string_view entry;
     reachesEnd = true;
     while (reader.next(entry)) {
-        if (weightBehind >= weight) {
+        if (m_foldsRepeats && !items.empty() && console_entry::isRepeated(items.back().bytes, entry)) {
+            ++items.back().count;
+            continue;
+        }
+        if (weightBehind >= weight || reader.serial() > serial + mostRead) {
             reachesEnd = false;
             break;
         }
@@ -122,13 +144,38 @@ std::vector<ConsoleItem> ConsoleHistory::itemsAround(std::uint64_t serial, int w
     return {std::make_move_iterator(items.begin()), std::make_move_iterator(items.end())};
 }
 
+void ConsoleHistory::reloadLive()
+{
+    bool reachesEnd = true;
+    const std::uint64_t end = m_spool.endSerial();
+    std::vector<ConsoleItem> items =
+        itemsAround(end, static_cast<int>(ConsoleDocument::liveEntries), reachesEnd);
+    const std::uint64_t first = items.empty() ? end : items.front().serial;
+    m_live.load(std::move(items), first - m_spool.firstSerial(), m_spool.outlineBefore(first));
+}
+
+void ConsoleHistory::reload()
+{
+    const std::optional<std::uint64_t> serial = topEntry();
+    if (!serial) {
+        reloadLive();
+        return;
+    }
+    QTextCursor start(m_view->document());
+    if (const std::optional<ConsoleDocument::Range> range = rangeOf(*serial))
+        start.setPosition(textStart(*range));
+    showAround(*serial, m_view->cursorRect(start).top(), Live::Reloaded);
+}
+
 /// Shows a window around an entry, whose text begins at a given height in the view.
-void ConsoleHistory::showAround(std::uint64_t serial, int y)
+void ConsoleHistory::showAround(std::uint64_t serial, int y, Live live)
 {
     const QTextCursor cursor = m_view->textCursor();
     const Selection selection{placeOf(cursor.anchor()), placeOf(cursor.position())};
     bool reachesEnd = true;
     std::vector<ConsoleItem> items = itemsAround(serial, halfWeight(), reachesEnd);
+    if (live == Live::Reloaded)
+        reloadLive();
     if (reachesEnd) {
         m_isShown = false;
         m_live.restart(2 * halfWeight());
@@ -136,7 +183,8 @@ void ConsoleHistory::showAround(std::uint64_t serial, int y)
         const std::uint64_t first = items.front().serial;
         m_live.release();
         m_isShown = true;
-        m_window.show(std::move(items), first - m_spool.firstSerial(), m_spool.outlineBefore(first));
+        m_window.load(std::move(items), first - m_spool.firstSerial(), m_spool.outlineBefore(first));
+        m_window.show();
         m_window.close(tr("Newer entries have arrived. Tick \"Auto-scroll\" to see them."));
     }
     if (const std::optional<int> position = positionOf(selection.position)) {
@@ -230,9 +278,26 @@ std::vector<ConsoleDocument::Range> ConsoleHistory::matchesIn(
     return matches;
 }
 
-void ConsoleHistory::forEachShown(const std::function<void(std::uint64_t, int)>& function) const
+void ConsoleHistory::forEachShown(const std::function<bool(const ConsoleDocument::Shown&)>& function) const
 {
     document().forEachShown(function);
+}
+
+void ConsoleHistory::forEachInView(
+    const std::function<void(const ConsoleDocument::Shown&, int)>& function) const
+{
+    const int first = cursorAt(*m_view, 0).position();
+    const int last = cursorAt(*m_view, m_view->viewport()->height()).position();
+    forEachShown([&](const ConsoleDocument::Shown& entry) {
+        const int start = textStart(entry.range);
+        if (entry.range.end < first || start == entry.range.end)
+            return true;
+        QTextCursor cursor(m_view->document());
+        cursor.setPosition(start);
+        if (start <= last)
+            function(entry, m_view->cursorRect(cursor).top());
+        return start <= last;
+    });
 }
 
 std::optional<ConsoleDocument::Range> ConsoleHistory::rangeOf(std::uint64_t serial) const

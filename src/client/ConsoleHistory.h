@@ -35,6 +35,12 @@ public:
     /// Another writes into the text document from now on.
     void leave() { m_isShown = false; }
     void rewrite(const QPalette& palette);
+    /// Whether equal entries that follow each other are shown as one.
+    void setFoldsRepeats(bool folds) { m_foldsRepeats = folds; }
+    /// Has the live document take its entries anew from the spool.
+    void reloadLive();
+    /// Takes all entries anew from the spool, and keeps the reader's place.
+    void reload();
 
     /// Shows an entry, and selects its text. False when the console has none of this serial number (any
     /// more).
@@ -44,8 +50,10 @@ public:
     /// The entry at the top of the view, and at a position in its document.
     std::optional<std::uint64_t> topEntry() const;
     std::optional<std::uint64_t> entryAt(int position) const { return document().serialAt(position); }
-    /// Calls a function with each entry that is in the document, and its position there.
-    void forEachShown(const std::function<void(std::uint64_t, int)>& function) const;
+    /// Calls a function with each entry that is in the document, as long as it returns true.
+    void forEachShown(const std::function<bool(const ConsoleDocument::Shown&)>& function) const;
+    /// Calls a function with each entry whose text is in the view, and where that begins in the viewport.
+    void forEachInView(const std::function<void(const ConsoleDocument::Shown&, int)>& function) const;
     /// What a pattern matches in the text of an entry, as far as it is in the document.
     std::vector<ConsoleDocument::Range> matchesIn(std::uint64_t serial, const FindPattern& pattern) const;
     /// Shows an entry, and selects one of these matches.
@@ -75,8 +83,11 @@ private:
     bool bringEntry(std::uint64_t serial);
     void extend();
     bool isNearEnd() const;
-    void showAround(std::uint64_t serial, int y);
+    enum class Live { AsItIs, Reloaded };
+    void showAround(std::uint64_t serial, int y, Live live = Live::AsItIs);
     std::vector<ConsoleItem> itemsAround(std::uint64_t serial, int weight, bool& reachesEnd) const;
+    std::vector<ConsoleItem> itemsFrom(
+        std::uint64_t first, std::uint64_t serial, int weight, bool& reachesEnd) const;
     int halfWeight() const;
     std::optional<Place> placeOf(int position) const;
     std::optional<int> positionOf(const std::optional<Place>& place) const;
@@ -91,5 +102,6 @@ private:
     ConsoleFollower& m_follower;
     ConsoleDocument& m_live;
     ConsoleDocument m_window;
+    bool m_foldsRepeats = false;
     bool m_isShown = false;
 };

@@ -22,6 +22,7 @@ private Q_SLOTS:
     void wholeConsoleCanBeRead_data();
     void wholeConsoleCanBeRead();
     void entriesAreFoundAgain();
+    void repeatsAreFolded();
 };
 
 void TestConsoleReader::readerStays()
@@ -271,6 +272,60 @@ void TestConsoleReader::entriesAreFoundAgain()
     page.receive(lines, 1);
     QVERIFY(page.comesToRest());
     QVERIFY(page.document().toPlainText().endsWith(QStringLiteral("line 6160")));
+}
+
+void TestConsoleReader::repeatsAreFolded()
+{
+    Page page;
+    Console& console = page.page.console();
+    const auto shown = [&page] {
+        QStringList entries;
+        page.page.console().history().forEachShown([&](const ConsoleDocument::Shown& entry) {
+            QTextCursor cursor(&page.document());
+            cursor.setPosition(entry.range.start);
+            cursor.setPosition(entry.range.end, QTextCursor::KeepAnchor);
+            entries.append(
+                QStringLiteral("%1x%2")
+                    .arg(cursor.selectedText().remove(QRegularExpression(QStringLiteral("\\W"))).left(8))
+                    .arg(entry.count));
+            return true;
+        });
+        return entries.join(QLatin1Char(' '));
+    };
+    const QList<Message> mark{identified("mark", 1), make(Type::LineBreak)};
+    const auto receive = [&page, &mark] {
+        page.receive({text(Type::Information, "a")}, 3);
+        page.receive({text(Type::Error, "b")}, 2);
+        for (const Message& record : mark + mark)
+            page.page.receive(record);
+        page.receive({text(Type::Information, "a")}, 2);
+    };
+    const QString folded = QStringLiteral("ax3 Errorbx2 markID1x1 x1 markID1x1 x1 ax2");
+    receive();
+    QCOMPARE(shown().count(QLatin1Char('x')), 11);
+    console.setFoldsRepeats(true);
+    QCOMPARE(shown(), folded);
+    receive(); // at once
+    page.receive({text(Type::Warning, "w")}, 20'000); // in a flood
+    page.receive({text(Type::Information, "end")}, 1);
+    QVERIFY(page.comesToRest());
+    QVERIFY2(shown().startsWith(folded.chopped(1) + QStringLiteral("5 Errorbx2")), qPrintable(shown()));
+    QVERIFY2(shown().endsWith(QStringLiteral(" Warningwx20000 endx1")), qPrintable(shown()));
+    QCOMPARE(page.earlier(), 0);
+    // Each entry of those folded is there.
+    QVERIFY(console.showEntry(5000));
+    QCOMPARE(page.view->textCursor().block().text(), QStringLiteral("Warning"));
+    const QString top = page.topLine();
+    console.setFoldsRepeats(false);
+    QCOMPARE(page.topLine(), top);
+    page.autoScroll->click();
+    QVERIFY(page.comesToRest());
+    QCOMPARE(page.whyWrong(), QString());
+    QVERIFY(page.earlier() > 10'000);
+    console.setFoldsRepeats(true);
+    QVERIFY(page.comesToRest());
+    QVERIFY2(shown().endsWith(QStringLiteral(" Warningwx20000 endx1")), qPrintable(shown()));
+    QCOMPARE(page.earlier(), 0);
 }
 
 QTEST_MAIN(TestConsoleReader)
