@@ -153,8 +153,8 @@ TEST_F(Checks, writeReportsOfAllKinds)
         "                      text\n");
     EXPECT_EQ(contentOf(path("github")),
         "::error title=GL_INVALID_OPERATION in glDrawArrays::xxxxxxxxxxxxxxxxxxxx%0A2 times, frames 1 to 2\n"
-        "::error title=error::text%0A1 times, frame 3\n"
-        "::notice title=warning::text%0A1 times, frame 4\n");
+        "::error title=error::text%0A1 time, frame 3\n"
+        "::notice title=warning::text%0A1 time, frame 4\n");
     EXPECT_EQ(withoutTimes(contentOf(path("markdown"))),
         "### Check of watched-program\n\n"
         "| Device | Result | Errors | Warnings | Messages | Frames | Time |\n"
@@ -176,7 +176,7 @@ TEST_F(Checks, writeReportsOfAllKinds)
         </testcase>
         <testcase classname="watched-program.this machine" name="error: text" TIME>
             <failure type="error" message="text">text
-1 times, frame 3</failure>
+1 time, frame 3</failure>
         </testcase>
         <testcase classname="watched-program.this machine" name="warning: text" TIME>
             <system-out>text</system-out>

@@ -24,6 +24,8 @@ constexpr std::array<std::pair<End, const char*>, 6> endNames{
 constexpr std::array origins{Origin::GlError, Origin::Error, Origin::Warning, Origin::DebugMessage};
 constexpr std::array severities{Severity::Error, Severity::Warning, Severity::Message};
 constexpr int version = 1;
+/// What is nested may take many times as much memory. Lines of ours are far below.
+constexpr std::size_t lineLimit = std::size_t{4} << 20U; // bytes
 
 std::string lineOf(const ordered_json& value)
 {
@@ -177,6 +179,8 @@ std::optional<std::vector<RunResult>> readJsonReport(std::string_view text, std:
         const std::string_view line = text.substr(0, end);
         text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
         try {
+            if (line.size() > lineLimit)
+                throw std::runtime_error("it is too long");
             if (!line.empty())
                 reader.take(json::parse(line));
         } catch (const std::exception& error) {

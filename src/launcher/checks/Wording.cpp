@@ -84,6 +84,13 @@ std::string title(const sessions::Signature& signature)
     return code + " in " + function;
 }
 
+std::string textBelowTitle(const sessions::Finding& finding)
+{
+    const std::string text = oneLine(finding.example);
+    const std::string beginning = title(finding.signature) + ": ";
+    return text.starts_with(beginning) ? text.substr(beginning.size()) : text;
+}
+
 std::string frames(const sessions::Finding& finding)
 {
     if (finding.firstFrame == ui::messages::noFrame)

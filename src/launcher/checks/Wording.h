@@ -24,6 +24,8 @@ std::string counted(std::uint64_t number, const std::string& what);
 
 /// Such as "GL_INVALID_ENUM in glEnable".
 std::string title(const sessions::Signature& signature);
+/// The text of a finding on one line, without its beginning where that says what the title says.
+std::string textBelowTitle(const sessions::Finding& finding);
 /// Such as "frame 3" or "frames 3 to 812"; empty if none is known.
 std::string frames(const sessions::Finding& finding);
 std::string seconds(std::chrono::milliseconds time);
