@@ -27,8 +27,9 @@ Table harbourBoard()
     table.apis.push_back({11, {"GL_OES_read_format"},
         {{0x0D31, {Number(std::int64_t{4})}}, {0x0D36, {Number(std::int64_t{2})}}}, {}, {}, {}});
     table.apis.push_back({20, {"GL_OES_rgb8_rgba8", "GL_BWD_shader_binary"}, {}, {}, {}, {}});
-    table.apis.push_back(
-        {30, {"GL_EXT_texture_compression_s3tc", "GL_KHR_debug", "GL_QCOM_tiled_rendering"}, {}, {}, {}, {}});
+    table.apis.push_back({30,
+        {"GL_EXT_debug_marker", "GL_EXT_texture_compression_s3tc", "GL_KHR_debug", "GL_QCOM_tiled_rendering"},
+        {}, {}, {}, {}});
     for (Api& api : table.apis) {
         const auto limit = [&](std::uint32_t name, auto... values) {
             api.capabilities[name] = {Number(values)...};
@@ -40,6 +41,8 @@ Table harbourBoard()
         if (api.version < 20)
             continue;
         limit(0x8DFA, std::int64_t{1}); // GL_SHADER_COMPILER
+        limit(0x846E, 3.0); // GL_ALIASED_LINE_WIDTH_RANGE, of which an end is missing
+        limit(0x8872, std::int64_t{8}, std::int64_t{9}); // GL_MAX_TEXTURE_IMAGE_UNITS, said twice
         limit(0x8869, std::int64_t{8}); // GL_MAX_VERTEX_ATTRIBS
         limit(0x8DFB, std::int64_t{128}); // GL_MAX_VERTEX_UNIFORM_VECTORS
         limit(0x8DFC, std::int64_t{8}); // GL_MAX_VARYING_VECTORS
@@ -133,8 +136,8 @@ TEST_F(TestDevice, contextsAreOfTheDevicesVersions)
             {"string 0x1F03", "GL_OES_rgb8_rgba8 GL_BWD_shader_binary"}, {"stringi 0", "null 0x502"},
             {"get glGetIntegerv 0x821B 1", "0"}, {"context 3 0 41", "version 3 config 41"},
             {"string 0x1F02", "OpenGL ES 3.0 Brindlewood"},
-            {"string 0x8B8C", "OpenGL ES GLSL ES 3.00 build 7"}, {"stringi 1", "GL_KHR_debug"},
-            {"stringi 3", "null 0x501"}, {"get glGetIntegerv 0x821D 1", "3"},
+            {"string 0x8B8C", "OpenGL ES GLSL ES 3.00 build 7"}, {"stringi 2", "GL_KHR_debug"},
+            {"stringi 4", "null 0x501"}, {"get glGetIntegerv 0x821D 1", "4"},
             {"get glGetIntegerv 0x821B 1", "3"}, {"get glGetFloatv 0x821C 1", "0"},
             {"context 1 0", "version 1 config 0"}, {"string 0x1F02", "OpenGL ES-CM 1.1 Brindlewood"},
             {"string 0x8B8C", "null 0x500"}, {"context 3 1", "egl 0x3009"}, {"context 2 1", "egl 0x3009"},
@@ -165,7 +168,8 @@ TEST_F(TestDevice, limitsAreToldByAllQueries)
             {"get glGetIntegerv 0x8D6B 1", "2147483647"}, {"get glGetIntegerv 0xD3A 2", "1024 512"},
             {"get glGetFloatv 0x846D 2", "1 511.5"}, {"get glGetIntegerv 0x846D 2", "1 512"},
             {"get glGetIntegerv 0x86A2 1", "2"}, {"get glGetIntegerv 0x86A3 3", "36196 35840 0"},
-            {"get glGetBooleanv 0x8DFA 1", "1"}, {"context 1 0", "version 1 config 0"},
+            {"get glGetBooleanv 0x8DFA 1", "1"}, {"get glGetIntegerv 0x846E 3", "1 255 0"},
+            {"get glGetIntegerv 0x8872 2", "32 0"}, {"context 1 0", "version 1 config 0"},
             {"get glGetFixedv 0xD31 1", "262144"}, {"get glGetFixedv 0x846D 2", "65536 33521664"},
             {"get glGetIntegerv 0xD36 1", "2"}});
     program->finish();
@@ -245,8 +249,9 @@ TEST_F(TestDevice, limitsOfArgumentsHold)
             {"call glCompressedTexImage2D 0xDE1 0 0x83F0 4 4 0 8 0", "0x500"},
             {"call glCompressedTexImage2D 0xDE1 0 0x8C00 8 8 0 32 0", "0x500"},
             {"call glViewport 0 0 2000 2000", "0"}, {"get glGetIntegerv 0xBA2 4", "0 0 1024 512"},
-            {"call glEndTilingQCOM 0", "0x502"}, {"context 1 0", "version 1 config 0"},
-            {"call glPushMatrix", "0"}, {"call glPushMatrix", "0x503"}});
+            {"call glEndTilingQCOM 0", "0x502"}, {"call glPopGroupMarkerEXT", "0"},
+            {"context 1 0", "version 1 config 0"}, {"call glPushMatrix", "0"},
+            {"call glPushMatrix", "0x503"}});
     program->finish();
     const std::string errors = program.errors();
     for (const char* text : {"1025 is too much for Harbour Board, where GL_MAX_TEXTURE_SIZE is 1024",

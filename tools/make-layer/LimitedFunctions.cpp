@@ -60,7 +60,7 @@ void LimitedFunctions::readLine(
             continue;
         found = true;
         std::ostringstream row;
-        row << "{LimitRow::Check::" << check << ", " << value(limit) << "U, " << value(base) << "U, {"
+        row << '{' << value(limit) << "U, " << value(base) << "U, LimitRow::Check::" << check << ", {"
             << place;
         for (const char* other :
             {"target", "level", "internalformat", "width", "height", "depth", "offset", "pname"})
