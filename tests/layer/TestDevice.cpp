@@ -278,6 +278,10 @@ TEST_F(TestDevice, shadersAndProgramsKeepWithinTheDevice)
     };
     program.ask("context 2 0");
     EXPECT_EQ(program.ask("compile void main() { gl_Position = vec4(0); }"), "1 ");
+    EXPECT_EQ(
+        program.ask("compile #ifdef GL_OES_standard_derivatives|#extension GL_OES_standard_derivatives : "
+                    "require|#endif|void main() { gl_Position = vec4(0); }"),
+        "1 ");
     for (const std::string refused :
         {"#version 300 es|void main() {}", "/*|*/ # version 310 es|void main() {}",
             "#extension GL_OES_standard_derivatives : require|void main() {}"}) {
