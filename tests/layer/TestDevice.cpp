@@ -146,6 +146,8 @@ TEST_F(TestDevice, contextsAreOfTheDevicesVersions)
     program->finish();
     EXPECT_EQ(program.told(Type::Information, 0).front(),
         "The program sees the profile Harbour Board (OpenGL ES 1.1, 2.0 and 3.0) in place of this machine.");
+    EXPECT_EQ(
+        program.told(Type::ReportOtherKeyedText, 4).front(), program.told(Type::Information, 0).front());
     const std::vector<std::string> refused = program.told(Type::Error, 0);
     ASSERT_FALSE(refused.empty());
     EXPECT_TRUE(
@@ -204,7 +206,8 @@ TEST_F(TestDevice, functionsAndEnumerantsThatItLacksAreRefused)
             {"call glPolygonMode 0x408 0x1B01", "0x502"}, {"call glEnable 0xB71", "0"},
             {"context 3 0", "version 3 config 0"}, {"call glBindVertexArray 0", "0"},
             {"call glBindTexture 0x806F 0", "0"}, {"call glTexParameteri 0xDE1 0x2802 0x812D", "0x500"},
-            {"call glTexParameteri 0xDE1 0x813D 0x812D", "0"}});
+            {"call glTexParameteri 0xDE1 0x813D 0x812D", "0"}, {"call glEnable 0x92E0", "0"},
+            {"call glBindTexture 0x8C2A 0", "0x500"}, {"get glGetIntegerv 0x9145 1", "1"}});
     program->finish();
     const char* const expected[] = {
         "GL_INVALID_OPERATION in glBindVertexArrayOES: not available on Harbour Board: needs "
@@ -222,7 +225,9 @@ TEST_F(TestDevice, functionsAndEnumerantsThatItLacksAreRefused)
         "OpenGL ES",
         "GL_INVALID_ENUM in glTexParameteri: GL_CLAMP_TO_BORDER is not available on Harbour Board: needs "
         "OpenGL ES "
-        "3.2"};
+        "3.2",
+        "GL_INVALID_ENUM in glBindTexture: GL_TEXTURE_BUFFER is not available on Harbour Board: needs OpenGL "
+        "ES 3.2"};
     const std::vector<std::string> errors = program.told(Type::GlError, 68);
     ASSERT_EQ(errors.size(), std::size(expected)) << program.errors();
     for (std::size_t i = 0; i < errors.size(); ++i)
