@@ -93,7 +93,7 @@ TEST_F(Checks, exitAsDocumented)
         {{"signal", "11"}, {"--fail-on", "never"}, 139, "It was killed by SIGSEGV"},
         {{"unwatched"}, {}, 4, "Nothing was watched"},
         {{"errors", "1", "fork", "errors", "4"}, {}, 3, "9 errors"},
-        {{}, {"--baseline", "/nowhere"}, 2, "Cannot read the baseline /nowhere"},
+        {{}, {"--baseline", "/nowhere"}, 2, "corvale-run: Cannot read /nowhere: No such file"},
         {{}, {"--report", "json=/nowhere/a"}, 2, "Cannot write /nowhere/a"},
         {{}, {"--report", "yaml=a"}, 2, "A report is KIND=FILE"},
         {{}, {"--profile", "no such*"}, 2, "No profile fits no such*."},

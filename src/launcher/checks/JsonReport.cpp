@@ -4,6 +4,7 @@
 
 #include <array>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <utility>
 
 namespace checks {
@@ -183,7 +184,10 @@ std::optional<std::vector<RunResult>> readJsonReport(std::string_view text, std:
                 throw std::runtime_error("it is too long");
             if (!line.empty())
                 reader.take(json::parse(line));
-        } catch (const std::exception& error) {
+        } catch (const json::exception&) {
+            reason = "line " + std::to_string(number) + ": it is no line of such a report";
+            return std::nullopt;
+        } catch (const std::runtime_error& error) {
             reason = "line " + std::to_string(number) + ": " + oneLine(error.what());
             return std::nullopt;
         }

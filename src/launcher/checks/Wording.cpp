@@ -58,6 +58,11 @@ std::string oneLine(std::string_view text)
     return launcher::printed(cleanText(text));
 }
 
+std::string fileFault(const std::string& what, const std::string& path, const std::string& reason)
+{
+    return reason.starts_with("Cannot ") ? reason : what + " " + path + ": " + reason;
+}
+
 std::string grouped(std::uint64_t number)
 {
     std::string digits = std::to_string(number);

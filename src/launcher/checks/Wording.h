@@ -17,6 +17,9 @@ std::string cleanText(std::string_view text);
 /// The same on one line.
 std::string oneLine(std::string_view text);
 
+/// What is wrong with a file, whose name is said once: reasons of the file layer have it already.
+std::string fileFault(const std::string& what, const std::string& path, const std::string& reason);
+
 /// Such as "1,204".
 std::string grouped(std::uint64_t number);
 /// Such as "1 error" and "3 errors".
