@@ -1,7 +1,9 @@
-// How fast does the window let somebody read? A console of a million entries is searched and jumped through.
+// How fast does the window let somebody read? A console of a million entries is searched and jumped through,
+// and an error list of a million rows is filtered, sorted and folded.
 // Options: --short for a run that only sees whether it works.
 
 #include "ReadingConsole.h"
+#include "ReadingErrors.h"
 #include "Resources.h"
 
 #include <QApplication>
@@ -23,7 +25,9 @@ int main(int argc, char** argv)
     const bool brief = QCoreApplication::arguments().contains(QStringLiteral("--short"));
     QTextStream out(stdout);
     try {
-        reading::measureConsole(out, brief ? 20'000 : 1'000'000);
+        const int count = brief ? 20'000 : 1'000'000;
+        reading::measureConsole(out, count);
+        reading::measureErrors(out, count);
     } catch (const std::runtime_error& failure) {
         QTextStream(stderr) << "bench-reading: " << failure.what() << "\n";
         return 1;
