@@ -5,8 +5,6 @@
 #include "ClientListButton.h"
 #include "ConsoleSaver.h"
 #include "PlainToolTip.h"
-#include "UnseenBadge.h"
-#include "UnseenErrors.h"
 
 #include <QApplication>
 #include <QFontDatabase>
@@ -79,12 +77,18 @@ ClientInterface* ClientTabWidget::addClient(Client* client, const QFont& font, b
     const QIcon connected(QStringLiteral(":/CorvaleResources/Connected"));
     const int index = addTab(page, connected, page->title());
     tabBar()->setTabData(index, static_cast<int>(Connection::Connected));
-    auto* badge = new UnseenBadge(page->unseenErrors(), *tabBar(), index);
-    connect(&page->unseenErrors(), &UnseenErrors::changed, badge,
-        [this, badge, page] { badge->showOn(indexOf(page)); });
     setCurrentIndex(index);
     if (hadFocus && !isAncestorOf(QApplication::focusWidget()))
         focusCurrent(page->subPage());
+    return page;
+}
+
+ClientInterface* ClientTabWidget::addSession(Client* client, const QFont& font, const QString& session)
+{
+    ClientInterface* page = addClient(client, font, false);
+    page->showSession(session);
+    setTabIcon(indexOf(page), QIcon(QStringLiteral(":/CorvaleResources/Ended")));
+    tabBar()->setTabData(indexOf(page), static_cast<int>(Connection::Ended));
     return page;
 }
 
@@ -93,7 +97,8 @@ void ClientTabWidget::closeFinishedTabs()
     int i = 0;
     while (i < count()) {
         const ClientInterface* page = pageAt(i);
-        if (page && page->state() == ClientInterface::State::Finished && !page->saver().isBusy()) {
+        if (page && page->state() == ClientInterface::State::Finished && page->session().isEmpty()
+            && !page->saver().isBusy()) {
             removePage(i);
             i = 0;
         } else {
@@ -192,7 +197,8 @@ void ClientTabWidget::showTitle(const ClientInterface& page)
     const QString title = page.title();
     setTabText(page.index(), QString(title).replace(QLatin1Char('&'), QStringLiteral("&&")));
     // The index is the one of the tab's creation, so the title may be on another tab; the tool tip never is.
-    setTabToolTip(indexOf(&page), plainToolTip(title));
+    const QString session = page.session().isEmpty() ? QString() : QLatin1Char('\n') + page.session();
+    setTabToolTip(indexOf(&page), plainToolTip(title + session));
 }
 
 void ClientTabWidget::finish(const Client* client, const QString& text, Connection connection)

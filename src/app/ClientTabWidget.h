@@ -37,9 +37,12 @@ public:
     explicit ClientTabWidget(QWidget* parent = nullptr);
 
     /// Adds a tab for a client and makes it the current one. It takes the place of the stand-in, and with
-    /// autoClose finished tabs are closed first, but for those whose consoles are being saved, or are about
-    /// to be.
+    /// autoClose finished tabs are closed first, but for sessions, and those whose consoles are being
+    /// saved, or are about to be.
     ClientInterface* addClient(Client* client, const QFont& font, bool autoClose);
+
+    /// The same for a client that is read from a session, with words for which one it is. It closes no tab.
+    ClientInterface* addSession(Client* client, const QFont& font, const QString& session);
 
     /// Closes the tab at an index and destroys its page, as soon as its console is saved where it is being
     /// so. An index that no tab has changes nothing.

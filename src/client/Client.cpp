@@ -33,6 +33,12 @@ Client::Client(QObject* parent, QLocalSocket* socket)
     continueLater();
 }
 
+Client::Client(QObject* parent)
+    : QObject(parent)
+{
+    registerClientMetaTypes();
+}
+
 void Client::socketReadyRead()
 {
     if (!m_saidGoodbye)
@@ -86,18 +92,30 @@ Client::Step Client::readRecord()
 
 Client::Step Client::dispatch(const Message& message)
 {
-    switch (message.type()) {
-    case Type::SetPid:
-        Q_EMIT setPID(this, message.u32(offset::pid));
-        return Step::GoOn;
-    case Type::CleanDisconnect:
+    if (message.type() == Type::CleanDisconnect) {
         disconnect(m_socket, SIGNAL(disconnected()), this, SLOT(socketDisconnected()));
         m_saidGoodbye = true;
         Q_EMIT cleanDisconnect(this);
         return Step::Stop;
+    }
+    if (announce(message))
+        return Step::GoOn;
+    const QPointer<Client> self(this);
+    Q_EMIT badRead(this);
+    if (self && m_socket)
+        m_socket->readAll();
+    return Step::Stop;
+}
+
+bool Client::announce(const Message& message)
+{
+    switch (message.type()) {
+    case Type::SetPid:
+        Q_EMIT setPID(this, message.u32(offset::pid));
+        return true;
     case Type::SetName:
         Q_EMIT setName(this, record_text::singleLine(message.text(offset::text)));
-        return Step::GoOn;
+        return true;
     case Type::IdentifiedMessage:
     case Type::LineBreak:
     case Type::DebugMessage:
@@ -107,7 +125,7 @@ Client::Step Client::dispatch(const Message& message)
     case Type::GlError:
     case Type::ContextInformation:
         Q_EMIT clientMessage(message);
-        return Step::GoOn;
+        return true;
     case Type::ReportLeadingNumber:
     case Type::ReportFlag:
     case Type::ReportText:
@@ -116,17 +134,14 @@ Client::Step Client::dispatch(const Message& message)
     case Type::ReportOtherKeyedText:
     case Type::ReportComplete:
         Q_EMIT systemReportMessage(message);
-        return Step::GoOn;
+        return true;
+    case Type::CleanDisconnect:
     case Type::NotifyServerStop:
     case Type::WireframeOn:
     case Type::WireframeOff:
         break;
     }
-    const QPointer<Client> self(this);
-    Q_EMIT badRead(this);
-    if (self && m_socket)
-        m_socket->readAll();
-    return Step::Stop;
+    return false;
 }
 
 void Client::continueLater()
@@ -161,15 +176,21 @@ void Client::socketDisconnected()
 
 void Client::wireframeOn()
 {
-    m_controlSender->send(Message::wireframeOn());
+    send(Message::wireframeOn());
 }
 
 void Client::wireframeOff()
 {
-    m_controlSender->send(Message::wireframeOff());
+    send(Message::wireframeOff());
 }
 
 void Client::notifyServerStop()
 {
-    m_controlSender->send(Message::notifyServerStop());
+    send(Message::notifyServerStop());
+}
+
+void Client::send(const Message& record)
+{
+    if (m_controlSender)
+        m_controlSender->send(record);
 }

@@ -5,6 +5,8 @@
 #include <QObject>
 #include <QPointer>
 
+#include <optional>
+
 class ControlRecordSender;
 class QLocalSocket;
 
@@ -25,6 +27,8 @@ public:
 
     /// True while more has arrived than could be read in the time that there is for it.
     bool hasBacklog() const { return m_hasBacklog; }
+    /// When the record that is announced arrived, in milliseconds since the epoch, if that is not now.
+    std::optional<qint64> recordTime() const { return m_recordTime; }
 
 Q_SIGNALS:
     void setPID(Client*, PID_TYPE);
@@ -47,6 +51,15 @@ public Q_SLOTS:
     void socketDisconnected();
     void socketReadyRead();
 
+protected:
+    /// Without a connection, for records that come from elsewhere. Nothing is ever sent.
+    explicit Client(QObject* parent);
+
+    /// Emits the signal of a record that an application may send. False for the others, and its good-bye.
+    bool announce(const ui::messages::Message& message);
+    void setBacklog(bool hasBacklog) { m_hasBacklog = hasBacklog; }
+    void setRecordTime(qint64 time) { m_recordTime = time; }
+
 private:
     enum class Step { GoOn, Stop };
 
@@ -54,12 +67,14 @@ private:
     Step readRecord();
     Step dispatch(const ui::messages::Message& message);
     void continueLater();
+    void send(const ui::messages::Message& record);
 
     QPointer<QLocalSocket> m_socket;
-    ControlRecordSender* m_controlSender;
+    ControlRecordSender* m_controlSender = nullptr;
     bool m_saidGoodbye = false;
     bool m_continuationPending = false;
     bool m_hasBacklog = false;
+    std::optional<qint64> m_recordTime;
     quint64 m_lastIteration = 0; ///< Of the event loop, in which the client has read.
     bool m_reading = false;
     bool m_disconnectPending = false; ///< The socket was disconnected during a read pass.

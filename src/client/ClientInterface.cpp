@@ -11,13 +11,10 @@
 #include "ErrorListActions.h"
 #include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
-#include "ErrorOverview.h"
 #include "FindBar.h"
 #include "GlEnumerants.h"
 #include "ItemFind.h"
 #include "RecordText.h"
-#include "UnseenBadge.h"
-#include "UnseenErrors.h"
 #include "ui_ClientInterface.h"
 
 #include <QListView>
@@ -50,7 +47,6 @@ ClientInterface::ClientInterface(Client* client, int index, const QFont& font, Q
           QIcon(QStringLiteral(":/CorvaleResources/Warning")),
           QIcon(QStringLiteral(":/CorvaleResources/Error")), this))
     , m_errorListFilter(new ErrorListFilterProxyModel(this))
-    , m_unseenErrors(new UnseenErrors(*m_errorListModel, *this))
 {
     m_ui->setupUi(this);
     setUpConsole(font);
@@ -93,51 +89,7 @@ void ClientInterface::setUpErrorList()
         m_ui->chkFoldErrors, &QCheckBox::toggled, m_errorListFilter, &ErrorListFilterProxyModel::setFolded);
     m_errorListActions = new ErrorListActions(*m_ui->tblErrorList, *m_errorListFilter, *m_ui->tab_errorlist);
     connect(m_ui->btnClearErrors, &QPushButton::clicked, m_errorListModel, &ErrorListModel::clear);
-    connect(m_errorListActions, &ErrorListActions::statusMessage, m_console, &Console::statusMessage);
-    m_ui->errorOverview->setErrors(m_errorListModel);
-    connect(
-        m_ui->errorOverview, &ErrorOverview::framesChosen, m_errorListActions, &ErrorListActions::goToFrames);
-    auto* unseen = new UnseenErrors(*m_errorListModel, *m_ui->tblErrorList);
-    const int tab = m_ui->tabWidget->indexOf(m_ui->tab_errorlist);
-    auto* badge = new UnseenBadge(*unseen, *m_ui->tabWidget->tabBar(), tab);
-    connect(unseen, &UnseenErrors::changed, badge, [badge, tab] { badge->showOn(tab); });
-    setUpJumps();
     updateErrorListHint();
-}
-
-/// Between a row and its entry in the console.
-void ClientInterface::setUpJumps()
-{
-    m_errorListActions->setRowOpener([this](int row) { showInConsole(row); });
-    auto* back = new QAction(tr("Show in &Error List"), this);
-    back->setObjectName(QStringLiteral("actionShowInErrorList"));
-    back->setShortcut(Qt::Key_Return);
-    back->setShortcutContext(Qt::WidgetShortcut);
-    connect(back, &QAction::triggered, this, &ClientInterface::showInErrorList);
-    m_ui->txtConsole->addAction(back);
-}
-
-void ClientInterface::showInConsole(int row)
-{
-    m_ui->tabWidget->setCurrentWidget(m_ui->tab_console);
-    m_ui->txtConsole->setFocus();
-    if (!m_console->showEntry(m_errorListModel->consoleEntry(row)))
-        Q_EMIT m_console->statusMessage(tr("The console was cleared after this row had come."));
-}
-
-/// The row of the entry at the cursor, or the next one.
-void ClientInterface::showInErrorList()
-{
-    const std::optional<std::uint64_t> entry = m_console->currentEntry();
-    const int row = entry ? m_errorListModel->rowOfConsoleEntry(*entry) : -1;
-    if (row < 0) {
-        Q_EMIT m_console->statusMessage(tr("No row of the error list has come since this text."));
-        return;
-    }
-    m_ui->tabWidget->setCurrentWidget(m_ui->tab_errorlist);
-    m_ui->tblErrorList->setFocus();
-    if (!m_errorListActions->goToSourceRow(row))
-        Q_EMIT m_console->statusMessage(tr("The error list hides this row; look at its boxes and filter."));
 }
 
 void ClientInterface::setKeptFilters(KeptFilters* filters)
@@ -245,7 +197,6 @@ void ClientInterface::showConsoleMenu(const QPoint& position)
     QMenu* menu = m_ui->txtConsole->createStandardContextMenu(position);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->addSeparator();
-    menu->addActions(m_ui->txtConsole->actions());
     QAction* save = menu->addAction(QLatin1Char('&') + m_ui->btnSaveConsole->text());
     save->setEnabled(!m_saver->isBusy());
     connect(save, &QAction::triggered, m_ui->btnSaveConsole, &QPushButton::click);
@@ -277,6 +228,14 @@ void ClientInterface::makeConnections()
 void ClientInterface::setLive()
 {
     m_state = State::Live;
+}
+
+void ClientInterface::showSession(const QString& which)
+{
+    m_session = which;
+    m_ui->grpRendering->setEnabled(false);
+    m_ui->grpRendering->setToolTip(tr("This is a session; there is no application to send anything to"));
+    m_ui->lblNoContexts->setText(tr("The application of this session created no rendering context."));
 }
 
 QString ClientInterface::title() const
@@ -314,7 +273,7 @@ void ClientInterface::showSubPage(int index)
 
 void ClientInterface::receive(const Message& message)
 {
-    m_console->add(message, reading());
+    m_console->add(message, reading(), m_client ? m_client->recordTime() : std::nullopt);
     switch (message.type()) {
     case Type::Warning:
         addErrorListRow(error_list::SeverityWarning, message, QString(),
@@ -345,7 +304,6 @@ void ClientInterface::addContext(const Message& message)
     if (m_ui->tabWidget_contexts->count() >= mostContexts)
         removeOldestContexts();
     auto* page = new ContextInterface(message, m_ui->tabWidget_contexts);
-    connect(page, &ContextInterface::statusMessage, m_console, &Console::statusMessage);
     if (m_contextFollower)
         m_contextFollower(*page);
     m_ui->tabWidget_contexts->addTab(page, tr("Context %1").arg(message.i32(offset::contextNumber)));
@@ -364,9 +322,7 @@ void ClientInterface::removeOldestContexts()
 void ClientInterface::addErrorListRow(qint32 severity, const Message& message, const QString& code,
     const QString& description, const QString& function)
 {
-    // Its entry is the newest one of the console.
-    m_errorListModel->append(
-        severity, message.i32(offset::frame), code, description, function, m_console->entryCount() - 1);
+    m_errorListModel->append(severity, message.i32(offset::frame), code, description, function);
     m_ui->tblErrorList->followEnd();
 }
 
@@ -377,8 +333,10 @@ void ClientInterface::fontChanged(const QFont& font)
 
 void ClientInterface::finish(const QString& text)
 {
-    m_console->addClosingLine(text);
+    m_console->addClosingLine(text, m_client ? m_client->recordTime() : std::nullopt);
     m_state = State::Finished;
+    if (!m_session.isEmpty())
+        return;
     m_ui->grpRendering->setEnabled(false);
     m_ui->grpRendering->setToolTip(tr("The application is no longer connected"));
 }

@@ -21,8 +21,6 @@ class ErrorListModel;
 class KeptFilters;
 class MutedErrors;
 
-class UnseenErrors;
-
 namespace Ui {
 class ClientInterface;
 }
@@ -48,6 +46,12 @@ public:
     State state() const { return m_state; }
     void setLive();
 
+    /// For the page of a client that is read from a session: says which one, and offers nothing that would
+    /// be sent to it.
+    void showSession(const QString& which);
+    /// As above; empty for the page of a connected client.
+    const QString& session() const { return m_session; }
+
     void setName(const QString& name) { m_name = name; }
     void setPid(PID_TYPE pid) { m_pid = pid; }
     /// The tab's title: the application's name in quotes, where it has sent one, and its PID; "<unknown>"
@@ -57,8 +61,6 @@ public:
     /// Has the page that stands in for "no application" say how many are connected whose tabs are closed.
     void setConnectedWithoutTab(std::size_t count);
 
-    /// Errors and warnings that have come since the page was last to be seen.
-    const UnseenErrors& unseenErrors() const { return *m_unseenErrors; }
     const ErrorListModel& errorListModel() const { return *m_errorListModel; }
     Console& console() { return *m_console; }
     ConsoleMargin& consoleMargin() { return *m_margin; }
@@ -107,9 +109,6 @@ private:
     void makeConnections();
 
     void colourContextsHint();
-    void setUpJumps();
-    void showInConsole(int row);
-    void showInErrorList();
     void updateErrorListHint();
     QString emptyListHint() const;
     void showConsoleMenu(const QPoint& position);
@@ -123,6 +122,7 @@ private:
     QPointer<Client> m_client;
     int m_index;
     QString m_name;
+    QString m_session;
     std::optional<PID_TYPE> m_pid;
     State m_state = State::Fresh;
     ContextFollower m_contextFollower;
@@ -132,5 +132,4 @@ private:
     ErrorListModel* m_errorListModel;
     ErrorListFilterProxyModel* m_errorListFilter;
     ErrorListActions* m_errorListActions = nullptr;
-    UnseenErrors* m_unseenErrors;
 };

@@ -52,21 +52,21 @@ Console::Console(QTextEdit* view, QAbstractButton* autoScroll, QObject* parent)
     });
 }
 
-void Console::add(const ui::messages::Message& record, ConsolePace::Reading reading)
+void Console::add(const ui::messages::Message& record, ConsolePace::Reading reading, Time time)
 {
     if (console_entry::isShown(record.type()))
-        addEntry(console_entry::pack(record), record.frame(), reading);
+        addEntry(console_entry::pack(record), record.frame(), reading, time);
 }
 
-void Console::addClosingLine(const QString& text)
+void Console::addClosingLine(const QString& text, Time time)
 {
     addEntry(console_entry::packClosingLine(text.toStdString()), ui::messages::noFrame,
-        ConsolePace::Reading::NoConnection);
+        ConsolePace::Reading::NoConnection, time);
 }
 
-void Console::addEntry(std::string entry, std::uint32_t frame, ConsolePace::Reading reading)
+void Console::addEntry(std::string entry, std::uint32_t frame, ConsolePace::Reading reading, Time time)
 {
-    const EntryStamp stamp{m_startTime + m_sinceStart.elapsed(), frame};
+    const EntryStamp stamp{time ? *time : m_startTime + m_sinceStart.elapsed(), frame};
     const std::uint64_t serial = entryCount();
     m_spool->append(entry, stamp);
     ConsoleItem item{std::move(entry), serial, stamp};
@@ -178,11 +178,6 @@ void Console::trimIfOverfull()
 void Console::closeDocument()
 {
     m_document.close(tr("Newer entries have arrived. Tick \"Auto-scroll\" to see them."));
-}
-
-std::optional<std::uint64_t> Console::currentEntry() const
-{
-    return m_history.entryAt(m_view->textCursor().selectionStart());
 }
 
 void Console::clear()

@@ -10,6 +10,9 @@
 #include <QElapsedTimer>
 #include <QObject>
 
+#include <cstdint>
+#include <optional>
+
 class QAbstractButton;
 class QTextEdit;
 
@@ -26,10 +29,13 @@ public:
     /// Both live at least as long.
     Console(QTextEdit* view, QAbstractButton* autoScroll, QObject* parent);
 
+    /// When an entry arrived, in milliseconds since the epoch; now where nothing is said.
+    using Time = std::optional<std::int64_t>;
+
     /// Shows a record of a type that writes to the console; ignores others.
-    void add(const ui::messages::Message& record, ConsolePace::Reading reading);
+    void add(const ui::messages::Message& record, ConsolePace::Reading reading, Time time = {});
     /// Ends the console with a line of the window's own.
-    void addClosingLine(const QString& text);
+    void addClosingLine(const QString& text, Time time = {});
     void clear();
     void setFont(const QFont& font);
     /// Whether equal entries that follow each other are shown as one. All of them are kept.
@@ -51,8 +57,6 @@ public:
     /// Goes to an entry, wherever it is, and selects it. False when "Clear" has removed it, or there was none
     /// of this serial number.
     bool showEntry(std::uint64_t serial) { return m_history.showEntry(serial); }
-    /// The entry at the cursor, if there is one.
-    std::optional<std::uint64_t> currentEntry() const;
 
 Q_SIGNALS:
     /// A text that the status bar is to show.
@@ -61,7 +65,7 @@ Q_SIGNALS:
     void zoomWanted(int points);
 
 private:
-    void addEntry(std::string entry, std::uint32_t frame, ConsolePace::Reading reading);
+    void addEntry(std::string entry, std::uint32_t frame, ConsolePace::Reading reading, Time time);
     void writeAtOnce(ConsoleItem item);
     void refresh();
     bool showMore();

@@ -44,6 +44,7 @@ void SystemReportGUIReceiver::clear()
     m_report = {};
     m_textSize = 0;
     m_complete = false;
+    m_session = nullptr;
 }
 
 template <typename Entry> void SystemReportGUIReceiver::append(std::vector<Entry>& entries, Entry entry)
@@ -63,6 +64,17 @@ void SystemReportGUIReceiver::setFlag(quint32 key, quint8 flag)
         m_report.flags[key] = flag;
     else
         ++m_report.dropped;
+}
+
+void SystemReportGUIReceiver::receiveRecorded(const QObject* session, const Message& message)
+{
+    if (m_complete && m_session && m_session != session)
+        clear();
+    if (m_complete)
+        return;
+    receive(message);
+    if (m_complete)
+        m_session = session;
 }
 
 void SystemReportGUIReceiver::receive(const Message& message)

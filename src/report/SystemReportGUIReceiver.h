@@ -13,6 +13,10 @@ class SystemReportGUIReceiver : public QObject {
 public:
     explicit SystemReportGUIReceiver(QObject* parent = nullptr);
 
+    /// Takes a record that is read from a session, which may be any object that lives as long as it is read.
+    /// A report that came out of another session gives way to it; one of a connected application does not.
+    void receiveRecorded(const QObject* session, const ui::messages::Message& message);
+
 Q_SIGNALS:
     void ready(const SystemReport&);
 
@@ -29,4 +33,5 @@ private:
     SystemReport m_report;
     qsizetype m_textSize = 0;
     bool m_complete = false;
+    const QObject* m_session = nullptr; ///< That the complete report came out of. Only compared.
 };

@@ -16,6 +16,7 @@ std::size_t lastText(std::uint32_t type)
 {
     switch (static_cast<Type>(type)) {
     case Type::SetName:
+    case Type::LineBreak: // has no text, but is as long
     case Type::Information:
     case Type::Warning:
     case Type::Error:

@@ -39,6 +39,9 @@ public:
     const std::vector<SessionClient>& clients() const { return m_clients; }
     std::uint64_t recordCount() const { return m_recordCount; }
 
+    /// Of the first record of the last block: about how long the session lasts.
+    SessionTime lastTime() const { return m_blocks.empty() ? SessionTime{} : m_blocks.back().head.time; }
+
     /// Blocks of records.
     std::size_t blockCount() const { return m_blocks.size(); }
     /// The number of the first record of a block, from 0.
