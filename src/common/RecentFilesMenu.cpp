@@ -21,9 +21,11 @@ QString entryText(const QFontMetrics& metrics, QString text)
 
 } // namespace
 
-RecentFilesMenu::RecentFilesMenu(Preferences& preferences, const QString& title, QWidget* parent)
+RecentFilesMenu::RecentFilesMenu(Preferences& preferences, const QString& title, QWidget* parent,
+    const Setting<property_list::List>& setting)
     : QMenu(title, parent)
     , m_preferences(preferences)
+    , m_setting(setting)
 {
     setToolTipsVisible(true);
     fill();
@@ -33,7 +35,7 @@ RecentFilesMenu::RecentFilesMenu(Preferences& preferences, const QString& title,
 QStringList RecentFilesMenu::files() const
 {
     QStringList files;
-    for (const std::string& path : m_preferences.get(settings::recentFiles)) {
+    for (const std::string& path : m_preferences.get(m_setting)) {
         // The file may have been written by hand.
         if (!path.empty() && files.size() < mostFiles)
             files.append(QString::fromStdString(path));
@@ -55,7 +57,7 @@ void RecentFilesMenu::store(const QStringList& files)
     property_list::List list;
     for (const QString& file : files)
         list.push_back(file.toStdString());
-    m_preferences.set(settings::recentFiles, list);
+    m_preferences.set(m_setting, list);
     menuAction()->setEnabled(!files.isEmpty());
 }
 

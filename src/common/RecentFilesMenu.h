@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Settings.h"
+
 #include <QMenu>
 #include <QStringList>
 
@@ -12,8 +14,9 @@ class RecentFilesMenu : public QMenu {
 public:
     static constexpr qsizetype mostFiles = 10;
 
-    /// The store must live longer.
-    RecentFilesMenu(Preferences& preferences, const QString& title, QWidget* parent);
+    /// The store and the setting must live longer.
+    RecentFilesMenu(Preferences& preferences, const QString& title, QWidget* parent,
+        const Setting<property_list::List>& setting = settings::recentFiles);
 
     /// Absolute paths.
     QStringList files() const;
@@ -32,4 +35,5 @@ private:
     void store(const QStringList& files);
 
     Preferences& m_preferences;
+    const Setting<property_list::List>& m_setting;
 };

@@ -15,11 +15,6 @@ bool alwaysTrue()
     return true;
 }
 
-std::string everyNotification()
-{
-    return "errors";
-}
-
 std::string systemTheme()
 {
     return "system";

@@ -32,7 +32,6 @@ std::string ofThisVersion(std::string_view keyText);
 // Defaults that are not simply empty or false.
 bool alwaysTrue();
 std::string systemTheme();
-std::string everyNotification();
 /// The environment variable CORVALE_PROFILE_PATH, else nothing.
 std::string profilesDirectoryOfEnvironment();
 
@@ -62,11 +61,14 @@ inline const Setting<bool> showSplash{ofThisVersion("/About/ShowSplash"), always
 /// Name of the theme: "system", "light" or "dark". ThemeMenu.
 inline const Setting<std::string> theme{ofThisVersion("/theme"), systemTheme};
 
-/// What the desktop tells of: "off", "crashes" or "errors", which is everything. DesktopNotifier.
-inline const Setting<std::string> notifications{ofThisVersion("/notifications"), everyNotification};
-
 /// Paths of the profile files used last, the most recent first. RecentFilesMenu.
 inline const Setting<property_list::List> recentFiles{ofThisVersion("/RecentFiles")};
+
+/// Paths of the session files used last, the most recent first. RecentFilesMenu.
+inline const Setting<property_list::List> recentSessions{ofThisVersion("/recent_sessions")};
+
+/// Whether what every client sends is kept in the user's folder of sessions. SessionActions.
+inline const Setting<bool> recordSessions{ofThisVersion("/record_sessions")};
 
 /// Programs that were run last, the most recent first, each as ProgramRun::toText() gives it. RecentRuns.
 inline const Setting<property_list::List> recentRuns{ofThisVersion("/recent_runs")};
