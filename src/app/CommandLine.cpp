@@ -10,9 +10,10 @@
 
 namespace {
 
-constexpr const char* usage = R"(usage: corvale-gui [options]
+constexpr const char* usage = R"(usage: corvale-gui [options] [SESSION-FILE...]
 
 Shows what OpenGL ES and EGL applications report that connect to it. Only one instance runs for a user.
+Sessions that were saved are shown like applications that have ended.
 
   -h, --help      show this text and exit
   -v, --version   show the version and exit
@@ -67,8 +68,18 @@ CommandLine refuse(std::string_view kind, std::string_view argument)
 
 CommandLine readCommandLine(int argc, const char* const* argv)
 {
+    CommandLine commandLine;
+    bool areOptionsOver = false;
     for (int i = 1; i < argc; ++i) {
         const std::string_view argument = argv[i];
+        if (areOptionsOver || (!argument.empty() && !argument.starts_with('-'))) {
+            commandLine.files.emplace_back(argument);
+            continue;
+        }
+        if (argument == "--") {
+            areOptionsOver = true;
+            continue;
+        }
         if (argument == "-h" || argument == "--help")
             return {CommandLine::Request::Answer, usage};
         if (argument == "-v" || argument == "--version")
@@ -81,5 +92,5 @@ CommandLine readCommandLine(int argc, const char* const* argv)
             return refuse("a value is missing behind", argument);
         i += length - 1;
     }
-    return {};
+    return commandLine;
 }

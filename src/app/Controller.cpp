@@ -163,10 +163,18 @@ bool Controller::saveAs(ProfileData& profile, const std::string& directory)
     return profile_saving::saveAs(profile, directory, &m_mainWindow);
 }
 
-int Controller::run()
+int Controller::run(const std::vector<std::string>& sessionFiles)
 {
     m_mainWindow.restorePlace();
     m_mainWindow.show();
     m_mainWindow.showSplash();
+    // Once the window is on the screen.
+    QMetaObject::invokeMethod(
+        &m_mainWindow,
+        [this, sessionFiles] {
+            for (const std::string& file : sessionFiles)
+                m_mainWindow.openSession(QFile::decodeName(file.c_str()));
+        },
+        Qt::QueuedConnection);
     return QApplication::exec();
 }

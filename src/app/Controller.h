@@ -9,6 +9,8 @@
 #include <QApplication>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 class QLocalServer;
 
@@ -23,8 +25,9 @@ public:
     Controller(int& argc, char** argv);
     ~Controller() override;
 
-    /// Shows the main window and runs the event loop; returns its exit code.
-    int run();
+    /// Shows the main window, with the sessions in these files, and runs the event loop; returns its exit
+    /// code.
+    int run(const std::vector<std::string>& sessionFiles = {});
 
     void editPreferences() override;
     std::string directoryForSaving() override;

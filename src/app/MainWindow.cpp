@@ -8,7 +8,6 @@
 #include "ConsoleSaver.h"
 #include "ConsoleViewActions.h"
 #include "CurrentProfile.h"
-#include "DesktopNotifier.h"
 #include "DocumentationOpener.h"
 #include "ErrorListModel.h"
 #include "FeedbackDialog.h"
@@ -29,6 +28,8 @@
 #include "ProfileCopying.h"
 #include "RecentFilesMenu.h"
 #include "RunProgramActions.h"
+#include "SessionActions.h"
+#include "SessionPages.h"
 #include "SystemFacts.h"
 #include "SystemReportGUIReceiver.h"
 #include "SystemReportPage.h"
@@ -95,6 +96,9 @@ MainWindow::MainWindow(WindowController* controller, Preferences& preferences)
 
 MainWindow::~MainWindow()
 {
+    // They follow the pages, which are destroyed one by one.
+    delete m_sessionActions;
+    delete m_sessionPages;
     // Sockets announce their end while they are destroyed; nobody is left here to hear it.
     for (Client* client : findChildren<Client*>(QString(), Qt::FindDirectChildrenOnly))
         delete client;
@@ -222,6 +226,8 @@ void MainWindow::setUpMenus()
         m_profilePanel->showNew(profile);
     });
 
+    setUpSessions();
+
     m_recentProfiles = new RecentFilesMenu(m_preferences, tr("&Recent Profiles"), this);
     m_recentProfiles->setObjectName(QStringLiteral("menuRecentProfiles"));
     m_ui->menuFile->insertMenu(m_ui->actionExit, m_recentProfiles);
@@ -236,8 +242,6 @@ void MainWindow::setUpMenus()
     auto* view = new ThemeMenu(m_preferences, tr("&View"), this);
     view->setObjectName(QStringLiteral("menuView"));
     m_consoleView = new ConsoleViewActions(m_preferences, view);
-    m_notifier = new DesktopNotifier(m_preferences, *this);
-    view->addMenu(m_notifier);
     m_ui->menubar->insertMenu(m_ui->menuHelp->menuAction(), view);
 
     // The titles of these menus name no key.
@@ -246,6 +250,19 @@ void MainWindow::setUpMenus()
         connect(key, &QShortcut::activated, this,
             [this, menu] { m_ui->menubar->setActiveAction(menu->menuAction()); });
     }
+}
+
+void MainWindow::setUpSessions()
+{
+    m_sessionPages = new SessionPages(*m_clientTabs, m_ui->tabPrograms,
+        [this](Client* client, const QString& session) { return addSessionPage(client, session); });
+    m_sessionActions =
+        new SessionActions(m_preferences, m_ui->menuFile, m_ui->actionExit, *m_clientTabs, *m_sessionPages);
+    connect(m_sessionActions, &SessionActions::statusMessage, this,
+        [this](const QString& text) { statusBar()->showMessage(text, messageTime); });
+    connect(m_sessionActions, &SessionActions::pageWanted, this,
+        [this] { m_ui->mainTabWidget->setCurrentWidget(m_ui->tabPrograms); });
+    connect(m_sessionActions, &SessionActions::saved, this, &MainWindow::consoleSaved, Qt::QueuedConnection);
 }
 
 void MainWindow::setUpServer()
@@ -275,13 +292,35 @@ void MainWindow::serverNewConnection()
         return;
     m_aboutBox->endStart();
     auto* client = new Client(this, socket);
-    connect(client, SIGNAL(setPID(Client*, PID_TYPE)), SLOT(setClientPID(Client*, PID_TYPE)));
-    connect(client, SIGNAL(setName(Client*, const QString&)), SLOT(setClientName(Client*, const QString&)));
     ClientInterface* page =
         m_clientTabs->addClient(client, m_ui->cmbFont->currentFont(), m_ui->chkAutoClose->isChecked());
-    connect(client, SIGNAL(clientMessage(const ui::messages::Message&)), page,
-        SLOT(receive(const ui::messages::Message&)));
+    followClient(client, page);
     connect(client, SIGNAL(systemReportMessage(const ui::messages::Message&)), m_reportReceiver,
+        SLOT(receive(const ui::messages::Message&)));
+    m_sessionPages->record(*client, *page);
+    countProblems(*page);
+    m_clients.insert(client);
+    showClientCount();
+}
+
+ClientInterface* MainWindow::addSessionPage(Client* client, const QString& session)
+{
+    m_aboutBox->endStart();
+    ClientInterface* page = m_clientTabs->addSession(client, m_ui->cmbFont->currentFont(), session);
+    followClient(client, page);
+    connect(client, &Client::systemReportMessage, m_reportReceiver,
+        [this, client](const ui::messages::Message& message) {
+            m_reportReceiver->receiveRecorded(client->parent(), message);
+        });
+    return page;
+}
+
+/// Has a page show what its client sends, and follow the window.
+void MainWindow::followClient(Client* client, ClientInterface* page)
+{
+    connect(client, SIGNAL(setPID(Client*, PID_TYPE)), SLOT(setClientPID(Client*, PID_TYPE)));
+    connect(client, SIGNAL(setName(Client*, const QString&)), SLOT(setClientName(Client*, const QString&)));
+    connect(client, SIGNAL(clientMessage(const ui::messages::Message&)), page,
         SLOT(receive(const ui::messages::Message&)));
     connect(client, SIGNAL(cleanDisconnect(Client*)), SLOT(clientCleanDisconnect(Client*)));
     connect(client, SIGNAL(ickyDisconnect(Client*)), SLOT(clientIckyDisconnect(Client*)));
@@ -296,13 +335,15 @@ void MainWindow::serverNewConnection()
     m_consoleView->follow(*page);
     page->setKeptFilters(m_keptFilters.get());
     page->setMutedErrors(m_mutedErrors);
-    countProblems(*page);
     page->setLive();
-    m_clients.insert(client);
-    showClientCount();
 }
 
-void MainWindow::countProblems(ClientInterface& page)
+void MainWindow::openSession(const QString& path)
+{
+    m_sessionPages->open(path);
+}
+
+void MainWindow::countProblems(const ClientInterface& page)
 {
     const ErrorListModel& model = page.errorListModel();
     connect(&model, &QAbstractItemModel::rowsInserted, m_status,
@@ -312,19 +353,6 @@ void MainWindow::countProblems(ClientInterface& page)
                     m_status->addWarnings(1);
                 else
                     m_status->addErrors(1);
-            }
-        });
-    // Its first error is told of only once.
-    auto* once = new QObject(&page);
-    connect(&model, &QAbstractItemModel::rowsInserted, once,
-        [this, &page, &model, once](const QModelIndex&, int first, int last) {
-            for (int row = first; row <= last; ++row) {
-                if (model.severity(row) == error_list::SeverityError) {
-                    once->deleteLater();
-                    disconnect(&model, nullptr, once, nullptr);
-                    m_notifier->notify(DesktopNotifier::Event::FirstError, page.title());
-                    return;
-                }
             }
         });
 }
@@ -357,9 +385,6 @@ void MainWindow::clientIckyDisconnect(Client* client)
 
 void MainWindow::clientDisconnected(Client* client, const QString& text, bool isClean)
 {
-    if (const ClientInterface* page = m_clientTabs->pageOf(client))
-        m_notifier->notify(
-            isClean ? DesktopNotifier::Event::End : DesktopNotifier::Event::Crash, page->title());
     m_clientTabs->finish(
         client, text, isClean ? ClientTabWidget::Connection::Ended : ClientTabWidget::Connection::Lost);
     client->notifyServerStop();
@@ -386,15 +411,15 @@ void MainWindow::consoleSaved(bool saved)
     // The window stays to tell what has failed, and where the user has gone on to a dialog.
     const bool mayClose = saved && !QApplication::activeModalWidget();
     m_closesOnceSaved = mayClose || !m_asksBeforeClosing;
-    if (m_closesOnceSaved && !m_clientTabs->isSaving())
+    if (m_closesOnceSaved && !m_clientTabs->isSaving() && !m_sessionActions->isSaving())
         close();
 }
 
 void MainWindow::closeEvent(QCloseEvent* event)
 {
-    m_closesOnceSaved = m_clientTabs->isSaving();
+    m_closesOnceSaved = m_clientTabs->isSaving() || m_sessionActions->isSaving();
     if (m_closesOnceSaved) {
-        statusBar()->showMessage(tr("The window closes as soon as the console is saved."));
+        statusBar()->showMessage(tr("The window closes as soon as everything is saved."));
         event->ignore();
         return;
     }

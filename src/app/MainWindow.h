@@ -15,7 +15,6 @@ class ClientTabWidget;
 class ConsoleFontSize;
 class ConsoleViewActions;
 class KeptFilters;
-class DesktopNotifier;
 class LocalListener;
 class MonitorStatus;
 class MutedErrors;
@@ -23,6 +22,8 @@ class PreferencesReporter;
 class ProfileCatalogue;
 class ProfileChooser;
 class RecentFilesMenu;
+class SessionActions;
+class SessionPages;
 class QLocalServer;
 class SystemReportGUIReceiver;
 class SystemReportViewer;
@@ -69,6 +70,9 @@ public:
     /// Puts a profile file into the menu of the recent ones.
     void addRecentProfile(const QString& path);
 
+    /// Shows a session file.
+    void openSession(const QString& path);
+
     /// Tells why other instances cannot see this one; empty when they can.
     void setInstanceProblem(const QString& problem);
 
@@ -107,10 +111,13 @@ private:
     void setUpFonts();
     void setUpErrorLists();
     void setUpHelp();
+    void setUpSessions();
     void setUpPages();
     void setUpProfiles();
     void setUpServer();
-    void countProblems(ClientInterface& page);
+    void followClient(Client* client, ClientInterface* page);
+    ClientInterface* addSessionPage(Client* client, const QString& session);
+    void countProblems(const ClientInterface& page);
     void clientDisconnected(Client* client, const QString& text, bool isClean);
     void showClientCount();
     void consoleSaved(bool saved);
@@ -123,7 +130,6 @@ private:
     ClientTabWidget* m_clientTabs = nullptr;
     std::unique_ptr<KeptFilters> m_keptFilters;
     MutedErrors* m_mutedErrors = nullptr;
-    DesktopNotifier* m_notifier = nullptr;
     MonitorStatus* m_status = nullptr;
     std::unique_ptr<PreferencesReporter> m_preferencesReporter;
     SystemReportGUIReceiver* m_reportReceiver = nullptr;
@@ -137,6 +143,8 @@ private:
     ConsoleFontSize* m_consoleFontSize = nullptr;
     WindowState* m_windowState = nullptr;
     RecentFilesMenu* m_recentProfiles = nullptr;
+    SessionPages* m_sessionPages = nullptr;
+    SessionActions* m_sessionActions = nullptr;
     ProfileCatalogue* m_catalogue = nullptr;
     QLocalServer* m_server = nullptr;
     LocalListener* m_listener = nullptr;

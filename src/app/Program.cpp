@@ -58,7 +58,7 @@ int runProgram(int argc, char** argv)
     try {
         Arguments arguments(original);
         Controller controller(arguments.count(), arguments.values());
-        return controller.run();
+        return controller.run(commandLine.files);
     } catch (const StartUpFailure& failure) {
         showStartUpFailure(original, failure.what(), failure.details());
         return 0;

@@ -27,7 +27,7 @@ void TestCommandLine::requests_data()
     QTest::newRow("ours behind one of Qt")
         << QStringList{"-style", "fusion", "--geometry=1x1", "-h"} << Request::Answer;
     QTest::newRow("one dash") << QStringList{"-version"} << Request::Refuse;
-    QTest::newRow("a file") << QStringList{"board.xml"} << Request::Refuse;
+    QTest::newRow("files") << QStringList{"one", "-style", "fusion", "--", "-two"} << Request::Start;
     QTest::newRow("a dash") << QStringList{"-"} << Request::Refuse;
     QTest::newRow("the first decides") << QStringList{"--unknown", "--help"} << Request::Refuse;
 }

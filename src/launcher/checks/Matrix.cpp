@@ -187,10 +187,7 @@ std::vector<RunResult> runMatrix(const launcher::Options& options, const std::ve
                 guard.restore();
                 runAlone(options, profiles[started], job);
             }
-            if (pid < 0)
-                results[started] = resultOf(job, profiles[started]);
-            else
-                running[pid] = std::move(job);
+            running[pid] = std::move(job);
             ++started;
         }
         const pid_t ended = waitpid(-1, nullptr, 0);

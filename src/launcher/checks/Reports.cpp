@@ -1,7 +1,6 @@
 #include "Reports.h"
 
 #include "FileReplacement.h"
-#include "Wording.h"
 
 #include <cstdio>
 

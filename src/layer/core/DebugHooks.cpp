@@ -149,13 +149,6 @@ bool getPointer(GLenum pname, void** params)
     return true;
 }
 
-/// Markers are recorded where the device has them, also where the driver has not.
-bool isRecorded(Fn function)
-{
-    const Context& context = currentContext();
-    return context.watched && (!context.gate || context.gate->availability().has(function));
-}
-
 } // namespace
 
 void glEnable(GLenum cap)
@@ -267,7 +260,7 @@ void glPopDebugGroupKHR()
 void glInsertEventMarkerEXT(GLsizei length, const GLchar* marker)
 {
     generated::glInsertEventMarkerEXT(length, marker);
-    if (isRecorded(Fn::glInsertEventMarkerEXT))
+    if (currentContext().watched)
         recordInserted(gl::debugSourceApplication, gl::debugTypeMarker, 0, gl::debugSeverityNotification,
             markerOf(marker, length));
 }
@@ -275,14 +268,14 @@ void glInsertEventMarkerEXT(GLsizei length, const GLchar* marker)
 void glPushGroupMarkerEXT(GLsizei length, const GLchar* marker)
 {
     generated::glPushGroupMarkerEXT(length, marker);
-    if (isRecorded(Fn::glPushGroupMarkerEXT))
+    if (currentContext().watched)
         records::identified(gl::debugSourceApplication, 0, markerOf(marker, length));
 }
 
 void glPopGroupMarkerEXT()
 {
     generated::glPopGroupMarkerEXT();
-    if (isRecorded(Fn::glPopGroupMarkerEXT))
+    if (currentContext().watched)
         records::lineBreak();
 }
 
