@@ -5,6 +5,8 @@
 #include "ClientListButton.h"
 #include "ConsoleSaver.h"
 #include "PlainToolTip.h"
+#include "UnseenBadge.h"
+#include "UnseenErrors.h"
 
 #include <QApplication>
 #include <QFontDatabase>
@@ -77,6 +79,9 @@ ClientInterface* ClientTabWidget::addClient(Client* client, const QFont& font, b
     const QIcon connected(QStringLiteral(":/CorvaleResources/Connected"));
     const int index = addTab(page, connected, page->title());
     tabBar()->setTabData(index, static_cast<int>(Connection::Connected));
+    auto* badge = new UnseenBadge(page->unseenErrors(), *tabBar(), index);
+    connect(&page->unseenErrors(), &UnseenErrors::changed, badge,
+        [this, badge, page] { badge->showOn(indexOf(page)); });
     setCurrentIndex(index);
     if (hadFocus && !isAncestorOf(QApplication::focusWidget()))
         focusCurrent(page->subPage());

@@ -8,6 +8,7 @@
 #include "ConsoleSaver.h"
 #include "ConsoleViewActions.h"
 #include "CurrentProfile.h"
+#include "DesktopNotifier.h"
 #include "DocumentationOpener.h"
 #include "ErrorListModel.h"
 #include "FeedbackDialog.h"
@@ -242,6 +243,8 @@ void MainWindow::setUpMenus()
     auto* view = new ThemeMenu(m_preferences, tr("&View"), this);
     view->setObjectName(QStringLiteral("menuView"));
     m_consoleView = new ConsoleViewActions(m_preferences, view);
+    m_notifier = new DesktopNotifier(m_preferences, *this);
+    view->addMenu(m_notifier);
     m_ui->menubar->insertMenu(m_ui->menuHelp->menuAction(), view);
 
     // The titles of these menus name no key.
@@ -343,7 +346,7 @@ void MainWindow::openSession(const QString& path)
     m_sessionPages->open(path);
 }
 
-void MainWindow::countProblems(const ClientInterface& page)
+void MainWindow::countProblems(ClientInterface& page)
 {
     const ErrorListModel& model = page.errorListModel();
     connect(&model, &QAbstractItemModel::rowsInserted, m_status,
@@ -353,6 +356,19 @@ void MainWindow::countProblems(const ClientInterface& page)
                     m_status->addWarnings(1);
                 else
                     m_status->addErrors(1);
+            }
+        });
+    // Its first error is told of only once.
+    auto* once = new QObject(&page);
+    connect(&model, &QAbstractItemModel::rowsInserted, once,
+        [this, &page, &model, once](const QModelIndex&, int first, int last) {
+            for (int row = first; row <= last; ++row) {
+                if (model.severity(row) == error_list::SeverityError) {
+                    once->deleteLater();
+                    disconnect(&model, nullptr, once, nullptr);
+                    m_notifier->notify(DesktopNotifier::Event::FirstError, page.title());
+                    return;
+                }
             }
         });
 }
@@ -385,6 +401,9 @@ void MainWindow::clientIckyDisconnect(Client* client)
 
 void MainWindow::clientDisconnected(Client* client, const QString& text, bool isClean)
 {
+    if (const ClientInterface* page = m_clientTabs->pageOf(client))
+        m_notifier->notify(
+            isClean ? DesktopNotifier::Event::End : DesktopNotifier::Event::Crash, page->title());
     m_clientTabs->finish(
         client, text, isClean ? ClientTabWidget::Connection::Ended : ClientTabWidget::Connection::Lost);
     client->notifyServerStop();

@@ -15,6 +15,7 @@ class ClientTabWidget;
 class ConsoleFontSize;
 class ConsoleViewActions;
 class KeptFilters;
+class DesktopNotifier;
 class LocalListener;
 class MonitorStatus;
 class MutedErrors;
@@ -117,7 +118,7 @@ private:
     void setUpServer();
     void followClient(Client* client, ClientInterface* page);
     ClientInterface* addSessionPage(Client* client, const QString& session);
-    void countProblems(const ClientInterface& page);
+    void countProblems(ClientInterface& page);
     void clientDisconnected(Client* client, const QString& text, bool isClean);
     void showClientCount();
     void consoleSaved(bool saved);
@@ -130,6 +131,7 @@ private:
     ClientTabWidget* m_clientTabs = nullptr;
     std::unique_ptr<KeptFilters> m_keptFilters;
     MutedErrors* m_mutedErrors = nullptr;
+    DesktopNotifier* m_notifier = nullptr;
     MonitorStatus* m_status = nullptr;
     std::unique_ptr<PreferencesReporter> m_preferencesReporter;
     SystemReportGUIReceiver* m_reportReceiver = nullptr;

@@ -11,10 +11,13 @@
 #include "ErrorListActions.h"
 #include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
+#include "ErrorOverview.h"
 #include "FindBar.h"
 #include "GlEnumerants.h"
 #include "ItemFind.h"
 #include "RecordText.h"
+#include "UnseenBadge.h"
+#include "UnseenErrors.h"
 #include "ui_ClientInterface.h"
 
 #include <QListView>
@@ -47,6 +50,7 @@ ClientInterface::ClientInterface(Client* client, int index, const QFont& font, Q
           QIcon(QStringLiteral(":/CorvaleResources/Warning")),
           QIcon(QStringLiteral(":/CorvaleResources/Error")), this))
     , m_errorListFilter(new ErrorListFilterProxyModel(this))
+    , m_unseenErrors(new UnseenErrors(*m_errorListModel, *this))
 {
     m_ui->setupUi(this);
     setUpConsole(font);
@@ -89,7 +93,51 @@ void ClientInterface::setUpErrorList()
         m_ui->chkFoldErrors, &QCheckBox::toggled, m_errorListFilter, &ErrorListFilterProxyModel::setFolded);
     m_errorListActions = new ErrorListActions(*m_ui->tblErrorList, *m_errorListFilter, *m_ui->tab_errorlist);
     connect(m_ui->btnClearErrors, &QPushButton::clicked, m_errorListModel, &ErrorListModel::clear);
+    connect(m_errorListActions, &ErrorListActions::statusMessage, m_console, &Console::statusMessage);
+    m_ui->errorOverview->setErrors(m_errorListModel);
+    connect(
+        m_ui->errorOverview, &ErrorOverview::framesChosen, m_errorListActions, &ErrorListActions::goToFrames);
+    auto* unseen = new UnseenErrors(*m_errorListModel, *m_ui->tblErrorList);
+    const int tab = m_ui->tabWidget->indexOf(m_ui->tab_errorlist);
+    auto* badge = new UnseenBadge(*unseen, *m_ui->tabWidget->tabBar(), tab);
+    connect(unseen, &UnseenErrors::changed, badge, [badge, tab] { badge->showOn(tab); });
+    setUpJumps();
     updateErrorListHint();
+}
+
+/// Between a row and its entry in the console.
+void ClientInterface::setUpJumps()
+{
+    m_errorListActions->setRowOpener([this](int row) { showInConsole(row); });
+    auto* back = new QAction(tr("Show in &Error List"), this);
+    back->setObjectName(QStringLiteral("actionShowInErrorList"));
+    back->setShortcut(Qt::Key_Return);
+    back->setShortcutContext(Qt::WidgetShortcut);
+    connect(back, &QAction::triggered, this, &ClientInterface::showInErrorList);
+    m_ui->txtConsole->addAction(back);
+}
+
+void ClientInterface::showInConsole(int row)
+{
+    m_ui->tabWidget->setCurrentWidget(m_ui->tab_console);
+    m_ui->txtConsole->setFocus();
+    if (!m_console->showEntry(m_errorListModel->consoleEntry(row)))
+        Q_EMIT m_console->statusMessage(tr("The console was cleared after this row had come."));
+}
+
+/// The row of the entry at the cursor, or the next one.
+void ClientInterface::showInErrorList()
+{
+    const std::optional<std::uint64_t> entry = m_console->currentEntry();
+    const int row = entry ? m_errorListModel->rowOfConsoleEntry(*entry) : -1;
+    if (row < 0) {
+        Q_EMIT m_console->statusMessage(tr("No row of the error list has come since this text."));
+        return;
+    }
+    m_ui->tabWidget->setCurrentWidget(m_ui->tab_errorlist);
+    m_ui->tblErrorList->setFocus();
+    if (!m_errorListActions->goToSourceRow(row))
+        Q_EMIT m_console->statusMessage(tr("The error list hides this row; look at its boxes and filter."));
 }
 
 void ClientInterface::setKeptFilters(KeptFilters* filters)
@@ -197,6 +245,7 @@ void ClientInterface::showConsoleMenu(const QPoint& position)
     QMenu* menu = m_ui->txtConsole->createStandardContextMenu(position);
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->addSeparator();
+    menu->addActions(m_ui->txtConsole->actions());
     QAction* save = menu->addAction(QLatin1Char('&') + m_ui->btnSaveConsole->text());
     save->setEnabled(!m_saver->isBusy());
     connect(save, &QAction::triggered, m_ui->btnSaveConsole, &QPushButton::click);
@@ -304,6 +353,7 @@ void ClientInterface::addContext(const Message& message)
     if (m_ui->tabWidget_contexts->count() >= mostContexts)
         removeOldestContexts();
     auto* page = new ContextInterface(message, m_ui->tabWidget_contexts);
+    connect(page, &ContextInterface::statusMessage, m_console, &Console::statusMessage);
     if (m_contextFollower)
         m_contextFollower(*page);
     m_ui->tabWidget_contexts->addTab(page, tr("Context %1").arg(message.i32(offset::contextNumber)));
@@ -322,7 +372,9 @@ void ClientInterface::removeOldestContexts()
 void ClientInterface::addErrorListRow(qint32 severity, const Message& message, const QString& code,
     const QString& description, const QString& function)
 {
-    m_errorListModel->append(severity, message.i32(offset::frame), code, description, function);
+    // Its entry is the newest one of the console.
+    m_errorListModel->append(
+        severity, message.i32(offset::frame), code, description, function, m_console->entryCount() - 1);
     m_ui->tblErrorList->followEnd();
 }
 

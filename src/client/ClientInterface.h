@@ -21,6 +21,8 @@ class ErrorListModel;
 class KeptFilters;
 class MutedErrors;
 
+class UnseenErrors;
+
 namespace Ui {
 class ClientInterface;
 }
@@ -61,6 +63,8 @@ public:
     /// Has the page that stands in for "no application" say how many are connected whose tabs are closed.
     void setConnectedWithoutTab(std::size_t count);
 
+    /// Errors and warnings that have come since the page was last to be seen.
+    const UnseenErrors& unseenErrors() const { return *m_unseenErrors; }
     const ErrorListModel& errorListModel() const { return *m_errorListModel; }
     Console& console() { return *m_console; }
     ConsoleMargin& consoleMargin() { return *m_margin; }
@@ -109,6 +113,9 @@ private:
     void makeConnections();
 
     void colourContextsHint();
+    void setUpJumps();
+    void showInConsole(int row);
+    void showInErrorList();
     void updateErrorListHint();
     QString emptyListHint() const;
     void showConsoleMenu(const QPoint& position);
@@ -132,4 +139,5 @@ private:
     ErrorListModel* m_errorListModel;
     ErrorListFilterProxyModel* m_errorListFilter;
     ErrorListActions* m_errorListActions = nullptr;
+    UnseenErrors* m_unseenErrors;
 };

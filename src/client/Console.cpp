@@ -180,6 +180,11 @@ void Console::closeDocument()
     m_document.close(tr("Newer entries have arrived. Tick \"Auto-scroll\" to see them."));
 }
 
+std::optional<std::uint64_t> Console::currentEntry() const
+{
+    return m_history.entryAt(m_view->textCursor().selectionStart());
+}
+
 void Console::clear()
 {
     m_history.leave();

@@ -57,6 +57,8 @@ public:
     /// Goes to an entry, wherever it is, and selects it. False when "Clear" has removed it, or there was none
     /// of this serial number.
     bool showEntry(std::uint64_t serial) { return m_history.showEntry(serial); }
+    /// The entry at the cursor, if there is one.
+    std::optional<std::uint64_t> currentEntry() const;
 
 Q_SIGNALS:
     /// A text that the status bar is to show.

@@ -2,8 +2,11 @@
 
 #include "ExtensionCatalogue.h"
 #include "ExtensionModel.h"
+#include "TableActions.h"
+#include "TableExport.h"
 #include "ui_ContextInterface.h"
 
+#include <QAction>
 #include <QHeaderView>
 
 #include <algorithm>
@@ -54,9 +57,28 @@ ContextInterface::ContextInterface(const Message& record, QWidget* parent)
     if (record.u32(offset::contextStrict) == 0)
         m_ui->grp_context_info_es->setTitle(tr("OpenGL ES (Emulated) (Loose mode)"));
     m_ui->table_context_info_es_extensions->resizeColumnsToContents();
+    addTableActions(*m_ui->table_context_info_es_extensions, QStringLiteral("es-extensions"));
+    addTableActions(*m_ui->list_context_info_gl_extensions, QStringLiteral("gl-extensions"));
 }
 
 ContextInterface::~ContextInterface() = default;
+
+/// Copying and exporting, in a context menu.
+void ContextInterface::addTableActions(QAbstractItemView& view, const QString& fileName)
+{
+    const auto table = [&view] {
+        return TextTable::of(*view.model());
+    };
+    new TableActions(view, table);
+    auto* exporting = new TableExport(&view);
+    connect(exporting, &TableExport::ended, this,
+        [this](bool, const QString& text) { Q_EMIT statusMessage(text); });
+    auto* action = new QAction(tr("&Export..."), &view);
+    connect(action, &QAction::triggered, exporting,
+        [exporting, table, fileName] { exporting->ask(tr("Export extensions"), fileName, table); });
+    view.addAction(action);
+    view.setContextMenuPolicy(Qt::ActionsContextMenu);
+}
 
 void ContextInterface::showVersions(const Message& record)
 {

@@ -6,6 +6,8 @@
 
 #include <memory>
 
+class QAbstractItemView;
+
 namespace Ui {
 class ContextInterface;
 }
@@ -24,7 +26,12 @@ public:
     /// The extensions that the context offers, with "GL_".
     const QStringList& esExtensions() const { return m_esExtensions; }
 
+Q_SIGNALS:
+    /// A text that the status bar is to show.
+    void statusMessage(const QString& text);
+
 private:
+    void addTableActions(QAbstractItemView& view, const QString& fileName);
     void showVersions(const ui::messages::Message& record);
     void showEsExtensions(const ui::messages::Message& record);
     void showHostExtensions(const ui::messages::Message& record);

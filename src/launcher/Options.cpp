@@ -33,7 +33,7 @@ shows what has come until then.
   --make-profile FILE
                   write what EGL and OpenGL ES of this machine can do as a profile into FILE and exit
   --session FILE  record everything into FILE, to be opened in the window; an older session there is replaced
-  --quiet         do not say when a program cannot be watched
+  --quiet         do not say when a program cannot be watched; with --check, print no summary
   --require       fail when the program cannot be watched
   --help          show this text and exit
   --version       show the version and exit

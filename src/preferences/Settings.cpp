@@ -15,6 +15,11 @@ bool alwaysTrue()
     return true;
 }
 
+std::string everyNotification()
+{
+    return "errors";
+}
+
 std::string systemTheme()
 {
     return "system";

@@ -32,6 +32,7 @@ std::string ofThisVersion(std::string_view keyText);
 // Defaults that are not simply empty or false.
 bool alwaysTrue();
 std::string systemTheme();
+std::string everyNotification();
 /// The environment variable CORVALE_PROFILE_PATH, else nothing.
 std::string profilesDirectoryOfEnvironment();
 
@@ -60,6 +61,9 @@ inline const Setting<bool> showSplash{ofThisVersion("/About/ShowSplash"), always
 
 /// Name of the theme: "system", "light" or "dark". ThemeMenu.
 inline const Setting<std::string> theme{ofThisVersion("/theme"), systemTheme};
+
+/// What the desktop tells of: "off", "crashes" or "errors", which is everything. DesktopNotifier.
+inline const Setting<std::string> notifications{ofThisVersion("/notifications"), everyNotification};
 
 /// Paths of the profile files used last, the most recent first. RecentFilesMenu.
 inline const Setting<property_list::List> recentFiles{ofThisVersion("/RecentFiles")};

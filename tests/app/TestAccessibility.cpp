@@ -129,7 +129,12 @@ private Q_SLOTS:
         add("context", [this] { page(1, 2); });
         add("error list", [this] { page(1, 1); });
         auto* table = find<QTableView>("tblErrorList");
-        add("cell", [=, this] { dialog([=] { table->doubleClicked(table->model()->index(0, 3)); }); });
+        add("cell", [=, this] {
+            dialog([=] {
+                table->setCurrentIndex(table->model()->index(0, 3));
+                QTest::keyClick(table, Qt::Key_Return, Qt::ControlModifier);
+            });
+        });
         add("report", [this] { page(2); });
         add("profile viewed", [this] { page(0); });
         add("profile modified", [this] {

@@ -1,9 +1,4 @@
-#include "Client.h"
-#include "ClientInterface.h"
-#include "ClientTabWidget.h"
-#include "ContextInterface.h"
 #include "ProfilePanelDriver.h"
-#include "RawClient.h"
 
 #include <QFileDialog>
 #include <QLabel>
@@ -33,8 +28,6 @@ private Q_SLOTS:
     void saveAsLeavesTheOriginal();
     void anotherProfileAsksFirst();
     void newProfile();
-    void profilesOfTheMachine();
-    void profilesOfAClient();
     void otherProgramsAreNotOverwritten();
     void linksDoNotReachOtherProfiles();
     void failedSaveKeepsTheEdits();
@@ -155,79 +148,6 @@ void TestProfilePanelSaving::newProfile()
     QVERIFY(
         content(QStringLiteral("3.xml")).contains(QStringLiteral("<renderer>Unknown renderer</renderer>")));
     QCOMPARE(chooser()->count(), 17);
-}
-
-void TestProfilePanelSaving::profilesOfTheMachine()
-{
-    const QByteArray before = qgetenv("PATH");
-    const QTemporaryDir programs;
-    qputenv("PATH", programs.path().toUtf8() + ':' + before);
-    const auto becomes = [&programs](const QByteArray& script) {
-        QFile launcher(programs.filePath(QStringLiteral("corvale-run")));
-        QVERIFY(launcher.open(QIODevice::WriteOnly));
-        launcher.write("#!/bin/sh\n" + script);
-        launcher.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
-    };
-    auto* action = find<QAction>("actionProfile_from_Machine");
-    becomes("[ \"$*\" = '--make-profile -' ] && echo '<profile><device>Here</device><es version=\"2\">"
-            "<extension>GL_A</extension></es><egl><vendor>V</vendor></egl></profile>'");
-    action->trigger();
-    QVERIFY(!action->isEnabled());
-    QTRY_COMPARE(device(), QStringLiteral("Here"));
-    QVERIFY(action->isEnabled());
-    QVERIFY(isModifying());
-    QCOMPARE(find<QLabel>("noticeHiddenText")->text(), QString());
-    // It is in no file, so it does not go without a question.
-    m_answers.press(saveTitle, QStringLiteral("Cancel"));
-    choose(QStringLiteral("Host"));
-    QCOMPARE(device(), QStringLiteral("Here"));
-    m_answers.enter(fileNameTitle, QStringLiteral("here.xml"));
-    click("btnSave");
-    QVERIFY(content(QStringLiteral("here.xml")).contains(QStringLiteral("<extension>GL_A</extension>")));
-    QVERIFY(content(QStringLiteral("here.xml")).contains(QStringLiteral("<vendor>V</vendor>")));
-    QCOMPARE(content(QStringLiteral("mine.xml")), m_xml);
-
-    becomes("echo 'corvale-run: There is nothing.' >&2; exit 1");
-    m_answers.next(QStringLiteral("Corvale GUI"), [](QWidget& widget) {
-        auto& box = static_cast<QMessageBox&>(widget);
-        QVERIFY(box.informativeText().contains(QStringLiteral("There is nothing.")));
-        box.accept();
-    });
-    action->trigger();
-    QTRY_VERIFY(action->isEnabled());
-    QTRY_VERIFY(!QApplication::activeModalWidget());
-    QCOMPARE(device(), QStringLiteral("Here"));
-    qputenv("PATH", before);
-}
-
-void TestProfilePanelSaving::profilesOfAClient()
-{
-    auto* action = find<QAction>("actionProfile_from_Client");
-    QVERIFY(!action->isEnabled());
-    RawClient client(QStringLiteral("Corvale"));
-    QVERIFY(client.send(records::text(records::Type::SetName, "game")));
-    const auto sendContext = [&client](std::uint32_t number, std::uint32_t version, std::uint32_t extension) {
-        records::Message context = records::context(number);
-        context.setU32(records::offset::contextEsVersion, version);
-        context.setU32(records::offset::contextExtensions, extension);
-        QVERIFY(client.send(context));
-    };
-    sendContext(1, 3, 2);
-    sendContext(2, 3, 1);
-    sendContext(3, 99, 3);
-    auto* tabs = find<ClientTabWidget>("clienttabs");
-    QTRY_COMPARE(tabs->tabText(0), QStringLiteral("\"game\" PID: 0"));
-    QTRY_COMPARE(tabs->pageAt(0)->findChildren<ContextInterface*>().size(), 3);
-    Q_EMIT find<QMenu>("menuFile")->aboutToShow();
-    action->trigger();
-    QVERIFY(device().contains(QStringLiteral("\"game\"")));
-    m_answers.enter(fileNameTitle, QStringLiteral("game.xml"));
-    click("btnSave");
-    const ProfileData saved = readProfileFile(path(QStringLiteral("game.xml")).toStdString());
-    QCOMPARE(saved.extensions().size(), 1U);
-    QCOMPARE(saved.extensions().begin()->second.size(), 2U);
-    QVERIFY(saved.capabilities().empty() && saved.vendor().empty());
-    tabs->closeTabAt(0);
 }
 
 void TestProfilePanelSaving::otherProgramsAreNotOverwritten()

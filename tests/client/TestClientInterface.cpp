@@ -1,5 +1,6 @@
 #include "ClientInterface.h"
 #include "ConnectedClient.h"
+#include "Console.h"
 #include "ConsoleEntry.h"
 #include "ConsoleText.h"
 #include "ErrorListModel.h"
@@ -12,9 +13,11 @@
 #include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollBar>
+#include <QSignalSpy>
 #include <QTabWidget>
 #include <QTableView>
 #include <QTextBlock>
@@ -103,6 +106,7 @@ private Q_SLOTS:
     void autoScroll();
     void errorListFollowsTheBoxAtOnce();
     void errorListLeavesTheEndToTheReader();
+    void fromRowToConsoleAndBack();
     void contexts();
     void cellContents();
     void wireframe();
@@ -448,6 +452,39 @@ void TestClientInterface::errorListLeavesTheEndToTheReader()
         acts[i].first();
         QVERIFY2(page.box.isChecked() == acts[i].second, qPrintable(QString::number(i)));
     }
+}
+
+void TestClientInterface::fromRowToConsoleAndBack()
+{
+    ErrorListPage page;
+    page.page.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&page.page));
+    page.receive({text(Type::Information, "before")});
+    for (const char* words : {"one", "two", "three"})
+        page.receive({text(Type::Error, words)});
+    page.receive({text(Type::Information, "after")});
+    auto& tabs = page.child<QTabWidget>("tabWidget");
+    auto& console = page.child<QTextEdit>("txtConsole");
+    page.list.setCurrentIndex(page.list.model()->index(1, 3));
+    QTest::keyClick(&page.list, Qt::Key_Return);
+    QCOMPARE(tabs.currentIndex(), 0);
+    QVERIFY2(console.textCursor().selectedText().contains(QStringLiteral("two")),
+        qPrintable(console.textCursor().selectedText()));
+    page.list.setCurrentIndex({});
+    QTest::keyClick(&console, Qt::Key_Return);
+    QCOMPARE(tabs.currentIndex(), 1);
+    QCOMPARE(page.list.currentIndex().row(), 1);
+
+    QSignalSpy messages(&page.page.console(), &Console::statusMessage);
+    page.child<QLineEdit>("editErrorFilter").setText(QStringLiteral("one"));
+    tabs.setCurrentIndex(0);
+    console.setFocus();
+    QTest::keyClick(&console, Qt::Key_Return); // its row is filtered out
+    QCOMPARE(messages.count(), 1);
+    page.child<QPushButton>("btnClear").click();
+    tabs.setCurrentIndex(1);
+    Q_EMIT page.list.doubleClicked(page.list.model()->index(0, 0));
+    QCOMPARE(messages.count(), 2);
 }
 
 void TestClientInterface::contexts()

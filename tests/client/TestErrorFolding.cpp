@@ -1,15 +1,23 @@
+#include "ErrorHistogram.h"
 #include "ErrorListActions.h"
 #include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
+#include "ErrorListTable.h"
 #include "ErrorListView.h"
+#include "ErrorOverview.h"
 #include "MutedErrors.h"
 #include "MutedErrorsDialog.h"
+#include "TableExport.h"
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
+#include <QClipboard>
+#include <QDir>
 #include <QFile>
+#include <QGuiApplication>
 #include <QHeaderView>
 #include <QInputDialog>
+#include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
@@ -18,6 +26,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <map>
 #include <optional>
 
 using namespace error_list;
@@ -91,6 +100,13 @@ private Q_SLOTS:
     void mutedKindsAreKept();
     void mutedFileThatCannotBeRead();
     void keysGoToErrorsAndFrames();
+    void rowsAreCopied_data();
+    void rowsAreCopied();
+    void rowsAreExported_data();
+    void rowsAreExported();
+    void exportsThatFailLeaveTheFile();
+    void histogramWidens();
+    void overviewIsClicked();
 };
 
 void TestErrorFolding::rowsOfAKindAreOne()
@@ -305,6 +321,148 @@ void TestErrorFolding::keysGoToErrorsAndFrames()
     QCOMPARE(goTo(7), 2);
     QCOMPARE(goTo(1000), 5); // the nearest
     QCOMPARE(goTo(0), 4);
+}
+
+void TestErrorFolding::rowsAreCopied_data()
+{
+    QTest::addColumn<QString>("entry");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("text") << "&Text"
+                          << "error\t1\tglA\t\t\"a\tb\"\nwarning\t\t\t\t\"x|y, \"\"z\"\"\"";
+    QTest::newRow("CSV") << "C&SV with Headers"
+                         << "Severity,Frame,Function,Code,Description\nerror,1,glA,,a\tb\n"
+                            "warning,,,,\"x|y, \"\"z\"\"\"";
+    QTest::newRow("Markdown") << "M&arkdown with Headers"
+                              << "| Severity | Frame | Function | Code | Description |\n"
+                                 "| --- | ---: | --- | --- | --- |\n"
+                                 "| error | 1 | glA |  | a b |\n| warning |  |  |  | x\\|y, \"z\" |";
+}
+
+void TestErrorFolding::rowsAreCopied()
+{
+    QFETCH(QString, entry);
+    List list;
+    const ErrorListActions actions(list.view, list.filter, list.page);
+    list.add(SeverityError, 1, "a\tb", "glA");
+    list.add(SeverityError, 2, "other");
+    list.add(SeverityWarning, -1, "x|y, \"z\"");
+    for (const int row : {2, 0}) // in the order of the list
+        list.view.selectionModel()->select(list.filter.index(row, FrameColumn), QItemSelectionModel::Select);
+    const auto* menu = list.view.findChild<QMenu*>(QStringLiteral("menuCopyRows"));
+    for (QAction* action : menu->actions()) {
+        if (action->text() == entry)
+            action->trigger();
+    }
+    QTEST(QGuiApplication::clipboard()->text(), "text");
+}
+
+void TestErrorFolding::rowsAreExported_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isFolded");
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::newRow("CSV") << "a.csv" << false
+                         << QByteArray("Severity,Frame,Function,Code,Description\n"
+                                       "error,5,glA,,Level 1\nerror,7,glA,,Level 2\n");
+    QTest::newRow("JSON lines, folded")
+        << "a.jsonl" << true
+        << QByteArray("{\"code\":\"\",\"count\":2,\"description\":\"Level 1\",\"first_frame\":5,"
+                      "\"function\":\"glA\",\"last_frame\":7,\"severity\":\"error\"}\n");
+}
+
+void TestErrorFolding::rowsAreExported()
+{
+    QFETCH(QString, name);
+    QFETCH(bool, isFolded);
+    List list;
+    list.add(SeverityError, 5, "Level 1", "glA");
+    list.add(SeverityWarning, 6, "not shown");
+    list.add(SeverityError, 7, "Level 2", "glA");
+    list.filter.setShowWarnings(false);
+    list.filter.setFolded(isFolded);
+    const QTemporaryDir folder;
+    TableExport exporter(&list.page);
+    QSignalSpy ended(&exporter, &TableExport::ended);
+    exporter.save(folder.filePath(name), shownTable(list.filter));
+    QCOMPARE(ended.count(), 1);
+    QVERIFY(ended.first().first().toBool());
+    QFile file(folder.filePath(name));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QTEST(file.readAll(), "bytes");
+}
+
+void TestErrorFolding::exportsThatFailLeaveTheFile()
+{
+    List list(false);
+    for (int i = 0; i < 20'000; ++i)
+        list.add(SeverityError, i, "Level 1", "glA");
+    const ErrorListActions actions(list.view, list.filter, list.page);
+    const QTemporaryDir folder;
+    QFile file(folder.filePath(QStringLiteral("a.csv")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("old");
+    file.close();
+    auto& exporter = *list.page.findChild<TableExport*>();
+    QSignalSpy ended(&exporter, &TableExport::ended);
+    exporter.save(file.fileName(), wholeTable(list.model));
+    QCOMPARE(ended.count(), 0); // in steps
+    list.model.clear();
+    QCOMPARE(ended.count(), 1);
+    QVERIFY(!ended.first().first().toBool());
+    exporter.save(folder.filePath(QStringLiteral("missing/a.csv")), wholeTable(list.model));
+    QCOMPARE(ended.count(), 2);
+    QVERIFY(!ended.last().first().toBool());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("old"));
+    QCOMPARE(QDir(folder.path()).entryList(QDir::Files), QStringList("a.csv"));
+}
+
+void TestErrorFolding::histogramWidens()
+{
+    ErrorHistogram histogram;
+    std::map<qint32, int> frames;
+    // Forward far, then before the first one.
+    for (const qint32 frame :
+        {1'000'000, 1'000'001, 1'000'511, 1'000'512, 1'003'000, 1'003'001, 999'990, 40, 2'000'000'000}) {
+        histogram.add(frame % 2 ? SeverityError : SeverityWarning, frame);
+        ++frames[frame];
+        std::uint32_t sum = 0;
+        for (const auto& [other, count] : frames) {
+            const std::int64_t start = histogram.binStart(other);
+            QVERIFY(start <= other && other < start + histogram.binWidth());
+            QVERIFY(histogram.countOf(other, other).sum() > 0);
+            Q_UNUSED(count)
+        }
+        const ErrorHistogram::Bin all = histogram.countOf(histogram.firstFrame(), histogram.lastFrame());
+        sum = all.sum();
+        QCOMPARE(sum, static_cast<std::uint32_t>(frames.size()));
+    }
+    QCOMPARE(histogram.countOf(0, 2'000'000'000).errors, 3U);
+    histogram.add(SeverityError, -1);
+    QCOMPARE(histogram.firstFrame(), 40);
+}
+
+void TestErrorFolding::overviewIsClicked()
+{
+    List list;
+    ErrorOverview overview(&list.page);
+    list.page.layout()->addWidget(&overview);
+    overview.setErrors(&list.model);
+    list.add(SeverityError, 10, "x");
+    QTest::qWait(250);
+    QVERIFY(overview.isHidden()); // one frame alone
+    list.add(SeverityError, 19, "x");
+    QTRY_VERIFY(overview.isVisible());
+    overview.resize(100, 20);
+    QSignalSpy chosen(&overview, &ErrorOverview::framesChosen);
+    QTest::mouseClick(&overview, Qt::LeftButton, {}, QPoint(95, 10));
+    QTest::mouseClick(&overview, Qt::LeftButton, {}, QPoint(30, 10)); // empty: the nearest bar
+    QCOMPARE(chosen, QList<QVariantList>({{19, 19}, {10, 10}}));
+    QTest::keyClick(&overview, Qt::Key_Right);
+    QTest::keyClick(&overview, Qt::Key_Return);
+    QCOMPARE(chosen.last(), QVariantList({19, 19}));
+    list.model.clear();
+    QVERIFY(overview.isHidden());
 }
 
 QTEST_MAIN(TestErrorFolding)

@@ -87,6 +87,8 @@ TEST(JsonReport, isReadAsItWasWritten)
     for (const auto& finding : check.runs[0].findings.all())
         EXPECT_NE(run.findings.find(finding.signature), nullptr);
 
+    EXPECT_FALSE(checks::readJsonReport(std::string(5'000'000, '['), reason));
+    EXPECT_EQ(reason, "line 1: it is too long");
     for (const char* text : {"", "{}", "[", "{\"type\":\"run\"}", "{\"type\":\"check\",\"version\":2}",
              "{\"type\":\"check\",\"version\":1}\n{\"type\":\"fact\",\"run\":0,\"name\":\"a\",\"value\":"
              "\"b\"}",

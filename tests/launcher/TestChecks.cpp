@@ -93,7 +93,7 @@ TEST_F(Checks, exitAsDocumented)
         {{"signal", "11"}, {"--fail-on", "never"}, 139, "It was killed by SIGSEGV"},
         {{"unwatched"}, {}, 4, "Nothing was watched"},
         {{"errors", "1", "fork", "errors", "4"}, {}, 3, "9 errors"},
-        {{}, {"--baseline", "/nowhere"}, 2, "Cannot read the baseline /nowhere"},
+        {{}, {"--baseline", "/nowhere"}, 2, "corvale-run: Cannot read /nowhere: No such file"},
         {{}, {"--report", "json=/nowhere/a"}, 2, "Cannot write /nowhere/a"},
         {{}, {"--report", "yaml=a"}, 2, "A report is KIND=FILE"},
         {{}, {"--profile", "no such*"}, 2, "No profile fits no such*."},
@@ -153,8 +153,8 @@ TEST_F(Checks, writeReportsOfAllKinds)
         "                      text\n");
     EXPECT_EQ(contentOf(path("github")),
         "::error title=GL_INVALID_OPERATION in glDrawArrays::xxxxxxxxxxxxxxxxxxxx%0A2 times, frames 1 to 2\n"
-        "::error title=error::text%0A1 times, frame 3\n"
-        "::notice title=warning::text%0A1 times, frame 4\n");
+        "::error title=error::text%0A1 time, frame 3\n"
+        "::notice title=warning::text%0A1 time, frame 4\n");
     EXPECT_EQ(withoutTimes(contentOf(path("markdown"))),
         "### Check of watched-program\n\n"
         "| Device | Result | Errors | Warnings | Messages | Frames | Time |\n"
@@ -176,7 +176,7 @@ TEST_F(Checks, writeReportsOfAllKinds)
         </testcase>
         <testcase classname="watched-program.this machine" name="error: text" TIME>
             <failure type="error" message="text">text
-1 times, frame 3</failure>
+1 time, frame 3</failure>
         </testcase>
         <testcase classname="watched-program.this machine" name="warning: text" TIME>
             <system-out>text</system-out>

@@ -27,8 +27,9 @@ Table harbourBoard()
     table.apis.push_back({11, {"GL_OES_read_format"},
         {{0x0D31, {Number(std::int64_t{4})}}, {0x0D36, {Number(std::int64_t{2})}}}, {}, {}, {}});
     table.apis.push_back({20, {"GL_OES_rgb8_rgba8", "GL_BWD_shader_binary"}, {}, {}, {}, {}});
-    table.apis.push_back(
-        {30, {"GL_EXT_texture_compression_s3tc", "GL_KHR_debug", "GL_QCOM_tiled_rendering"}, {}, {}, {}, {}});
+    table.apis.push_back({30,
+        {"GL_EXT_debug_marker", "GL_EXT_texture_compression_s3tc", "GL_KHR_debug", "GL_QCOM_tiled_rendering"},
+        {}, {}, {}, {}});
     for (Api& api : table.apis) {
         const auto limit = [&](std::uint32_t name, auto... values) {
             api.capabilities[name] = {Number(values)...};
@@ -40,6 +41,8 @@ Table harbourBoard()
         if (api.version < 20)
             continue;
         limit(0x8DFA, std::int64_t{1}); // GL_SHADER_COMPILER
+        limit(0x846E, 3.0); // GL_ALIASED_LINE_WIDTH_RANGE, of which an end is missing
+        limit(0x8872, std::int64_t{8}, std::int64_t{9}); // GL_MAX_TEXTURE_IMAGE_UNITS, said twice
         limit(0x8869, std::int64_t{8}); // GL_MAX_VERTEX_ATTRIBS
         limit(0x8DFB, std::int64_t{128}); // GL_MAX_VERTEX_UNIFORM_VECTORS
         limit(0x8DFC, std::int64_t{8}); // GL_MAX_VARYING_VECTORS
@@ -133,8 +136,8 @@ TEST_F(TestDevice, contextsAreOfTheDevicesVersions)
             {"string 0x1F03", "GL_OES_rgb8_rgba8 GL_BWD_shader_binary"}, {"stringi 0", "null 0x502"},
             {"get glGetIntegerv 0x821B 1", "0"}, {"context 3 0 41", "version 3 config 41"},
             {"string 0x1F02", "OpenGL ES 3.0 Brindlewood"},
-            {"string 0x8B8C", "OpenGL ES GLSL ES 3.00 build 7"}, {"stringi 1", "GL_KHR_debug"},
-            {"stringi 3", "null 0x501"}, {"get glGetIntegerv 0x821D 1", "3"},
+            {"string 0x8B8C", "OpenGL ES GLSL ES 3.00 build 7"}, {"stringi 2", "GL_KHR_debug"},
+            {"stringi 4", "null 0x501"}, {"get glGetIntegerv 0x821D 1", "4"},
             {"get glGetIntegerv 0x821B 1", "3"}, {"get glGetFloatv 0x821C 1", "0"},
             {"context 1 0", "version 1 config 0"}, {"string 0x1F02", "OpenGL ES-CM 1.1 Brindlewood"},
             {"string 0x8B8C", "null 0x500"}, {"context 3 1", "egl 0x3009"}, {"context 2 1", "egl 0x3009"},
@@ -143,6 +146,8 @@ TEST_F(TestDevice, contextsAreOfTheDevicesVersions)
     program->finish();
     EXPECT_EQ(program.told(Type::Information, 0).front(),
         "The program sees the profile Harbour Board (OpenGL ES 1.1, 2.0 and 3.0) in place of this machine.");
+    EXPECT_EQ(
+        program.told(Type::ReportOtherKeyedText, 4).front(), program.told(Type::Information, 0).front());
     const std::vector<std::string> refused = program.told(Type::Error, 0);
     ASSERT_FALSE(refused.empty());
     EXPECT_TRUE(
@@ -165,7 +170,8 @@ TEST_F(TestDevice, limitsAreToldByAllQueries)
             {"get glGetIntegerv 0x8D6B 1", "2147483647"}, {"get glGetIntegerv 0xD3A 2", "1024 512"},
             {"get glGetFloatv 0x846D 2", "1 511.5"}, {"get glGetIntegerv 0x846D 2", "1 512"},
             {"get glGetIntegerv 0x86A2 1", "2"}, {"get glGetIntegerv 0x86A3 3", "36196 35840 0"},
-            {"get glGetBooleanv 0x8DFA 1", "1"}, {"context 1 0", "version 1 config 0"},
+            {"get glGetBooleanv 0x8DFA 1", "1"}, {"get glGetIntegerv 0x846E 3", "1 255 0"},
+            {"get glGetIntegerv 0x8872 2", "32 0"}, {"context 1 0", "version 1 config 0"},
             {"get glGetFixedv 0xD31 1", "262144"}, {"get glGetFixedv 0x846D 2", "65536 33521664"},
             {"get glGetIntegerv 0xD36 1", "2"}});
     program->finish();
@@ -200,7 +206,8 @@ TEST_F(TestDevice, functionsAndEnumerantsThatItLacksAreRefused)
             {"call glPolygonMode 0x408 0x1B01", "0x502"}, {"call glEnable 0xB71", "0"},
             {"context 3 0", "version 3 config 0"}, {"call glBindVertexArray 0", "0"},
             {"call glBindTexture 0x806F 0", "0"}, {"call glTexParameteri 0xDE1 0x2802 0x812D", "0x500"},
-            {"call glTexParameteri 0xDE1 0x813D 0x812D", "0"}});
+            {"call glTexParameteri 0xDE1 0x813D 0x812D", "0"}, {"call glEnable 0x92E0", "0"},
+            {"call glBindTexture 0x8C2A 0", "0x500"}, {"get glGetIntegerv 0x9145 1", "1"}});
     program->finish();
     const char* const expected[] = {
         "GL_INVALID_OPERATION in glBindVertexArrayOES: not available on Harbour Board: needs "
@@ -218,7 +225,9 @@ TEST_F(TestDevice, functionsAndEnumerantsThatItLacksAreRefused)
         "OpenGL ES",
         "GL_INVALID_ENUM in glTexParameteri: GL_CLAMP_TO_BORDER is not available on Harbour Board: needs "
         "OpenGL ES "
-        "3.2"};
+        "3.2",
+        "GL_INVALID_ENUM in glBindTexture: GL_TEXTURE_BUFFER is not available on Harbour Board: needs OpenGL "
+        "ES 3.2"};
     const std::vector<std::string> errors = program.told(Type::GlError, 68);
     ASSERT_EQ(errors.size(), std::size(expected)) << program.errors();
     for (std::size_t i = 0; i < errors.size(); ++i)
@@ -245,8 +254,9 @@ TEST_F(TestDevice, limitsOfArgumentsHold)
             {"call glCompressedTexImage2D 0xDE1 0 0x83F0 4 4 0 8 0", "0x500"},
             {"call glCompressedTexImage2D 0xDE1 0 0x8C00 8 8 0 32 0", "0x500"},
             {"call glViewport 0 0 2000 2000", "0"}, {"get glGetIntegerv 0xBA2 4", "0 0 1024 512"},
-            {"call glEndTilingQCOM 0", "0x502"}, {"context 1 0", "version 1 config 0"},
-            {"call glPushMatrix", "0"}, {"call glPushMatrix", "0x503"}});
+            {"call glEndTilingQCOM 0", "0x502"}, {"call glPopGroupMarkerEXT", "0"},
+            {"context 1 0", "version 1 config 0"}, {"call glPushMatrix", "0"},
+            {"call glPushMatrix", "0x503"}});
     program->finish();
     const std::string errors = program.errors();
     for (const char* text : {"1025 is too much for Harbour Board, where GL_MAX_TEXTURE_SIZE is 1024",
@@ -273,6 +283,10 @@ TEST_F(TestDevice, shadersAndProgramsKeepWithinTheDevice)
     };
     program.ask("context 2 0");
     EXPECT_EQ(program.ask("compile void main() { gl_Position = vec4(0); }"), "1 ");
+    EXPECT_EQ(
+        program.ask("compile #ifdef GL_OES_standard_derivatives|#extension GL_OES_standard_derivatives : "
+                    "require|#endif|void main() { gl_Position = vec4(0); }"),
+        "1 ");
     for (const std::string refused :
         {"#version 300 es|void main() {}", "/*|*/ # version 310 es|void main() {}",
             "#extension GL_OES_standard_derivatives : require|void main() {}"}) {

@@ -2,9 +2,12 @@
 
 #include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
+#include "ErrorListTable.h"
 #include "ErrorListView.h"
 #include "MutedErrors.h"
 #include "MutedErrorsDialog.h"
+#include "TableActions.h"
+#include "TableExport.h"
 
 #include <QAction>
 #include <QInputDialog>
@@ -28,10 +31,12 @@ ErrorListActions::ErrorListActions(ErrorListView& view, ErrorListFilterProxyMode
     , m_view(view)
     , m_filter(filter)
     , m_page(page)
+    , m_export(new TableExport(&page))
 {
     add(tr("&Next Error"), QKeySequence(Qt::Key_F8), [this] { goToError(1); });
     add(tr("&Previous Error"), QKeySequence(Qt::SHIFT | Qt::Key_F8), [this] { goToError(-1); });
     add(tr("&Go to Frame..."), QKeySequence(Qt::CTRL | Qt::Key_G), [this] { askForFrame(); });
+    addTableActions();
 }
 
 QAction* ErrorListActions::add(
@@ -46,12 +51,6 @@ QAction* ErrorListActions::add(
     return action;
 }
 
-void ErrorListActions::addFirst(QAction* action)
-{
-    m_page.addAction(action);
-    m_view.insertAction(m_view.actions().value(0), action);
-}
-
 /// The one after the current row, or before it; from one end on to the other.
 void ErrorListActions::goToError(int step)
 {
@@ -64,7 +63,7 @@ void ErrorListActions::goToError(int step)
     for (int i = 0; i < count; ++i) {
         row = (row + step + count) % count;
         if (errors->severity(m_filter.sourceRow(row)) == error_list::SeverityError) {
-            goToRow(row);
+            m_view.goToRow(row);
             return;
         }
     }
@@ -81,30 +80,73 @@ void ErrorListActions::askForFrame()
     const int row = m_view.currentIndex().row();
     if (m_filter.errors() && row >= 0)
         dialog->setIntValue(std::max(0, m_filter.errors()->row(m_filter.sourceRow(row)).frame));
-    connect(dialog, &QInputDialog::intValueSelected, this, &ErrorListActions::goToFrame);
+    connect(dialog, &QInputDialog::intValueSelected, this, [this](int frame) { goToFrames(frame, frame); });
     dialog->open();
 }
 
-/// To the first of the rows whose frames are nearest.
-void ErrorListActions::goToFrame(int frame)
+void ErrorListActions::goToFrames(int first, int last)
 {
     int nearest = -1;
-    std::int64_t distance = std::numeric_limits<std::int64_t>::max();
-    for (int row = 0; distance > 0 && row < m_filter.rowCount(); ++row) {
-        const qint32 other = m_filter.errors()->row(m_filter.sourceRow(row)).frame;
-        const std::int64_t between = std::abs(std::int64_t(other) - frame);
-        if (other >= 0 && between < distance) {
-            distance = between;
+    std::int64_t least = std::numeric_limits<std::int64_t>::max();
+    for (int row = 0; least > 0 && row < m_filter.rowCount(); ++row) {
+        const std::int64_t frame = m_filter.errors()->row(m_filter.sourceRow(row)).frame;
+        if (frame < 0)
+            continue;
+        // Frames that are asked for are nearer than any others.
+        const bool isAskedFor = frame >= first && frame <= last;
+        const std::int64_t distance =
+            std::abs(frame - first) + (isAskedFor ? 0 : std::int64_t(last) - first + 1);
+        if (distance < least) {
+            least = distance;
             nearest = row;
         }
     }
     if (nearest >= 0)
-        goToRow(nearest);
+        m_view.goToRow(nearest);
 }
 
-void ErrorListActions::goToRow(int row)
+bool ErrorListActions::goToSourceRow(int sourceRow)
 {
-    m_view.goToRow(row);
+    const int row = m_filter.rowOf(sourceRow);
+    if (row >= 0)
+        m_view.goToRow(row);
+    return row >= 0;
+}
+
+void ErrorListActions::setRowOpener(const std::function<void(int)>& open)
+{
+    m_view.setRowOpener(open);
+    // Its key is the view's own.
+    auto* action = new QAction(tr("Show in &Console") + QLatin1Char('\t')
+            + QKeySequence(Qt::Key_Return).toString(QKeySequence::NativeText),
+        this);
+    connect(action, &QAction::triggered, this, [this, open] {
+        const QModelIndex current = m_view.currentIndex();
+        if (current.isValid())
+            open(m_filter.sourceRow(current.row()));
+    });
+    m_view.insertAction(m_view.actions().value(0), action);
+}
+
+void ErrorListActions::addTableActions()
+{
+    new TableActions(m_view, [this] { return error_list::shownTable(m_filter); });
+    connect(m_export, &TableExport::ended, this,
+        [this](bool, const QString& text) { Q_EMIT statusMessage(text); });
+    for (const bool all : {false, true}) {
+        auto* action = new QAction(all ? tr("Export &All Rows...") : tr("&Export Shown Rows..."), this);
+        connect(action, &QAction::triggered, this, [this, all] { exportRows(all); });
+        m_view.addAction(action);
+    }
+    connect(m_filter.errors(), &QAbstractItemModel::modelAboutToBeReset, this,
+        [this] { m_export->giveUp(tr("the list was cleared meanwhile.")); });
+}
+
+void ErrorListActions::exportRows(bool all)
+{
+    m_export->ask(tr("Export rows"), QStringLiteral("errors"), [this, all] {
+        return all ? error_list::wholeTable(*m_filter.errors()) : error_list::shownTable(m_filter);
+    });
 }
 
 void ErrorListActions::setMuted(MutedErrors* muted, QPushButton* button)
@@ -125,7 +167,7 @@ void ErrorListActions::setMuted(MutedErrors* muted, QPushButton* button)
 void ErrorListActions::muteChosen()
 {
     std::set<sessions::Signature> kinds;
-    for (const int row : m_view.selectedRows()) {
+    for (const int row : TableActions::selectedRows(m_view)) {
         kinds.insert(m_filter.signatureOf(row));
         if (kinds.size() == mostKinds)
             break;

@@ -9,6 +9,7 @@
 class ErrorListFilterProxyModel;
 class ErrorListView;
 class MutedErrors;
+class TableExport;
 class QAction;
 class QKeySequence;
 class QPushButton;
@@ -25,15 +26,23 @@ public:
     /// Offers to mute kinds, and has a button tell how many rows are muted. They must live longer.
     void setMuted(MutedErrors* muted, QPushButton* button);
 
-    /// Puts an action in front of the others.
-    void addFirst(QAction* action);
+    /// Offers to show rows in the console by a function that takes a row of the list.
+    void setRowOpener(const std::function<void(int sourceRow)>& open);
+    /// Goes to a row of the list. False where it is not shown.
+    bool goToSourceRow(int sourceRow);
+    /// Goes to the first row of these frames, or to one of the nearest frame.
+    void goToFrames(int first, int last);
+
+Q_SIGNALS:
+    /// A text that the status bar is to show.
+    void statusMessage(const QString& text);
 
 private:
     QAction* add(const QString& text, const QKeySequence& key, const std::function<void()>& what);
     void goToError(int step);
     void askForFrame();
-    void goToFrame(int frame);
-    void goToRow(int row);
+    void addTableActions();
+    void exportRows(bool all);
     void muteChosen();
     void showMuted();
     void updateMutedButton();
@@ -42,6 +51,7 @@ private:
     ErrorListFilterProxyModel& m_filter;
     QWidget& m_page;
     QAction* m_mute = nullptr;
+    TableExport* m_export;
     MutedErrors* m_muted = nullptr;
     QPointer<QPushButton> m_mutedButton;
 };

@@ -54,6 +54,7 @@ public:
     int rowOfEntry(ErrorListArrangement::Entry entry) const { return m_arrangement.placeOf(entry); }
     bool isGroup(int row) const { return ErrorListArrangement::isGroup(entry(row)); }
     bool isOpen(int group) const { return m_arrangement.isOpen(entry(group)); }
+    const ErrorListGroups::Group& group(int row) const { return m_arrangement.group(entry(row)); }
     /// Opens or closes a group.
     void toggle(int group);
     /// The list behind the filter, if it is one of errors.

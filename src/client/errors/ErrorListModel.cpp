@@ -1,5 +1,7 @@
 #include "ErrorListModel.h"
 
+#include <algorithm>
+
 using namespace error_list;
 
 ErrorListModel::ErrorListModel(const QIcon& info, const QIcon& warning, const QIcon& error, QObject* parent)
@@ -10,14 +12,21 @@ ErrorListModel::ErrorListModel(const QIcon& info, const QIcon& warning, const QI
 {
 }
 
-void ErrorListModel::append(
-    qint32 severity, qint32 frame, const QString& code, const QString& description, const QString& function)
+void ErrorListModel::append(qint32 severity, qint32 frame, const QString& code, const QString& description,
+    const QString& function, std::uint64_t consoleEntry)
 {
     const int row = rowCount();
     beginInsertRows(QModelIndex(), row, row);
     m_rows.push_back({severity, frame, m_texts.add(code.toStdString()),
-        m_texts.add(description.toStdString()), m_texts.add(function.toStdString())});
+        m_texts.add(description.toStdString()), m_texts.add(function.toStdString()), consoleEntry});
     endInsertRows();
+}
+
+int ErrorListModel::rowOfConsoleEntry(std::uint64_t entry) const
+{
+    const auto found = std::lower_bound(m_rows.begin(), m_rows.end(), entry,
+        [](const StoredRow& row, std::uint64_t wanted) { return row.consoleEntry < wanted; });
+    return found == m_rows.end() ? -1 : static_cast<int>(found - m_rows.begin());
 }
 
 void ErrorListModel::clear()

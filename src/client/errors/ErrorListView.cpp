@@ -266,20 +266,6 @@ void ErrorListView::goToRow(int row)
     setFocus();
 }
 
-std::vector<int> ErrorListView::selectedRows() const
-{
-    std::vector<int> rows;
-    if (!selectionModel())
-        return rows;
-    for (const QItemSelectionRange& range : selectionModel()->selection()) {
-        for (int row = range.top(); row <= range.bottom(); ++row)
-            rows.push_back(row);
-    }
-    std::sort(rows.begin(), rows.end());
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-    return rows;
-}
-
 void ErrorListView::keyPressEvent(QKeyEvent* event)
 {
     readerActed();

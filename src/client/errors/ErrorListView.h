@@ -38,9 +38,6 @@ public:
 
     /// Makes a row the current one, with the reader on it.
     void goToRow(int row);
-    /// The rows with selected cells, in the order in which they are shown.
-    std::vector<int> selectedRows() const;
-
     /// The button that is checked as long as the view is to follow its last row. A reader who scrolls up, or
     /// who selects a row, unchecks it.
     void setFollowButton(QAbstractButton* button) { m_follower.setButton(button); }

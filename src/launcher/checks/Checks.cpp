@@ -6,6 +6,7 @@
 #include "Matrix.h"
 #include "Reports.h"
 #include "Summary.h"
+#include "Wording.h"
 
 #include <cstdio>
 #include <utility>
@@ -38,7 +39,7 @@ std::string whyUnwritable(const launcher::CheckOptions& options)
             continue;
         const platform::FileReplacement trial(path);
         if (!trial.ready())
-            return "Cannot write " + path + ": " + trial.reason();
+            return fileFault("Cannot write", path, trial.reason());
     }
     return {};
 }
@@ -46,9 +47,9 @@ std::string whyUnwritable(const launcher::CheckOptions& options)
 std::string readBaselines(const launcher::CheckOptions& options, Baselines& baselines)
 {
     if (!options.baseline.empty() && !baselines.known.read(options.baseline))
-        return "Cannot read the baseline " + options.baseline + ": " + baselines.known.reason();
+        return fileFault("Cannot read the baseline", options.baseline, baselines.known.reason());
     if (!options.newBaseline.empty() && !baselines.old.read(options.newBaseline, true))
-        return "Cannot replace " + options.newBaseline + ": " + baselines.old.reason();
+        return fileFault("Cannot replace", options.newBaseline, baselines.old.reason());
     return {};
 }
 
@@ -72,7 +73,7 @@ bool finish(const launcher::Options& options, const Baselines& baselines, Check&
         sessions::KnownKinds baseline = check.verdict.newBaseline(check.runs, baselines.old);
         isWritten = baseline.write(options.check.newBaseline);
         if (!isWritten)
-            refuse("Cannot write the baseline " + options.check.newBaseline + ": " + baseline.reason());
+            refuse(fileFault("Cannot write the baseline", options.check.newBaseline, baseline.reason()));
         check.verdict = Verdict(options.check.failOn, std::move(baseline));
     }
     isWritten = writeReports(check, options.check.reports) && isWritten;

@@ -24,7 +24,7 @@ constexpr std::size_t reportLimit = std::size_t{512} << 20U; // bytes
 
 int refuse(const std::string& path, const std::string& reason)
 {
-    std::fprintf(stderr, "corvale-run: Cannot read %s: %s.\n", path.c_str(), reason.c_str());
+    std::fprintf(stderr, "corvale-run: %s.\n", fileFault("Cannot read", path, reason).c_str());
     return launcher::exit_code::wrongArguments;
 }
 

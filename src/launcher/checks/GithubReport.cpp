@@ -63,7 +63,7 @@ std::string githubReport(const Check& check)
             ++left;
             continue;
         }
-        std::string text = cleanText(finding.example) + "\n" + grouped(finding.count) + " times";
+        std::string text = cleanText(finding.example) + "\n" + counted(finding.count, "time");
         if (const std::string where = frames(finding); !where.empty())
             text += ", " + where;
         if (check.runs.size() > 1)

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <utility>
 
 namespace checks {
@@ -24,6 +25,8 @@ constexpr std::array<std::pair<End, const char*>, 6> endNames{
 constexpr std::array origins{Origin::GlError, Origin::Error, Origin::Warning, Origin::DebugMessage};
 constexpr std::array severities{Severity::Error, Severity::Warning, Severity::Message};
 constexpr int version = 1;
+/// What is nested may take many times as much memory. Lines of ours are far below.
+constexpr std::size_t lineLimit = std::size_t{4} << 20U; // bytes
 
 std::string lineOf(const ordered_json& value)
 {
@@ -177,9 +180,14 @@ std::optional<std::vector<RunResult>> readJsonReport(std::string_view text, std:
         const std::string_view line = text.substr(0, end);
         text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
         try {
+            if (line.size() > lineLimit)
+                throw std::runtime_error("it is too long");
             if (!line.empty())
                 reader.take(json::parse(line));
-        } catch (const std::exception& error) {
+        } catch (const json::exception&) {
+            reason = "line " + std::to_string(number) + ": it is no line of such a report";
+            return std::nullopt;
+        } catch (const std::runtime_error& error) {
             reason = "line " + std::to_string(number) + ": " + oneLine(error.what());
             return std::nullopt;
         }

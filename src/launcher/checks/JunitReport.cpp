@@ -67,7 +67,7 @@ void addFindingCase(Suite& suite, const sessions::Finding& finding, const Verdic
                 .c_str());
         failure->SetAttribute("message", text.c_str());
         const std::string where = frames(finding);
-        failure->SetText((cleanText(finding.example) + "\n" + grouped(finding.count) + " times"
+        failure->SetText((cleanText(finding.example) + "\n" + counted(finding.count, "time")
             + (where.empty() ? "" : ", " + where))
                              .c_str());
     } else if (verdict.isKnown(finding)) {

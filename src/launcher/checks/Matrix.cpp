@@ -187,7 +187,10 @@ std::vector<RunResult> runMatrix(const launcher::Options& options, const std::ve
                 guard.restore();
                 runAlone(options, profiles[started], job);
             }
-            running[pid] = std::move(job);
+            if (pid < 0)
+                results[started] = resultOf(job, profiles[started]);
+            else
+                running[pid] = std::move(job);
             ++started;
         }
         const pid_t ended = waitpid(-1, nullptr, 0);

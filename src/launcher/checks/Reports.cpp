@@ -1,6 +1,7 @@
 #include "Reports.h"
 
 #include "FileReplacement.h"
+#include "Wording.h"
 
 #include <cstdio>
 

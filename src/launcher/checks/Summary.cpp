@@ -152,7 +152,7 @@ void addFinding(Page& page, const Check& check, const SharedFinding& shared)
                                           : counted(shared.devices.size(), "device"));
     const std::string severity(sessions::severityName(finding.signature.severity));
     page.add("  " + padded(severity, 7), colorOf(finding.signature.severity), line);
-    page.add("                      " + oneLine(finding.example));
+    page.add("                      " + textBelowTitle(finding));
 }
 
 void addFindings(Page& page, const Check& check, std::size_t rows)

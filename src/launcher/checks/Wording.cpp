@@ -58,6 +58,11 @@ std::string oneLine(std::string_view text)
     return launcher::printed(cleanText(text));
 }
 
+std::string fileFault(const std::string& what, const std::string& path, const std::string& reason)
+{
+    return reason.starts_with("Cannot ") ? reason : what + " " + path + ": " + reason;
+}
+
 std::string grouped(std::uint64_t number)
 {
     std::string digits = std::to_string(number);
@@ -82,6 +87,13 @@ std::string title(const sessions::Signature& signature)
     if (code.empty() || function.empty())
         return code + function;
     return code + " in " + function;
+}
+
+std::string textBelowTitle(const sessions::Finding& finding)
+{
+    const std::string text = oneLine(finding.example);
+    const std::string beginning = title(finding.signature) + ": ";
+    return text.starts_with(beginning) ? text.substr(beginning.size()) : text;
 }
 
 std::string frames(const sessions::Finding& finding)

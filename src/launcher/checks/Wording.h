@@ -17,6 +17,9 @@ std::string cleanText(std::string_view text);
 /// The same on one line.
 std::string oneLine(std::string_view text);
 
+/// What is wrong with a file, whose name is said once: reasons of the file layer have it already.
+std::string fileFault(const std::string& what, const std::string& path, const std::string& reason);
+
 /// Such as "1,204".
 std::string grouped(std::uint64_t number);
 /// Such as "1 error" and "3 errors".
@@ -24,6 +27,8 @@ std::string counted(std::uint64_t number, const std::string& what);
 
 /// Such as "GL_INVALID_ENUM in glEnable".
 std::string title(const sessions::Signature& signature);
+/// The text of a finding on one line, without its beginning where that says what the title says.
+std::string textBelowTitle(const sessions::Finding& finding);
 /// Such as "frame 3" or "frames 3 to 812"; empty if none is known.
 std::string frames(const sessions::Finding& finding);
 std::string seconds(std::chrono::milliseconds time);

@@ -147,26 +147,26 @@ std::optional<std::vector<std::size_t>> chooseConfigs(
     return chosen;
 }
 
-int standInCost(const device::Config& wanted, const device::Config& host, EGLint hostSurfaces)
+StandIn standIn(const device::Config& wanted, const device::Config& host, EGLint hostSurfaces)
 {
     constexpr int unusable = 10000;
     constexpr int missing = 100;
     constexpr EGLint surfaces = EGL_WINDOW_BIT | EGL_PBUFFER_BIT | EGL_PIXMAP_BIT;
     constexpr EGLint contexts = EGL_OPENGL_ES_BIT | EGL_OPENGL_ES2_BIT | EGL_OPENGL_ES3_BIT;
-    int cost = 0;
     const EGLint wantedSurfaces = valueOf(wanted, EGL_SURFACE_TYPE, EGL_WINDOW_BIT) & surfaces & hostSurfaces;
-    cost += unusable * missingBits(wantedSurfaces, valueOf(host, EGL_SURFACE_TYPE));
-    cost += unusable
-        * missingBits(valueOf(wanted, EGL_RENDERABLE_TYPE) & contexts, valueOf(host, EGL_RENDERABLE_TYPE));
-    for (const EGLint size : {EGL_RED_SIZE, EGL_GREEN_SIZE, EGL_BLUE_SIZE, EGL_ALPHA_SIZE}) {
+    const int lacking = missingBits(wantedSurfaces, valueOf(host, EGL_SURFACE_TYPE))
+        + missingBits(valueOf(wanted, EGL_RENDERABLE_TYPE) & contexts, valueOf(host, EGL_RENDERABLE_TYPE));
+    StandIn result{unusable * lacking, lacking != 0};
+    const auto compare = [&](EGLint size, int costOfMore) {
         const int difference = valueOf(host, size) - valueOf(wanted, size);
-        cost += difference < 0 ? missing - difference : 10 * difference;
-    }
-    for (const EGLint size : {EGL_DEPTH_SIZE, EGL_STENCIL_SIZE, EGL_SAMPLES}) {
-        const int difference = valueOf(host, size) - valueOf(wanted, size);
-        cost += difference < 0 ? missing - difference : difference;
-    }
-    return cost;
+        result.cost += difference < 0 ? missing - difference : costOfMore * difference;
+        result.isLess = result.isLess || difference < 0;
+    };
+    for (const EGLint size : {EGL_RED_SIZE, EGL_GREEN_SIZE, EGL_BLUE_SIZE, EGL_ALPHA_SIZE})
+        compare(size, 10);
+    for (const EGLint size : {EGL_DEPTH_SIZE, EGL_STENCIL_SIZE, EGL_SAMPLES})
+        compare(size, 1);
+    return result;
 }
 
 } // namespace layer

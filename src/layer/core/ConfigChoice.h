@@ -14,8 +14,13 @@ namespace layer {
 std::optional<std::vector<std::size_t>> chooseConfigs(
     const std::vector<device::Config>& configs, const EGLint* attributes);
 
-/// How badly a config of the host stands in for one of a device; 0 where it does so in everything that shows.
+/// How well a config of the host stands in for one of a device.
+struct StandIn {
+    int cost = 0; ///< 0 where it does so in everything that shows.
+    bool isLess = false; ///< It lacks something.
+};
+
 /// What surfaces the host has at all is a mask of EGL_SURFACE_TYPE.
-int standInCost(const device::Config& wanted, const device::Config& host, EGLint hostSurfaces);
+StandIn standIn(const device::Config& wanted, const device::Config& host, EGLint hostSurfaces);
 
 } // namespace layer

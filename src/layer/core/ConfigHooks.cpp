@@ -143,6 +143,22 @@ EGLBoolean eglQuerySurface(EGLDisplay display, EGLSurface surface, EGLint attrib
     return done;
 }
 
+EGLBoolean eglDestroySurface(EGLDisplay display, EGLSurface surface)
+{
+    const EGLBoolean destroyed = generated::eglDestroySurface(display, surface);
+    if (destroyed && emulatedDevice())
+        forgetSurface(display, surface);
+    return destroyed;
+}
+
+EGLBoolean eglTerminate(EGLDisplay display)
+{
+    const EGLBoolean terminated = generated::eglTerminate(display);
+    if (terminated && emulatedDevice())
+        forgetConfigs(display);
+    return terminated;
+}
+
 const char* eglQueryString(EGLDisplay display, EGLint name)
 {
     const char* text = generated::eglQueryString(display, name);

@@ -56,8 +56,7 @@ Context::~Context() = default;
 
 void* Context::resolve(Fn function) const
 {
-    // A driver that lacks what the device has would say nothing.
-    void* address = gate && !host->has(function) ? DeviceGate::refusing() : host->function<void*>(function);
+    void* address = gate ? gate->hostFunction(*host, function) : host->function<void*>(function);
     functions[static_cast<std::size_t>(function)].store(address, std::memory_order_relaxed);
     return address;
 }

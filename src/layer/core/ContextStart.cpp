@@ -2,6 +2,7 @@
 
 #include "BeyondHost.h"
 #include "DebugState.h"
+#include "DeviceConfigs.h"
 #include "DeviceGate.h"
 #include "ExtensionCatalogue.h"
 #include "Message.h"
@@ -126,6 +127,16 @@ void sendRecord(const Context& context, std::string_view extensions)
     records::context(payload);
 }
 
+/// The configs of the device whose stand-ins have less; empty without one.
+std::string configsBeyond(EGLDisplay display)
+{
+    const DeviceConfigs* configs = deviceConfigs(display);
+    std::string ids;
+    for (const EGLint id : configs ? configs->lessIds() : std::vector<EGLint>())
+        ids += (ids.empty() ? "" : ", ") + std::to_string(id);
+    return ids.empty() ? ids : "the EGL configs " + ids + ", which have more than what stands in for them";
+}
+
 /// Tells what the device has beyond the host, once for each of its versions.
 void tellBeyondHost(const Context& context, std::string_view hostExtensions)
 {
@@ -134,6 +145,9 @@ void tellBeyondHost(const Context& context, std::string_view hostExtensions)
     const BeyondHost beyond = beyondHost(*context.host, context.esVersion, hostExtensions, *context.api);
     std::vector<std::string> lines = beyond.limits;
     lines.insert(lines.end(), beyond.others.begin(), beyond.others.end());
+    const std::string configs = configsBeyond(context.display);
+    if (!configs.empty())
+        lines.push_back(configs);
     if (lines.empty())
         return;
     constexpr std::size_t linesShown = 100;

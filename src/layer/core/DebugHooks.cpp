@@ -149,6 +149,13 @@ bool getPointer(GLenum pname, void** params)
     return true;
 }
 
+/// Markers are recorded where the device has them, also where the driver has not.
+bool isRecorded(Fn function)
+{
+    const Context& context = currentContext();
+    return context.watched && (!context.gate || context.gate->availability().has(function));
+}
+
 } // namespace
 
 void glEnable(GLenum cap)
@@ -260,7 +267,7 @@ void glPopDebugGroupKHR()
 void glInsertEventMarkerEXT(GLsizei length, const GLchar* marker)
 {
     generated::glInsertEventMarkerEXT(length, marker);
-    if (currentContext().watched)
+    if (isRecorded(Fn::glInsertEventMarkerEXT))
         recordInserted(gl::debugSourceApplication, gl::debugTypeMarker, 0, gl::debugSeverityNotification,
             markerOf(marker, length));
 }
@@ -268,14 +275,14 @@ void glInsertEventMarkerEXT(GLsizei length, const GLchar* marker)
 void glPushGroupMarkerEXT(GLsizei length, const GLchar* marker)
 {
     generated::glPushGroupMarkerEXT(length, marker);
-    if (currentContext().watched)
+    if (isRecorded(Fn::glPushGroupMarkerEXT))
         records::identified(gl::debugSourceApplication, 0, markerOf(marker, length));
 }
 
 void glPopGroupMarkerEXT()
 {
     generated::glPopGroupMarkerEXT();
-    if (currentContext().watched)
+    if (isRecorded(Fn::glPopGroupMarkerEXT))
         records::lineBreak();
 }
 

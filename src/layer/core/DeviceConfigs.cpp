@@ -37,7 +37,8 @@ std::vector<HostConfig> configsOf(Host& host, EGLDisplay display)
     get(display, handles.data(), static_cast<EGLint>(handles.size()), &count);
     std::vector<HostConfig> configs;
     for (EGLConfig handle : handles) {
-        HostConfig& config = configs.emplace_back(handle);
+        HostConfig& config = configs.emplace_back();
+        config.handle = handle;
         for (const EGLint attribute : attributesOfEgl) {
             EGLint value = 0;
             if (getAttribute(display, handle, attribute, &value))
@@ -90,20 +91,32 @@ DeviceConfigs::DeviceConfigs(Host& host, EGLDisplay display, const std::vector<d
     refresh();
 }
 
+std::vector<EGLint> DeviceConfigs::lessIds() const
+{
+    std::vector<EGLint> ids;
+    for (std::size_t i = 0; i < m_entries.size(); ++i) {
+        if (m_entries[i].isLess)
+            ids.push_back(m_attributes[i].at(EGL_CONFIG_ID));
+    }
+    return ids;
+}
+
 void DeviceConfigs::refresh()
 {
-    const std::vector<HostConfig> hosts = configsOf(m_host, m_display);
+    const std::vector<HostConfig> hosts =
+        m_isStale ? configsOf(m_host, m_display) : std::vector<HostConfig>();
+    m_isStale = m_isStale && hosts.empty();
     EGLint surfaces = 0;
     for (const HostConfig& host : hosts)
-        surfaces |= host.attributes.at(EGL_SURFACE_TYPE);
+        surfaces |= host.attributes.contains(EGL_SURFACE_TYPE) ? host.attributes.at(EGL_SURFACE_TYPE) : 0;
     for (std::size_t i = 0; i < m_entries.size(); ++i) {
         int least = std::numeric_limits<int>::max();
         for (const HostConfig& host : hosts) {
-            const int cost = standInCost(m_told[i], host.attributes, surfaces);
-            if (cost >= least)
+            const StandIn result = standIn(m_told[i], host.attributes, surfaces);
+            if (result.cost >= least)
                 continue;
-            least = cost;
-            m_entries[i] = {host.handle, cost};
+            least = result.cost;
+            m_entries[i] = {host.handle, result.isLess};
             m_attributes[i] = completed(m_told[i], host.attributes);
         }
     }
@@ -137,6 +150,23 @@ void refreshConfigs(EGLDisplay display)
     const std::scoped_lock lock(displays().mutex);
     if (configs)
         configs->refresh();
+}
+
+void forgetConfigs(EGLDisplay display)
+{
+    DeviceConfigs* configs = deviceConfigs(display);
+    Displays& all = displays();
+    const std::scoped_lock lock(all.mutex);
+    if (configs)
+        configs->setStale();
+    std::erase_if(all.surfaces, [=](const auto& surface) { return surface.first.first == display; });
+}
+
+void forgetSurface(EGLDisplay display, EGLSurface surface)
+{
+    Displays& all = displays();
+    const std::scoped_lock lock(all.mutex);
+    all.surfaces.erase({display, surface});
 }
 
 EGLConfig hostConfig(EGLConfig config)

@@ -103,8 +103,13 @@ DeviceContext deviceContext(EGLDisplay display, EGLConfig config, bool isEs, int
     if (index) {
         const device::Config& attributes = configs->configAt(*index);
         answer.configId = attributes.at(EGL_CONFIG_ID);
-        const auto renderable = attributes.find(EGL_RENDERABLE_TYPE);
-        if (renderable != attributes.end() && (renderable->second & renderableBit(version)) == 0)
+        const EGLint bit = renderableBit(version);
+        const auto isRenderable = [=](const device::Config& told) {
+            const auto found = told.find(EGL_RENDERABLE_TYPE);
+            return found == told.end() || (found->second & bit) != 0;
+        };
+        // Profiles of old EGL know no bit for the versions from 3.0 on.
+        if (!isRenderable(attributes) && std::ranges::any_of(configs->attributes(), isRenderable))
             return refusal(EGL_BAD_CONFIG,
                 "config " + std::to_string(*answer.configId) + " of " + table->name + " is not one of "
                     + apiName(version));

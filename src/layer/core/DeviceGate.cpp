@@ -72,6 +72,22 @@ bool isOfMaker(GLenum enumerant)
     return std::string_view(::gl::enumerantName(static_cast<std::int32_t>(enumerant))).ends_with("_BWD");
 }
 
+/// Hints, and names for tools: where a driver lacks them, a program misses nothing.
+bool mayDoNothing(Fn function)
+{
+    switch (function) {
+    case Fn::glDiscardFramebufferEXT:
+    case Fn::glGetObjectLabelEXT:
+    case Fn::glInsertEventMarkerEXT:
+    case Fn::glLabelObjectEXT:
+    case Fn::glPopGroupMarkerEXT:
+    case Fn::glPushGroupMarkerEXT:
+        return true;
+    default:
+        return false;
+    }
+}
+
 } // namespace
 
 const LimitRow& limitRow(std::size_t index)
@@ -126,6 +142,14 @@ void DeviceGate::blockEnumerants()
         if (format < enumerantLimit)
             unblock(format);
     }
+}
+
+void* DeviceGate::hostFunction(Host& host, Fn function) const
+{
+    if (!m_hostAvailability.has(function) && mayDoNothing(function))
+        return Host::nothing();
+    // A driver that lacks what the device has would say nothing.
+    return host.has(function) ? host.function<void*>(function) : refusing();
 }
 
 void* DeviceGate::refusing()

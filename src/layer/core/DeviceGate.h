@@ -34,9 +34,9 @@ struct LimitRow {
         std::int8_t value, target, level, internalFormat, width, height, depth, offset, name;
     };
 
-    Check check;
     GLenum limit;
     GLenum base;
+    Check check;
     Places places;
 };
 
@@ -63,8 +63,8 @@ public:
     /// The host's functions as the program gets them; those that the device lacks refuse.
     std::atomic<void*>* functions() { return m_functions.data(); }
     bool blocks(Fn function) const;
-    /// What stands in for functions that are refused; the wrapper that called it asks checkGl() then.
-    static void* refusing();
+    /// What a function of the device is on a host, which may lack it.
+    void* hostFunction(Host& host, Fn function) const;
     bool blocks(GLenum enumerant) const
     {
         return enumerant < enumerantLimit && ((m_blocked[enumerant / 64] >> (enumerant % 64)) & 1U) != 0;
@@ -87,6 +87,8 @@ public:
 private:
     static constexpr GLenum enumerantLimit = 0x10000;
 
+    /// What stands in for functions that are refused; the wrapper that called it asks checkGl() then.
+    static void* refusing();
     void blockFunctions();
     void blockEnumerants();
     void unblock(GLenum enumerant) { m_blocked[enumerant / 64] &= ~(std::uint64_t{1} << (enumerant % 64)); }

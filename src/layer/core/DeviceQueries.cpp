@@ -28,6 +28,28 @@ GLenum countedList(GLenum name)
     }
 }
 
+/// How many numbers a query of a state writes, so that a profile cannot make it write more; nothing for a
+/// list, whose length a program asks for.
+std::optional<std::size_t> sizeOf(GLenum name)
+{
+    switch (name) {
+    case gl::compressedTextureFormats:
+    case gl::programBinaryFormats:
+    case gl::shaderBinaryFormats:
+        return std::nullopt;
+    case gl::maxViewportDims:
+    case 0x0B12: // GL_SMOOTH_POINT_SIZE_RANGE
+    case 0x0B22: // GL_SMOOTH_LINE_WIDTH_RANGE
+    case 0x825D: // GL_VIEWPORT_BOUNDS_RANGE_OES
+    case 0x846D: // GL_ALIASED_POINT_SIZE_RANGE
+    case 0x846E: // GL_ALIASED_LINE_WIDTH_RANGE
+    case 0x9381: // GL_MULTISAMPLE_LINE_WIDTH_RANGE
+        return 2;
+    default:
+        return 1;
+    }
+}
+
 /// Where the state depends on the framebuffer, what the device says is about the one of the surface.
 bool isOfAnotherFramebuffer(const Context& context, GLenum name)
 {
@@ -90,25 +112,40 @@ std::string textOr(const device::Api& api, GLenum name, const std::string& fallb
 
 } // namespace
 
-std::vector<device::Number> deviceState(const Context& context, GLenum name)
+namespace {
+
+/// All that the device says of a state.
+Numbers allOfState(const Context& context, GLenum name)
 {
     if (!context.gate || context.gate->blocks(name))
         return {};
     const device::Api& api = context.gate->api();
     if (const std::optional<std::int64_t> value = stateOfVersion(api, name))
         return {*value};
-    const auto found = api.capabilities.find(name);
-    if (found != api.capabilities.end())
-        return isOfAnotherFramebuffer(context, name) ? Numbers{} : found->second;
     const auto list = api.capabilities.find(countedList(name));
     if (list != api.capabilities.end())
         return {static_cast<std::int64_t>(list->second.size())};
-    return {};
+    const auto found = api.capabilities.find(name);
+    if (found == api.capabilities.end() || isOfAnotherFramebuffer(context, name))
+        return {};
+    return found->second;
+}
+
+} // namespace
+
+std::vector<device::Number> deviceState(const Context& context, GLenum name)
+{
+    Numbers all = allOfState(context, name);
+    const std::optional<std::size_t> size = sizeOf(name);
+    // What a query does not write whole is the host's.
+    if (size && all.size() != *size)
+        all.clear();
+    return all;
 }
 
 std::vector<device::Number> deviceState(const Context& context, GLenum name, GLuint index)
 {
-    const Numbers all = deviceState(context, name);
+    const Numbers all = allOfState(context, name);
     return index < all.size() ? Numbers{all[index]} : Numbers{};
 }
 

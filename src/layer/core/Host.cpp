@@ -44,19 +44,24 @@ void* wrapperOf(std::string_view name)
     return found != std::end(rows) && found->name == name ? found->wrapper : nullptr;
 }
 
+void* Host::nothing()
+{
+    return reinterpret_cast<void*>(&doNothing);
+}
+
 void* Host::resolve(Fn function)
 {
     const Resolver resolver = m_resolver ? m_resolver : firstResolver();
     void* address = resolver ? resolver(rowOf(function).name) : nullptr;
     if (!address)
-        address = reinterpret_cast<void*>(&doNothing);
+        address = nothing();
     m_functions[static_cast<std::size_t>(function)].store(address, std::memory_order_relaxed);
     return address;
 }
 
 bool Host::has(Fn function)
 {
-    return this->function<void*>(function) != reinterpret_cast<void*>(&doNothing);
+    return this->function<void*>(function) != nothing();
 }
 
 Host& hostAt(std::size_t index)

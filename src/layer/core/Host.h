@@ -45,6 +45,8 @@ public:
             address = resolve(function);
         return reinterpret_cast<Pointer>(address);
     }
+    /// What stands in for functions that a driver lacks: it does nothing and returns 0.
+    static void* nothing();
     /// Whether the driver answers for a function. It may still do nothing.
     bool has(Fn function);
 

@@ -91,12 +91,19 @@ std::string shaderRefusal(const device::Table& table, const device::Api& api, st
 {
     Directives directives(source);
     std::string refusal;
+    int conditions = 0;
     for (std::string_view line; refusal.empty() && directives.next(line);) {
         const std::string_view name = Directives::word(line);
+        if (name == "if" || name == "ifdef" || name == "ifndef")
+            ++conditions;
+        if (name == "endif")
+            --conditions;
         const std::string_view subject = Directives::word(line);
         if (name == "version")
             refusal = versionRefusal(table, api, subject);
-        if (name != "extension" || Directives::word(line) != ":" || Directives::word(line) != "require")
+        // What stands under a condition is often only there where the extension is.
+        if (name != "extension" || conditions > 0 || Directives::word(line) != ":"
+            || Directives::word(line) != "require")
             continue;
         if (subject != "all" && std::ranges::find(api.extensions, subject) == api.extensions.end())
             refusal = "the extension " + std::string(subject) + " is not available on " + table.name;

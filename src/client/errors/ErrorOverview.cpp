@@ -1,0 +1,217 @@
+#include "ErrorOverview.h"
+
+#include "ErrorListModel.h"
+#include "PlainToolTip.h"
+
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QLocale>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QStyleOptionFocusRect>
+#include <QToolTip>
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr int repaintPause = 200; // milliseconds
+constexpr int leastBarWidth = 3; // pixels
+
+bool isDark(const QPalette& palette)
+{
+    return palette.color(QPalette::Base).lightness() < 128;
+}
+
+} // namespace
+
+ErrorOverview::ErrorOverview(QWidget* parent)
+    : QWidget(parent)
+{
+    setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    setAccessibleName(tr("Errors over frames"));
+    setAccessibleDescription(tr("Left and right choose a group of frames, Enter goes to its first row"));
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(repaintPause);
+    connect(&m_pause, &QTimer::timeout, this, &ErrorOverview::showCounts);
+    hide();
+}
+
+void ErrorOverview::setErrors(const ErrorListModel* errors)
+{
+    m_errors = errors;
+    connect(errors, &QAbstractItemModel::rowsInserted, this,
+        [this](const QModelIndex&, int first, int last) { count(first, last); });
+    connect(errors, &QAbstractItemModel::modelReset, this, &ErrorOverview::recount);
+    recount();
+}
+
+void ErrorOverview::count(int first, int last)
+{
+    for (int row = first; row <= last; ++row) {
+        const error_list::Row facts = m_errors->row(row);
+        m_histogram.add(facts.severity, facts.frame);
+    }
+    if (!m_pause.isActive())
+        m_pause.start();
+}
+
+void ErrorOverview::recount()
+{
+    m_histogram.clear();
+    m_current = -1;
+    count(0, m_errors->rowCount() - 1);
+    showCounts();
+}
+
+/// Of one frame alone there is nothing to see.
+void ErrorOverview::showCounts()
+{
+    setVisible(m_histogram.lastFrame() > m_histogram.firstFrame());
+    update();
+}
+
+QSize ErrorOverview::sizeHint() const
+{
+    return {200, fontMetrics().height() + 10};
+}
+
+QSize ErrorOverview::minimumSizeHint() const
+{
+    return {40, sizeHint().height()};
+}
+
+/// As many as there is room for, and no more than frames are counted apart.
+int ErrorOverview::barCount() const
+{
+    const std::int64_t first = m_histogram.binStart(m_histogram.firstFrame());
+    const std::int64_t bins = (m_histogram.lastFrame() - first) / m_histogram.binWidth() + 1;
+    return static_cast<int>(std::clamp<std::int64_t>(bins, 1, std::max(1, width() / leastBarWidth)));
+}
+
+ErrorOverview::Bar ErrorOverview::bar(int number) const
+{
+    const std::int64_t width = m_histogram.binWidth();
+    const std::int64_t first = m_histogram.binStart(m_histogram.firstFrame());
+    const std::int64_t bins = (m_histogram.lastFrame() - first) / width + 1;
+    const std::int64_t count = barCount();
+    return {first + bins * number / count * width, first + bins * (number + 1) / count * width - 1};
+}
+
+ErrorHistogram::Bin ErrorOverview::countsOf(int number) const
+{
+    const Bar frames = bar(number);
+    return m_histogram.countOf(frames.first, frames.last);
+}
+
+int ErrorOverview::barAt(int x) const
+{
+    if (layoutDirection() == Qt::RightToLeft)
+        x = width() - 1 - x;
+    return std::clamp(x * barCount() / std::max(1, width()), 0, barCount() - 1);
+}
+
+void ErrorOverview::paintEvent(QPaintEvent* event)
+{
+    Q_UNUSED(event)
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().color(QPalette::Base));
+    const QColor error = isDark(palette()) ? QColor(255, 100, 90) : QColor(200, 30, 30);
+    const QColor warning = isDark(palette()) ? QColor(240, 200, 60) : QColor(190, 140, 0);
+    const int count = barCount();
+    std::uint32_t most = 1;
+    for (int i = 0; i < count; ++i)
+        most = std::max(most, countsOf(i).sum());
+    const int room = height() - 4;
+    for (int i = 0; i < count; ++i) {
+        const ErrorHistogram::Bin counts = countsOf(i);
+        if (counts.sum() == 0)
+            continue;
+        const double part = std::log1p(counts.sum()) / std::log1p(most);
+        const int high = std::max(2, static_cast<int>(std::lround(part * room)));
+        const int errors = static_cast<int>(std::lround(double(high) * counts.errors / counts.sum()));
+        int left = width() * i / count;
+        const int wide = std::max(1, width() * (i + 1) / count - left - 1);
+        if (layoutDirection() == Qt::RightToLeft)
+            left = width() - left - wide;
+        const int bottom = height() - 2;
+        painter.fillRect(left, bottom - errors, wide, errors, error);
+        painter.fillRect(left, bottom - high, wide, high - errors, warning);
+        if (hasFocus() && i == m_current)
+            painter.fillRect(left, height() - 2, wide, 2, palette().color(QPalette::Highlight));
+    }
+    painter.setPen(palette().color(hasFocus() ? QPalette::Highlight : QPalette::Mid));
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+QString ErrorOverview::toolTipOf(int number) const
+{
+    const Bar frames = bar(number);
+    const ErrorHistogram::Bin counts = countsOf(number);
+    const QLocale locale;
+    const QString counted =
+        tr("%1 errors, %2 warnings").arg(locale.toString(counts.errors), locale.toString(counts.warnings));
+    if (frames.first == frames.last)
+        return tr("Frame %1: %2").arg(frames.first).arg(counted);
+    return tr("Frames %1 to %2: %3").arg(frames.first).arg(frames.last).arg(counted);
+}
+
+bool ErrorOverview::event(QEvent* event)
+{
+    if (event->type() != QEvent::ToolTip)
+        return QWidget::event(event);
+    const auto* help = static_cast<const QHelpEvent*>(event);
+    QToolTip::showText(help->globalPos(), plainToolTip(toolTipOf(barAt(help->pos().x()))), this);
+    return true;
+}
+
+void ErrorOverview::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton)
+        choose(nearestFilled(barAt(event->position().toPoint().x())));
+}
+
+/// The bar itself or the nearest one that is not empty.
+int ErrorOverview::nearestFilled(int number) const
+{
+    for (int distance = 0; distance < barCount(); ++distance) {
+        for (const int other : {number - distance, number + distance}) {
+            if (other >= 0 && other < barCount() && countsOf(other).sum() > 0)
+                return other;
+        }
+    }
+    return number;
+}
+
+void ErrorOverview::choose(int number)
+{
+    m_current = number;
+    update();
+    const Bar frames = bar(number);
+    Q_EMIT framesChosen(static_cast<int>(std::max<std::int64_t>(frames.first, m_histogram.firstFrame())),
+        static_cast<int>(std::min<std::int64_t>(frames.last, m_histogram.lastFrame())));
+}
+
+void ErrorOverview::keyPressEvent(QKeyEvent* event)
+{
+    const int forward = layoutDirection() == Qt::RightToLeft ? Qt::Key_Left : Qt::Key_Right;
+    const int back = layoutDirection() == Qt::RightToLeft ? Qt::Key_Right : Qt::Key_Left;
+    const int step = event->key() == forward ? 1 : event->key() == back ? -1 : 0;
+    if (step != 0) {
+        int next = std::clamp(m_current, -1, barCount()) + step;
+        while (next >= 0 && next < barCount() && countsOf(next).sum() == 0)
+            next += step;
+        if (next < 0 || next >= barCount())
+            return;
+        m_current = next;
+        const int x = width() * next / barCount();
+        QToolTip::showText(mapToGlobal(QPoint(x, height())), plainToolTip(toolTipOf(next)), this);
+        update();
+    } else if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && m_current >= 0) {
+        choose(std::min(m_current, barCount() - 1));
+    } else {
+        QWidget::keyPressEvent(event);
+    }
+}

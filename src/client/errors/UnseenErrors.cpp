@@ -1,0 +1,67 @@
+#include "UnseenErrors.h"
+
+#include "ErrorListModel.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QWidget>
+#include <QWindow>
+
+namespace {
+
+constexpr int tellPause = 200; // milliseconds
+
+} // namespace
+
+UnseenErrors::UnseenErrors(const ErrorListModel& errors, QWidget& widget)
+    : QObject(&widget)
+    , m_errors(errors)
+    , m_widget(widget)
+{
+    m_pause.setSingleShot(true);
+    m_pause.setInterval(tellPause);
+    connect(&m_pause, &QTimer::timeout, this, &UnseenErrors::changed);
+    connect(&errors, &QAbstractItemModel::rowsInserted, this,
+        [this](const QModelIndex&, int first, int last) { count(first, last); });
+    connect(&errors, &QAbstractItemModel::modelReset, this, &UnseenErrors::clear);
+    widget.installEventFilter(this);
+    connect(qApp, &QApplication::focusWindowChanged, this, [this] {
+        if (isSeen())
+            clear();
+    });
+}
+
+bool UnseenErrors::isSeen() const
+{
+    return m_widget.isVisible() && m_widget.isActiveWindow();
+}
+
+void UnseenErrors::count(int first, int last)
+{
+    if (isSeen())
+        return;
+    for (int row = first; row <= last; ++row) {
+        const qint32 severity = m_errors.severity(row);
+        m_errorCount += severity == error_list::SeverityError ? 1 : 0;
+        m_warningCount += severity == error_list::SeverityWarning ? 1 : 0;
+    }
+    if (!m_pause.isActive())
+        m_pause.start();
+}
+
+void UnseenErrors::clear()
+{
+    if (m_errorCount == 0 && m_warningCount == 0)
+        return;
+    m_errorCount = 0;
+    m_warningCount = 0;
+    m_pause.stop();
+    Q_EMIT changed();
+}
+
+bool UnseenErrors::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::Show && m_widget.isActiveWindow())
+        clear();
+    return QObject::eventFilter(watched, event);
+}
