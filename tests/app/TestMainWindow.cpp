@@ -3,6 +3,7 @@
 #include "ClientTabWidget.h"
 #include "Console.h"
 #include "ConsoleSaver.h"
+#include "DesktopNotifier.h"
 #include "DialogAnswers.h"
 #include "ErrorListModel.h"
 #include "FeedbackDialog.h"
@@ -64,6 +65,7 @@ private Q_SLOTS:
     void destructionDuringAFlood();
     void savingTabIsCompleted();
     void statusCounts();
+    void desktopTellsWhatTheUserWants();
     void systemReport();
     void fatalErrorClosesTheWindow();
 };
@@ -347,6 +349,30 @@ void TestMainWindow::statusCounts()
         session.applications.front()->send(text(Type::Error, "e"));
         return session.status("lblErrorCount") != QStringLiteral("2 errors");
     }));
+}
+
+void TestMainWindow::desktopTellsWhatTheUserWants()
+{
+    const auto choose = [](const Session& session, int choice) {
+        session.window.findChild<QMenu*>(QStringLiteral("menuNotifications"))
+            ->actions()
+            .at(choice)
+            ->trigger();
+    };
+    // Nobody looks at the window. An application with two errors crashes, another one says good-bye.
+    for (const auto& [choice, name, told] :
+        {std::tuple(0, "off", 0), std::tuple(1, "crashes", 1), std::tuple(2, "errors", 3)}) {
+        Session session;
+        QSignalSpy notified(session.window.findChild<DesktopNotifier*>(), &DesktopNotifier::notified);
+        choose(session, choice);
+        session.connectApplication().send(bytes(text(Type::Error, "a")) + bytes(text(Type::Error, "b")));
+        QTRY_COMPARE(session.status("lblErrorCount"), QStringLiteral("2 errors"));
+        session.applications.front()->close();
+        session.connectApplication().send(bytes(make(Type::CleanDisconnect)));
+        QTRY_COMPARE(session.status("lblClients"), QStringLiteral("0 clients connected"));
+        QCOMPARE(notified.count(), told);
+        QCOMPARE(session.preferences.get(settings::notifications), std::string(name));
+    }
 }
 
 void TestMainWindow::systemReport()

@@ -8,6 +8,8 @@
 #include "MutedErrors.h"
 #include "MutedErrorsDialog.h"
 #include "TableExport.h"
+#include "UnseenBadge.h"
+#include "UnseenErrors.h"
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
@@ -17,10 +19,12 @@
 #include <QGuiApplication>
 #include <QHeaderView>
 #include <QInputDialog>
+#include <QLabel>
 #include <QMenu>
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QTabBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTreeWidget>
@@ -107,6 +111,7 @@ private Q_SLOTS:
     void exportsThatFailLeaveTheFile();
     void histogramWidens();
     void overviewIsClicked();
+    void unseenErrorsAreCounted();
 };
 
 void TestErrorFolding::rowsOfAKindAreOne()
@@ -463,6 +468,35 @@ void TestErrorFolding::overviewIsClicked()
     QCOMPARE(chosen.last(), QVariantList({19, 19}));
     list.model.clear();
     QVERIFY(overview.isHidden());
+}
+
+void TestErrorFolding::unseenErrorsAreCounted()
+{
+    List list;
+    QVERIFY(list.isActive);
+    const UnseenErrors unseen(list.model, list.view);
+    QTabBar bar;
+    bar.addTab(QStringLiteral("Error List"));
+    UnseenBadge badge(unseen, bar, 0);
+    connect(&unseen, &UnseenErrors::changed, &badge, [&badge] { badge.showOn(0); });
+    const auto shownBadge = [&bar] {
+        const auto* label = qobject_cast<QLabel*>(bar.tabButton(0, QTabBar::LeftSide));
+        return label ? label->text() : QString();
+    };
+    list.fill();
+    QCOMPARE(unseen.errors(), 0); // they are looked at
+    list.view.hide();
+    list.fill();
+    QTRY_COMPARE(shownBadge(), QStringLiteral("5"));
+    QCOMPARE(unseen.errors(), 4);
+    QVERIFY(badge.accessibleName().contains(QStringLiteral("4 errors and 1 warnings")));
+    list.view.show();
+    QCOMPARE(shownBadge(), QString());
+    list.view.hide();
+    list.fill();
+    list.model.clear();
+    QCOMPARE(unseen.warnings(), 0);
+    QCOMPARE(shownBadge(), QString());
 }
 
 QTEST_MAIN(TestErrorFolding)
