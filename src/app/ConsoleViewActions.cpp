@@ -23,6 +23,12 @@ ConsoleViewActions::ConsoleViewActions(Preferences& preferences, QMenu* menu)
             page.consoleMargin().setRepeatsShown(on);
             page.console().setFoldsRepeats(on);
         });
+    add("actionFoldGroups", tr("Fold &Groups"),
+        tr("Show of the messages with a number and of what stands in their frames the first lines only"),
+        settings::foldGroups, [](ClientInterface& page, bool on) {
+            page.consoleMargin().setGroupsShown(on);
+            page.console().setFoldsGroups(on);
+        });
 }
 
 void ConsoleViewActions::add(const char* objectName, const QString& text, const QString& statusTip,

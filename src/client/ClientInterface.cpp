@@ -70,6 +70,7 @@ void ClientInterface::setUpConsole(const QFont& font)
     m_console = new Console(m_ui->txtConsole, m_ui->chkConsoleAutoScroll, this);
     m_margin = new ConsoleMargin(m_ui->txtConsole, m_console->history(), m_ui->tab_console);
     m_ui->consoleTextLayout->insertWidget(0, m_margin);
+    connect(m_margin, &ConsoleMargin::groupClicked, m_console, &Console::toggleGroup);
     m_saver = new ConsoleSaver(m_console, this);
     fontChanged(font);
 }

@@ -31,6 +31,8 @@ Console::Console(QTextEdit* view, QAbstractButton* autoScroll, QObject* parent)
     , m_startTime(QDateTime::currentMSecsSinceEpoch())
 {
     m_sinceStart.start();
+    m_document.setFolding(&m_folding);
+    m_history.setFolding(&m_folding);
     m_document.setPalette(view->palette());
     // A scroll bar that came and went would have all text laid out for another width, twice in each restart.
     view->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
@@ -68,8 +70,9 @@ void Console::addEntry(std::string entry, std::uint32_t frame, ConsolePace::Read
 {
     const EntryStamp stamp{time ? *time : m_startTime + m_sinceStart.elapsed(), frame};
     const std::uint64_t serial = entryCount();
+    const GroupPlace place = m_spool->nextPlace();
     m_spool->append(entry, stamp);
-    ConsoleItem item{std::move(entry), serial, stamp};
+    ConsoleItem item{std::move(entry), serial, stamp, place};
     if (m_pace.mayWriteAtOnce(reading, m_document.isClosed()))
         writeAtOnce(std::move(item));
     else
@@ -88,7 +91,7 @@ void Console::writeAtOnce(ConsoleItem item)
     showEndIfFollowing();
     if (!m_pace.isRefreshPending() && hasMoreToShow())
         m_pace.fillUp();
-    if (m_foldsRepeats)
+    if (m_folding.isActive())
         m_view->viewport()->update(); // for the margin, which counts
     m_pace.addWritingTime(time.nsecsElapsed());
 }
@@ -98,7 +101,7 @@ void Console::refresh()
     if (!m_pace.beginRefresh(m_view->isVisible()))
         return;
     const bool isFillable = showMore();
-    if (m_foldsRepeats)
+    if (m_folding.isActive())
         m_view->viewport()->update();
     showEndIfFollowing();
     m_pace.endRefresh(m_document.waiting() > 0 && !m_document.isClosed(), isFillable);
@@ -200,10 +203,27 @@ void Console::setFont(const QFont& font)
 
 void Console::setFoldsRepeats(bool folds)
 {
-    if (std::exchange(m_foldsRepeats, folds) == folds)
+    if (std::exchange(m_folding.repeats, folds) != folds)
+        foldAnew();
+}
+
+void Console::setFoldsGroups(bool folds)
+{
+    if (std::exchange(m_folding.groups, folds) == folds)
         return;
-    m_document.setFoldsRepeats(folds);
-    m_history.setFoldsRepeats(folds);
+    m_folding.exceptions.clear();
+    foldAnew();
+}
+
+void Console::toggleGroup(std::uint64_t serial)
+{
+    if (m_folding.exceptions.erase(serial) == 0)
+        m_folding.exceptions.insert(serial);
+    foldAnew();
+}
+
+void Console::foldAnew()
+{
     if (m_follower.isFollowing()) {
         m_history.reloadLive();
         restart();

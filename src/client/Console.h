@@ -38,8 +38,12 @@ public:
     void addClosingLine(const QString& text, Time time = {});
     void clear();
     void setFont(const QFont& font);
-    /// Whether equal entries that follow each other are shown as one. All of them are kept.
+    /// Whether equal entries that follow each other are shown as one, and groups as their first lines. All of
+    /// them are kept.
     void setFoldsRepeats(bool folds);
+    void setFoldsGroups(bool folds);
+    /// Folds or unfolds the group that an entry opens.
+    void toggleGroup(std::uint64_t serial);
 
     /// The number of entries after which the document is written anew, as it never gives up their formats.
     void setRebuildAfter(std::uint64_t entries) { m_document.setRebuildAfter(entries); }
@@ -76,6 +80,7 @@ private:
     int restartWeight() const;
     void trimIfOverfull();
     void closeDocument();
+    void foldAnew();
     void restart();
     void recolour();
     void showEnd();
@@ -89,5 +94,5 @@ private:
     ConsoleHistory m_history;
     QElapsedTimer m_sinceStart;
     qint64 m_startTime; ///< Milliseconds since the epoch.
-    bool m_foldsRepeats = false;
+    ConsoleFolding m_folding;
 };

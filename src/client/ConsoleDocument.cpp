@@ -69,7 +69,7 @@ void ConsoleDocument::write(Entry& entry, ConsoleWriter& writer)
 ConsoleDocument::Entry ConsoleDocument::entryOf(ConsoleItem item)
 {
     const int weight = console_entry::weight(item.bytes);
-    return {std::move(item.bytes), item.serial, item.count, item.stamp, weight, 0};
+    return {std::move(item.bytes), item.serial, item.place, item.count, item.stamp, weight, 0};
 }
 
 void ConsoleDocument::append(ConsoleItem item)
@@ -82,10 +82,10 @@ void ConsoleDocument::append(ConsoleItem item)
     write(m_entries.back(), m_writer);
 }
 
-/// Folds an entry into the last of others, if it repeats that.
+/// Folds an entry into the last of others, if it belongs there.
 bool ConsoleDocument::fold(Entries& entries, const Entry& entry) const
 {
-    if (!m_foldsRepeats || entries.empty() || !console_entry::isRepeated(entries.back().bytes, entry.bytes))
+    if (!m_folding || entries.empty() || !m_folding->folds(entries.back().bytes, entry.bytes, entry.place))
         return false;
     entries.back().count += entry.count;
     return true;
@@ -455,7 +455,8 @@ void ConsoleDocument::forEachShown(const std::function<bool(const Shown&)>& func
     int position = m_headLength;
     for (std::size_t i = m_first; i < m_entries.size(); ++i) {
         const Entry& entry = m_entries[i];
-        if (!function({entry.serial, entry.count, entry.stamp, {position, position + entry.length}}))
+        if (!function({entry.serial, entry.count, console_entry::isGroup(entry.bytes), entry.stamp,
+                {position, position + entry.length}}))
             break;
         position += entry.length;
     }

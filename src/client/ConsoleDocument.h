@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ConsoleEntry.h"
+#include "ConsoleFolding.h"
 #include "ConsoleOutline.h"
 #include "ConsoleWriter.h"
 
@@ -40,8 +41,8 @@ public:
     void append(ConsoleItem item);
     /// Lets an entry wait for appendWaiting() or restart().
     void enqueue(ConsoleItem item);
-    /// Whether entries that come from now on are folded into an equal one before them.
-    void setFoldsRepeats(bool folds) { m_foldsRepeats = folds; }
+    /// What entries that come from now on are folded into; lives at least as long.
+    void setFolding(const ConsoleFolding* folding) { m_folding = folding; }
     std::size_t waiting() const { return m_waiting.size(); }
     /// True when entries between those that are shown and those that wait were dropped, so that only
     /// restart() can show the others.
@@ -98,7 +99,8 @@ public:
     /// An entry that is shown.
     struct Shown {
         std::uint64_t serial;
-        std::uint64_t count; ///< Of this and the equal entries behind it that are folded into it.
+        std::uint64_t count; ///< Of this and the entries behind it that are folded into it.
+        bool isGroup; ///< Opens a frame that other entries stand in.
         EntryStamp stamp;
         Range range;
     };
@@ -113,7 +115,8 @@ private:
     struct Entry {
         std::string bytes;
         std::uint64_t serial = 0;
-        std::uint64_t count = 1; ///< Of this and the equal entries behind it that are folded into it.
+        GroupPlace place;
+        std::uint64_t count = 1; ///< Of this and the entries behind it that are folded into it.
         EntryStamp stamp;
         int weight = 1;
         int length = 0; ///< Characters in the document.
@@ -157,7 +160,7 @@ private:
     std::uint64_t m_written = 0; ///< Number of entries written since the document was last empty.
     /// Number of entries after which their formats, which a document never gives up, are too many.
     std::uint64_t m_rebuildAfter = 20 * liveEntries;
-    bool m_foldsRepeats = false;
+    const ConsoleFolding* m_folding = nullptr;
     bool m_closed = false;
     QString m_closingReason;
     int m_closingLength = 0; ///< Characters of the line that says so.

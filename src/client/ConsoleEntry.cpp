@@ -165,6 +165,21 @@ bool isRepeated(std::string_view former, std::string_view entry)
     return former == entry && type >= Type::DebugMessage && type <= Type::GlError;
 }
 
+bool isInGroup(std::string_view entry, const GroupPlace& place)
+{
+    const Type type = typeOf(entry);
+    if (place.depth == 0 || type == closingLineType)
+        return false;
+    // A message that goes too deep leaves all frames and opens a new one.
+    return !(type == Type::LineBreak && place.depth == 1)
+        && !(type == Type::IdentifiedMessage && place.depth >= ConsoleOutline::deepestFrame);
+}
+
+bool isGroup(std::string_view entry)
+{
+    return typeOf(entry) == Type::IdentifiedMessage;
+}
+
 int weight(std::string_view entry)
 {
     return static_cast<int>(1 + entry.size() / bytesPerLine

@@ -15,12 +15,19 @@ struct EntryStamp {
     std::uint32_t frame = 0; ///< As in the record; ui::messages::noFrame where there is none.
 };
 
+/// Where an entry stands in the frames of identified messages.
+struct GroupPlace {
+    std::size_t depth = 0; ///< Number of frames that are open before the entry.
+    std::uint64_t serial = 0; ///< Of the message that opened the outermost one.
+};
+
 /// An entry with what is known of it.
 struct ConsoleItem {
     std::string bytes;
     std::uint64_t serial = 0; ///< Number of entries that the console had before it, cleared ones too.
     EntryStamp stamp;
-    std::uint64_t count = 1; ///< Of this and the equal entries behind it that are folded into it.
+    GroupPlace place = {};
+    std::uint64_t count = 1; ///< Of this and the entries behind it that are folded into it.
 };
 
 /// Entries of the console: records that it shows, cut to the bytes that it takes to draw or save them again.
@@ -44,6 +51,11 @@ void appendLines(std::string_view entry, std::string& text);
 /// True when an entry shows the same as the one before it, and stands for itself, so that both can be folded
 /// into one.
 bool isRepeated(std::string_view former, std::string_view entry);
+
+/// True for an entry inside of a group, which ends with the line break that leaves its outermost frame.
+bool isInGroup(std::string_view entry, const GroupPlace& place);
+/// True for an entry that opens a group.
+bool isGroup(std::string_view entry);
 
 /// What it costs to lay an entry out, in lines or so; 1 for most.
 int weight(std::string_view entry);

@@ -105,7 +105,7 @@ std::vector<ConsoleItem> ConsoleHistory::itemsAround(std::uint64_t serial, int w
     std::vector<ConsoleItem> items =
         itemsFrom(serial - std::min(available, before), serial, weight, reachesEnd);
     // Where many are folded into few, those before them have to be read as well.
-    while (m_foldsRepeats && before < std::min(available, mostRead) && !items.empty()
+    while (m_folding && m_folding->isActive() && before < std::min(available, mostRead) && !items.empty()
         && items.size() < static_cast<std::size_t>(weight)) {
         before *= 8;
         items = itemsFrom(serial - std::min(available, before), serial, weight, reachesEnd);
@@ -117,13 +117,14 @@ std::vector<ConsoleItem> ConsoleHistory::itemsFrom(
     std::uint64_t first, std::uint64_t serial, int weight, bool& reachesEnd) const
 {
     ConsoleSpool::Reader reader(m_spool, first);
+    reader.followGroups();
     std::deque<ConsoleItem> items;
     int weightBefore = 0;
     int weightBehind = 0;
     std::string_view entry;
     reachesEnd = true;
     while (reader.next(entry)) {
-        if (m_foldsRepeats && !items.empty() && console_entry::isRepeated(items.back().bytes, entry)) {
+        if (m_folding && !items.empty() && m_folding->folds(items.back().bytes, entry, reader.place())) {
             ++items.back().count;
             continue;
         }
@@ -134,8 +135,8 @@ std::vector<ConsoleItem> ConsoleHistory::itemsFrom(
         const bool isBefore = reader.serial() < serial;
         (isBefore ? weightBefore : weightBehind) += console_entry::weight(entry);
         // The line that stands for missing entries takes the place of the last of them.
-        items.push_back(
-            {std::string(entry), reader.isEntry() ? reader.serial() : reader.serial() - 1, reader.stamp()});
+        items.push_back({std::string(entry), reader.isEntry() ? reader.serial() : reader.serial() - 1,
+            reader.stamp(), reader.place()});
         while (isBefore && weightBefore > weight && items.size() > 1) {
             weightBefore -= console_entry::weight(items.front().bytes);
             items.pop_front();

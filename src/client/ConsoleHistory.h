@@ -35,8 +35,8 @@ public:
     /// Another writes into the text document from now on.
     void leave() { m_isShown = false; }
     void rewrite(const QPalette& palette);
-    /// Whether equal entries that follow each other are shown as one.
-    void setFoldsRepeats(bool folds) { m_foldsRepeats = folds; }
+    /// How entries are folded; lives at least as long.
+    void setFolding(const ConsoleFolding* folding) { m_folding = folding; }
     /// Has the live document take its entries anew from the spool.
     void reloadLive();
     /// Takes all entries anew from the spool, and keeps the reader's place.
@@ -102,6 +102,6 @@ private:
     ConsoleFollower& m_follower;
     ConsoleDocument& m_live;
     ConsoleDocument m_window;
-    bool m_foldsRepeats = false;
+    const ConsoleFolding* m_folding = nullptr;
     bool m_isShown = false;
 };

@@ -6,8 +6,11 @@
 #include <QDateTime>
 #include <QEvent>
 #include <QLocale>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QTextEdit>
+
+#include <optional>
 
 namespace {
 
@@ -22,7 +25,6 @@ ConsoleMargin::ConsoleMargin(const QTextEdit* view, const ConsoleHistory& histor
     , m_history(history)
 {
     setObjectName(QStringLiteral("consoleMargin"));
-    setToolTip(tr("The time at which each entry arrived, and its frame"));
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored);
     // Whatever changes what the view shows has it painted.
     view->viewport()->installEventFilter(this);
@@ -46,17 +48,27 @@ void ConsoleMargin::setRepeatsShown(bool shown)
     showIfUseful();
 }
 
+void ConsoleMargin::setGroupsShown(bool shown)
+{
+    m_showsGroups = shown;
+    showIfUseful();
+}
+
 void ConsoleMargin::showIfUseful()
 {
-    setVisible(m_showsStamps || m_showsRepeats);
+    setVisible(m_showsStamps || m_showsRepeats || m_showsGroups);
+    setToolTip((m_showsGroups ? tr("Click beside a group to fold or unfold it") : QString())
+        + (m_showsGroups && m_showsStamps ? QStringLiteral("\n") : QString())
+        + (m_showsStamps ? tr("The time at which each entry arrived, and its frame") : QString()));
     updateGeometry();
     update();
 }
 
-int ConsoleMargin::repeatsWidth() const
+int ConsoleMargin::foldWidth() const
 {
-    return m_showsRepeats ? m_view->fontMetrics().horizontalAdvance(QStringLiteral("\u00D7 100,000")) + gap
-                          : 0;
+    return m_showsRepeats || m_showsGroups
+        ? m_view->fontMetrics().horizontalAdvance(QStringLiteral("\u00D7 100,000")) + gap
+        : 0;
 }
 
 int ConsoleMargin::timeWidth() const
@@ -71,7 +83,7 @@ int ConsoleMargin::frameWidth() const
 
 QSize ConsoleMargin::sizeHint() const
 {
-    return {repeatsWidth() + timeWidth() + frameWidth(), 0};
+    return {foldWidth() + timeWidth() + frameWidth(), 0};
 }
 
 bool ConsoleMargin::eventFilter(QObject* watched, QEvent* event)
@@ -83,13 +95,42 @@ bool ConsoleMargin::eventFilter(QObject* watched, QEvent* event)
     return QWidget::eventFilter(watched, event);
 }
 
+/// What stands at the top of the viewport stands so far down here.
+int ConsoleMargin::offset() const
+{
+    return m_view->viewport()->mapTo(m_view, QPoint()).y() + m_view->y() - y();
+}
+
+QString ConsoleMargin::foldText(const ConsoleDocument::Shown& entry) const
+{
+    const auto count = static_cast<qulonglong>(entry.count);
+    if (!entry.isGroup)
+        return count > 1 ? QStringLiteral("\u00D7 ") + QLocale().toString(count) : QString();
+    if (!m_showsGroups)
+        return {};
+    return count > 1 ? QStringLiteral("\u25B8 ") + QLocale().toString(count - 1) : QStringLiteral("\u25BE");
+}
+
+void ConsoleMargin::mousePressEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton || !m_showsGroups)
+        return;
+    const int y = static_cast<int>(event->position().y()) - offset();
+    std::optional<std::uint64_t> group;
+    m_history.forEachInView([&](const ConsoleDocument::Shown& entry, int top) {
+        if (top <= y && y < top + m_view->fontMetrics().lineSpacing())
+            group = entry.isGroup ? std::optional(entry.serial) : std::nullopt;
+    });
+    if (group)
+        Q_EMIT groupClicked(*group);
+}
+
 void ConsoleMargin::paintEvent(QPaintEvent* event)
 {
     Q_UNUSED(event)
     QPainter painter(this);
     painter.setFont(m_view->font());
     painter.setPen(m_view->palette().color(QPalette::PlaceholderText));
-    const int offset = m_view->viewport()->mapTo(m_view, QPoint()).y() + m_view->y() - y();
     const int line = m_view->fontMetrics().lineSpacing();
     int last = -line;
     m_history.forEachInView([&](const ConsoleDocument::Shown& entry, int top) {
@@ -97,7 +138,7 @@ void ConsoleMargin::paintEvent(QPaintEvent* event)
         if (top < last + line)
             return;
         last = top;
-        drawEntry(painter, entry, top + offset);
+        drawEntry(painter, entry, top + offset());
     });
 }
 
@@ -109,11 +150,8 @@ void ConsoleMargin::drawEntry(QPainter& painter, const ConsoleDocument::Shown& e
         painter.drawText(QRect(x, y, width - gap, height), Qt::AlignRight | Qt::AlignVCenter, text);
         x += width;
     };
-    if (m_showsRepeats)
-        draw(repeatsWidth(),
-            entry.count > 1
-                ? QStringLiteral("\u00D7 ") + QLocale().toString(static_cast<qulonglong>(entry.count))
-                : QString());
+    if (m_showsRepeats || m_showsGroups)
+        draw(foldWidth(), foldText(entry));
     if (!m_showsStamps)
         return;
     draw(timeWidth(), timeText(entry.stamp.time));

@@ -18,20 +18,28 @@ public:
 
     void setStampsShown(bool shown);
     void setRepeatsShown(bool shown);
+    void setGroupsShown(bool shown);
 
     QSize sizeHint() const override;
 
     /// "12:34:56.789", in local time.
     static QString timeText(std::int64_t time);
 
+Q_SIGNALS:
+    /// The reader wants a group, which an entry opens, to be folded or unfolded.
+    void groupClicked(std::uint64_t serial);
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
 
 private:
     void showIfUseful();
+    int offset() const;
+    QString foldText(const ConsoleDocument::Shown& entry) const;
     void drawEntry(QPainter& painter, const ConsoleDocument::Shown& entry, int y) const;
-    int repeatsWidth() const;
+    int foldWidth() const;
     int timeWidth() const;
     int frameWidth() const;
 
@@ -39,4 +47,5 @@ private:
     const ConsoleHistory& m_history;
     bool m_showsStamps = false;
     bool m_showsRepeats = false;
+    bool m_showsGroups = false;
 };

@@ -2,8 +2,10 @@
 
 #include "Console.h"
 #include "ConsoleHtml.h"
+#include "ConsoleMargin.h"
 #include "ConsoleText.h"
 #include "FileReplacement.h"
+#include "Message.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -52,12 +54,29 @@ struct ConsoleSaver::Job {
         else
             sink = std::make_unique<ConsoleText>();
     }
-    std::string take() { return sink->take().toStdString(); }
+    std::string take() { return (stamped + sink->take()).toStdString(); }
+    /// Puts time and frame before the entry that the sink has got.
+    void stamp(const EntryStamp& stamp)
+    {
+        const QString entry = sink->take();
+        const auto text = std::find_if(
+            entry.begin(), entry.end(), [](QChar character) { return character != QLatin1Char('\n'); });
+        const auto start = text - entry.begin();
+        const QString frame =
+            stamp.frame == ui::messages::noFrame ? QStringLiteral("-") : QString::number(stamp.frame);
+        stamped += entry.first(start);
+        if (start < entry.size())
+            stamped +=
+                QStringLiteral("%1 %2  ").arg(ConsoleMargin::timeText(stamp.time), frame.rightJustified(7));
+        stamped += entry.sliced(start);
+    }
 
     QString path;
     platform::FileReplacement file;
     ConsoleSpool::Reader reader;
     std::unique_ptr<ConsoleFileSink> sink;
+    bool hasStamps = false;
+    QString stamped; ///< What is not written yet of a text with stamps.
 };
 
 ConsoleSaver::ConsoleSaver(Console* console, QWidget* window)
@@ -78,13 +97,17 @@ void ConsoleSaver::ask(const QString& name, PID_TYPE pid)
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     const QString text = tr("Plain text (*.txt)");
+    const QString stamped = tr("Plain text with time and frame (*.txt)");
     const QString html = tr("Web page (*.html)");
-    dialog->setNameFilters({text, html});
+    dialog->setNameFilters({text, stamped, html});
+    m_savesStamps = false;
     dialog->setDefaultSuffix(QStringLiteral("txt"));
     dialog->selectFile(fileName(name, pid, QDateTime::currentDateTime()));
-    connect(dialog, &QFileDialog::filterSelected, dialog, [dialog, html](const QString& filter) {
-        dialog->setDefaultSuffix(filter == html ? QStringLiteral("html") : QStringLiteral("txt"));
-    });
+    connect(
+        dialog, &QFileDialog::filterSelected, dialog, [this, dialog, html, stamped](const QString& filter) {
+            m_savesStamps = filter == stamped;
+            dialog->setDefaultSuffix(filter == html ? QStringLiteral("html") : QStringLiteral("txt"));
+        });
     connect(dialog, &QFileDialog::fileSelected, this, &ConsoleSaver::save);
     connect(dialog, &QObject::destroyed, this, [this] {
         m_dialog = nullptr; // a QPointer is cleared only later
@@ -100,6 +123,7 @@ void ConsoleSaver::save(const QString& path)
     if (isSaving())
         return;
     m_job = std::make_unique<Job>(path, m_console->spool());
+    m_job->hasStamps = m_savesStamps && !isHtml(path);
     Q_EMIT busyChanged(true);
     step();
 }
@@ -114,15 +138,20 @@ void ConsoleSaver::step()
     bool more = true;
     while (more && !time.hasExpired(stepTime)) {
         more = m_job->reader.next(entry);
-        if (more)
-            console_entry::write(entry, *m_job->sink);
+        if (!more)
+            break;
+        console_entry::write(entry, *m_job->sink);
+        if (m_job->hasStamps)
+            m_job->stamp(m_job->reader.stamp());
     }
     if (!m_job->reader.isValid()) {
         finish(false, tr("The console was not saved: what was kept of it cannot be read."));
         return;
     }
     if (more) {
-        if (!m_job->file.append(m_job->take()))
+        const std::string text = m_job->take();
+        m_job->stamped.clear();
+        if (!m_job->file.append(text))
             finish(
                 false, tr("The console was not saved: %1").arg(QString::fromStdString(m_job->file.reason())));
         else

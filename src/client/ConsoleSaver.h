@@ -27,6 +27,8 @@ public:
     void ask(const QString& name, PID_TYPE pid);
     /// Saves to a file, as HTML where its name ends so.
     void save(const QString& path);
+    /// Whether plain text is saved with the time and the frame of each entry.
+    void setSavesStamps(bool saves) { m_savesStamps = saves; }
     bool isSaving() const { return m_job != nullptr; }
     /// True from the question for a file until the file is saved.
     bool isBusy() const { return isSaving() || m_dialog; }
@@ -44,6 +46,7 @@ private:
 
     Console* m_console;
     QWidget* m_window;
+    bool m_savesStamps = false;
     QPointer<QObject> m_dialog; ///< The question for a file.
     std::unique_ptr<Job> m_job;
 };

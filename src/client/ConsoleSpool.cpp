@@ -60,6 +60,13 @@ std::uint64_t serialOf(std::string_view bytes)
     return serial;
 }
 
+GroupPlace placeIn(const ConsoleOutline& outline)
+{
+    if (!outline.isInFrame())
+        return {};
+    return {outline.openFrames().size(), serialOf(outline.openFrames().front())};
+}
+
 } // namespace
 
 ConsoleSpool::ConsoleSpool(QObject* parent)
@@ -126,6 +133,11 @@ void ConsoleSpool::clear()
     m_writtenOutline = m_outline;
 }
 
+GroupPlace ConsoleSpool::nextPlace() const
+{
+    return placeIn(m_outline);
+}
+
 /// The last mark that is not behind an entry; none in an empty spool.
 const ConsoleSpool::Mark* ConsoleSpool::markBefore(std::uint64_t serial) const
 {
@@ -177,6 +189,7 @@ ConsoleSpool::Reader::Reader(ConsoleSpool& spool, std::uint64_t serial)
     if (const Mark* mark = spool.markBefore(serial)) {
         m_position = m_fetched = mark->offset;
         m_nextSerial = mark->serial;
+        m_outline = mark->outline;
     }
 }
 
@@ -221,6 +234,10 @@ bool ConsoleSpool::Reader::readEntry(std::string_view& entry)
     m_serial = m_nextSerial;
     if (m_isEntry)
         ++m_nextSerial;
+    if (m_followsGroups) {
+        m_place = placeIn(m_outline);
+        console_entry::follow(entry, m_outline, bytesOf(m_serial));
+    }
     return true;
 }
 

@@ -48,6 +48,9 @@ public:
         EntryStamp stamp() const { return m_stamp; }
         /// False for such a line.
         bool isEntry() const { return m_isEntry; }
+        /// Has place() tell where entries stand, which takes time.
+        void followGroups() { m_followsGroups = true; }
+        GroupPlace place() const { return m_place; }
         /// False when the file could not be read.
         bool isValid() const { return !m_broken; }
         /// Bytes of all entries, and of those that have been read.
@@ -69,10 +72,15 @@ public:
         std::uint64_t m_nextSerial = 0;
         std::uint64_t m_from = 0; ///< Entries with smaller serial numbers are passed over.
         EntryStamp m_stamp;
+        ConsoleOutline m_outline; ///< As in a mark, of what was read.
+        GroupPlace m_place;
+        bool m_followsGroups = false;
         bool m_isEntry = false;
         bool m_broken = false;
     };
 
+    /// Where the entry that comes next will stand.
+    GroupPlace nextPlace() const;
     /// The outline of the text before the entry of a serial number, as far as the disk has kept it.
     ConsoleOutline outlineBefore(std::uint64_t serial);
 

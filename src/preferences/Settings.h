@@ -97,6 +97,7 @@ inline const Setting<property_list::Data> contextColumns{ofThisVersion("/window/
 inline const Setting<bool> autoCloseTabs{ofThisVersion("/window/auto_close_tabs")};
 inline const Setting<bool> consoleMargin{ofThisVersion("/window/console_margin"), alwaysTrue};
 inline const Setting<bool> foldRepeats{ofThisVersion("/window/fold_repeats")};
+inline const Setting<bool> foldGroups{ofThisVersion("/window/fold_groups")};
 inline const Setting<bool> showWarnings{ofThisVersion("/window/show_warnings"), alwaysTrue};
 inline const Setting<bool> showErrors{ofThisVersion("/window/show_errors"), alwaysTrue};
 

@@ -309,9 +309,10 @@ void TestConsole::savesWhatWasTrimmed()
 {
     Page page;
     page.receive({text(Type::Error, "a < b & c"), text(Type::Information, "gr\xC3\xBC\xC3\x9F")}, 3 * live);
-    const auto saved = [&page](const QString& name) {
+    const auto saved = [&page](const QString& name, bool savesStamps = false) {
         const QString path = QDir::tempPath() + QLatin1Char('/') + name;
         ConsoleSaver saver(&page.page.console(), &page.page);
+        saver.setSavesStamps(savesStamps);
         saver.save(path);
         if (!QTest::qWaitFor([&saver] { return !saver.isSaving(); }, 60000))
             return QString();
@@ -342,6 +343,14 @@ void TestConsole::savesWhatWasTrimmed()
     page.page.findChild<QPushButton*>(QStringLiteral("btnClear"))->click();
     page.receive({text(Type::Information, "after")}, 1);
     QCOMPARE(saved(QStringLiteral("console.txt")), QStringLiteral("after\n"));
+    page.page.receive(text(Type::Error, "two\nlines", 42));
+    page.page.receive(text(Type::Information, "no frame", 0xFFFFFFFF));
+    const QString stamped = saved(QStringLiteral("console.txt"), true);
+    const QString when = QStringLiteral("\\d\\d:\\d\\d:\\d\\d\\.\\d{3} ");
+    const QRegularExpression wanted(
+        QStringLiteral("^%1      1  after\n\n%1     42  Error\ntwo\nlines\n\n%1      -  no frame\n$")
+            .arg(when));
+    QVERIFY2(wanted.match(stamped).hasMatch(), qPrintable(stamped));
     page.page.setName(QStringLiteral("a/b c"));
     page.page.setPid(4711);
     page.page.findChild<QPushButton*>(QStringLiteral("btnSaveConsole"))->click();

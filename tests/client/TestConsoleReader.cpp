@@ -1,4 +1,5 @@
 #include "Client.h"
+#include "ConsoleMargin.h"
 #include "ConsolePage.h"
 #include "Resources.h"
 
@@ -23,6 +24,7 @@ private Q_SLOTS:
     void wholeConsoleCanBeRead();
     void entriesAreFoundAgain();
     void repeatsAreFolded();
+    void groupsAreFolded();
 };
 
 void TestConsoleReader::readerStays()
@@ -326,6 +328,57 @@ void TestConsoleReader::repeatsAreFolded()
     QVERIFY(page.comesToRest());
     QVERIFY2(shown().endsWith(QStringLiteral(" Warningwx20000 endx1")), qPrintable(shown()));
     QCOMPARE(page.earlier(), 0);
+}
+
+void TestConsoleReader::groupsAreFolded()
+{
+    Page page;
+    Console& console = page.page.console();
+    const auto line = [](const char* words) {
+        return text(Type::Information, words);
+    };
+    for (const Message& record :
+        {line("before"), identified("outer", 1), line("one"), identified("inner", 2), line("two"),
+            make(Type::LineBreak), text(Type::Error, "three"), make(Type::LineBreak), line("behind")})
+        page.page.receive(record);
+    const QString all = page.document().toPlainText();
+    const auto shown = [&page] {
+        return page.document()
+            .toPlainText()
+            .split(QLatin1Char('\n'), Qt::SkipEmptyParts)
+            .join(QLatin1Char(' '));
+    };
+    console.setFoldsGroups(true);
+    const QString folded = QStringLiteral("before outer (ID: 1) behind");
+    QCOMPARE(shown(), folded);
+    // A click in the margin opens the group, and closes it.
+    ConsoleMargin& margin = page.page.consoleMargin();
+    margin.setGroupsShown(true);
+    QCoreApplication::processEvents();
+    QTextCursor heading = page.document().find(QStringLiteral("outer"));
+    const auto clickBesideHeading = [&] {
+        const QPoint place =
+            page.view->viewport()->mapTo(&page.page, page.view->cursorRect(heading).center());
+        QTest::mouseClick(
+            &margin, Qt::LeftButton, {}, margin.mapFrom(&page.page, QPoint(0, place.y())) + QPoint(4, 0));
+        heading = page.document().find(QStringLiteral("outer"));
+    };
+    clickBesideHeading();
+    QCOMPARE(page.document().toPlainText(), all);
+    clickBesideHeading();
+    QCOMPARE(shown(), folded);
+    // New entries go into the group that is open, and into the view when it is left.
+    for (const Message& record : {identified("next", 3), line("four"), line("five")})
+        page.page.receive(record);
+    QVERIFY(shown().endsWith(QStringLiteral("behind next (ID: 3)")));
+    page.page.finish(QStringLiteral("The end"));
+    QVERIFY(shown().endsWith(QStringLiteral("next (ID: 3) The end")));
+    QVERIFY(console.showEntry(4));
+    QCOMPARE(page.view->textCursor().block().text(), QStringLiteral("outer (ID: 1)"));
+    console.setFoldsGroups(false);
+    page.autoScroll->setChecked(true);
+    QVERIFY(page.comesToRest());
+    QCOMPARE(page.whyWrong(), QString());
 }
 
 QTEST_MAIN(TestConsoleReader)
