@@ -110,13 +110,14 @@ TEST_F(Checks, exitAsDocumented)
 
 TEST_F(Checks, endProgramsThatDoNotEnd)
 {
-    const auto begin = std::chrono::steady_clock::now();
     const auto endless = [](const Arguments& options, const Arguments& steps) {
         LauncherRun run(checkOf(steps, options));
         const std::string errors = run.errors();
         return Outcome{run.finish(), {}, errors};
     };
-    EXPECT_EQ(endless({"--timeout", "0.2"}, {"read"}).code, 124);
+    const Outcome polite = endless({"--timeout", "0.2"}, {"read"});
+    EXPECT_EQ(polite.code, 124);
+    EXPECT_EQ(polite.errors.find("by force"), std::string::npos) << polite.errors;
     const Outcome frames = endless({"--frames", "3"}, {"frames", "3", "read"});
     EXPECT_EQ(frames.code, 0) << frames.errors;
     EXPECT_NE(frames.errors.find("passed"), std::string::npos);
@@ -124,9 +125,8 @@ TEST_F(Checks, endProgramsThatDoNotEnd)
     EXPECT_EQ(endless({"--frames", "3"}, {"frames", "3", "errors", "1", "read"}).code, 3);
     // What a shell has started ends as well; else it would keep our streams open.
     LauncherRun shell({"--check", "--timeout", "0.2", "sh", "-c", "sleep 100; true"});
-    shell.errors();
+    EXPECT_EQ(shell.errors().find("by force"), std::string::npos);
     EXPECT_EQ(shell.finish(), 124);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, 3s) << "all of them when they were asked to";
 
     const Outcome stubborn = endless({"--timeout", "0.2"}, {"catch", "15", "read"});
     EXPECT_EQ(stubborn.code, 124);
@@ -251,7 +251,7 @@ TEST_F(Checks, recordSessionsThatSurviveTheLauncher)
         LauncherRun run({"--session", path("killed"), WATCHED_PROGRAM, "errors", "100", "read"});
         EXPECT_EQ(run.line(), "ready");
         sessions::SessionReader reader;
-        for (int i = 0; i < 300 && !(reader.open(path("killed")) && reader.recordCount() == 100); ++i)
+        for (int i = 0; i < 1000 && !(reader.open(path("killed")) && reader.recordCount() == 100); ++i)
             std::this_thread::sleep_for(10ms);
         kill(run.pid(), SIGKILL);
     }
