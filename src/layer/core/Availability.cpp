@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <string_view>
 
 namespace layer {
 
@@ -72,13 +71,6 @@ bool Availability::has(GLenum enumerant) const
 {
     const Sources sources = sourcesOf(enumerant);
     return sources.empty() || hasAny(sources);
-}
-
-bool Availability::hasExtension(std::string_view name) const
-{
-    const auto* found = std::ranges::find(extensionNames, name);
-    return found != std::end(extensionNames)
-        && m_extensions[static_cast<std::size_t>(found - std::begin(extensionNames))];
 }
 
 std::vector<GLenum> Availability::missingEnumerants() const

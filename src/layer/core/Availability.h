@@ -17,7 +17,6 @@ public:
     bool has(Fn function) const { return hasAny(sourcesOf(function)); }
     /// Values that the registry does not know for OpenGL ES are left to drivers.
     bool has(GLenum enumerant) const;
-    bool hasExtension(std::string_view name) const;
     /// All enumerants that it lacks.
     std::vector<GLenum> missingEnumerants() const;
 
