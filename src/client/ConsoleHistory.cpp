@@ -236,16 +236,18 @@ void ConsoleHistory::selectEntry(std::uint64_t serial)
     select(start, end);
 }
 
-/// Selects text, and shows its start.
+/// Selects text, and shows its start with some lines around it.
 void ConsoleHistory::select(int start, int end)
 {
     QTextCursor cursor(m_view->document());
     // The cursor, which the view makes visible, is to stand at the start.
     cursor.setPosition(end);
     cursor.setPosition(start, QTextCursor::KeepAnchor);
+    const int line = m_view->fontMetrics().lineSpacing();
+    const QRect comfortable = m_view->viewport()->rect().adjusted(0, line, 0, -line);
+    const bool isInView = comfortable.contains(m_view->cursorRect(cursor));
     m_view->setTextCursor(cursor);
-    const QRect at = m_view->cursorRect(cursor);
-    if (!m_view->viewport()->rect().contains(at.topLeft()) || at.bottom() > m_view->viewport()->height())
+    if (!isInView)
         TextViewPlace(m_view, cursor, m_view->viewport()->height() / 3).restore();
 }
 

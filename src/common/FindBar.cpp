@@ -43,11 +43,13 @@ FindBar::FindBar(Findable* target, QWidget* page)
     m_edit->setAccessibleName(tr("Find"));
     m_edit->setClearButtonEnabled(true);
     m_edit->setMinimumWidth(fontMetrics().averageCharWidth() * 12);
-    layout->addWidget(m_edit, 2);
+    layout->addWidget(m_edit, 1);
     addSwitches(layout);
     m_count->setObjectName(QStringLiteral("lblFindCount"));
     m_count->setAccessibleName(tr("Matches"));
-    layout->addWidget(m_count, 1);
+    // The numbers grow without moving the buttons.
+    m_count->setMinimumWidth(fontMetrics().horizontalAdvance(QStringLiteral("1,000 of 1,000")));
+    layout->addWidget(m_count);
     QToolButton* closing = addButton("btnFindClose", QStringLiteral("\u00D7"), tr("Close (Esc)"));
     closing->setAutoRaise(true);
     layout->addWidget(closing);
