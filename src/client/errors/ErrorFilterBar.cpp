@@ -1,7 +1,6 @@
 #include "ErrorFilterBar.h"
 
 #include "ErrorFilterCompleter.h"
-#include "HintLabel.h"
 #include "KeptFilters.h"
 #include "PlainToolTip.h"
 
@@ -39,14 +38,15 @@ ErrorFilterBar::ErrorFilterBar(QWidget* parent)
     , m_edit(new QLineEdit(this))
     , m_keptButton(new QToolButton(this))
     , m_menu(new QMenu(m_keptButton))
-    , m_fault(new HintLabel(this))
+    // A label that asks for a height for its width makes layouts slow, but it is there with a fault only.
+    , m_fault(new QLabel(this))
     , m_completer(new ErrorFilterCompleter(m_edit))
 {
     setUpEdit();
     setUpMenu();
     m_fault->setObjectName(QStringLiteral("lblErrorFilterFault"));
     m_fault->setTextFormat(Qt::PlainText);
-    m_fault->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    m_fault->setWordWrap(true);
     m_fault->setTextInteractionFlags(Qt::TextSelectableByMouse);
     m_fault->hide();
     auto* layout = new QGridLayout(this);

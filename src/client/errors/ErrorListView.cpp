@@ -222,11 +222,18 @@ void ErrorListView::open(const QModelIndex& index)
     if (!index.isValid())
         return;
     if (filter() && filter()->isGroup(index.row()))
-        filter()->toggle(index.row());
+        toggle(index.row());
     else if (m_openRow && filter())
         m_openRow(filter()->sourceRow(index.row()));
     else
         requestContents(index);
+}
+
+/// The reader wants to see the rows of the group, and not the end of the list.
+void ErrorListView::toggle(int group)
+{
+    m_follower.stopFollowing();
+    filter()->toggle(group);
 }
 
 /// True for a key that opens, closes or shows the current row.
@@ -241,7 +248,7 @@ bool ErrorListView::openWithKey(const QKeyEvent& event)
         open(index);
     else if (isGroup && (event.key() == Qt::Key_Plus || event.key() == Qt::Key_Minus)) {
         if (filter()->isOpen(index.row()) == (event.key() == Qt::Key_Minus))
-            filter()->toggle(index.row());
+            toggle(index.row());
     } else
         return false;
     return true;

@@ -67,6 +67,7 @@ private:
     void followEndIfPending();
     void requestContents(const QModelIndex& index);
     void open(const QModelIndex& index);
+    void toggle(int group);
     bool openWithKey(const QKeyEvent& event);
     void placeCountColumn();
     void copySelection() const;
