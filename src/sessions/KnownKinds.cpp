@@ -189,7 +189,7 @@ std::string KnownKinds::toText() const
 {
     std::string text(firstLine);
     text += '\n';
-    text += m_head.empty() ? explanation : m_head.c_str();
+    text += m_head.empty() ? std::string(explanation) : m_head;
     text += '\n';
     for (const auto& [signature, comments] : m_kinds) {
         text += comments;

@@ -3,6 +3,9 @@
 #include "Hash.h"
 #include "Signature.h"
 
+#include <algorithm>
+#include <limits>
+
 namespace sessions::format {
 
 std::string BlockHead::bytes() const
@@ -69,6 +72,18 @@ std::string_view ByteSource::bytes(std::size_t size)
     const std::string_view taken = m_bytes.substr(0, size);
     m_bytes.remove_prefix(size);
     return taken;
+}
+
+std::string ByteSource::text()
+{
+    const std::uint32_t size = u32();
+    return std::string(bytes(size <= textLimit ? size : std::numeric_limits<std::size_t>::max()));
+}
+
+SessionTime ByteSource::time()
+{
+    constexpr std::uint64_t latest = std::uint64_t{1} << 53U;
+    return SessionTime(static_cast<std::int64_t>(std::min(number(8), latest)));
 }
 
 } // namespace sessions::format

@@ -51,6 +51,8 @@ inline constexpr std::size_t recordHeadSize = 20; // bytes
 inline constexpr std::size_t blockLimit = std::size_t{4} << 20U;
 inline constexpr std::size_t textLimit = 4096; // bytes of a client's text
 inline constexpr std::size_t clientLimit = 65'536;
+/// Bytes that a block about a process has at most; it has two texts and some numbers.
+inline constexpr std::size_t clientBlockLimit = 4 * textLimit;
 
 constexpr std::uint32_t blockKind(const char (&name)[5])
 {
@@ -99,7 +101,10 @@ public:
     std::uint64_t number(std::size_t size);
     std::uint32_t u32() { return static_cast<std::uint32_t>(number(4)); }
     std::string_view bytes(std::size_t size);
-    std::string text() { return std::string(bytes(u32())); }
+    /// A text behind its length; one that is too long is missing.
+    std::string text();
+    /// Times are cut to what can still be added up.
+    SessionTime time();
     bool isEmpty() const { return m_bytes.empty(); }
     bool ok() const { return m_isOk; }
 

@@ -17,6 +17,9 @@ namespace {
 /// Blocks that a file may have; their heads are kept in memory.
 constexpr std::size_t blockLimit = 2'000'000;
 
+/// Bytes of texts about all processes together.
+constexpr std::size_t clientTextLimit = std::size_t{32} << 20U;
+
 constexpr const char* recordsDamaged = "Some records of the session are damaged and left out.";
 
 } // namespace
@@ -52,6 +55,7 @@ bool SessionReader::open(platform::FileStream file)
     m_clients.clear();
     m_blocks.clear();
     m_recordCount = 0;
+    m_clientBytes = 0;
     m_decompressor = std::make_unique<Decompressor>();
     if (!readHead())
         return false;
@@ -76,10 +80,7 @@ bool SessionReader::readHead()
         return false;
     }
     source.u32();
-    // A calendar does not hold all of them.
-    constexpr std::uint64_t latest = std::uint64_t{1} << 53U;
-    m_begin = std::chrono::system_clock::time_point(
-        std::chrono::microseconds(static_cast<std::int64_t>(std::min(source.number(8), latest))));
+    m_begin = std::chrono::system_clock::time_point(source.time());
     return true;
 }
 
@@ -122,13 +123,13 @@ void SessionReader::readBlockHeads()
 
 void SessionReader::takeClient(const format::BlockHead& head, std::uint64_t place)
 {
-    if (!content(head, place, m_content))
+    if (!clientContent(head, place))
         return;
     format::ByteSource source(m_content);
     SessionClient client;
     client.number = source.u32();
     client.pid = source.u32();
-    client.begin = SessionTime(static_cast<std::int64_t>(source.number(8)));
+    client.begin = source.time();
     client.name = source.text();
     client.device = source.text();
     if (!source.ok() || client.number >= format::clientLimit) {
@@ -143,12 +144,12 @@ void SessionReader::takeClient(const format::BlockHead& head, std::uint64_t plac
 
 void SessionReader::takeEnd(const format::BlockHead& head, std::uint64_t place)
 {
-    if (!content(head, place, m_content))
+    if (!clientContent(head, place))
         return;
     format::ByteSource source(m_content);
     const std::uint32_t number = source.u32();
     const std::uint32_t end = source.u32();
-    const SessionTime time(static_cast<std::int64_t>(source.number(8)));
+    const SessionTime time = source.time();
     std::string text = source.text();
     if (!source.ok() || number >= m_clients.size() || end > static_cast<std::uint32_t>(ClientEnd::Lost)) {
         noteDamage("The session has a process whose end is damaged.");
@@ -158,6 +159,15 @@ void SessionReader::takeEnd(const format::BlockHead& head, std::uint64_t place)
     client.end = static_cast<ClientEnd>(end);
     client.endTime = time;
     client.endText = std::move(text);
+}
+
+bool SessionReader::clientContent(const format::BlockHead& head, std::uint64_t place)
+{
+    m_clientBytes += head.size;
+    if (head.size <= format::clientBlockLimit && m_clientBytes <= clientTextLimit)
+        return content(head, place, m_content);
+    noteDamage("The session has more texts about its processes than can be.");
+    return false;
 }
 
 std::size_t SessionReader::blockOf(std::uint64_t record) const
@@ -202,7 +212,7 @@ bool SessionReader::next(SessionRecord& record)
     record.record.type = static_cast<std::uint32_t>(m_source.number(2));
     record.client = m_source.u32();
     record.record.frame = m_source.u32();
-    record.time = SessionTime(static_cast<std::int64_t>(m_source.number(8)));
+    record.time = m_source.time();
     const std::string_view packed = m_source.bytes(size);
     if (!m_source.ok() || record.client >= m_clients.size()) {
         m_source = format::ByteSource::failed();

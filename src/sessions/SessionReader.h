@@ -69,6 +69,8 @@ private:
     void readBlockHeads();
     void takeClient(const format::BlockHead& head, std::uint64_t place);
     void takeEnd(const format::BlockHead& head, std::uint64_t place);
+    /// The content of a block about a process, in the buffer.
+    bool clientContent(const format::BlockHead& head, std::uint64_t place);
     /// The content of a block, unpacked; nothing if it is damaged.
     bool content(const format::BlockHead& head, std::uint64_t place, std::string& to);
     bool readBytes(std::uint64_t place, std::size_t size, std::string& to) const;
@@ -81,6 +83,7 @@ private:
     std::vector<SessionClient> m_clients;
     std::vector<Block> m_blocks;
     std::uint64_t m_recordCount = 0;
+    std::uint64_t m_clientBytes = 0; ///< Of all blocks about processes.
     std::unique_ptr<Decompressor> m_decompressor;
     std::string m_stored; ///< Buffers.
     std::string m_content;

@@ -1,3 +1,4 @@
+#include "Hash.h"
 #include "PackedPayload.h"
 #include "RecordMaker.h"
 #include "SessionReader.h"
@@ -7,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <limits>
 #include <random>
 #include <string>
 #include <type_traits>
@@ -226,6 +228,42 @@ TEST(SessionFile, skipsBlocksOfLaterVersions)
     const Seen seen(sessionPath());
     EXPECT_EQ(seen.records, expected);
     EXPECT_EQ(seen.damage, "");
+}
+
+TEST(SessionFile, hasBoundsForWhatItSaysOfProcesses)
+{
+    // A name of a megabyte, stored as it is, and a time that nothing can be added to.
+    std::string content;
+    for (const std::uint64_t number : {0U, 1U})
+        sessions::format::putNumber(content, number, 4);
+    sessions::format::putNumber(content, std::numeric_limits<std::int64_t>::max(), 8);
+    const std::string numbers = content;
+    sessions::format::putNumber(content, 1U << 20U, 4);
+    content.append(1U << 20U, 'n');
+    sessions::format::putText(content, "");
+    const auto session = [](const std::string& clientContent) {
+        sessions::format::BlockHead head;
+        head.kind = sessions::format::clientBlock;
+        head.storedSize = head.size = static_cast<std::uint32_t>(clientContent.size());
+        head.checksum = platform::fnv1(clientContent);
+        return bytesOf(sessionPath()).substr(0, sessions::format::fileHeadSize) + head.bytes()
+            + clientContent;
+    };
+    writeSmallSession(sessionPath());
+    writeBytes(sessionPath(), session(content));
+    SessionReader reader;
+    ASSERT_TRUE(reader.open(sessionPath()));
+    EXPECT_TRUE(reader.clients().empty());
+    EXPECT_NE(reader.damage(), "");
+
+    content = numbers;
+    sessions::format::putText(content, "name");
+    sessions::format::putText(content, "");
+    writeBytes(sessionPath(), session(content));
+    ASSERT_TRUE(reader.open(sessionPath()));
+    ASSERT_EQ(reader.clients().size(), 1U);
+    EXPECT_LT(reader.clients().front().begin, SessionTime::max() / 2);
+    EXPECT_EQ(reader.damage(), "");
 }
 
 TEST(SessionFile, survivesItsWriter)
