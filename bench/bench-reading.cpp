@@ -1,9 +1,10 @@
 // How fast does the window let somebody read? A console of a million entries is searched and jumped through,
-// and an error list of a million rows is filtered, sorted and folded.
-// Options: --short for a run that only sees whether it works.
+// an error list of a million rows is filtered, sorted and folded, and a session of a million records opened.
+// Options: --short for a run that only sees whether it works, --sessions for the sessions alone.
 
 #include "ReadingConsole.h"
 #include "ReadingErrors.h"
+#include "ReadingSessions.h"
 #include "Resources.h"
 
 #include <QApplication>
@@ -26,8 +27,11 @@ int main(int argc, char** argv)
     QTextStream out(stdout);
     try {
         const int count = brief ? 20'000 : 1'000'000;
-        reading::measureConsole(out, count);
-        reading::measureErrors(out, count);
+        if (!QCoreApplication::arguments().contains(QStringLiteral("--sessions"))) {
+            reading::measureConsole(out, count);
+            reading::measureErrors(out, count);
+        }
+        reading::measureSessions(out, count);
     } catch (const std::runtime_error& failure) {
         QTextStream(stderr) << "bench-reading: " << failure.what() << "\n";
         return 1;
