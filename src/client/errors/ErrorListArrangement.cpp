@@ -152,10 +152,10 @@ void ErrorListArrangement::toggle(Entry group)
         m_areGroupsStale = true;
 }
 
-void ErrorListArrangement::beginSort(std::vector<std::uint32_t> items)
+void ErrorListArrangement::beginSort(const std::vector<std::uint32_t>& items)
 {
     m_sort.emplace(
-        std::move(items), [this](std::uint32_t item, std::uint32_t depth) { return key(item, depth); },
+        items, [this](std::uint32_t item, std::uint32_t depth) { return key(item, depth); },
         [this](std::uint32_t item) { return identity(item); });
     m_sortTaken = 0;
 }

@@ -88,7 +88,7 @@ private:
     void merge(const QDeadlineTimer& deadline);
     void arrangeGroups(const QDeadlineTimer& deadline);
     void replaceGroups();
-    void beginSort(std::vector<std::uint32_t> items);
+    void beginSort(const std::vector<std::uint32_t>& items);
     bool needsGroupOrder() const { return m_isFolded && (m_order.column >= 0 || m_groups.hasOpen()); }
     int find(Entry entry) const;
     StepwiseSort::Key key(std::uint32_t item, std::uint32_t depth) const;

@@ -35,7 +35,7 @@ void ErrorListFilterProxyModel::setSourceModel(QAbstractItemModel* model)
         disconnect(sourceModel(), nullptr, this, nullptr);
     beginResetModel();
     // Not what the parent does, which would follow the source by itself.
-    QAbstractProxyModel::setSourceModel(model);
+    QAbstractProxyModel::setSourceModel(model); // NOLINT(bugprone-parent-virtual-call)
     m_errors = qobject_cast<ErrorListModel*>(model);
     m_kinds.restart(m_errors);
     m_arrangement.restart(m_errors, m_order, m_isFolded);
@@ -330,5 +330,6 @@ QVariant ErrorListFilterProxyModel::headerData(int section, Qt::Orientation orie
 
 Qt::ItemFlags ErrorListFilterProxyModel::flags(const QModelIndex& index) const
 {
-    return QAbstractItemModel::flags(index);
+    return index.isValid() ? Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemNeverHasChildren
+                           : Qt::ItemFlags();
 }

@@ -21,7 +21,7 @@ constexpr std::size_t stride = 4096;
 
 } // namespace
 
-StepwiseSort::StepwiseSort(std::vector<std::uint32_t> items, KeyOf keyOf, IdentityOf identityOf)
+StepwiseSort::StepwiseSort(const std::vector<std::uint32_t>& items, KeyOf keyOf, IdentityOf identityOf)
     : m_keyOf(std::move(keyOf))
     , m_identityOf(std::move(identityOf))
 {

@@ -21,7 +21,7 @@ public:
     /// Items of the same identity have equal keys. Others may have so too.
     using IdentityOf = std::function<std::uint64_t(std::uint32_t item)>;
 
-    StepwiseSort(std::vector<std::uint32_t> items, KeyOf keyOf, IdentityOf identityOf);
+    StepwiseSort(const std::vector<std::uint32_t>& items, KeyOf keyOf, IdentityOf identityOf);
 
     /// Works until the time is over; each step of it takes some milliseconds at most.
     void work(const QDeadlineTimer& deadline);
