@@ -208,6 +208,9 @@ TEST_F(TestDevice, functionsAndEnumerantsThatItLacksAreRefused)
             {"call glBindTexture 0x806F 0", "0"}, {"call glTexParameteri 0xDE1 0x2802 0x812D", "0x500"},
             {"call glTexParameteri 0xDE1 0x813D 0x812D", "0"}, {"call glEnable 0x92E0", "0"},
             {"call glBindTexture 0x8C2A 0", "0x500"}, {"get glGetIntegerv 0x9145 1", "1"}});
+    program.ask("context 2 0");
+    program->setWireframe(true);
+    EXPECT_EQ(program.ask("call glDrawElementsBaseVertex 4 3 0x1403 0 0"), "0x502");
     program->finish();
     const char* const expected[] = {
         "GL_INVALID_OPERATION in glBindVertexArrayOES: not available on Harbour Board: needs "
@@ -227,7 +230,9 @@ TEST_F(TestDevice, functionsAndEnumerantsThatItLacksAreRefused)
         "OpenGL ES "
         "3.2",
         "GL_INVALID_ENUM in glBindTexture: GL_TEXTURE_BUFFER is not available on Harbour Board: needs OpenGL "
-        "ES 3.2"};
+        "ES 3.2",
+        "GL_INVALID_OPERATION in glDrawElementsBaseVertex: not available on Harbour Board: needs OpenGL ES "
+        "3.2"};
     const std::vector<std::string> errors = program.told(Type::GlError, 68);
     ASSERT_EQ(errors.size(), std::size(expected)) << program.errors();
     for (std::size_t i = 0; i < errors.size(); ++i)

@@ -6,28 +6,31 @@ namespace layer::hooks {
 void glDrawArrays(GLenum mode, GLint first, GLsizei count)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, first}))
+    if (!wantsLines(context, Fn::glDrawArrays) || !drawAsLines(context, {mode, count, first}))
         generated::glDrawArrays(mode, first, count);
 }
 
 void glDrawArraysInstanced(GLenum mode, GLint first, GLsizei count, GLsizei instances)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, first, gl::none, nullptr, 0, instances}))
+    if (!wantsLines(context, Fn::glDrawArraysInstanced)
+        || !drawAsLines(context, {mode, count, first, gl::none, nullptr, 0, instances}))
         generated::glDrawArraysInstanced(mode, first, count, instances);
 }
 
 void glDrawArraysInstancedANGLE(GLenum mode, GLint first, GLsizei count, GLsizei instances)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, first, gl::none, nullptr, 0, instances}))
+    if (!wantsLines(context, Fn::glDrawArraysInstancedANGLE)
+        || !drawAsLines(context, {mode, count, first, gl::none, nullptr, 0, instances}))
         generated::glDrawArraysInstancedANGLE(mode, first, count, instances);
 }
 
 void glDrawArraysInstancedEXT(GLenum mode, GLint first, GLsizei count, GLsizei instances)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, first, gl::none, nullptr, 0, instances}))
+    if (!wantsLines(context, Fn::glDrawArraysInstancedEXT)
+        || !drawAsLines(context, {mode, count, first, gl::none, nullptr, 0, instances}))
         generated::glDrawArraysInstancedEXT(mode, first, count, instances);
 }
 
@@ -35,7 +38,7 @@ void glDrawArraysInstancedBaseInstanceEXT(
     GLenum mode, GLint first, GLsizei count, GLsizei instances, GLuint baseInstance)
 {
     Context& context = currentContext();
-    if (!wantsLines(context)
+    if (!wantsLines(context, Fn::glDrawArraysInstancedBaseInstanceEXT)
         || !drawAsLines(context, {mode, count, first, gl::none, nullptr, 0, instances, baseInstance}))
         generated::glDrawArraysInstancedBaseInstanceEXT(mode, first, count, instances, baseInstance);
 }
@@ -43,14 +46,15 @@ void glDrawArraysInstancedBaseInstanceEXT(
 void glDrawElements(GLenum mode, GLsizei count, GLenum type, const void* indices)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, 0, type, indices}))
+    if (!wantsLines(context, Fn::glDrawElements) || !drawAsLines(context, {mode, count, 0, type, indices}))
         generated::glDrawElements(mode, count, type, indices);
 }
 
 void glDrawElementsInstanced(GLenum mode, GLsizei count, GLenum type, const void* indices, GLsizei instances)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, 0, type, indices, 0, instances}))
+    if (!wantsLines(context, Fn::glDrawElementsInstanced)
+        || !drawAsLines(context, {mode, count, 0, type, indices, 0, instances}))
         generated::glDrawElementsInstanced(mode, count, type, indices, instances);
 }
 
@@ -58,7 +62,8 @@ void glDrawElementsInstancedANGLE(
     GLenum mode, GLsizei count, GLenum type, const void* indices, GLsizei instances)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, 0, type, indices, 0, instances}))
+    if (!wantsLines(context, Fn::glDrawElementsInstancedANGLE)
+        || !drawAsLines(context, {mode, count, 0, type, indices, 0, instances}))
         generated::glDrawElementsInstancedANGLE(mode, count, type, indices, instances);
 }
 
@@ -66,7 +71,8 @@ void glDrawElementsInstancedEXT(
     GLenum mode, GLsizei count, GLenum type, const void* indices, GLsizei instances)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, 0, type, indices, 0, instances}))
+    if (!wantsLines(context, Fn::glDrawElementsInstancedEXT)
+        || !drawAsLines(context, {mode, count, 0, type, indices, 0, instances}))
         generated::glDrawElementsInstancedEXT(mode, count, type, indices, instances);
 }
 
@@ -74,7 +80,7 @@ void glDrawElementsInstancedBaseInstanceEXT(
     GLenum mode, GLsizei count, GLenum type, const void* indices, GLsizei instances, GLuint baseInstance)
 {
     Context& context = currentContext();
-    if (!wantsLines(context)
+    if (!wantsLines(context, Fn::glDrawElementsInstancedBaseInstanceEXT)
         || !drawAsLines(context, {mode, count, 0, type, indices, 0, instances, baseInstance}))
         generated::glDrawElementsInstancedBaseInstanceEXT(
             mode, count, type, indices, instances, baseInstance);
@@ -84,7 +90,8 @@ void glDrawElementsInstancedBaseVertex(
     GLenum mode, GLsizei count, GLenum type, const void* indices, GLsizei instances, GLint baseVertex)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex, instances}))
+    if (!wantsLines(context, Fn::glDrawElementsInstancedBaseVertex)
+        || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex, instances}))
         generated::glDrawElementsInstancedBaseVertex(mode, count, type, indices, instances, baseVertex);
 }
 
@@ -92,7 +99,8 @@ void glDrawElementsInstancedBaseVertexEXT(
     GLenum mode, GLsizei count, GLenum type, const void* indices, GLsizei instances, GLint baseVertex)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex, instances}))
+    if (!wantsLines(context, Fn::glDrawElementsInstancedBaseVertexEXT)
+        || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex, instances}))
         generated::glDrawElementsInstancedBaseVertexEXT(mode, count, type, indices, instances, baseVertex);
 }
 
@@ -100,7 +108,8 @@ void glDrawElementsInstancedBaseVertexOES(
     GLenum mode, GLsizei count, GLenum type, const void* indices, GLsizei instances, GLint baseVertex)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex, instances}))
+    if (!wantsLines(context, Fn::glDrawElementsInstancedBaseVertexOES)
+        || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex, instances}))
         generated::glDrawElementsInstancedBaseVertexOES(mode, count, type, indices, instances, baseVertex);
 }
 
@@ -108,7 +117,7 @@ void glDrawElementsInstancedBaseVertexBaseInstanceEXT(GLenum mode, GLsizei count
     const void* indices, GLsizei instances, GLint baseVertex, GLuint baseInstance)
 {
     Context& context = currentContext();
-    if (!wantsLines(context)
+    if (!wantsLines(context, Fn::glDrawElementsInstancedBaseVertexBaseInstanceEXT)
         || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex, instances, baseInstance}))
         generated::glDrawElementsInstancedBaseVertexBaseInstanceEXT(
             mode, count, type, indices, instances, baseVertex, baseInstance);
@@ -117,7 +126,8 @@ void glDrawElementsInstancedBaseVertexBaseInstanceEXT(GLenum mode, GLsizei count
 void glDrawElementsBaseVertex(GLenum mode, GLsizei count, GLenum type, const void* indices, GLint baseVertex)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex}))
+    if (!wantsLines(context, Fn::glDrawElementsBaseVertex)
+        || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex}))
         generated::glDrawElementsBaseVertex(mode, count, type, indices, baseVertex);
 }
 
@@ -125,7 +135,8 @@ void glDrawElementsBaseVertexEXT(
     GLenum mode, GLsizei count, GLenum type, const void* indices, GLint baseVertex)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex}))
+    if (!wantsLines(context, Fn::glDrawElementsBaseVertexEXT)
+        || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex}))
         generated::glDrawElementsBaseVertexEXT(mode, count, type, indices, baseVertex);
 }
 
@@ -133,7 +144,8 @@ void glDrawElementsBaseVertexOES(
     GLenum mode, GLsizei count, GLenum type, const void* indices, GLint baseVertex)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex}))
+    if (!wantsLines(context, Fn::glDrawElementsBaseVertexOES)
+        || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex}))
         generated::glDrawElementsBaseVertexOES(mode, count, type, indices, baseVertex);
 }
 
@@ -141,7 +153,8 @@ void glDrawRangeElements(
     GLenum mode, GLuint start, GLuint end, GLsizei count, GLenum type, const void* indices)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, 0, type, indices}))
+    if (!wantsLines(context, Fn::glDrawRangeElements)
+        || !drawAsLines(context, {mode, count, 0, type, indices}))
         generated::glDrawRangeElements(mode, start, end, count, type, indices);
 }
 
@@ -149,7 +162,8 @@ void glDrawRangeElementsBaseVertex(
     GLenum mode, GLuint start, GLuint end, GLsizei count, GLenum type, const void* indices, GLint baseVertex)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex}))
+    if (!wantsLines(context, Fn::glDrawRangeElementsBaseVertex)
+        || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex}))
         generated::glDrawRangeElementsBaseVertex(mode, start, end, count, type, indices, baseVertex);
 }
 
@@ -157,7 +171,8 @@ void glDrawRangeElementsBaseVertexEXT(
     GLenum mode, GLuint start, GLuint end, GLsizei count, GLenum type, const void* indices, GLint baseVertex)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex}))
+    if (!wantsLines(context, Fn::glDrawRangeElementsBaseVertexEXT)
+        || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex}))
         generated::glDrawRangeElementsBaseVertexEXT(mode, start, end, count, type, indices, baseVertex);
 }
 
@@ -165,27 +180,30 @@ void glDrawRangeElementsBaseVertexOES(
     GLenum mode, GLuint start, GLuint end, GLsizei count, GLenum type, const void* indices, GLint baseVertex)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex}))
+    if (!wantsLines(context, Fn::glDrawRangeElementsBaseVertexOES)
+        || !drawAsLines(context, {mode, count, 0, type, indices, baseVertex}))
         generated::glDrawRangeElementsBaseVertexOES(mode, start, end, count, type, indices, baseVertex);
 }
 
 void glDrawArraysIndirect(GLenum mode, const void* indirect)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawIndirectAsLines(context, mode, gl::none, indirect))
+    if (!wantsLines(context, Fn::glDrawArraysIndirect)
+        || !drawIndirectAsLines(context, mode, gl::none, indirect))
         generated::glDrawArraysIndirect(mode, indirect);
 }
 
 void glDrawElementsIndirect(GLenum mode, GLenum type, const void* indirect)
 {
     Context& context = currentContext();
-    if (!wantsLines(context) || !drawIndirectAsLines(context, mode, type, indirect))
+    if (!wantsLines(context, Fn::glDrawElementsIndirect)
+        || !drawIndirectAsLines(context, mode, type, indirect))
         generated::glDrawElementsIndirect(mode, type, indirect);
 }
 
 void glMultiDrawArraysEXT(GLenum mode, const GLint* first, const GLsizei* count, GLsizei primcount)
 {
-    if (!wantsLines(currentContext())) {
+    if (!wantsLines(currentContext(), Fn::glMultiDrawArraysEXT)) {
         generated::glMultiDrawArraysEXT(mode, first, count, primcount);
         return;
     }
@@ -196,7 +214,7 @@ void glMultiDrawArraysEXT(GLenum mode, const GLint* first, const GLsizei* count,
 void glMultiDrawElementsEXT(
     GLenum mode, const GLsizei* count, GLenum type, const void* const* indices, GLsizei primcount)
 {
-    if (!wantsLines(currentContext())) {
+    if (!wantsLines(currentContext(), Fn::glMultiDrawElementsEXT)) {
         generated::glMultiDrawElementsEXT(mode, count, type, indices, primcount);
         return;
     }

@@ -1,5 +1,6 @@
 #include "Wireframe.h"
 
+#include "DeviceGate.h"
 #include "Process.h"
 #include "Records.h"
 #include "TextBuffer.h"
@@ -194,12 +195,15 @@ Vertices edgesOf(GLenum mode, const Vertices& vertices, bool restarts)
     return lines;
 }
 
-bool wantsLines(const Context& context)
+bool wantsLines(const Context& context, Fn function)
 {
     if (!context.seenCurrent || !context.isEs)
         return false;
     const ring::Writer* to = writer();
-    return to && to->isWireframe();
+    if (!to || !to->isWireframe())
+        return false;
+    // What a device lacks is refused as ever.
+    return !context.gate || !context.gate->blocks(function);
 }
 
 bool drawAsLines(Context& context, const Draw& draw)

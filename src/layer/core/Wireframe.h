@@ -19,8 +19,8 @@ struct Draw {
     GLuint baseInstance = 0;
 };
 
-/// Whether the window asks for wireframes now.
-bool wantsLines(const Context& context);
+/// Whether the window asks for wireframes now, and the function that draws is one that the program has.
+bool wantsLines(const Context& context, Fn function);
 
 /// Draws the edges of triangles in place of them. False where nothing was drawn and the driver is to draw as
 /// the program said: what is no triangle, and what cannot be done here, of which the window is told once a
