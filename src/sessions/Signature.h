@@ -23,7 +23,8 @@ struct Signature {
     std::string code;
     std::string text;
 
-    auto operator<=>(const Signature&) const = default;
+    // The analysis takes the zero in it for a pointer.
+    auto operator<=>(const Signature&) const = default; // NOLINT(modernize-use-nullptr)
 };
 
 /// The same without owning the texts.
