@@ -99,6 +99,17 @@ TEST(JsonReport, isReadAsItWasWritten)
     }
 }
 
+TEST(Verdict, keepsWhatIsStillThereInABaseline)
+{
+    const Check check = checkWith(3);
+    sessions::KnownKinds old;
+    const std::string kept = "# ours\nwarning\tglx\tGL_A\tt\n";
+    ASSERT_TRUE(old.parse(old.toText() + kept + "warning\tglGone\tGL_A\tt\n")) << old.reason();
+    const sessions::KnownKinds baseline = Verdict(FailOn::Error, {}).newBaseline(check.runs, old);
+    EXPECT_EQ(baseline.size(), 2U) << "an error is new, a warning that does not count is not";
+    EXPECT_NE(baseline.toText().find(kept), std::string::npos) << baseline.toText();
+}
+
 TEST(Verdict, countsWhatIsNotListed)
 {
     RunResult run;

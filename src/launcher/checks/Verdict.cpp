@@ -12,6 +12,17 @@ namespace {
 
 constexpr std::array severities{Severity::Error, Severity::Warning, Severity::Message};
 
+/// Those of some kinds that were in no run.
+std::vector<sessions::Signature> absent(
+    std::vector<sessions::Signature> kinds, const std::vector<RunResult>& runs)
+{
+    std::erase_if(kinds, [&](const sessions::Signature& kind) {
+        return std::any_of(runs.begin(), runs.end(),
+            [&](const RunResult& run) { return run.findings.find(kind) != nullptr; });
+    });
+    return kinds;
+}
+
 } // namespace
 
 bool Verdict::counts(Severity severity) const
@@ -58,29 +69,19 @@ int Verdict::status(const std::vector<RunResult>& runs) const
 
 std::vector<sessions::Signature> Verdict::gone(const std::vector<RunResult>& runs) const
 {
-    std::vector<sessions::Signature> gone = m_known.all();
-    std::erase_if(gone, [&](const sessions::Signature& kind) {
-        return std::any_of(runs.begin(), runs.end(),
-            [&](const RunResult& run) { return run.findings.find(kind) != nullptr; });
-    });
-    return gone;
+    return absent(m_known.all(), runs);
 }
 
 sessions::KnownKinds Verdict::newBaseline(const std::vector<RunResult>& runs, sessions::KnownKinds old) const
 {
-    sessions::KnownKinds found;
+    for (const sessions::Signature& kind : absent(old.all(), runs))
+        old.remove(kind);
     for (const RunResult& run : runs) {
         for (const sessions::Finding& finding : run.findings.all()) {
             if (m_failOn == FailOn::Never || counts(finding.signature.severity))
-                found.add(finding.signature);
+                old.add(finding.signature);
         }
     }
-    for (const sessions::Signature& kind : old.all()) {
-        if (!found.contains(kind))
-            old.remove(kind);
-    }
-    for (const sessions::Signature& kind : found.all())
-        old.add(kind);
     return old;
 }
 

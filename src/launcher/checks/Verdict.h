@@ -40,7 +40,7 @@ public:
 
     /// Kinds that are known and were in no run.
     std::vector<sessions::Signature> gone(const std::vector<RunResult>& runs) const;
-    /// The baseline that would let these runs pass.
+    /// The baseline that would let these runs pass. Of the old one it keeps what was in any of them.
     sessions::KnownKinds newBaseline(const std::vector<RunResult>& runs, sessions::KnownKinds old) const;
 
 private:
