@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <filesystem>
 #include <string_view>
+#include <utility>
 
 #include <getopt.h>
 
@@ -180,9 +182,8 @@ std::string takeForCheck(int choice, const char* value, Options& options)
         return addReport(text, checks);
     case timeout: {
         constexpr double longest = 1e6;
-        const double seconds = platform::parseReal(text).value_or(0);
-        options.timeLimit =
-            std::chrono::milliseconds(static_cast<std::int64_t>(std::min(seconds, longest) * 1e3));
+        const double seconds = std::clamp(platform::parseReal(text).value_or(0), 0.0, longest);
+        options.timeLimit = std::chrono::milliseconds(static_cast<std::int64_t>(seconds * 1e3));
         return options.timeLimit.count() > 0 ? "" : "The time limit is a number of seconds above 0.";
     }
     case frames: {
@@ -256,6 +257,45 @@ std::string take(int choice, Options& options)
     return {};
 }
 
+/// Whether two paths lead to one file, which need not be there. What is no regular file can be shared.
+bool isSameFile(const std::string& one, const std::string& other)
+{
+    namespace fs = std::filesystem;
+    std::error_code error;
+    if (one.empty() || one == "-" || (fs::exists(one, error) && !fs::is_regular_file(one, error)))
+        return false;
+    const auto whole = [](const std::string& path) {
+        std::error_code fault;
+        const fs::path absolute = fs::absolute(path, fault);
+        const fs::path canonical = fs::weakly_canonical(absolute, fault);
+        return fault ? absolute.lexically_normal() : canonical;
+    };
+    return !other.empty() && (whole(one) == whole(other) || fs::equivalent(one, other, error));
+}
+
+/// Empty, or which options would overwrite each other's file.
+std::string fileClash(const Options& options)
+{
+    const CheckOptions& checks = options.check;
+    std::vector<std::pair<std::string, std::string>> files{{"--log", options.log},
+        {"--session", options.session}, {"--baseline", checks.baseline},
+        {"--write-baseline", checks.newBaseline}};
+    for (const ReportRequest& request : checks.reports)
+        files.emplace_back("--report", request.path);
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        const auto& [option, path] = files[i];
+        for (std::size_t j = i + 1; j < files.size(); ++j) {
+            const auto& [other, otherPath] = files[j];
+            // A baseline may be read first and then be written.
+            const bool mayShare = option == "--baseline" && other == "--write-baseline";
+            if (!mayShare && isSameFile(path, otherPath))
+                return std::string(option).append(" and ").append(other).append(" both name ").append(path)
+                    + "; each needs a file of its own.";
+        }
+    }
+    return {};
+}
+
 /// Empty, or why the options do not fit each other.
 std::string fault(const Options& options, bool hasCheckOptions)
 {
@@ -267,6 +307,8 @@ std::string fault(const Options& options, bool hasCheckOptions)
         return options.program.empty() ? "" : "Profiles are listed and made without a program.";
     if (options.program.empty())
         return "Which program?";
+    if (std::string clash = fileClash(options); !clash.empty())
+        return clash;
     if (options.request == Request::Check)
         return {};
     if (options.check.profiles.size() > 1)

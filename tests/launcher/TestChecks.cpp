@@ -97,7 +97,10 @@ TEST_F(Checks, exitAsDocumented)
         {{}, {"--report", "json=/nowhere/a"}, 2, "Cannot write /nowhere/a"},
         {{}, {"--report", "yaml=a"}, 2, "A report is KIND=FILE"},
         {{}, {"--profile", "no such*"}, 2, "No profile fits no such*."},
-        {{}, {"--timeout", "-1"}, 2, "The time limit is"},
+        {{}, {"--timeout", "-1e300"}, 2, "The time limit is"},
+        {{}, {"--timeout", "nan"}, 2, "The time limit is"},
+        {{}, {"--report", "json=a", "--report", "text=./a"}, 2, "--report and --report both name a; each"},
+        {{}, {"--baseline", "a", "--log", "a"}, 2, "--log and --baseline both name a; each"},
     };
     for (const Row& row : rows) {
         const Outcome outcome = runLauncher(checkOf(row.steps, row.options));
