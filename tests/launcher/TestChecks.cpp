@@ -246,6 +246,33 @@ TEST_F(Checks, runOnSeveralDevices)
     const Outcome compared = runLauncher({"--compare", path("json"), path("json")});
     EXPECT_EQ(compared.code, 0);
     EXPECT_EQ(compared.output, "Nothing differs.\n");
+
+    Arguments options{"--log", path("log"), "--jobs", "3"};
+    for (const char* name : {"a", "b", "c"}) {
+        std::filesystem::create_directory(m_folder / name);
+        const std::string profile = path(std::string(name) + (*name == 'c' ? "/\xC3\xA4.xml" : "/x.xml"));
+        child_process::fill(profile, "<profile><device>D</device></profile>");
+        options.insert(options.end(), {"--profile", profile});
+    }
+    runLauncher(checkOf({"errors", "3"}, options));
+    for (const char* name : {"log-x", "log-x-2", "log-\xC3\xA4"}) {
+        const std::string log = contentOf(path(name));
+        EXPECT_EQ(std::count(log.begin(), log.end(), '\n'), 5) << name << ":\n" << log;
+    }
+}
+
+/// Also by a signal that comes while runs are being started.
+TEST_F(Checks, endAllRunsWhenTheyAreInterrupted)
+{
+    LauncherRun run({"--check", "--all-profiles", "--jobs", "64", "sleep", "9"});
+    const std::string id = std::to_string(run.pid());
+    while (contentOf("/proc/" + id + "/task/" + id + "/children").empty())
+        std::this_thread::yield();
+    const auto start = std::chrono::steady_clock::now();
+    kill(run.pid(), SIGTERM);
+    EXPECT_NE(run.errors().find(" devices"), std::string::npos) << "there is a summary";
+    EXPECT_NE(run.finish(), 0);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 6s);
 }
 
 TEST_F(Checks, recordSessionsThatSurviveTheLauncher)

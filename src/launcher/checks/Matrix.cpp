@@ -7,13 +7,13 @@
 #include "Wording.h"
 
 #include <algorithm>
-#include <array>
 #include <cctype>
-#include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
 #include <map>
+#include <set>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/mman.h>
@@ -24,35 +24,57 @@ namespace checks {
 
 namespace {
 
-volatile std::sig_atomic_t interruption = 0;
-
-constexpr std::array interruptions{SIGINT, SIGTERM, SIGHUP};
-
-/// Sees to it that an interruption ends the runs and not their summary.
-class InterruptionGuard {
+/// Keeps back the signals that a matrix waits for, so that none of them comes unnoticed: ends of runs, and
+/// interruptions, which end the runs and not their summary.
+class RunSignals {
 public:
-    InterruptionGuard()
+    RunSignals()
     {
-        interruption = 0;
-        struct sigaction noted { };
-        noted.sa_handler = [](int signal) {
-            interruption = signal;
-        };
-        for (std::size_t i = 0; i < interruptions.size(); ++i)
-            sigaction(interruptions.at(i), &noted, &m_before.at(i));
+        sigemptyset(&m_awaited);
+        sigaddset(&m_awaited, SIGCHLD);
+        for (const int number : {SIGINT, SIGTERM, SIGHUP}) {
+            struct sigaction action { };
+            sigaction(number, nullptr, &action);
+            // Such as what nohup keeps away.
+            if (action.sa_handler != SIG_IGN)
+                sigaddset(&m_awaited, number);
+        }
+        sigprocmask(SIG_BLOCK, &m_awaited, &m_maskBefore);
+        // Whoever started us may ignore it; the system would then forget the runs that have ended.
+        struct sigaction byDefault { };
+        byDefault.sa_handler = SIG_DFL;
+        sigaction(SIGCHLD, &byDefault, &m_childActionBefore);
     }
-    ~InterruptionGuard() { restore(); }
-    InterruptionGuard(const InterruptionGuard&) = delete;
-    InterruptionGuard& operator=(const InterruptionGuard&) = delete;
+    ~RunSignals()
+    {
+        // One that comes when all runs have ended is too late.
+        const timespec noTime{};
+        while (sigtimedwait(&m_awaited, nullptr, &noTime) > 0)
+            continue;
+        restore();
+    }
+    RunSignals(const RunSignals&) = delete;
+    RunSignals& operator=(const RunSignals&) = delete;
 
+    /// The next one.
+    int wait() const
+    {
+        int number = -1;
+        while (number < 0)
+            number = sigwaitinfo(&m_awaited, nullptr);
+        return number;
+    }
+    /// As they were found, for a process that has been forked.
     void restore() const
     {
-        for (std::size_t i = 0; i < interruptions.size(); ++i)
-            sigaction(interruptions.at(i), &m_before.at(i), nullptr);
+        sigaction(SIGCHLD, &m_childActionBefore, nullptr);
+        sigprocmask(SIG_SETMASK, &m_maskBefore, nullptr);
     }
 
 private:
-    std::array<struct sigaction, interruptions.size()> m_before{};
+    sigset_t m_awaited{};
+    sigset_t m_maskBefore{};
+    struct sigaction m_childActionBefore { };
 };
 
 bool isPattern(const std::string& name)
@@ -61,23 +83,60 @@ bool isPattern(const std::string& name)
     return name.find_first_of("*?[") != std::string::npos && !std::filesystem::exists(name, error);
 }
 
-/// A path with the profile's name before its ending.
-std::string pathFor(const std::string& path, const std::string& profile)
+/// The files that a run writes itself; empty for none.
+struct RunFiles {
+    std::string log;
+    std::string session;
+};
+
+/// What tells the files of a profile from those of others: its name, without what is awkward in file names.
+std::string fileNameOf(const std::string& profile)
 {
-    if (path.empty())
-        return path;
     std::string name;
     const std::filesystem::path file = std::filesystem::path(profile).filename();
     for (const char c : (file.extension() == ".xml" ? file.stem() : file).string()) {
-        if (std::isalnum(static_cast<unsigned char>(c)) != 0)
-            name += static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        const auto byte = static_cast<unsigned char>(c);
+        constexpr unsigned char lastOfAscii = 0x7F;
+        if (byte > lastOfAscii || std::isalnum(byte) != 0)
+            name += static_cast<char>(byte > lastOfAscii ? byte : std::tolower(byte));
         else if (!name.empty() && name.back() != '-')
             name += '-';
     }
+    return name.empty() ? "profile" : name;
+}
+
+/// A path with a name before its ending.
+std::string pathWith(const std::string& path, const std::string& name)
+{
+    if (path.empty())
+        return path;
     std::filesystem::path result(path);
     const std::string ending = result.extension().string();
     result.replace_extension();
     return result.string() + "-" + name + ending;
+}
+
+/// The files of each profile. Where two have the same name, a number tells them apart.
+std::vector<RunFiles> filesOfRuns(const launcher::Options& options, const std::vector<std::string>& profiles)
+{
+    std::set<std::string> taken{options.check.baseline, options.check.newBaseline};
+    for (const launcher::ReportRequest& request : options.check.reports)
+        taken.insert(request.path);
+    const auto isFree = [&](const std::string& path) {
+        return path.empty() || !taken.contains(path);
+    };
+    std::vector<RunFiles> all;
+    for (const std::string& profile : profiles) {
+        const std::string name = fileNameOf(profile);
+        RunFiles files{pathWith(options.log, name), pathWith(options.session, name)};
+        for (int number = 2; !isFree(files.log) || !isFree(files.session); ++number) {
+            const std::string next = name + "-" + std::to_string(number);
+            files = {pathWith(options.log, next), pathWith(options.session, next)};
+        }
+        taken.insert({files.log, files.session});
+        all.push_back(std::move(files));
+    }
+    return all;
 }
 
 /// One run in a process of its own. What comes of it stands in a file without a name.
@@ -86,12 +145,13 @@ struct Job {
     launcher::Descriptor file;
 };
 
-[[noreturn]] void runAlone(const launcher::Options& options, const std::string& profile, const Job& job)
+[[noreturn]] void runAlone(
+    const launcher::Options& options, const std::string& profile, const RunFiles& files, const Job& job)
 {
     launcher::Options own = options;
     own.profile = profile;
-    own.log = pathFor(options.log, profile);
-    own.session = pathFor(options.session, profile);
+    own.log = files.log;
+    own.session = files.session;
     const launcher::Descriptor nothing(open("/dev/null", O_RDONLY));
     dup2(nothing.number(), STDIN_FILENO);
     const Check check{options.program, {runOnce(own)}, Verdict(launcher::FailOn::Never, {})};
@@ -170,22 +230,24 @@ std::optional<std::vector<std::string>> chosenProfiles(const launcher::CheckOpti
 
 std::vector<RunResult> runMatrix(const launcher::Options& options, const std::vector<std::string>& profiles)
 {
+    const std::vector<RunFiles> files = filesOfRuns(options, profiles);
     std::vector<RunResult> results(profiles.size());
+    int interruption = 0;
     std::map<pid_t, Job> running;
     std::size_t started = 0;
     const auto mayStart = [&] {
         return started < profiles.size() && interruption == 0
             && running.size() < static_cast<std::size_t>(options.check.jobs);
     };
-    const InterruptionGuard guard;
+    const RunSignals signals;
     while (mayStart() || !running.empty()) {
         while (mayStart()) {
             Job job{started, launcher::Descriptor(memfd_create("run", MFD_CLOEXEC))};
             std::fflush(nullptr);
             const pid_t pid = fork();
             if (pid == 0) {
-                guard.restore();
-                runAlone(options, profiles[started], job);
+                signals.restore();
+                runAlone(options, profiles[started], files[started], job);
             }
             if (pid < 0)
                 results[started] = resultOf(job, profiles[started]);
@@ -193,19 +255,25 @@ std::vector<RunResult> runMatrix(const launcher::Options& options, const std::ve
                 running[pid] = std::move(job);
             ++started;
         }
-        const pid_t ended = waitpid(-1, nullptr, 0);
-        if (ended < 0 && errno == EINTR && interruption != 0) {
-            for (const auto& entry : running)
-                kill(entry.first, interruption);
-        }
-        const auto job = running.find(ended);
-        if (job == running.end())
+        if (running.empty())
             continue;
-        const std::size_t number = job->second.number;
-        results[number] = resultOf(job->second, profiles[number]);
-        running.erase(job);
-        if (!options.quiet)
-            tellProgress(started - running.size(), results, results[number]);
+        if (const int signal = signals.wait(); signal != SIGCHLD) {
+            interruption = signal;
+            for (const auto& entry : running)
+                kill(entry.first, signal);
+        }
+        // One signal may tell of several ends. No other child than the runs concerns us.
+        for (auto job = running.begin(); job != running.end();) {
+            if (waitpid(job->first, nullptr, WNOHANG) == 0) {
+                ++job;
+                continue;
+            }
+            const std::size_t number = job->second.number;
+            results[number] = resultOf(job->second, profiles[number]);
+            job = running.erase(job);
+            if (!options.quiet)
+                tellProgress(started - running.size(), results, results[number]);
+        }
     }
     for (std::size_t i = started; i < profiles.size(); ++i) {
         results[i].device = profiles[i];
