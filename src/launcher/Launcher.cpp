@@ -257,14 +257,14 @@ void Launcher::noteEnds()
         m_end = m_program.collectEnd();
         m_endTime = m_lastProgress = Clock::now();
         m_nextConnect = m_endTime;
-        if (m_end) {
+        if (m_end)
             noteFrames();
-            m_limit.finish();
-        }
         if (m_end && m_output)
             m_output->noteEnd();
     }
-    const bool isOutputDone = isOutputRead();
+    // What the program has started may take as long to end, and to write, as the program itself.
+    const bool areAllEnded = m_end && m_limit.finish(m_program.isInterrupted());
+    const bool isOutputDone = isOutputRead() && (areAllEnded || !m_output);
     if (m_end && m_output && isOutputDone)
         finishOutput();
     bool anyLives = false;
@@ -277,13 +277,14 @@ void Launcher::noteEnds()
         }
         anyLives = anyLives || process->isAlive();
     }
-    if (!m_end || m_hasLeft || !isOutputDone || (anyLives && Clock::now() < m_endTime + commonEndTime))
+    if (!areAllEnded || m_hasLeft || !isOutputDone || (anyLives && Clock::now() < m_endTime + commonEndTime))
         return;
     for (const auto& process : m_processes) {
         if (process->isAlive())
             process->leave("The program that corvale-run was started for has ended; this process goes on "
                            "without being watched.");
     }
+    m_lastProgress = Clock::now();
     m_hasLeft = true;
 }
 

@@ -8,8 +8,10 @@
 #include <cstdlib>
 #include <filesystem>
 #include <map>
+#include <set>
 #include <string>
 
+#include <poll.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -22,6 +24,8 @@ namespace {
 
 /// How long a program may take to end after it was asked to.
 constexpr auto graceTime = 3s;
+/// How long the system may take to end what it was told to end.
+constexpr auto killTime = 1s;
 /// How exactly frames are counted: nothing tells of each of them.
 constexpr int framePause = 5; // milliseconds
 constexpr int limitPause = 50; // milliseconds
@@ -39,8 +43,8 @@ pid_t parentOf(pid_t pid)
     return std::atoi(line.c_str() + nameEnd + stateSize);
 }
 
-/// A process and all that descend from it.
-std::vector<pid_t> treeOf(pid_t root)
+/// Some processes and all that descend from them.
+std::vector<pid_t> treesOf(const std::vector<pid_t>& roots)
 {
     std::map<pid_t, std::vector<pid_t>> children;
     std::error_code error;
@@ -51,12 +55,15 @@ std::vector<pid_t> treeOf(pid_t root)
         const pid_t pid = std::atoi(name.c_str());
         children[parentOf(pid)].push_back(pid);
     }
-    std::vector<pid_t> tree{root};
-    for (std::size_t i = 0; i < tree.size(); ++i) {
-        const std::vector<pid_t> own = children[tree[i]];
-        tree.insert(tree.end(), own.begin(), own.end());
+    std::set<pid_t> found(roots.begin(), roots.end());
+    std::vector<pid_t> trees(found.begin(), found.end());
+    for (std::size_t i = 0; i < trees.size(); ++i) {
+        for (const pid_t child : children[trees[i]]) {
+            if (found.insert(child).second)
+                trees.push_back(child);
+        }
     }
-    return tree;
+    return trees;
 }
 
 } // namespace
@@ -76,31 +83,59 @@ int RunLimit::enforce(pid_t program, std::uint32_t frames)
         }
         m_reached = isDone ? Reached::Frames : Reached::Time;
         m_polite = now;
-        for (const pid_t pid : treeOf(program))
-            m_processes.emplace_back(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
+        add({program});
         signalAll(SIGTERM);
         // One that is stopped would not hear it.
         signalAll(SIGCONT);
     } else if (!m_isHard && now >= m_polite + graceTime) {
-        m_isHard = true;
-        for (const pid_t pid : treeOf(program))
-            m_processes.emplace_back(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
-        signalAll(SIGKILL);
+        killAll({program});
     }
     return limitPause;
 }
 
-void RunLimit::finish()
+bool RunLimit::finish(bool isUrgent)
 {
-    if (m_reached != Reached::None)
-        signalAll(SIGKILL);
+    if (m_reached == Reached::None || living().empty())
+        return true;
+    const auto now = Clock::now();
+    if (!m_isHard && (isUrgent || now >= m_polite + graceTime))
+        killAll({});
+    return m_isHard && now >= m_killed + killTime;
+}
+
+void RunLimit::add(const std::vector<pid_t>& roots)
+{
+    for (const pid_t pid : treesOf(roots))
+        m_processes.push_back({pid, Descriptor(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)))});
+}
+
+std::vector<pid_t> RunLimit::living() const
+{
+    std::vector<pid_t> living;
+    for (const Process& process : m_processes) {
+        pollfd end{process.descriptor.number(), POLLIN, 0};
+        if (process.descriptor && poll(&end, 1, 0) == 0)
+            living.push_back(process.pid);
+    }
+    return living;
+}
+
+void RunLimit::killAll(std::vector<pid_t> roots)
+{
+    m_isHard = true;
+    m_killed = Clock::now();
+    // Also what was started after they were asked to end.
+    const std::vector<pid_t> asked = living();
+    roots.insert(roots.end(), asked.begin(), asked.end());
+    add(roots);
+    signalAll(SIGKILL);
 }
 
 void RunLimit::signalAll(int signal) const
 {
-    for (const Descriptor& process : m_processes) {
-        if (process)
-            syscall(SYS_pidfd_send_signal, process.number(), signal, nullptr, 0);
+    for (const Process& process : m_processes) {
+        if (process.descriptor)
+            syscall(SYS_pidfd_send_signal, process.descriptor.number(), signal, nullptr, 0);
     }
 }
 
