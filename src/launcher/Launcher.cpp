@@ -97,17 +97,27 @@ std::variant<Changes, Unwatchable> Launcher::setUp()
     return setup;
 }
 
-bool Launcher::openFiles()
+bool Launcher::claimFiles()
 {
     if (!m_options.log.empty() && !m_log.open(m_options.log)) {
         fail(0, "Cannot write " + m_options.log + ": " + m_log.reason() + ".");
         return false;
     }
-    if (!m_options.session.empty() && !m_session.open(m_options.session)) {
+    if (!m_options.session.empty() && !m_session.claim(m_options.session)) {
         fail(0, "Cannot write the session " + m_options.session + ": " + m_session.reason() + ".");
         return false;
     }
     return true;
+}
+
+void Launcher::noteUnwatched(const std::string& reason)
+{
+    m_whyUnwatched = "Running " + m_options.program.front() + " without watching it: " + reason + ".";
+    if (m_device)
+        m_whyUnwatched += " It sees this machine; the profile " + m_naming.device + " has no effect.";
+    m_naming.device.clear();
+    if (!m_options.quiet || m_options.profile)
+        fail(0, m_whyUnwatched);
 }
 
 int Launcher::run()
@@ -126,8 +136,9 @@ RunOutcome Launcher::runProgram()
     const std::string& name = m_options.program.front();
     if (findProgram(name).empty())
         return failed(exit_code::notFound, "There is no program " + name + ".");
-    if (!openFiles() || !chooseDevice())
-        return {.exitCode = exit_code::wrongArguments, .failure = "It could not be started."};
+    RunOutcome notStarted{.exitCode = exit_code::wrongArguments, .failure = "It could not be started."};
+    if (!chooseDevice())
+        return notStarted;
     const auto setup = setUp();
     const auto* changes = std::get_if<Changes>(&setup);
     if (const auto* unwatchable = std::get_if<Unwatchable>(&setup)) {
@@ -138,14 +149,11 @@ RunOutcome Launcher::runProgram()
             outcome.isUnwatchable = true;
             return outcome;
         }
-        m_whyUnwatched = "Running " + name + " without watching it: " + unwatchable->reason + ".";
-        if (m_device)
-            m_whyUnwatched += " It sees this machine; the profile " + m_naming.device + " has no effect.";
-        m_naming.device.clear();
-        if (!m_options.quiet || m_options.profile)
-            fail(0, m_whyUnwatched);
+        noteUnwatched(unwatchable->reason);
     }
     m_isWatching = changes != nullptr;
+    if (!claimFiles())
+        return notStarted;
     if (m_options.showOutput)
         m_output.emplace();
     const Program::OutputEnds ends = m_output ? m_output->programEnds() : Program::OutputEnds{-1, -1};
@@ -157,7 +165,9 @@ RunOutcome Launcher::runProgram()
     // Only now: the program has the limit that it would have alone.
     platform::raiseDescriptorLimit();
     const auto start = Clock::now();
-    m_session.setDevice(m_naming.device);
+    // Only a program that runs takes the place of what an older one has left.
+    m_log.clear();
+    m_session.start(m_naming.device);
     m_limit.start();
     RunOutcome outcome;
     outcome.end = watch();

@@ -57,7 +57,9 @@ private:
     std::variant<Changes, Unwatchable> setUp();
     int fail(int code, const std::string& text) const;
     int exitCode(const RunOutcome& outcome) const;
-    bool openFiles();
+    void noteUnwatched(const std::string& reason);
+    /// Opens the files that are to be written, as they are.
+    bool claimFiles();
 
     ProcessEnd watch();
     void welcome(Newcomer newcomer);

@@ -167,11 +167,18 @@ bool RecordLog::open(const std::string& path)
 {
     m_path = path;
     // A FIFO that nobody reads is refused, and one that is read slowly must not hold up the launcher.
-    constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+    constexpr int flags = O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
     m_file = Descriptor(::open(path.c_str(), flags, 0666));
     if (!m_file)
         m_reason = platform::errorText(errno);
     return static_cast<bool>(m_file);
+}
+
+void RecordLog::clear()
+{
+    // It fails where there is nothing to be cleared, such as for a pipe.
+    if (m_file && ftruncate(m_file.number(), 0) != 0 && errno != EINVAL)
+        tellLoss(errno);
 }
 
 void RecordLog::take(pid_t pid, const layer::ring::Record& record)

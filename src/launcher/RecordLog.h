@@ -16,8 +16,10 @@ namespace launcher {
 /// they are many.
 class RecordLog : public RecordSink {
 public:
-    /// Replaces the file at a path. False if it cannot be opened; reason() tells why.
+    /// Opens the file at a path to write behind what is there. False if that cannot be; reason() tells why.
     bool open(const std::string& path);
+    /// Removes what was in the file before.
+    void clear();
     const std::string& reason() const { return m_reason; }
 
     void begin(pid_t pid, const std::string& name) override;

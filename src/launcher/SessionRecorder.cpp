@@ -14,10 +14,17 @@ constexpr auto longestWait = 1000ms;
 
 } // namespace
 
-bool SessionRecorder::open(const std::string& path)
+bool SessionRecorder::claim(const std::string& path)
 {
     m_path = path;
-    return m_writer.open(path);
+    return m_writer.claim(path);
+}
+
+void SessionRecorder::start(const std::string& device)
+{
+    m_device = device;
+    if (!m_path.empty())
+        m_writer.begin();
 }
 
 void SessionRecorder::begin(pid_t pid, const std::string& name)

@@ -12,11 +12,12 @@ namespace launcher {
 /// Writes what the processes report into a session file.
 class SessionRecorder : public RecordSink {
 public:
-    /// Begins the file. False if that cannot be; reason() tells why.
-    bool open(const std::string& path);
+    /// Opens the file, in which nothing changes before start(). False if it may not be replaced; reason()
+    /// tells why.
+    bool claim(const std::string& path);
     const std::string& reason() const { return m_writer.reason(); }
-    /// Of the processes that begin from now on.
-    void setDevice(const std::string& name) { m_device = name; }
+    /// Begins the session, if there is to be one, of processes that see this device.
+    void start(const std::string& device);
 
     void begin(pid_t pid, const std::string& name) override;
     void take(pid_t pid, const layer::ring::Record& record) override;

@@ -73,7 +73,7 @@ bool SessionWriter::open(const std::filesystem::path& path)
 
 bool SessionWriter::open(const std::filesystem::path& path, std::chrono::system_clock::time_point begin)
 {
-    return openFile(path) && this->begin(begin);
+    return claim(path) && this->begin(begin);
 }
 
 bool SessionWriter::openNameless()
@@ -82,7 +82,7 @@ bool SessionWriter::openNameless()
     m_file = file ? fcntl(fileno(file.get()), F_DUPFD_CLOEXEC, 0) : -1;
     if (m_file < 0)
         m_reason = platform::errorText(errno);
-    return m_file >= 0 && begin(std::chrono::system_clock::now());
+    return m_file >= 0 && this->begin();
 }
 
 bool SessionWriter::open(Output output, std::chrono::system_clock::time_point begin)
@@ -93,6 +93,10 @@ bool SessionWriter::open(Output output, std::chrono::system_clock::time_point be
 
 bool SessionWriter::begin(std::chrono::system_clock::time_point begin)
 {
+    if (m_file >= 0 && ftruncate(m_file, 0) != 0) {
+        fail(errno);
+        return false;
+    }
     m_compressor = std::make_unique<Compressor>();
     m_begin = std::chrono::steady_clock::now();
     std::string head(format::magic);
@@ -104,7 +108,7 @@ bool SessionWriter::begin(std::chrono::system_clock::time_point begin)
     return ok();
 }
 
-bool SessionWriter::openFile(const std::filesystem::path& path)
+bool SessionWriter::claim(const std::filesystem::path& path)
 {
     constexpr int flags = O_RDWR | O_CREAT | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
     m_file = ::open(path.c_str(), flags, 0666);
@@ -114,7 +118,7 @@ bool SessionWriter::openFile(const std::filesystem::path& path)
         m_reason = "it is no regular file";
     else if (isOpen && !mayReplace(m_file, status.st_size))
         m_reason = "the file that is there is no session, and is not replaced";
-    else if (!isOpen || ftruncate(m_file, 0) != 0)
+    else if (!isOpen)
         m_reason = platform::errorText(errno);
     if (m_reason.empty())
         return true;

@@ -27,6 +27,10 @@ public:
     bool open(const std::filesystem::path& path);
     /// The same with the beginning of a session that is over.
     bool open(const std::filesystem::path& path, std::chrono::system_clock::time_point begin);
+    /// The first half of open(): the file is there and may be replaced, but nothing in it has changed.
+    bool claim(const std::filesystem::path& path);
+    /// The second half, now.
+    bool begin() { return begin(std::chrono::system_clock::now()); }
     /// Begins a session in a file without a name, which goes when nobody has it open any more.
     bool openNameless();
     /// Takes the bytes of the file, in order; returns why they could not be kept, or nothing.
@@ -58,7 +62,6 @@ public:
 private:
     struct Compressor;
 
-    bool openFile(const std::filesystem::path& path);
     bool begin(std::chrono::system_clock::time_point begin);
     void writeBlock(std::uint32_t kind, std::string_view content, std::uint32_t count, SessionTime time);
     void write(std::string_view bytes);

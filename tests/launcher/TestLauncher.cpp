@@ -312,6 +312,33 @@ TEST_F(Launcher, writesALineForEachRecordIntoTheLog)
     EXPECT_EQ(refused.finish(), 2);
 }
 
+TEST_F(Launcher, replacesFilesOnlyForAProgramThatRuns)
+{
+    const std::filesystem::path folder = child_process::freshFolder();
+    const std::string log = folder / "log";
+    const std::string session = folder / "session";
+    const LauncherRun::Arguments files{"--log", log, "--session", session};
+    ASSERT_EQ(LauncherRun(program({"errors", "1"}, files)).finish(), 0);
+    const std::string oldLog = child_process::contentOf(log);
+    const std::string oldSession = child_process::contentOf(session);
+    ASSERT_FALSE(oldLog.empty() || oldSession.empty());
+    const auto runWith = [&](const LauncherRun::Arguments& others) {
+        LauncherRun::Arguments arguments = files;
+        arguments.insert(arguments.end(), others.begin(), others.end());
+        return LauncherRun(arguments).finish();
+    };
+    EXPECT_EQ(runWith({"--profile", "Typo", "true"}), 2);
+    EXPECT_EQ(runWith({"/etc/passwd"}), 126);
+    EXPECT_EQ(runWith({"/no/such/program"}), 127);
+    EXPECT_EQ(runWith({"--session", "/nonexistent/session", "true"}), 2);
+    std::filesystem::create_symlink(log, folder / "alias");
+    EXPECT_EQ(runWith({"--session", (folder / "alias").string(), "true"}), 2);
+    EXPECT_EQ(child_process::contentOf(log), oldLog);
+    EXPECT_EQ(child_process::contentOf(session), oldSession);
+    EXPECT_EQ(runWith({"true"}), 0);
+    EXPECT_EQ(child_process::contentOf(log), "");
+}
+
 TEST_F(Launcher, saysWhenNothingCanBeWatched)
 {
     const std::filesystem::path missing = std::filesystem::temp_directory_path() / "none";
