@@ -121,18 +121,21 @@ std::vector<ConsoleItem> ConsoleHistory::itemsFrom(
     std::deque<ConsoleItem> items;
     int weightBefore = 0;
     int weightBehind = 0;
+    std::uint64_t readBehind = 0;
     std::string_view entry;
     reachesEnd = true;
     while (reader.next(entry)) {
+        const bool isBefore = reader.serial() < serial;
+        // Counted, as serial numbers leap over entries that are missing.
+        readBehind += isBefore ? 0 : 1;
         if (m_folding && !items.empty() && m_folding->folds(items.back().bytes, entry, reader.place())) {
             ++items.back().count;
             continue;
         }
-        if (weightBehind >= weight || reader.serial() > serial + mostRead) {
+        if (weightBehind >= weight || readBehind > mostRead) {
             reachesEnd = false;
             break;
         }
-        const bool isBefore = reader.serial() < serial;
         (isBefore ? weightBefore : weightBehind) += console_entry::weight(entry);
         // The line that stands for missing entries takes the place of the last of them.
         items.push_back({std::string(entry), reader.isEntry() ? reader.serial() : reader.serial() - 1,

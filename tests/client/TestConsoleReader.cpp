@@ -23,6 +23,7 @@ private Q_SLOTS:
     void wholeConsoleCanBeRead_data();
     void wholeConsoleCanBeRead();
     void entriesAreFoundAgain();
+    void manyEntriesAreMissing();
     void repeatsAreFolded();
     void groupsAreFolded();
 };
@@ -274,6 +275,33 @@ void TestConsoleReader::entriesAreFoundAgain()
     page.receive(lines, 1);
     QVERIFY(page.comesToRest());
     QVERIFY(page.document().toPlainText().endsWith(QStringLiteral("line 6160")));
+}
+
+/// The disk has no room for so many entries that they would be too many to be read at once.
+void TestConsoleReader::manyEntriesAreMissing()
+{
+    Page page;
+    Console& console = page.page.console();
+    const QByteArray folder = qgetenv("TMPDIR");
+    const QList<Message> lines = numbered(70'000);
+    qputenv("TMPDIR", folder + "/missing");
+    page.receive(lines, 60'000);
+    qputenv("TMPDIR", folder);
+    page.receive(lines, 10'000);
+    QVERIFY(page.comesToRest());
+    for (const std::uint64_t entry : {0U, 5'000U}) {
+        QVERIFY(console.showEntry(entry));
+        const QString shown = page.document().toPlainText();
+        QVERIFY2(shown.contains(QStringLiteral(" entries are missing here")), qPrintable(shown.left(200)));
+        QVERIFY2(shown.count(QLatin1Char('\n')) > 200, "with entries behind them");
+        page.view->verticalScrollBar()->setValue(0);
+        QCoreApplication::processEvents();
+    }
+    QVERIFY(console.showEntry(69'000));
+    QCOMPARE(page.view->textCursor().selectedText(), QStringLiteral("line 69000"));
+    page.autoScroll->click();
+    QVERIFY(page.comesToRest());
+    QVERIFY(page.document().toPlainText().endsWith(QStringLiteral("line 69999")));
 }
 
 void TestConsoleReader::repeatsAreFolded()
