@@ -271,11 +271,18 @@ void TestErrorFolding::mutedKindsAreKept()
     // What another window has written stays.
     QVERIFY(second.mute({other}));
     QVERIFY(MutedErrors(file).kinds().contains(kind));
+    QVERIFY(second.mute({{sessions::Severity::Message, "", "", "only told"}}));
+    const MutedErrorsDialog dialog(second, nullptr);
+    QStringList severities;
+    for (int row = 0; row < 3; ++row)
+        severities.append(
+            dialog.findChild<QTreeWidget*>(QStringLiteral("listMutedErrors"))->topLevelItem(row)->text(0));
+    QCOMPARE(severities, (QStringList{"Error", "Warning", "Message"}));
     QSignalSpy changes(&first, &MutedErrors::changed);
     QVERIFY(first.show({kind}));
     QCOMPARE(changes.count(), 1);
     QVERIFY(first.kinds().contains(other));
-    QCOMPARE(MutedErrors(file).kinds().size(), 1U);
+    QCOMPARE(MutedErrors(file).kinds().size(), 2U);
 }
 
 void TestErrorFolding::mutedFileThatCannotBeRead()

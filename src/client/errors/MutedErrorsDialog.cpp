@@ -18,6 +18,19 @@ enum Column { SeverityColumn, FunctionColumn, CodeColumn, TextColumn };
 
 constexpr qsizetype shownLetters = 2000;
 
+QString severityText(sessions::Severity severity)
+{
+    switch (severity) {
+    case sessions::Severity::Error:
+        break;
+    case sessions::Severity::Warning:
+        return MutedErrorsDialog::tr("Warning");
+    case sessions::Severity::Message:
+        return MutedErrorsDialog::tr("Message");
+    }
+    return MutedErrorsDialog::tr("Error");
+}
+
 } // namespace
 
 MutedErrorsDialog::MutedErrorsDialog(MutedErrors& muted, QWidget* parent)
@@ -59,8 +72,7 @@ void MutedErrorsDialog::fill()
     m_list->clear();
     for (const sessions::Signature& kind : m_muted.kinds().all()) {
         auto* item = new QTreeWidgetItem(m_list);
-        const bool isWarning = kind.severity == sessions::Severity::Warning;
-        item->setText(SeverityColumn, isWarning ? tr("Warning") : tr("Error"));
+        item->setText(SeverityColumn, severityText(kind.severity));
         item->setText(FunctionColumn, QString::fromStdString(kind.function));
         item->setText(CodeColumn, QString::fromStdString(kind.code));
         item->setText(TextColumn, QString::fromStdString(kind.text).left(shownLetters).simplified());
