@@ -20,7 +20,7 @@ namespace {
 
 OpenedFile refused(const std::filesystem::path& path, const std::string& why, bool absent = false)
 {
-    return OpenedFile{nullptr, "Cannot read " + readablePath(path) + ": " + why, absent};
+    return OpenedFile{nullptr, "Cannot read " + readablePath(path) + ": " + why, absent, why};
 }
 
 std::string tooLarge(std::size_t limit)
@@ -45,7 +45,7 @@ OpenedFile openForReading(const std::filesystem::path& path, std::size_t limit)
     FileStream stream(_wfopen(path.c_str(), L"rb"));
     if (!stream)
         return refused(path, errorText(errno));
-    return OpenedFile{std::move(stream), {}, false};
+    return OpenedFile{std::move(stream), {}, false, {}};
 }
 
 FileStream openAgain(int descriptor)
@@ -81,7 +81,7 @@ OpenedFile openForReading(const std::filesystem::path& path, std::size_t limit)
         why = tooLarge(limit);
     FileStream stream(why.empty() ? fdopen(descriptor, "rb") : nullptr);
     if (stream)
-        return OpenedFile{std::move(stream), {}, false};
+        return OpenedFile{std::move(stream), {}, false, {}};
     if (why.empty())
         why = errorText(errno);
     close(descriptor);

@@ -19,6 +19,7 @@ struct OpenedFile {
     std::string reason;
     /// Nothing is at the path, as opposed to something that cannot be read.
     bool absent = false;
+    std::string cause; ///< The reason without the path, for words of one's own about the file.
 };
 
 /// Bytes, or why there are none.

@@ -5,7 +5,6 @@
 
 #include <QFile>
 
-#include <memory>
 #include <utility>
 
 using ui::messages::Message;
@@ -132,11 +131,6 @@ SessionSource ClientRecorder::source(const QString& title)
         begin();
         m_writer.flush();
     }
-    // Shared, so that it can be opened more than once, also when the recorder has gone.
-    const std::shared_ptr<std::FILE> file =
-        m_hasEnded && m_whole ? platform::openAgain(fileno(m_whole.get())) : m_writer.again();
-    const auto open = [file] {
-        return file ? platform::openAgain(fileno(file.get())) : nullptr;
-    };
-    return {title, open, {0}};
+    return openSessionSource(
+        title, m_hasEnded && m_whole ? platform::openAgain(fileno(m_whole.get())) : m_writer.again(), {0});
 }

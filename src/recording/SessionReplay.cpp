@@ -55,11 +55,7 @@ QString SessionReplay::damage() const
 SessionSource SessionReplay::source(const ReplayedClient& client, const QString& title) const
 {
     // The file may be replaced or removed; what is open stays.
-    const std::shared_ptr<std::FILE> file = session().again();
-    const auto open = [file] {
-        return file ? platform::openAgain(fileno(file.get())) : nullptr;
-    };
-    return {title, open, {client.facts().number}};
+    return openSessionSource(title, session().again(), {client.facts().number});
 }
 
 SessionTime SessionReplay::length() const

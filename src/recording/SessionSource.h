@@ -12,7 +12,7 @@
 /// Clients of a session that can be read, be it a file or what is kept of a connected client.
 struct SessionSource {
     QString title; ///< What users know it by.
-    std::function<platform::FileStream()> open; ///< A stream with what there is by now; nothing on failure.
+    std::function<platform::OpenedFile()> open; ///< A stream with what there is by now.
     std::vector<std::uint32_t> clients; ///< Their numbers in the session.
 
     bool has(std::uint32_t client) const;
@@ -20,13 +20,17 @@ struct SessionSource {
 
 /// All of a session file.
 SessionSource sessionFileSource(const QString& path);
+/// Clients of a session file that is open. It stays open as long as there is a copy of the source, whatever
+/// happens to its name.
+SessionSource openSessionSource(
+    const QString& title, platform::FileStream file, const std::vector<std::uint32_t>& clients);
 
 /// Reads the records of a source's clients one by one, across blocks. Damaged blocks are passed over.
 class SessionRecords {
 public:
     /// Makes a reader of a source. False with a reason.
     bool open(const SessionSource& source);
-    QString reason() const { return QString::fromStdString(m_reader.reason()); }
+    const QString& reason() const { return m_reason; }
     /// What is missing, as far as it has been read; empty if nothing is.
     QString damage() const { return QString::fromStdString(m_reader.damage()); }
 
@@ -38,6 +42,7 @@ public:
 
 private:
     sessions::SessionReader m_reader;
+    QString m_reason;
     std::vector<bool> m_wanted;
     std::size_t m_nextBlock = 0;
     bool m_isLoaded = false;

@@ -218,6 +218,7 @@ void TestSessionPages::showsWhatIsLeft_data()
     QTest::newRow("cut behind a block") << -10 << 8000 << "end of the session is missing";
     QTest::newRow("cut within the records") << -1000 << 1 << "end of the session is missing";
     QTest::newRow("no session") << 3 << -1 << "it is no session";
+    QTest::newRow("no file") << 0 << -1 << "No such file or directory";
 }
 
 void TestSessionPages::showsWhatIsLeft()
@@ -234,6 +235,7 @@ void TestSessionPages::showsWhatIsLeft()
     QByteArray content = contentOf(path);
     content.truncate(length < 0 ? content.size() + length : length);
     write(path, content);
+    QVERIFY(length != 0 || QFile::remove(path));
 
     Session session;
     session.window.show();
@@ -247,7 +249,7 @@ void TestSessionPages::showsWhatIsLeft()
         });
     session.window.openSession(path);
     if (rows < 0) {
-        QTRY_VERIFY(told.contains(message));
+        QTRY_VERIFY2(told.contains(message) && told.contains(QStringLiteral("one.")), qPrintable(told));
         QCOMPARE(session.titles(), QStringList("Disconnected"));
         return;
     }
@@ -408,7 +410,7 @@ void TestSessionPages::comparesTwo()
 
     QFile::remove(before);
     dialog.findChild<QComboBox*>(QStringLiteral("cmbAfter"))->setCurrentIndex(0);
-    QTRY_VERIFY2(state.text().contains(QStringLiteral("cannot be read")), qPrintable(state.text()));
+    QTRY_VERIFY2(state.text().contains(QStringLiteral("cannot be read: No such")), qPrintable(state.text()));
     QCOMPARE(findings.topLevelItemCount(), 0);
 }
 
