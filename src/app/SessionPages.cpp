@@ -111,7 +111,11 @@ void SessionPages::record(Client& client, ClientInterface& page)
     if (!recorder->path().isEmpty()) {
         recorder->setParent(&client);
         recorder->setLimit([this] { return m_folder.makeRoom(); });
-        connect(recorder, &ClientRecorder::closed, this, [this, path] { m_folder.closeFile(path); });
+        connect(recorder, &ClientRecorder::closed, this, [this, path, recorder, shown = QPointer(&page)] {
+            m_folder.closeFile(path);
+            if (!shown)
+                recorder->deleteLater();
+        });
     } else if (!path.isEmpty()) {
         m_folder.closeFile(path);
     }
@@ -134,6 +138,9 @@ void SessionPages::forget(const ClientInterface* page)
     const auto place = m_kept.find(page);
     if (place == m_kept.end())
         return;
+    // One that has not ended goes as soon as it has.
+    if (ClientRecorder* recorder = place->second.recorder; recorder && recorder->hasEnded())
+        recorder->deleteLater();
     SessionReplay* replay = place->second.replay;
     m_kept.erase(place);
     const bool isUsed = std::any_of(

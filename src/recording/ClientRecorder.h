@@ -31,8 +31,10 @@ public:
     using MayGrow = std::function<bool()>;
     void setLimit(const MayGrow& mayGrow) { m_mayGrow = mayGrow; }
 
-    /// Writes out what is known of the client's end, and closes the file.
+    /// Writes out what is known of the client's end, and closes the file. The recorder still has it open for
+    /// source() afterwards, so its room on the disk is taken as long as there is the recorder.
     void end(bool isClean);
+    bool hasEnded() const { return m_hasEnded; }
 
 Q_SIGNALS:
     /// The file is complete.

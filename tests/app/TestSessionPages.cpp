@@ -1,5 +1,7 @@
 #include "ClientInterface.h"
+#include "ClientRecorder.h"
 #include "CompareSessionsDialog.h"
+#include "DesktopNotifier.h"
 #include "DialogAnswers.h"
 #include "ErrorListModel.h"
 #include "Resources.h"
@@ -332,10 +334,20 @@ void TestSessionPages::recordsWhatConnects()
     QCOMPARE(reader.damage(), std::string());
     session.applications.at(1)->close();
     QTRY_VERIFY(reader.open(file) && reader.clients().at(0).end == sessions::ClientEnd::Lost);
+    // Nothing keeps a file open whose client and tab are gone, whichever went first.
+    const auto recorders = [&session] {
+        return session.window.findChildren<ClientRecorder*>().size();
+    };
+    QTRY_COMPARE(recorders(), 1);
+    session.connectApplication().send(bytes(pid(4)) + bytes(make(Type::CleanDisconnect)));
+    QTRY_COMPARE(session.tabs().pageAt(1)->state(), ClientInterface::State::Finished);
+    QCOMPARE(recorders(), 2);
+    session.window.closeTab(1);
+    QTRY_COMPARE(recorders(), 1);
     session.window.findChild<QAction*>(QStringLiteral("actionRecordSessions"))->trigger();
     session.connectApplication().send(bytes(pid(3)) + bytes(text(Type::Error, "not kept")));
     QTRY_COMPARE(session.tabs().pageAt(1)->errorListModel().rowCount(), 1);
-    QCOMPARE(files().size(), 1);
+    QCOMPARE(files().size(), 2);
 }
 
 void TestSessionPages::keepsTheNewestSessions()
