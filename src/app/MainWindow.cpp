@@ -401,7 +401,9 @@ void MainWindow::clientIckyDisconnect(Client* client)
 
 void MainWindow::clientDisconnected(Client* client, const QString& text, bool isClean)
 {
-    if (const ClientInterface* page = m_clientTabs->pageOf(client))
+    // What is played from a session happened long ago.
+    const ClientInterface* page = m_clientTabs->pageOf(client);
+    if (page && page->session().isEmpty())
         m_notifier->notify(
             isClean ? DesktopNotifier::Event::End : DesktopNotifier::Event::Crash, page->title());
     m_clientTabs->finish(

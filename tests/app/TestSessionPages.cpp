@@ -18,6 +18,7 @@
 #include <QLabel>
 #include <QMimeData>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTreeWidget>
@@ -148,6 +149,13 @@ void TestSessionPages::comesBackAsItWas()
     Session other;
     other.window.show();
     const QString count = other.status("lblErrorCount");
+    QWidget elsewhere;
+    elsewhere.show();
+    elsewhere.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&elsewhere));
+    auto& notifier = *other.window.findChild<DesktopNotifier*>();
+    notifier.actions().last()->trigger();
+    const QSignalSpy notified(&notifier, &DesktopNotifier::notified);
     other.window.openSession(path);
     const ClientInterface& page = *other.tabs().pageAt(0);
     QTRY_COMPARE(page.state(), ClientInterface::State::Finished);
@@ -160,6 +168,7 @@ void TestSessionPages::comesBackAsItWas()
     QVERIFY(other.tabs().tabToolTip(0).contains(QStringLiteral("ended")));
     // What it says of errors is no news.
     QCOMPARE(other.status("lblErrorCount"), count);
+    QCOMPARE(notified.count(), 0);
 
     // What is shown does not need the file any more.
     const QString copy = folder.filePath(QStringLiteral("copy.corvale-session"));
