@@ -28,6 +28,12 @@ QString sessionName(const SessionReplay& replay)
         .arg(QDateTime::fromMSecsSinceEpoch(begin.count()).toString(QStringLiteral("yyyy-MM-dd hh:mm")));
 }
 
+/// With the name of its file.
+QString sessionText(const SessionReplay& replay)
+{
+    return QStringLiteral("%1, %2").arg(sessionName(replay), QFileInfo(replay.path()).fileName());
+}
+
 /// Minutes, seconds and tenths.
 QString timeText(sessions::SessionTime time)
 {
@@ -163,7 +169,7 @@ std::optional<SessionSource> SessionPages::sourceOf(const ClientInterface* page)
         return kept.recorder->source(page->title());
     if (kept.replay)
         return kept.replay->source(
-            *kept.client, QStringLiteral("%1 (%2)").arg(page->title(), sessionName(*kept.replay)));
+            *kept.client, QStringLiteral("%1 (%2)").arg(page->title(), sessionText(*kept.replay)));
     return std::nullopt;
 }
 
@@ -235,11 +241,10 @@ void SessionPages::showBar()
 
 QString SessionPages::barText(const SessionReplay& replay) const
 {
-    const QString name =
-        QStringLiteral("%1 (%2)").arg(sessionName(replay), QFileInfo(replay.path()).fileName());
+    const QString name = sessionText(replay);
     QString text;
     if (replay.hasEnded())
-        text = tr("%1, ended.").arg(name);
+        text = tr("%1: ended.").arg(name);
     else if (replay.pace() == SessionReplay::Pace::AtOnce)
         text = tr("%1: reading, %2 of %3 records.")
                    .arg(name)
