@@ -513,7 +513,7 @@ void TestWindowChoices::recentProfiles()
     Session session;
     ProfileCatalogue catalogue(session.preferences);
     session.window.setCatalogue(catalogue);
-    auto& menu = *session.window.findChild<RecentFilesMenu*>();
+    auto& menu = *session.window.findChild<RecentFilesMenu*>(QStringLiteral("menuRecentProfiles"));
     const QStringList added{elsewhere.filePath("broken.xml"), elsewhere.filePath("gone.xml"),
         elsewhere.filePath("a.xml"), folder.filePath("a.xml")};
     session.window.preferencesEdited(added);

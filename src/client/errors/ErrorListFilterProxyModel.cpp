@@ -11,9 +11,6 @@
 
 namespace {
 
-/// Milliseconds that a step takes.
-constexpr int stepTime = 10;
-
 /// Milliseconds until rows that arrive in a sorted list are put in their places, and how many times as long
 /// as the last time that took.
 constexpr int mergePause = 200;
@@ -157,7 +154,7 @@ void ErrorListFilterProxyModel::arrangeAnew()
 {
     beginResetModel();
     m_arrangement.restart(m_errors, m_order, m_isFolded);
-    m_arrangement.work(QDeadlineTimer(stepTime));
+    m_arrangement.work(QDeadlineTimer(m_stepTime));
     m_arrangement.showNew();
     if (m_arrangement.hasReplacement())
         m_arrangement.showReplacement();
@@ -183,7 +180,7 @@ void ErrorListFilterProxyModel::rowsArrived()
         m_timer.start(mergePause);
         return;
     }
-    m_arrangement.work(QDeadlineTimer(stepTime));
+    m_arrangement.work(QDeadlineTimer(m_stepTime));
     publish();
     if (!m_arrangement.isSettled())
         m_timer.start(0);
@@ -198,7 +195,7 @@ void ErrorListFilterProxyModel::work()
     }
     QElapsedTimer time;
     time.start();
-    m_arrangement.work(QDeadlineTimer(stepTime));
+    m_arrangement.work(QDeadlineTimer(m_stepTime));
     const bool replaces = m_arrangement.hasReplacement();
     publish();
     if (m_arrangement.isSettled()) {

@@ -38,6 +38,8 @@ public:
     /// What the kind of a row is known by.
     const sessions::Signature& signatureOf(int row);
 
+    /// Milliseconds that a step of the work takes; with 0 it does as little as it can.
+    void setStepTime(int milliseconds) { m_stepTime = milliseconds; }
     /// Whether everything is shown that is to be.
     bool isSettled() const { return !m_timer.isActive(); }
     /// Whether the rows are those of the source in their order.
@@ -104,6 +106,7 @@ private:
     bool m_isFolded = false;
     ErrorKinds m_kinds;
     int m_announcedMuted = 0;
+    int m_stepTime = 10;
     ErrorListArrangement m_arrangement;
     QTimer m_timer; ///< Runs while there is something to do.
 };
