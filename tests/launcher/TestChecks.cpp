@@ -236,6 +236,9 @@ TEST_F(Checks, letKnownFindingsPass)
     runLauncher(checkOf({"type", "8"}, {"--write-baseline", baseline}));
     const std::string again = contentOf(baseline);
     EXPECT_EQ(again.find("glDrawArrays"), std::string::npos) << "what is gone is taken out";
+    for (const char* unseen : {"/bin/true", "/bin/false"})
+        runLauncher({"--check", "--write-baseline", baseline, unseen});
+    EXPECT_EQ(contentOf(baseline), again) << "of programs that nothing was seen of";
     child_process::fill(baseline, "precious");
     EXPECT_EQ(runLauncher(checkOf({}, {"--write-baseline", baseline})).code, 2);
     EXPECT_EQ(contentOf(baseline), "precious");

@@ -74,8 +74,15 @@ std::vector<sessions::Signature> Verdict::gone(const std::vector<RunResult>& run
 
 sessions::KnownKinds Verdict::newBaseline(const std::vector<RunResult>& runs, sessions::KnownKinds old) const
 {
-    for (const sessions::Signature& kind : absent(old.all(), runs))
-        old.remove(kind);
+    // A run that did not come to its end, or was not seen, may have had them yet.
+    const bool areWhole = std::all_of(runs.begin(), runs.end(), [this](const RunResult& run) {
+        const int code = status(run);
+        return run.isWatched && (code == 0 || code == exit_code::found);
+    });
+    if (areWhole) {
+        for (const sessions::Signature& kind : absent(old.all(), runs))
+            old.remove(kind);
+    }
     for (const RunResult& run : runs) {
         for (const sessions::Finding& finding : run.findings.all()) {
             if (m_failOn == FailOn::Never || counts(finding.signature.severity))

@@ -40,7 +40,8 @@ public:
 
     /// Kinds that are known and were in no run.
     std::vector<sessions::Signature> gone(const std::vector<RunResult>& runs) const;
-    /// The baseline that would let these runs pass. Of the old one it keeps what was in any of them.
+    /// The baseline that would let these runs pass. Of the old one it keeps what was in any of them; all of
+    /// it unless every run was seen and came to a good end.
     sessions::KnownKinds newBaseline(const std::vector<RunResult>& runs, sessions::KnownKinds old) const;
 
 private:
