@@ -246,7 +246,7 @@ QString ItemFind::selectedText() const
     for (const QPointer<QAbstractItemView>& view : m_views) {
         if (!view || !view->selectionModel() || !view->selectionModel()->hasSelection())
             continue;
-        const QString text = view->currentIndex().data(Qt::DisplayRole).toString();
+        QString text = view->currentIndex().data(Qt::DisplayRole).toString();
         if (view->hasFocus() && !text.contains(QLatin1Char('\n')))
             return text;
     }

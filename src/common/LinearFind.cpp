@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -35,9 +36,9 @@ bool LinearFind::isOver(const QElapsedTimer& time)
 
 void LinearFind::start(const FindPattern& pattern)
 {
-    const FindPattern wantedPattern = pattern;
+    FindPattern wantedPattern = pattern; // It may be ours, which stop() empties.
     stop();
-    m_pattern = wantedPattern;
+    m_pattern = std::move(wantedPattern);
     if (m_pattern.isEmpty()) {
         Q_EMIT stateChanged();
         return;

@@ -95,10 +95,10 @@ TextTable TextTable::of(const QAbstractItemModel& model)
     }
     table.rowCount = model.rowCount();
     table.cells = [&model](int row) {
-        QStringList cells;
+        QStringList texts;
         for (int column = 0; column < model.columnCount(); ++column)
-            cells.append(model.index(row, column).data().toString());
-        return cells;
+            texts.append(model.index(row, column).data().toString());
+        return texts;
     };
     return table;
 }
