@@ -70,7 +70,9 @@ void check(const Record& record, launcher::RecordQueue& queue)
     demand(
         record.payload.size() <= recordSize - ui::messages::offset::payload, "a payload fits into a record");
     const launcher::WholeRecord whole(record);
-    demand(whole.message().rawType() == record.type, "a whole record has its type");
+    ui::messages::Message message;
+    demand(whole.copyTo(message) <= recordSize, "a whole record is no longer than a record");
+    demand(message.rawType() == record.type, "a whole record has its type");
     queue.push(record);
     Record queued;
     demand(queue.peek({&queued, 1}) == 1 && queued.payload == record.payload, "the queue keeps the payload");
