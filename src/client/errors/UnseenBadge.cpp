@@ -46,12 +46,17 @@ void UnseenBadge::showOn(int tab)
     const QLocale locale;
     setAccessibleName(tr("%1 errors and %2 warnings that you have not seen")
                           .arg(locale.toString(m_unseen.errors()), locale.toString(m_unseen.warnings())));
-    setStyleSheet(QStringLiteral("QLabel { background: %1; color: %2; border-radius: 4px; padding: 0 4px; }")
-                      .arg(m_unseen.errors() > 0 ? QStringLiteral("#b3261e") : QStringLiteral("#f2c84b"),
-                          m_unseen.errors() > 0 ? QStringLiteral("white") : QStringLiteral("black")));
+    if (const bool hasErrors = m_unseen.errors() > 0; m_hasErrors != hasErrors) {
+        m_hasErrors = hasErrors;
+        setStyleSheet(
+            QStringLiteral("QLabel { background: %1; color: %2; border-radius: 4px; padding: 0 4px; }")
+                .arg(hasErrors ? QStringLiteral("#b3261e") : QStringLiteral("#f2c84b"),
+                    hasErrors ? QStringLiteral("white") : QStringLiteral("black")));
+    }
     if (isShown && former.size() == text().size())
         return;
     adjustSize();
-    m_bar.setTabButton(tab, m_side, nullptr);
+    if (isShown)
+        m_bar.setTabButton(tab, m_side, nullptr);
     m_bar.setTabButton(tab, m_side, this);
 }

@@ -3,6 +3,8 @@
 #include <QLabel>
 #include <QTabBar>
 
+#include <optional>
+
 class UnseenErrors;
 
 /// A number on a tab that tells of errors and warnings that nobody has seen. The tab keeps its text.
@@ -20,4 +22,5 @@ private:
     const UnseenErrors& m_unseen;
     QTabBar& m_bar;
     QTabBar::ButtonPosition m_side;
+    std::optional<bool> m_hasErrors; ///< What its colours tell.
 };

@@ -1,6 +1,7 @@
 #include "UnseenErrors.h"
 
 #include "ErrorListModel.h"
+#include "EventLoopBudget.h"
 
 #include <QApplication>
 #include <QEvent>
@@ -19,8 +20,7 @@ UnseenErrors::UnseenErrors(const ErrorListModel& errors, QWidget& widget)
     , m_widget(widget)
 {
     m_pause.setSingleShot(true);
-    m_pause.setInterval(tellPause);
-    connect(&m_pause, &QTimer::timeout, this, &UnseenErrors::changed);
+    connect(&m_pause, &QTimer::timeout, this, &UnseenErrors::tell);
     connect(&errors, &QAbstractItemModel::rowsInserted, this,
         [this](const QModelIndex&, int first, int last) { count(first, last); });
     connect(&errors, &QAbstractItemModel::modelReset, this, &UnseenErrors::clear);
@@ -46,7 +46,16 @@ void UnseenErrors::count(int first, int last)
         m_warningCount += severity == error_list::SeverityWarning ? 1 : 0;
     }
     if (!m_pause.isActive())
-        m_pause.start();
+        m_pause.start(tellPause);
+}
+
+void UnseenErrors::tell()
+{
+    // A number that comes or grows lays all tabs of its bar out anew, which takes long where there are many.
+    if (event_loop_budget::claimStep())
+        Q_EMIT changed();
+    else
+        m_pause.start(0);
 }
 
 void UnseenErrors::clear()

@@ -28,6 +28,7 @@ protected:
 private:
     bool isSeen() const;
     void count(int first, int last);
+    void tell();
     void clear();
 
     const ErrorListModel& m_errors;
