@@ -20,14 +20,14 @@
 namespace {
 
 /// Stands in for the launcher: leaves its process's number and what it was given in "seen", then runs the
-/// program and passes SIGTERM on.
+/// program and passes SIGTERM on. The trap comes first, since the program may be ready before the next line is read.
 constexpr const char* fakeLauncher = R"(#!/bin/sh
 { echo $$; printf '%s|' "$PWD" "$GREETING" "$@"; echo; } >>"$SEEN"
 shift 3
 [ "$1" = missing ] && echo "corvale-run: There is no program $1." >&2 && exit 127
+trap 'kill $!' TERM
 "$@" &
 child=$!
-trap 'kill $child' TERM
 wait $child
 code=$?
 while kill -0 $child 2>/dev/null; do wait $child; code=$?; done
