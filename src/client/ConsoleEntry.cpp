@@ -49,10 +49,7 @@ Message unpack(std::string_view entry)
 
 Type typeOf(std::string_view entry)
 {
-    std::uint32_t type = 0;
-    for (std::size_t i = 0; i < sizeof type && i < entry.size(); ++i)
-        type |= static_cast<std::uint32_t>(static_cast<unsigned char>(entry[i])) << 8U * i;
-    return static_cast<Type>(type);
+    return static_cast<Type>(ui::messages::littleEndian32(entry));
 }
 
 /// For an entry that has its text right behind its type and frame.

@@ -39,13 +39,7 @@ std::size_t lastText(std::uint32_t type)
 
 std::uint32_t Record::u32(std::size_t at) const
 {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < sizeof value; ++i) {
-        const std::size_t place = at + i - offset::payload;
-        if (place < payload.size())
-            value |= static_cast<std::uint32_t>(static_cast<unsigned char>(payload[place])) << (8U * i);
-    }
-    return value;
+    return ui::messages::littleEndian32(payload, at - offset::payload);
 }
 
 std::string_view Record::text(std::size_t at, std::size_t fieldEnd) const

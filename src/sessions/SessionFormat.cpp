@@ -8,6 +8,8 @@
 
 namespace sessions::format {
 
+using ui::messages::littleEndian32;
+
 std::string BlockHead::bytes() const
 {
     std::string bytes;
@@ -55,11 +57,8 @@ void putText(std::string& bytes, std::string_view text)
 
 std::uint64_t ByteSource::number(std::size_t size)
 {
-    std::uint64_t value = 0;
     const std::string_view raw = bytes(size);
-    for (std::size_t i = 0; i < raw.size(); ++i)
-        value |= static_cast<std::uint64_t>(static_cast<unsigned char>(raw[i])) << (8U * i);
-    return value;
+    return std::uint64_t{littleEndian32(raw, 4)} << 32U | littleEndian32(raw);
 }
 
 std::string_view ByteSource::bytes(std::size_t size)

@@ -83,6 +83,17 @@ inline constexpr std::size_t reportText = 8;
 inline constexpr std::size_t reportTextEnd = 520; ///< Where the value that follows the text stands.
 } // namespace offset
 
+/// The number whose bytes, the least significant one first, are those at a place; those that are missing
+/// count as zeros.
+inline std::uint32_t littleEndian32(std::string_view bytes, std::size_t at = 0)
+{
+    std::array<unsigned char, sizeof(std::uint32_t)> raw{};
+    if (at < bytes.size())
+        std::memcpy(raw.data(), bytes.data() + at, std::min(raw.size(), bytes.size() - at));
+    return static_cast<std::uint32_t>(raw[0]) | static_cast<std::uint32_t>(raw[1]) << 8U
+        | static_cast<std::uint32_t>(raw[2]) << 16U | static_cast<std::uint32_t>(raw[3]) << 24U;
+}
+
 /// Number of 32-bit extension identifiers that each list of a ContextInformation record has room for.
 inline constexpr std::size_t extensionListCapacity = 512;
 
@@ -117,10 +128,7 @@ public:
     {
         if (at + sizeof(std::uint32_t) > recordSize)
             return 0;
-        std::array<unsigned char, sizeof(std::uint32_t)> raw{};
-        std::memcpy(raw.data(), m_bytes.data() + at, raw.size());
-        return static_cast<std::uint32_t>(raw[0]) | static_cast<std::uint32_t>(raw[1]) << 8U
-            | static_cast<std::uint32_t>(raw[2]) << 16U | static_cast<std::uint32_t>(raw[3]) << 24U;
+        return littleEndian32({m_bytes.data(), m_bytes.size()}, at);
     }
     std::int32_t i32(std::size_t at) const { return static_cast<std::int32_t>(u32(at)); }
     std::uint8_t u8(std::size_t at) const
