@@ -95,7 +95,13 @@ void SessionPages::open(const QString& path, SessionReplay::Pace pace)
     }
     SessionReplay* shown = replay.release();
     shown->setParent(this);
-    connect(shown, &SessionReplay::progressed, this, &SessionPages::showBar);
+    connect(shown, &SessionReplay::progressed, this, [this, shown] {
+        for (const ReplayedClient* client : shown->clients()) {
+            if (ClientInterface* page = m_tabs.pageOf(client))
+                page->setErrorsAreNews(shown->pace() != SessionReplay::Pace::AtOnce);
+        }
+        showBar();
+    });
     const QString name = tr("%1, ended").arg(sessionName(*shown));
     for (ReplayedClient* client : shown->clients()) {
         ClientInterface* page = m_addPage(client, name);

@@ -280,6 +280,12 @@ void ClientInterface::setLive()
     m_state = State::Live;
 }
 
+void ClientInterface::setErrorsAreNews(bool areNews)
+{
+    for (UnseenErrors* unseen : findChildren<UnseenErrors*>())
+        unseen->setCounting(areNews);
+}
+
 void ClientInterface::showSession(const QString& which)
 {
     m_session = which;

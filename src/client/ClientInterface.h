@@ -65,6 +65,8 @@ public:
 
     /// Errors and warnings that have come since the page was last to be seen.
     const UnseenErrors& unseenErrors() const { return *m_unseenErrors; }
+    /// Whether errors that come from now on are news; those of a session that is read at once are none.
+    void setErrorsAreNews(bool areNews);
     const ErrorListModel& errorListModel() const { return *m_errorListModel; }
     Console& console() { return *m_console; }
     ConsoleMargin& consoleMargin() { return *m_margin; }

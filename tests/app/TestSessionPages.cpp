@@ -9,6 +9,7 @@
 #include "SessionFolder.h"
 #include "SessionReader.h"
 #include "SessionWriter.h"
+#include "UnseenErrors.h"
 
 #include <QAction>
 #include <QComboBox>
@@ -169,6 +170,12 @@ void TestSessionPages::comesBackAsItWas()
     // What it says of errors is no news.
     QCOMPARE(other.status("lblErrorCount"), count);
     QCOMPARE(notified.count(), 0);
+    for (const UnseenErrors* unseen : page.findChildren<UnseenErrors*>())
+        QCOMPARE(unseen->errors() + unseen->warnings(), 0);
+    // Whoever has it played wants to be told.
+    other.window.findChild<QPushButton*>(QStringLiteral("btnPlaySession"))->click();
+    QTRY_COMPARE(other.tabs().pageAt(0)->state(), ClientInterface::State::Finished);
+    QCOMPARE(other.tabs().pageAt(0)->unseenErrors().errors(), 20);
 
     // What is shown does not need the file any more.
     const QString copy = folder.filePath(QStringLiteral("copy.corvale-session"));

@@ -38,7 +38,7 @@ bool UnseenErrors::isSeen() const
 
 void UnseenErrors::count(int first, int last)
 {
-    if (isSeen())
+    if (!m_isCounting || isSeen())
         return;
     for (int row = first; row <= last; ++row) {
         const qint32 severity = m_errors.severity(row);

@@ -15,6 +15,9 @@ public:
     /// The widget lives at least as long.
     UnseenErrors(const ErrorListModel& errors, QWidget& widget);
 
+    /// Whether what comes from now on counts at all; it does at first.
+    void setCounting(bool isCounting) { m_isCounting = isCounting; }
+
     int errors() const { return m_errorCount; }
     int warnings() const { return m_warningCount; }
 
@@ -34,6 +37,7 @@ private:
     const ErrorListModel& m_errors;
     QWidget& m_widget;
     QTimer m_pause;
+    bool m_isCounting = true;
     int m_errorCount = 0;
     int m_warningCount = 0;
 };
