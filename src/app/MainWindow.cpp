@@ -20,14 +20,12 @@
 #include "MonitorStatus.h"
 #include "MutedErrors.h"
 #include "NewProfileActions.h"
-#include "PlainMessageBox.h"
 #include "Preferences.h"
 #include "PreferencesReporter.h"
 #include "Product.h"
 #include "ProfileCatalogue.h"
 #include "ProfileChooser.h"
-#include "ProfileCopying.h"
-#include "RecentFilesMenu.h"
+#include "RecentProfilesMenu.h"
 #include "RunProgramActions.h"
 #include "SessionActions.h"
 #include "SessionPages.h"
@@ -45,7 +43,6 @@
 #include <QApplication>
 #include <QCloseEvent>
 #include <QCoreApplication>
-#include <QFile>
 #include <QFontDatabase>
 #include <QFontInfo>
 #include <QLabel>
@@ -154,7 +151,7 @@ void MainWindow::setUpProfiles()
     m_ui->profilePropertiesTabLayout->addWidget(m_profilePanel);
     m_ui->actionNew_Profile->setEnabled(m_controller != nullptr);
     connect(m_currentProfile, &models::CurrentProfile::listChanged, this,
-        [this] { m_status->setSkippedProfiles(m_catalogue->brokenFiles()); });
+        [this] { m_status->setSkippedProfiles(m_currentProfile->catalogue()->brokenFiles()); });
     connect(m_currentProfile, &models::CurrentProfile::fileSaved, this, [this](const QString& path) {
         addRecentProfile(path);
         statusBar()->showMessage(tr("The profile is saved in \"%1\".").arg(path), messageTime);
@@ -229,16 +226,11 @@ void MainWindow::setUpMenus()
 
     setUpSessions();
 
-    m_recentProfiles = new RecentFilesMenu(m_preferences, tr("&Recent Profiles"), this);
-    m_recentProfiles->setObjectName(QStringLiteral("menuRecentProfiles"));
+    m_recentProfiles = new RecentProfilesMenu(m_preferences, *m_currentProfile, this);
     m_ui->menuFile->insertMenu(m_ui->actionExit, m_recentProfiles);
     m_ui->menuFile->insertSeparator(m_ui->actionExit);
-    connect(m_recentProfiles, &RecentFilesMenu::fileChosen, this, &MainWindow::openRecentProfile);
-    connect(m_recentProfiles, &RecentFilesMenu::fileMissing, this, [this](const QString& path) {
-        PlainMessageBox(QMessageBox::Warning, windowTitle(), tr("The profile file is not there any more"),
-            tr("\"%1\" was taken out of the list of recent profiles.").arg(path), this)
-            .exec();
-    });
+    connect(m_recentProfiles, &RecentProfilesMenu::profileChosen, this,
+        [this] { m_ui->mainTabWidget->setCurrentWidget(m_ui->tabProfileProperties); });
 
     auto* view = new ThemeMenu(m_preferences, tr("&View"), this);
     view->setObjectName(QStringLiteral("menuView"));
@@ -546,7 +538,6 @@ void MainWindow::optionChanged()
 
 void MainWindow::setCatalogue(ProfileCatalogue& catalogue)
 {
-    m_catalogue = &catalogue;
     m_currentProfile->setCatalogue(catalogue);
 }
 
@@ -558,27 +549,6 @@ void MainWindow::reloadProfiles()
 void MainWindow::addRecentProfile(const QString& path)
 {
     m_recentProfiles->addFile(path);
-}
-
-void MainWindow::openRecentProfile(const QString& path)
-{
-    if (!m_catalogue)
-        return;
-    const auto find = [this](const QString& file) {
-        reloadProfiles();
-        return m_catalogue->findFile(QFile::encodeName(file).toStdString());
-    };
-    ProfileCatalogue::Pointer profile = find(path);
-    QString found = path;
-    if (!profile) {
-        found = profile_copying::offerCopy(path, m_catalogue->profilesDirectory(), this);
-        profile = found.isEmpty() ? nullptr : find(found);
-    }
-    if (!profile)
-        return;
-    m_currentProfile->choose(profile);
-    m_recentProfiles->addFile(found);
-    m_ui->mainTabWidget->setCurrentWidget(m_ui->tabProfileProperties);
 }
 
 void MainWindow::newProfile()

@@ -22,7 +22,7 @@ class MutedErrors;
 class PreferencesReporter;
 class ProfileCatalogue;
 class ProfileChooser;
-class RecentFilesMenu;
+class RecentProfilesMenu;
 class SessionActions;
 class SessionPages;
 class QLocalServer;
@@ -122,7 +122,6 @@ private:
     void clientDisconnected(Client* client, const QString& text, bool isClean);
     void showClientCount();
     void consoleSaved(bool saved);
-    void openRecentProfile(const QString& path);
     void markEdits(bool edited);
 
     std::unique_ptr<Ui::MainWindow> m_ui;
@@ -144,10 +143,9 @@ private:
     ConsoleViewActions* m_consoleView = nullptr;
     ConsoleFontSize* m_consoleFontSize = nullptr;
     WindowState* m_windowState = nullptr;
-    RecentFilesMenu* m_recentProfiles = nullptr;
+    RecentProfilesMenu* m_recentProfiles = nullptr;
     SessionPages* m_sessionPages = nullptr;
     SessionActions* m_sessionActions = nullptr;
-    ProfileCatalogue* m_catalogue = nullptr;
     QLocalServer* m_server = nullptr;
     LocalListener* m_listener = nullptr;
     std::set<Client*> m_clients;
