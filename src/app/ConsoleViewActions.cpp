@@ -25,10 +25,9 @@ ConsoleViewActions::ConsoleViewActions(Preferences& preferences, QMenu* menu)
         });
     add("actionFoldGroups", tr("Fold &Groups"),
         tr("Show of the messages with a number and of what stands in their frames the first lines only"),
-        settings::foldGroups, [](ClientInterface& page, bool on) {
-            page.consoleMargin().setGroupsShown(on);
-            page.console().setFoldsGroups(on);
-        });
+        settings::foldGroups, [](ClientInterface& page, bool on) { page.console().setFoldsGroups(on); });
+    // Beside F9 in a console, for the group at the cursor.
+    m_choices.back().action->setShortcut(Qt::SHIFT | Qt::Key_F9);
 }
 
 void ConsoleViewActions::add(const char* objectName, const QString& text, const QString& statusTip,
@@ -50,6 +49,7 @@ void ConsoleViewActions::follow(ClientInterface& page)
             apply(page, on);
         };
         show(choice.action->isChecked());
+        page.addConsoleAction(choice.action);
         connect(choice.action, &QAction::toggled, &page, show);
     }
 }

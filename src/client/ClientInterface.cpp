@@ -71,6 +71,16 @@ void ClientInterface::setUpConsole(const QFont& font)
     m_margin = new ConsoleMargin(m_ui->txtConsole, m_console->history(), m_ui->tab_console);
     m_ui->consoleTextLayout->insertWidget(0, m_margin);
     connect(m_margin, &ConsoleMargin::groupClicked, m_console, &Console::toggleGroup);
+    connect(m_console, &Console::groupFoldingChanged, m_margin, &ConsoleMargin::setGroupsShown);
+    auto* fold = new QAction(tr("&Fold or Unfold Group"), this);
+    fold->setObjectName(QStringLiteral("actionFoldGroup"));
+    fold->setShortcut(Qt::Key_F9);
+    fold->setShortcutContext(Qt::WidgetShortcut);
+    connect(fold, &QAction::triggered, this, [this] {
+        if (!m_console->toggleGroupAtCursor())
+            Q_EMIT m_console->statusMessage(tr("The cursor is not in a group."));
+    });
+    m_ui->txtConsole->addAction(fold);
     m_saver = new ConsoleSaver(m_console, this);
     fontChanged(font);
 }
@@ -240,8 +250,16 @@ void ClientInterface::changeEvent(QEvent* event)
         colourContextsHint();
 }
 
+void ClientInterface::addConsoleAction(QAction* action)
+{
+    m_ui->txtConsole->addAction(action);
+}
+
 void ClientInterface::showConsoleMenu(const QPoint& position)
 {
+    // The entries of the menu are for the place of the click.
+    if (!m_ui->txtConsole->textCursor().hasSelection())
+        m_ui->txtConsole->setTextCursor(m_ui->txtConsole->cursorForPosition(position));
     // Text arrives while the menu is open, and the tab may even be closed.
     QMenu* menu = m_ui->txtConsole->createStandardContextMenu(position);
     menu->setAttribute(Qt::WA_DeleteOnClose);

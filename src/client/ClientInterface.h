@@ -20,8 +20,8 @@ class ErrorListFilterProxyModel;
 class ErrorListModel;
 class KeptFilters;
 class MutedErrors;
-
 class UnseenErrors;
+class QAction;
 
 namespace Ui {
 class ClientInterface;
@@ -71,6 +71,9 @@ public:
     Console& console() { return *m_console; }
     ConsoleMargin& consoleMargin() { return *m_margin; }
     const ConsoleSaver& saver() const { return *m_saver; }
+
+    /// Puts an action, which is not the page's own, into the menu of the console.
+    void addConsoleAction(QAction* action);
 
     /// Calls a function with the page of each context that comes from now on.
     using ContextFollower = std::function<void(ContextInterface&)>;

@@ -212,14 +212,32 @@ void Console::setFoldsGroups(bool folds)
     if (std::exchange(m_folding.groups, folds) == folds)
         return;
     m_folding.exceptions.clear();
-    foldAnew();
+    groupsChanged();
 }
 
 void Console::toggleGroup(std::uint64_t serial)
 {
     if (m_folding.exceptions.erase(serial) == 0)
         m_folding.exceptions.insert(serial);
+    groupsChanged();
+}
+
+bool Console::toggleGroupAtCursor()
+{
+    const std::optional<std::uint64_t> group = m_history.groupAt(m_view->textCursor().position());
+    if (!group)
+        return false;
+    // The reader stays with the group.
+    m_follower.stopFollowing();
+    toggleGroup(*group);
+    m_history.putCursorAt(*group);
+    return true;
+}
+
+void Console::groupsChanged()
+{
     foldAnew();
+    Q_EMIT groupFoldingChanged(m_folding.groups || !m_folding.exceptions.empty());
 }
 
 void Console::foldAnew()

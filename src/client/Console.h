@@ -44,6 +44,9 @@ public:
     void setFoldsGroups(bool folds);
     /// Folds or unfolds the group that an entry opens.
     void toggleGroup(std::uint64_t serial);
+    /// Folds or unfolds the group that the cursor is in or at, and puts the cursor at its start. False where
+    /// there is none.
+    bool toggleGroupAtCursor();
 
     /// The number of entries after which the document is written anew, as it never gives up their formats.
     void setRebuildAfter(std::uint64_t entries) { m_document.setRebuildAfter(entries); }
@@ -67,6 +70,8 @@ public:
 Q_SIGNALS:
     /// A text that the status bar is to show.
     void statusMessage(const QString& text);
+    /// Whether there may be groups of which only the first line is shown.
+    void groupFoldingChanged(bool mayBeFolded);
     /// The reader wants a font that is larger by some points, or smaller.
     void zoomWanted(int points);
 
@@ -81,6 +86,7 @@ private:
     void trimIfOverfull();
     void closeDocument();
     void foldAnew();
+    void groupsChanged();
     void restart();
     void recolour();
     void showEnd();

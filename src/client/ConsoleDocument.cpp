@@ -455,8 +455,9 @@ void ConsoleDocument::forEachShown(const std::function<bool(const Shown&)>& func
     int position = m_headLength;
     for (std::size_t i = m_first; i < m_entries.size(); ++i) {
         const Entry& entry = m_entries[i];
-        if (!function({entry.serial, entry.count, console_entry::isGroup(entry.bytes), entry.stamp,
-                {position, position + entry.length}}))
+        if (!function(
+                {entry.serial, entry.count, console_entry::groupOf(entry.bytes, entry.serial, entry.place),
+                    entry.stamp, {position, position + entry.length}}))
             break;
         position += entry.length;
     }
@@ -475,13 +476,19 @@ std::optional<ConsoleDocument::Range> ConsoleDocument::rangeOf(std::uint64_t ser
     return range;
 }
 
-std::optional<std::uint64_t> ConsoleDocument::serialAt(int position) const
+std::optional<ConsoleDocument::Shown> ConsoleDocument::shownAt(int position) const
 {
-    std::optional<std::uint64_t> at;
+    std::optional<Shown> at;
     forEachShown([&](const Shown& entry) {
         if (!at || entry.range.start <= position)
-            at = entry.serial;
+            at = entry;
         return entry.range.start <= position;
     });
     return at;
+}
+
+std::optional<std::uint64_t> ConsoleDocument::serialAt(int position) const
+{
+    const std::optional<Shown> shown = shownAt(position);
+    return shown ? std::optional(shown->serial) : std::nullopt;
 }

@@ -94,16 +94,19 @@ public:
     };
     /// The text of an entry with the given serial number; none where it is not shown.
     std::optional<Range> rangeOf(std::uint64_t serial) const;
-    /// The entry at a position in the document: the first one that is shown for a place before it.
-    std::optional<std::uint64_t> serialAt(int position) const;
     /// An entry that is shown.
     struct Shown {
         std::uint64_t serial;
         std::uint64_t count; ///< Of this and the entries behind it that are folded into it.
-        bool isGroup; ///< Opens a frame that other entries stand in.
+        std::optional<std::uint64_t> group; ///< The entry that opens the outermost group around it.
         EntryStamp stamp;
         Range range;
+
+        bool opensGroup() const { return group == serial; }
     };
+    /// The entry at a position in the document: the first one that is shown for a place before it.
+    std::optional<Shown> shownAt(int position) const;
+    std::optional<std::uint64_t> serialAt(int position) const;
     /// Calls a function with each entry that is shown, as long as it returns true.
     void forEachShown(const std::function<bool(const Shown&)>& function) const;
     /// True when there are entries before those that are shown.

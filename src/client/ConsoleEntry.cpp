@@ -172,9 +172,11 @@ bool isInGroup(std::string_view entry, const GroupPlace& place)
         && !(type == Type::IdentifiedMessage && place.depth >= ConsoleOutline::deepestFrame);
 }
 
-bool isGroup(std::string_view entry)
+std::optional<std::uint64_t> groupOf(std::string_view entry, std::uint64_t serial, const GroupPlace& place)
 {
-    return typeOf(entry) == Type::IdentifiedMessage;
+    if (isInGroup(entry, place))
+        return place.serial;
+    return typeOf(entry) == Type::IdentifiedMessage ? std::optional(serial) : std::nullopt;
 }
 
 int weight(std::string_view entry)

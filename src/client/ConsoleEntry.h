@@ -3,6 +3,7 @@
 #include "Message.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -54,8 +55,8 @@ bool isRepeated(std::string_view former, std::string_view entry);
 
 /// True for an entry inside of a group, which ends with the line break that leaves its outermost frame.
 bool isInGroup(std::string_view entry, const GroupPlace& place);
-/// True for an entry that opens a group.
-bool isGroup(std::string_view entry);
+/// The entry that opens the outermost group around an entry, which may be itself.
+std::optional<std::uint64_t> groupOf(std::string_view entry, std::uint64_t serial, const GroupPlace& place);
 
 /// What it costs to lay an entry out, in lines or so; 1 for most.
 int weight(std::string_view entry);

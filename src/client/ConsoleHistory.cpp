@@ -226,6 +226,16 @@ bool ConsoleHistory::showEntry(std::uint64_t serial)
     return true;
 }
 
+void ConsoleHistory::putCursorAt(std::uint64_t serial)
+{
+    if (const std::optional<ConsoleDocument::Range> range = rangeOf(serial)) {
+        QTextCursor cursor(m_view->document());
+        cursor.setPosition(textStart(*range));
+        m_view->setTextCursor(cursor);
+        m_view->ensureCursorVisible();
+    }
+}
+
 void ConsoleHistory::selectEntry(std::uint64_t serial)
 {
     const std::optional<ConsoleDocument::Range> range = rangeOf(serial);
@@ -314,6 +324,23 @@ std::optional<ConsoleDocument::Range> ConsoleHistory::rangeOf(std::uint64_t seri
 std::optional<std::uint64_t> ConsoleHistory::topEntry() const
 {
     return document().serialAt(cursorAt(*m_view, 0).position());
+}
+
+/// A line's end is already the start of the next entry, to which the line break belongs.
+int ConsoleHistory::lineStart(int position) const
+{
+    return m_view->document()->findBlock(position).position();
+}
+
+std::optional<std::uint64_t> ConsoleHistory::entryAt(int position) const
+{
+    return document().serialAt(lineStart(position));
+}
+
+std::optional<std::uint64_t> ConsoleHistory::groupAt(int position) const
+{
+    const std::optional<ConsoleDocument::Shown> shown = document().shownAt(lineStart(position));
+    return shown ? shown->group : std::nullopt;
 }
 
 /// Where the text of an entry begins, behind the line break or the frame before it.

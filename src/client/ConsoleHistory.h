@@ -45,11 +45,23 @@ public:
     /// Shows an entry, and selects its text. False when the console has none of this serial number (any
     /// more).
     bool showEntry(std::uint64_t serial);
+    /// Puts the cursor at the start of an entry that is in the document, and makes it visible.
+    void putCursorAt(std::uint64_t serial);
     /// The text of an entry in the view's document, where it is there.
     std::optional<ConsoleDocument::Range> rangeOf(std::uint64_t serial) const;
-    /// The entry at the top of the view, and at a position in its document.
+    /// A position in the text of an entry.
+    struct Place {
+        std::uint64_t serial = 0;
+        int offset = 0;
+
+        bool operator==(const Place& other) const = default;
+    };
+    std::optional<Place> placeOf(int position) const;
+    /// The entry at the top of the view, and of the line at a position in its document.
     std::optional<std::uint64_t> topEntry() const;
-    std::optional<std::uint64_t> entryAt(int position) const { return document().serialAt(position); }
+    std::optional<std::uint64_t> entryAt(int position) const;
+    /// The entry that opens the outermost group around that line.
+    std::optional<std::uint64_t> groupAt(int position) const;
     /// Calls a function with each entry that is in the document, as long as it returns true.
     void forEachShown(const std::function<bool(const ConsoleDocument::Shown&)>& function) const;
     /// Calls a function with each entry whose text is in the view, and where that begins in the viewport.
@@ -69,11 +81,6 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    /// A position in the text of an entry.
-    struct Place {
-        std::uint64_t serial = 0;
-        int offset = 0;
-    };
     struct Selection {
         std::optional<Place> anchor;
         std::optional<Place> position;
@@ -89,8 +96,8 @@ private:
     std::vector<ConsoleItem> itemsFrom(
         std::uint64_t first, std::uint64_t serial, int weight, bool& reachesEnd) const;
     int halfWeight() const;
-    std::optional<Place> placeOf(int position) const;
     std::optional<int> positionOf(const std::optional<Place>& place) const;
+    int lineStart(int position) const;
     int textStart(const ConsoleDocument::Range& range) const;
     void selectEntry(std::uint64_t serial);
     void select(int start, int end);

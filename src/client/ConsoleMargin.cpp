@@ -57,7 +57,8 @@ void ConsoleMargin::setGroupsShown(bool shown)
 void ConsoleMargin::showIfUseful()
 {
     setVisible(m_showsStamps || m_showsRepeats || m_showsGroups);
-    setToolTip((m_showsGroups ? tr("Click beside a group to fold or unfold it") : QString())
+    setToolTip(
+        (m_showsGroups ? tr("Click beside a group to fold or unfold it (F9 at the cursor)") : QString())
         + (m_showsGroups && m_showsStamps ? QStringLiteral("\n") : QString())
         + (m_showsStamps ? tr("The time at which each entry arrived, and its frame") : QString()));
     updateGeometry();
@@ -104,7 +105,7 @@ int ConsoleMargin::offset() const
 QString ConsoleMargin::foldText(const ConsoleDocument::Shown& entry) const
 {
     const auto count = static_cast<qulonglong>(entry.count);
-    if (!entry.isGroup)
+    if (!entry.opensGroup())
         return count > 1 ? QStringLiteral("\u00D7 ") + QLocale().toString(count) : QString();
     if (!m_showsGroups)
         return {};
@@ -119,7 +120,7 @@ void ConsoleMargin::mousePressEvent(QMouseEvent* event)
     std::optional<std::uint64_t> group;
     m_history.forEachInView([&](const ConsoleDocument::Shown& entry, int top) {
         if (top <= y && y < top + m_view->fontMetrics().lineSpacing())
-            group = entry.isGroup ? std::optional(entry.serial) : std::nullopt;
+            group = entry.opensGroup() ? entry.group : std::nullopt;
     });
     if (group)
         Q_EMIT groupClicked(*group);

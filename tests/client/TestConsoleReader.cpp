@@ -3,6 +3,7 @@
 #include "ConsolePage.h"
 #include "Resources.h"
 
+#include <QMenu>
 #include <QPushButton>
 #include <QSignalSpy>
 
@@ -26,6 +27,7 @@ private Q_SLOTS:
     void manyEntriesAreMissing();
     void repeatsAreFolded();
     void groupsAreFolded();
+    void groupsAreFoldedByKeys();
 };
 
 void TestConsoleReader::readerStays()
@@ -407,6 +409,58 @@ void TestConsoleReader::groupsAreFolded()
     page.autoScroll->setChecked(true);
     QVERIFY(page.comesToRest());
     QCOMPARE(page.whyWrong(), QString());
+}
+
+void TestConsoleReader::groupsAreFoldedByKeys()
+{
+    Page page;
+    page.receive(numbered(400), 400);
+    for (const Message& record : {identified("outer", 1), identified("inner", 2), text(Type::Error, "deep"),
+             make(Type::LineBreak), make(Type::LineBreak)})
+        page.page.receive(record);
+    page.receive(numbered(900), 500);
+    QVERIFY(page.comesToRest());
+    QVERIFY(QTest::qWaitForWindowActive(&page.page));
+    page.view->setFocus();
+    const auto group = [&page] {
+        const QString all = page.document().toPlainText();
+        return all.mid(all.indexOf(QStringLiteral("outer"))).section(QStringLiteral("line"), 0, 0);
+    };
+    const QString unfolded = group();
+    QStringList told;
+    connect(&page.page.console(), &Console::statusMessage, &page.page,
+        [&told](const QString& words) { told.append(words); });
+    const auto foldAt = [&page](const char* words) {
+        page.view->setTextCursor(page.document().find(QLatin1String(words)));
+        QTest::keyClick(page.view, Qt::Key_F9);
+        return page.view->textCursor().block().text();
+    };
+    QVERIFY(page.page.consoleMargin().isHidden());
+    QCOMPARE(foldAt("deep"), QStringLiteral("outer (ID: 1)"));
+    QVERIFY(!page.document().toPlainText().contains(QStringLiteral("deep")));
+    QVERIFY2(!page.page.consoleMargin().isHidden(), "tells that something is folded");
+    QVERIFY(!page.autoScroll->isChecked());
+    const QRect inView = page.view->viewport()->rect();
+    QVERIFY(inView.contains(page.view->cursorRect().center()));
+    QCOMPARE(foldAt("outer"), QStringLiteral("outer (ID: 1)"));
+    QCOMPARE(group(), unfolded);
+    QVERIFY(page.page.consoleMargin().isHidden());
+    QVERIFY(told.isEmpty());
+    QCOMPARE(foldAt("line 399"), QStringLiteral("line 399"));
+    QCOMPARE(told.size(), 1);
+    // The menu of the console has it as well, for the place of the click.
+    page.view->setTextCursor(page.document().find(QStringLiteral("inner")));
+    page.view->ensureCursorVisible();
+    const QPoint place = page.view->cursorRect().center();
+    page.view->moveCursor(QTextCursor::StartOfBlock);
+    Q_EMIT page.view->customContextMenuRequested(place);
+    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+    QVERIFY(menu);
+    auto* fold = page.page.findChild<QAction*>(QStringLiteral("actionFoldGroup"));
+    QVERIFY(menu->actions().contains(fold) && fold->shortcut() == QKeySequence(Qt::Key_F9));
+    fold->trigger();
+    menu->close();
+    QVERIFY(!page.document().toPlainText().contains(QStringLiteral("inner")));
 }
 
 QTEST_MAIN(TestConsoleReader)
