@@ -73,6 +73,7 @@ void ConsoleFind::start(const FindPattern& pattern)
     stop();
     m_pattern = pattern;
     m_current.reset();
+    m_from.reset();
     m_wrapped = Wrapped::No;
     m_isLimited = false;
     if (pattern.isEmpty()) {
@@ -193,21 +194,24 @@ Findable::State ConsoleFind::state() const
     return state;
 }
 
-/// The match behind the current one; none as long as that is not found.
+/// The match behind the current one, or behind the reader; none as long as that is not found.
 std::optional<ConsoleFind::Place> ConsoleFind::next()
 {
     const bool isBehindDone = m_part != Part::Behind;
     const bool isAllDone = m_part == Part::Arriving;
-    if (!m_current) {
+    if (!m_from) {
         if (const std::optional<Place> place = placeAtReader())
             return place;
-    } else if (m_current->serial >= m_origin) {
-        if (const std::optional<Place> place = m_behind.next(*m_current))
+    } else if (m_from->serial >= m_origin) {
+        if (const std::optional<Place> place = m_behind.next(*m_from))
             return place;
     } else {
-        if (const std::optional<Place> place = m_before.next(*m_current))
+        if (const std::optional<Place> place = m_before.next(*m_from))
             return place;
-        return isAllDone ? (m_behind.first() ? m_behind.first() : m_before.first()) : std::nullopt;
+        if (!isAllDone)
+            return {};
+        if (m_behind.first())
+            return m_behind.first();
     }
     if (const std::optional<Place> place = isBehindDone ? m_before.first() : std::nullopt) {
         m_wrapped = Wrapped::ToStart;
@@ -222,7 +226,7 @@ std::optional<ConsoleFind::Place> ConsoleFind::next()
 std::optional<ConsoleFind::Place> ConsoleFind::previous()
 {
     const bool isAllDone = m_part == Part::Arriving;
-    const Place from = m_current.value_or(Place{m_origin, 0});
+    const Place from = m_from.value_or(Place{m_origin, 0});
     if (from.serial >= m_origin) {
         if (const std::optional<Place> place = m_behind.previous(from))
             return place;
@@ -252,8 +256,29 @@ std::optional<ConsoleFind::Place> ConsoleFind::placeAtReader() const
     return place;
 }
 
+/// Goes on from the cursor where that is not any more where the last match left it.
+void ConsoleFind::followReader(Direction direction)
+{
+    const ConsoleHistory& history = m_console->history();
+    const QTextCursor cursor = m_view->textCursor();
+    if (!m_from || history.placeOf(cursor.position()) == m_seenCursor)
+        return;
+    const bool isForward = direction == Direction::Forward;
+    const int position = isForward ? cursor.selectionEnd() : cursor.selectionStart();
+    const std::optional<std::uint64_t> serial = history.entryAt(position);
+    if (!serial)
+        return;
+    std::size_t before = 0; // matches in the entry
+    for (const ConsoleDocument::Range& match : history.matchesIn(*serial, m_pattern))
+        before += match.start < position ? 1 : 0;
+    // next() gives the first match of an entry behind the number that is one below 0.
+    m_from = Place{*serial, isForward ? before - 1 : before};
+    m_current.reset();
+}
+
 void ConsoleFind::go(Direction direction)
 {
+    followReader(direction);
     m_wrapped = Wrapped::No;
     m_wanted = direction;
     tryToGo();
@@ -267,8 +292,9 @@ void ConsoleFind::tryToGo()
     const std::optional<Place> place = *m_wanted == Direction::Forward ? next() : previous();
     if (place) {
         m_wanted.reset();
-        m_current = place;
+        m_current = m_from = place;
         m_console->history().showMatch(place->serial, place->number, m_pattern);
+        m_seenCursor = m_console->history().placeOf(m_view->textCursor().position());
     } else if (m_part == Part::Arriving) {
         m_wanted.reset(); // There is none.
     }

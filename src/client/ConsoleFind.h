@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ConsoleHistory.h"
 #include "ConsoleSpool.h"
 #include "Findable.h"
 #include "FoundEntries.h"
@@ -45,6 +46,7 @@ private:
     std::optional<Place> next();
     std::optional<Place> previous();
     std::optional<Place> placeAtReader() const;
+    void followReader(Direction direction);
     void tryToGo();
     void markScrollBar();
 
@@ -66,6 +68,8 @@ private:
     FoundEntries m_behind; ///< From the origin on.
     FoundEntries m_before;
     std::optional<Place> m_current;
+    std::optional<Place> m_from; ///< Where it goes on: the current match, or where the reader is since.
+    std::optional<ConsoleHistory::Place> m_seenCursor; ///< Of the view, when m_current was shown.
     std::optional<Direction> m_wanted; ///< Where to go as soon as something is found there.
     Wrapped m_wrapped = Wrapped::No;
     bool m_isLimited = false;

@@ -33,7 +33,8 @@ public:
     virtual void start(const FindPattern& pattern) = 0;
     /// Takes all marks away.
     virtual void stop() = 0;
-    /// Goes to the next match, as soon as it is found.
+    /// Goes to the next match, as soon as it is found: behind the last one, or behind the place to which the
+    /// reader has moved since.
     virtual void go(Direction direction) = 0;
 
     virtual State state() const = 0;

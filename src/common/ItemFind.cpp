@@ -89,9 +89,11 @@ void ItemFind::begin()
     m_matches.clear();
     m_marked = 0;
     m_firstAtReader.reset();
+    m_movedTo.reset();
     m_readerView = nullptr;
     if (pattern().isEmpty())
         return;
+    rememberRows();
     for (const QPointer<QAbstractItemView>& view : m_views) {
         if (!view || !view->model())
             continue;
@@ -168,6 +170,58 @@ bool ItemFind::searchRow()
     return true;
 }
 
+void ItemFind::rememberRows()
+{
+    m_seenRows.clear();
+    for (const QPointer<QAbstractItemView>& view : m_views) {
+        if (view)
+            m_seenRows[view] = view->currentIndex().siblingAtColumn(0);
+    }
+}
+
+bool ItemFind::followReader(Direction direction)
+{
+    QAbstractItemView* moved = nullptr;
+    for (const QPointer<QAbstractItemView>& view : m_views) {
+        const QModelIndex current = view ? view->currentIndex().siblingAtColumn(0) : QModelIndex();
+        if (current.isValid() && m_seenRows[view] != current && (!moved || view->hasFocus()))
+            moved = view;
+    }
+    if (!moved)
+        return false;
+    rememberRows();
+    m_movedTo = pathOf(moved, moved->currentIndex().parent(), moved->currentIndex().row());
+    m_isBehindMovedTo = direction == Direction::Forward;
+    return true;
+}
+
+ItemFind::Path ItemFind::pathOf(QAbstractItemView* view, const QModelIndex& parent, int row) const
+{
+    Path path{m_views.indexOf(view), {row}};
+    for (QModelIndex index = parent; index.isValid() && index != view->rootIndex(); index = index.parent())
+        path.rows.insert(path.rows.begin(), index.row());
+    return path;
+}
+
+ItemFind::Path ItemFind::pathOf(const Match& match) const
+{
+    const Siblings& siblings = m_siblings[match.siblings];
+    return siblings.view ? pathOf(siblings.view, siblings.parent, match.row) : Path{-1, {}};
+}
+
+std::optional<std::size_t> ItemFind::firstAtReader() const
+{
+    if (!m_movedTo)
+        return m_firstAtReader;
+    const auto first = std::partition_point(m_matches.begin(), m_matches.end(), [this](const Match& match) {
+        const auto order = pathOf(match) <=> *m_movedTo;
+        return order < 0 || (m_isBehindMovedTo && order == 0);
+    });
+    if (first == m_matches.end() && isSearching())
+        return {};
+    return static_cast<std::size_t>(first - m_matches.begin());
+}
+
 double ItemFind::searchedPart() const
 {
     if (m_levels.empty() || m_views.isEmpty())
@@ -193,6 +247,7 @@ void ItemFind::show(std::size_t match)
     m_readerView = siblings.view;
     siblings.view->scrollTo(cell);
     siblings.view->setCurrentIndex(cell);
+    rememberRows();
 }
 
 void ItemFind::mark()

@@ -6,6 +6,7 @@
 #include <QPersistentModelIndex>
 #include <QPointer>
 
+#include <compare>
 #include <map>
 #include <vector>
 
@@ -33,7 +34,8 @@ protected:
     void begin() override;
     bool search() override;
     std::size_t matchCount() const override { return m_matches.size(); }
-    std::optional<std::size_t> firstAtReader() const override { return m_firstAtReader; }
+    std::optional<std::size_t> firstAtReader() const override;
+    bool followReader(Direction direction) override;
     double searchedPart() const override;
     void show(std::size_t match) override;
     void mark() override;
@@ -54,12 +56,22 @@ private:
         std::uint32_t siblings;
         int row = 0;
     };
+    /// A row in the walk: the number of its view, and the rows that lead to it from the outermost one.
+    struct Path {
+        qsizetype view;
+        std::vector<int> rows;
+
+        auto operator<=>(const Path& other) const = default;
+    };
     struct Marks {
         ItemFindMarks* cells;
         ScrollBarMarks* bar;
     };
 
     void follow(QAbstractItemModel* model);
+    Path pathOf(QAbstractItemView* view, const QModelIndex& parent, int row) const;
+    Path pathOf(const Match& match) const;
+    void rememberRows();
     void rowsInserted(const QAbstractItemModel* model, const QModelIndex& parent, int first);
     bool enterNextView();
     void enter(QAbstractItemView* view, const QModelIndex& parent);
@@ -78,4 +90,9 @@ private:
     QPointer<QAbstractItemView> m_readerView;
     QPersistentModelIndex m_readerRow;
     std::optional<std::size_t> m_firstAtReader;
+    /// The row to which the reader has moved, and whether matches in it are before the reader.
+    std::optional<Path> m_movedTo;
+    bool m_isBehindMovedTo = false;
+    std::map<QAbstractItemView*, QPersistentModelIndex>
+        m_seenRows; ///< The current ones, when the reader's place was last taken.
 };

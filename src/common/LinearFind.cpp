@@ -90,6 +90,8 @@ void LinearFind::go(Direction direction)
 {
     if (m_pattern.isEmpty())
         return;
+    if (followReader(direction))
+        m_current.reset();
     m_wrapped = Wrapped::No;
     m_wanted = direction;
     tryToGo();

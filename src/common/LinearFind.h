@@ -39,6 +39,12 @@ protected:
     virtual std::size_t matchCount() const = 0;
     /// The number of the first match that is not before the reader's place; none while that is not searched.
     virtual std::optional<std::size_t> firstAtReader() const = 0;
+    /// Takes the place to which the reader has moved since begin(), show() or the last call for the reader's
+    /// place; the matches that are there are behind or before it as the direction is. False where the reader
+    /// has not moved.
+    virtual bool followReader(Direction direction) = 0;
+    /// True while there is more to search.
+    bool isSearching() const { return m_isSearching; }
     /// Of all there is, between 0 and 1.
     virtual double searchedPart() const = 0;
     virtual void show(std::size_t match) = 0;

@@ -37,7 +37,19 @@ void TextFind::begin()
 {
     m_matches.clear();
     m_block = m_view->document()->begin();
-    m_readerPosition = m_view->textCursor().selectionStart();
+    m_seenCursor = m_view->textCursor();
+    m_readerPosition = m_seenCursor.selectionStart();
+}
+
+bool TextFind::followReader(Direction direction)
+{
+    const QTextCursor cursor = m_view->textCursor();
+    const bool hasMoved =
+        cursor.position() != m_seenCursor.position() || cursor.anchor() != m_seenCursor.anchor();
+    if (hasMoved)
+        m_readerPosition = direction == Direction::Forward ? cursor.selectionEnd() : cursor.selectionStart();
+    m_seenCursor = cursor;
+    return hasMoved;
 }
 
 bool TextFind::search()
@@ -76,6 +88,7 @@ void TextFind::show(std::size_t match)
     cursor.setPosition(m_matches[match].start);
     cursor.setPosition(m_matches[match].start + m_matches[match].length, QTextCursor::KeepAnchor);
     m_view->setTextCursor(cursor);
+    m_seenCursor = cursor;
 }
 
 void TextFind::mark()

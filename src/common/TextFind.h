@@ -3,6 +3,7 @@
 #include "LinearFind.h"
 
 #include <QTextBlock>
+#include <QTextCursor>
 
 #include <vector>
 
@@ -26,6 +27,7 @@ protected:
     bool search() override;
     std::size_t matchCount() const override { return m_matches.size(); }
     std::optional<std::size_t> firstAtReader() const override;
+    bool followReader(Direction direction) override;
     double searchedPart() const override;
     void show(std::size_t match) override;
     void mark() override;
@@ -42,4 +44,5 @@ private:
     std::vector<Match> m_matches;
     QTextBlock m_block; ///< That is searched next.
     int m_readerPosition = 0;
+    QTextCursor m_seenCursor; ///< Of the view, when the reader's place was last taken.
 };

@@ -31,6 +31,8 @@ private Q_SLOTS:
     void consoleMayChangeMeanwhile();
     void cellsAreFound();
     void plainTextIsFound();
+    void consoleIsSearchedFromTheReader();
+    void viewsAreSearchedFromTheReader();
 
 private:
     struct Bar {
@@ -256,6 +258,86 @@ void TestFind::plainTextIsFound()
     QCOMPARE(bar.count(), QStringLiteral("1 of 1"));
     view.setPlainText(QStringLiteral("alpha alpha alpha"));
     QTRY_COMPARE(bar.count(), QStringLiteral("3 matches"));
+}
+
+/// After the reader has moved away from the last match.
+void TestFind::consoleIsSearchedFromTheReader()
+{
+    Page page;
+    for (int i = 0; i < 3000; ++i) {
+        const bool matches = i % 1000 == 0;
+        page.receive({text(Type::Error, matches ? "needle and\nneedle" : "hay")}, 1);
+    }
+    QVERIFY(page.comesToRest());
+    const Bar bar(consoleTab(page));
+    bar.type(QStringLiteral("needle"));
+    QTRY_VERIFY(bar.count().contains(QStringLiteral("of 6")));
+    const auto goFrom = [&](std::uint64_t serial, const char* button) {
+        page.page.console().showEntry(serial);
+        bar.press(button);
+        return bar.count();
+    };
+    QCOMPARE(goFrom(1500, "btnFindNext"), QStringLiteral("5 of 6"));
+    QCOMPARE(goFrom(1500, "btnFindPrevious"), QStringLiteral("4 of 6"));
+    QCOMPARE(goFrom(1000, "btnFindNext"), QStringLiteral("5 of 6"));
+    QCOMPARE(goFrom(1000, "btnFindPrevious"), QStringLiteral("2 of 6"));
+    QCOMPARE(goFrom(2500, "btnFindNext"), QStringLiteral("1 of 6 \u2013 continued from the start"));
+    // A click between two matches of an entry.
+    QTest::mouseClick(
+        page.view->viewport(), Qt::LeftButton, {}, page.view->cursorRect().center() + QPoint(150, 0));
+    QCOMPARE(page.view->textCursor().block().text(), QStringLiteral("needle and"));
+    bar.press("btnFindNext");
+    QCOMPARE(bar.count(), QStringLiteral("2 of 6"));
+    bar.press("btnFindNext");
+    QCOMPARE(bar.count(), QStringLiteral("3 of 6"));
+}
+
+void TestFind::viewsAreSearchedFromTheReader()
+{
+    QWidget page;
+    QPlainTextEdit text(QStringLiteral("Alpha\nbeta alpha\ngamma"), &page);
+    TextFind inText(&text);
+    const Bar textBar(new FindBar(&inText, &page) ? &page : nullptr);
+    page.show();
+    textBar.type(QStringLiteral("alpha"));
+    const auto goInText = [&](int position, Findable::Direction direction) {
+        QTextCursor cursor = text.textCursor();
+        cursor.setPosition(position);
+        text.setTextCursor(cursor);
+        textBar.bar->go(direction);
+        return textBar.count();
+    };
+    QCOMPARE(
+        goInText(20, Findable::Direction::Forward), QStringLiteral("1 of 2 \u2013 continued from the start"));
+    QCOMPARE(goInText(20, Findable::Direction::Backward), QStringLiteral("2 of 2"));
+    QCOMPARE(goInText(8, Findable::Direction::Backward), QStringLiteral("1 of 2"));
+
+    QStandardItemModel model(0, 1);
+    for (int i = 0; i < 30; ++i) {
+        auto* item = new QStandardItem(QStringLiteral("row %1").arg(i));
+        item->appendRow(new QStandardItem(QStringLiteral("value %1").arg(i)));
+        model.appendRow(item);
+    }
+    QWidget treePage;
+    QTreeView tree(&treePage);
+    tree.setModel(&model);
+    ItemFind inTree(&treePage);
+    inTree.setViews({&tree});
+    const Bar treeBar(new FindBar(&inTree, &treePage) ? &treePage : nullptr);
+    treePage.show();
+    treeBar.type(QStringLiteral("Value 2"));
+    QTRY_COMPARE(treeBar.count(), QStringLiteral("1 of 11"));
+    const auto goInTree = [&](const QModelIndex& row, Findable::Direction direction) {
+        tree.setCurrentIndex(row);
+        treeBar.bar->go(direction);
+        return treeBar.count();
+    };
+    const QModelIndex row25 = model.index(25, 0);
+    QCOMPARE(goInTree(row25, Findable::Direction::Forward), QStringLiteral("7 of 11"));
+    QCOMPARE(goInTree(row25, Findable::Direction::Backward), QStringLiteral("6 of 11"));
+    // The reader sees what is in that row already.
+    QCOMPARE(goInTree(model.index(0, 0, row25), Findable::Direction::Forward), QStringLiteral("8 of 11"));
+    QCOMPARE(goInTree(model.index(10, 0), Findable::Direction::Backward), QStringLiteral("1 of 11"));
 }
 
 Q_DECLARE_METATYPE(FindQuery)
