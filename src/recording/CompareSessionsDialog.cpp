@@ -2,6 +2,7 @@
 
 #include "FileReplacement.h"
 #include "HintLabel.h"
+#include "RecordText.h"
 #include "SessionFiles.h"
 
 #include <QCheckBox>
@@ -45,6 +46,22 @@ QString changeText(std::optional<Change> change)
         return CompareSessionsDialog::tr("Changed");
     }
     return {};
+}
+
+/// The text as it came the first time, and in which frames.
+QString findingToolTip(const sessions::Finding& finding)
+{
+    QString text = record_text::multiLine(finding.example)
+                       .toHtmlEscaped()
+                       .replace(QLatin1Char('\n'), QStringLiteral("<br>"));
+    if (finding.firstFrame != ui::messages::noFrame)
+        text += QStringLiteral("<br><br>")
+            + (finding.firstFrame == finding.lastFrame
+                    ? CompareSessionsDialog::tr("Frame %1").arg(finding.firstFrame)
+                    : CompareSessionsDialog::tr("Frames %1 to %2")
+                          .arg(finding.firstFrame)
+                          .arg(finding.lastFrame));
+    return QStringLiteral("<p>%1</p>").arg(text);
 }
 
 /// A row whose cells can be read in full in their tool tips.
@@ -131,6 +148,7 @@ void CompareSessionsDialog::setUpPages()
         addPage(QStringLiteral("treeContexts"), {tr("Change"), tr("What"), tr("Before"), tr("After")});
     m_extensions =
         addPage(QStringLiteral("treeExtensions"), {tr("Change"), tr("Extension"), tr("Before"), tr("After")});
+    m_device = addPage(QStringLiteral("treeDevice"), {tr("Change"), tr("What"), tr("Before"), tr("After")});
     auto* copy = new QShortcut(QKeySequence::Copy, m_pages);
     copy->setContext(Qt::WidgetWithChildrenShortcut);
     connect(copy, &QShortcut::activated, this, &CompareSessionsDialog::copy);
@@ -154,7 +172,7 @@ QWidget* CompareSessionsDialog::setUpButtons()
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     m_showSame = new QCheckBox(tr("&Show what is the same"), this);
     m_showSame->setObjectName(QStringLiteral("chkShowSame"));
-    m_showSame->setToolTip(tr("Show contexts and extensions also where they do not differ"));
+    m_showSame->setToolTip(tr("Show contexts, extensions and the device also where they do not differ"));
     connect(m_showSame, &QCheckBox::toggled, this, &CompareSessionsDialog::showResult);
     m_copy = buttons->addButton(tr("&Copy"), QDialogButtonBox::ActionRole);
     m_copy->setObjectName(QStringLiteral("btnCopyComparison"));
@@ -213,31 +231,34 @@ void CompareSessionsDialog::compare()
 
 void CompareSessionsDialog::showResult()
 {
-    for (QTreeWidget* tree : {m_findings, m_contexts, m_extensions})
+    for (QTreeWidget* tree : {m_findings, m_contexts, m_extensions, m_device})
         tree->clear();
     if (m_export) {
         m_export->setEnabled(m_hasResult);
         m_copy->setEnabled(m_hasResult);
     }
-    const bool isEmpty = !m_hasResult;
-    static const std::vector<sessions::FactPair> none;
-    const sessions::SessionComparison& result = m_comparer.result();
+    const sessions::SessionComparison nothing;
+    const sessions::SessionComparison& result = m_hasResult ? m_comparer.result() : nothing;
     showFindings();
-    showFacts(*m_contexts, isEmpty ? none : result.contexts(), tr("&Contexts"));
-    showFacts(*m_extensions, isEmpty ? none : result.extensions(), tr("&Extensions"));
-    if (!isEmpty)
+    showFacts(*m_contexts, result.contexts(), tr("&Contexts"));
+    showFacts(*m_extensions, result.extensions(), tr("&Extensions"));
+    std::vector<sessions::FactPair> device = result.values();
+    device.insert(device.begin(), result.device());
+    showFacts(*m_device, device, tr("&Device"));
+    if (m_hasResult)
         m_state->setText(summary());
 }
 
 void CompareSessionsDialog::showFindings()
 {
     if (m_hasResult) {
-        for (const sessions::FindingChange& finding : m_comparer.result().findings()) {
-            const sessions::Signature& signature = finding.signature;
-            addRow(*m_findings,
-                {changeText(finding.change), QString::number(finding.before), QString::number(finding.after),
+        for (const sessions::FindingChange& change : m_comparer.result().findings()) {
+            const sessions::Signature& signature = change.finding.signature;
+            QTreeWidgetItem* row = addRow(*m_findings,
+                {changeText(change.change), QString::number(change.before), QString::number(change.after),
                     fromText(severityName(signature.severity)), fromText(signature.function),
                     fromText(signature.code), fromText(signature.text).simplified()});
+            row->setToolTip(row->columnCount() - 1, findingToolTip(change.finding));
         }
     }
     for (int column = 0; column < m_findings->columnCount() - 1; ++column)

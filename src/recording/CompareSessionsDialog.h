@@ -16,8 +16,8 @@ class QTabWidget;
 class QTreeWidget;
 class QTreeWidgetItem;
 
-/// Lets the user choose two sessions and shows how the second differs from the first: findings, contexts and
-/// extensions. It compares as soon as both are chosen.
+/// Lets the user choose two sessions and shows how the second differs from the first: findings, contexts,
+/// extensions, and what is known of the device. It compares as soon as both are chosen.
 class CompareSessionsDialog : public QDialog {
     Q_OBJECT
 
@@ -54,6 +54,7 @@ private:
     QTreeWidget* m_findings = nullptr;
     QTreeWidget* m_contexts = nullptr;
     QTreeWidget* m_extensions = nullptr;
+    QTreeWidget* m_device = nullptr;
     QPushButton* m_export = nullptr;
     QPushButton* m_copy = nullptr;
     bool m_hasResult = false;

@@ -2,11 +2,28 @@
 
 #include <QElapsedTimer>
 
+#include <set>
+#include <string>
+
 namespace {
 
 /// Milliseconds that one step takes, and records that are read between two looks at the clock.
 constexpr int stepTime = 10;
 constexpr int recordsAtOnce = 100;
+
+/// The devices of all that is compared, each once.
+std::string devicesOf(const SessionRecords& records)
+{
+    std::set<std::string> names;
+    for (const sessions::SessionClient& client : records.session().clients()) {
+        if (records.isWanted(client.number) && !client.device.empty())
+            names.insert(client.device);
+    }
+    std::string text;
+    for (const std::string& name : names)
+        text += (text.empty() ? "" : ", ") + name;
+    return text;
+}
 
 } // namespace
 
@@ -29,6 +46,7 @@ bool SessionComparer::start(const SessionSource& before, const SessionSource& af
             reason = tr("\"%1\" cannot be read: %2").arg(source->title, side.records.reason());
             return false;
         }
+        side.summary.device = devicesOf(side.records);
     }
     m_timer.start();
     return true;
@@ -44,8 +62,10 @@ void SessionComparer::step()
         bool more = true;
         for (int i = 0; more && i < recordsAtOnce; ++i) {
             more = side.records.next(record);
-            if (more)
-                side.summary.add(record.record);
+            if (!more)
+                break;
+            side.summary.add(record.record);
+            ++side.recordCount;
         }
         if (!more)
             ++m_current;
@@ -60,7 +80,7 @@ void SessionComparer::step()
     std::uint64_t read = 0;
     for (const auto& side : m_sides) {
         all += side->records.session().recordCount();
-        read += side->summary.recordCount();
+        read += side->recordCount;
     }
     Q_EMIT progressed(static_cast<int>(read * 100 / all));
 }

@@ -31,6 +31,7 @@ private:
     struct Side {
         SessionRecords records;
         sessions::SessionSummary summary;
+        std::uint64_t recordCount = 0; ///< In it.
         QString title;
     };
 

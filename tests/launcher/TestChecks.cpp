@@ -305,7 +305,9 @@ TEST_F(Checks, recordSessionsThatSurviveTheLauncher)
     EXPECT_EQ(reader.recordCount(), 100U);
     EXPECT_EQ(reader.damage(), "");
 
-    runLauncher(checkOf({"errors", "90", "type", "8"}, {"--session", path("whole")}));
+    runLauncher(checkOf(
+        {"errors", "90", "type", "8"}, {"--session", path("whole"), "--report", "json=" + path("report")}));
+    EXPECT_EQ(runLauncher({"--compare", path("whole"), path("report")}).output, "Nothing differs.\n");
     const Outcome compared = runLauncher({"--compare", path("killed"), path("whole")});
     EXPECT_EQ(compared.code, 3);
     EXPECT_NE(compared.output.find("new      1 x  error"), std::string::npos) << compared.output;

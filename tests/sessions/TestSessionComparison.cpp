@@ -24,6 +24,14 @@ RecordMaker context(std::uint32_t esVersion, const std::vector<std::uint32_t>& e
     return made;
 }
 
+RecordMaker detail(std::string_view name, std::uint32_t value)
+{
+    RecordMaker made{Type::ReportDetail, 0};
+    made.message.setText(offset::reportText, name, offset::reportTextEnd);
+    made.message.setU32(offset::reportTextEnd, value);
+    return made;
+}
+
 SessionSummary summaryOf(const std::vector<RecordMaker>& records)
 {
     SessionSummary summary;
@@ -55,9 +63,9 @@ TEST(SessionComparison, tellsFindings)
         RecordMaker::text(Type::Error, "often"), RecordMaker::text(Type::Error, "often")});
     const SessionComparison comparison(before, after);
     std::vector<std::string> lines;
-    for (const sessions::FindingChange& finding : comparison.findings())
-        lines.push_back(std::string(changeName(finding.change)) + " " + std::to_string(finding.before) + " "
-            + std::to_string(finding.after) + " " + finding.signature.text);
+    for (const sessions::FindingChange& change : comparison.findings())
+        lines.push_back(std::string(changeName(change.change)) + " " + std::to_string(change.before) + " "
+            + std::to_string(change.after) + " " + change.finding.signature.text);
     EXPECT_EQ(lines,
         (std::vector<std::string>{
             "new 0 1 new", "new 0 1 new and mild", "gone 1 0 gone", "changed 1 2 often"}));
@@ -87,4 +95,55 @@ TEST(SessionComparison, tellsContextsAndExtensions)
     EXPECT_EQ(std::count_if(extensions.begin(), extensions.end(),
                   [](const std::string& line) { return line.starts_with("gone "); }),
         2);
+}
+
+/// What stands in a report as names and values amounts to the same as the records that it was made of.
+TEST(SessionComparison, takesFactsFromReports)
+{
+    SessionSummary before =
+        summaryOf({context(1, {1, 2, 3, 4}), context(1, {3}), detail("Units", 8), detail("Old", 1)});
+    SessionSummary read;
+    for (const auto& [name, value] : before.facts.all())
+        read.facts.add(name, value);
+    EXPECT_EQ(read.facts.all(), before.facts.all());
+    EXPECT_TRUE(SessionComparison(before, read).isEqual());
+
+    // An older report knows less of a context.
+    auto facts = before.facts.all();
+    EXPECT_EQ(facts.erase("contexts") + facts.erase("context 1: GLSL of the host"), 2U);
+    SessionSummary older;
+    for (const auto& [name, value] : facts)
+        older.facts.add(name, value);
+    EXPECT_TRUE(SessionComparison(older, before).isEqual());
+}
+
+TEST(SessionComparison, tellsDevicesAndTheirValues)
+{
+    SessionSummary before = summaryOf({context(1, {1, 2, 3, 4}), detail("Units", 8), detail("Old", 1)});
+    SessionSummary after = summaryOf({context(1, {2, 3, 4}), detail("Units", 16), detail("Same", 2)});
+    before.device = "Tarn 7";
+    after.device = "Tarn 10";
+    const SessionComparison comparison(before, after);
+    EXPECT_EQ(
+        changesOf(comparison.values()), (std::vector<std::string>{"gone Old", "new Same", "changed Units"}));
+    EXPECT_EQ(changesOf({comparison.device()}), std::vector<std::string>{"changed Device"});
+    const std::string text = comparison.toText("a", "b");
+    const std::string first = comparison.extensions().front().what;
+    for (const std::string& line :
+        {std::string("changed: Units: 8 -> 16"), std::string("changed: Device: Tarn 7 -> Tarn 10"),
+            "gone: Context 1, extensions: " + first, "gone: " + first + ": supported"})
+        EXPECT_NE(text.find("  " + line + "\n"), std::string::npos) << line << " in:\n" << text;
+    EXPECT_EQ(sessions::changeText({"", "a b c d e f g", "b c d e f g h"}), "-a +h");
+    EXPECT_EQ(sessions::changeText({"", "a", ""}), "a -> (nothing)");
+
+    // The program may make contexts, and a session may tell, without end.
+    SessionSummary endless;
+    const std::string name(500, 'n');
+    for (std::uint32_t i = 0; i < 30'000; ++i) {
+        endless.add(context(1, {1}).record());
+        endless.facts.add(name + std::to_string(i), std::string(30'000, 'v'));
+    }
+    EXPECT_EQ(endless.facts.contextCount(), 30'000U);
+    EXPECT_EQ(endless.facts.contexts().size(), 500U);
+    EXPECT_LT(endless.facts.values().size(), 33'000'000U / 24'000);
 }

@@ -19,9 +19,7 @@ public:
     void begin(pid_t, const std::string&) override { }
     void take(pid_t, const layer::ring::Record& record) override
     {
-        const sessions::Record folded{record.type, record.frame, record.payload};
-        if (!m_result.findings.add(folded))
-            m_result.facts.add(folded);
+        m_result.add({record.type, record.frame, record.payload});
     }
     void end(pid_t, bool, const std::string&, bool) override { }
 

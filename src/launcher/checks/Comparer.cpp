@@ -3,7 +3,7 @@
 #include "GuardedFile.h"
 #include "JsonReport.h"
 #include "Options.h"
-#include "RunComparison.h"
+#include "SessionComparison.h"
 #include "SessionReader.h"
 #include "Wording.h"
 
@@ -17,6 +17,10 @@ namespace checks {
 
 namespace {
 
+using sessions::Change;
+using sessions::FactPair;
+using sessions::FindingChange;
+using sessions::SessionComparison;
 using sessions::SessionReader;
 using sessions::SessionRecord;
 
@@ -41,11 +45,8 @@ std::vector<RunResult> runsOf(const std::string& path, SessionReader& reader)
             runs.emplace_back().device = client.device;
     }
     for (std::size_t block = 0; block < reader.blockCount(); ++block) {
-        reader.read(block, [&](const SessionRecord& record) {
-            RunResult& run = runs[runOfClient[record.client]];
-            if (!run.findings.add(record.record))
-                run.facts.add(record.record);
-        });
+        reader.read(
+            block, [&](const SessionRecord& record) { runs[runOfClient[record.client]].add(record.record); });
     }
     if (!reader.damage().empty())
         std::fprintf(stderr, "corvale-run: %s: %s\n", path.c_str(), reader.damage().c_str());
@@ -71,42 +72,56 @@ std::optional<std::vector<RunResult>> readRuns(const std::string& path, std::str
     return runs;
 }
 
-void print(const char* what, const sessions::Finding& finding, const std::string& count)
+void print(const FindingChange& change)
 {
-    std::string line = std::string("  ") + what + "  " + count + " x  " + title(finding.signature);
-    if (const std::string where = frames(finding); !where.empty())
+    const bool isChanged = change.change == Change::Changed;
+    std::string line(changeName(change.change));
+    line.resize(std::max(line.size(), changeName(Change::Changed).size()), ' ');
+    line += "  " + (isChanged ? grouped(change.before) + " -> " : "");
+    line += grouped(change.change == Change::Gone ? change.before : change.after) + " x  ";
+    line += title(change.finding.signature);
+    if (const std::string where = frames(change.finding); !where.empty())
         line += ", " + where;
-    std::printf("%s\n             %s\n", line.c_str(), oneLine(finding.example).c_str());
+    std::printf("  %s\n             %s\n", line.c_str(), oneLine(change.finding.example).c_str());
 }
 
-void print(const FactChange& change)
+void print(const std::vector<FactPair>& facts)
 {
-    const std::string words = wordChanges(change.before, change.after);
-    const auto shown = [](const std::string& value) {
-        return value.empty() ? "(nothing)" : oneLine(value);
-    };
-    const std::string text =
-        words.empty() ? " " + shown(change.before) + " -> " + shown(change.after) : words;
-    std::printf("  %s:%s\n", oneLine(change.name).c_str(), text.c_str());
+    for (const FactPair& fact : facts) {
+        if (fact.change)
+            std::printf("  %s: %s\n", oneLine(fact.what).c_str(), oneLine(changeText(fact)).c_str());
+    }
+}
+
+/// There may be a hundred, of which many have changed in one way.
+void printExtensions(const std::vector<FactPair>& extensions)
+{
+    std::map<std::string, std::string> changed;
+    for (const FactPair& extension : extensions) {
+        const auto shown = [](const std::string& support) {
+            return support.empty() ? std::string("unknown") : support;
+        };
+        if (extension.change)
+            changed[shown(extension.before) + " -> " + shown(extension.after)] += " " + extension.what;
+    }
+    for (const auto& [how, names] : changed)
+        std::printf("  Extensions, %s:%s\n", how.c_str(), oneLine(names).c_str());
 }
 
 bool printDifferences(const RunResult& before, const RunResult& after)
 {
-    const RunComparison comparison = compare(before.findings, before.facts, after.findings, after.facts);
-    if (comparison.isEqual() && before.device == after.device)
+    const SessionComparison comparison(before, after);
+    if (comparison.isEqual())
         return false;
     std::printf("%s", oneLine(before.deviceName()).c_str());
-    if (before.device != after.device)
+    if (comparison.device().change)
         std::printf(" -> %s", oneLine(after.deviceName()).c_str());
     std::printf(":\n");
-    for (const sessions::Finding* finding : comparison.added)
-        print("new    ", *finding, grouped(finding->count));
-    for (const sessions::Finding* finding : comparison.gone)
-        print("gone   ", *finding, grouped(finding->count));
-    for (const auto& [old, now] : comparison.changed)
-        print("changed", *now, grouped(old->count) + " -> " + grouped(now->count));
-    for (const FactChange& change : comparison.facts)
-        print(change);
+    for (const FindingChange& finding : comparison.findings())
+        print(finding);
+    print(comparison.contexts());
+    printExtensions(comparison.extensions());
+    print(comparison.values());
     return true;
 }
 

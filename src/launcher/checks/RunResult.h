@@ -1,7 +1,6 @@
 #pragma once
 
-#include "Findings.h"
-#include "RunFacts.h"
+#include "SessionSummary.h"
 
 #include <chrono>
 #include <cstdint>
@@ -9,8 +8,8 @@
 
 namespace checks {
 
-/// What came of one run of the program on one device.
-struct RunResult {
+/// What came of one run of the program on one device, with what it reported.
+struct RunResult : sessions::SessionSummary {
     enum class End {
         NotRun, ///< `failure` says why.
         Unwatchable, ///< The same.
@@ -20,7 +19,6 @@ struct RunResult {
         FramesDone, ///< Ended by us, as it was wanted.
     };
 
-    std::string device; ///< The profile's name; empty for the machine itself.
     End end = End::NotRun;
     int number = 0;
     std::string failure;
@@ -28,8 +26,6 @@ struct RunResult {
     bool isHardEnd = false; ///< It did not end when it was asked to.
     std::uint32_t frames = 0;
     std::chrono::milliseconds time{};
-    sessions::Findings findings;
-    RunFacts facts;
 
     /// Of the program as a shell has it; 0 where we have ended it.
     int programStatus() const;
