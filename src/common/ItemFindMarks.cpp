@@ -12,6 +12,8 @@ namespace {
 
 /// Of the colour above the text of a cell.
 constexpr int opacity = 80;
+/// Pixels around a selected cell.
+constexpr int outline = 2;
 
 /// The row below another one in a view.
 QModelIndex below(const QAbstractItemView& view, const QModelIndex& index)
@@ -61,8 +63,6 @@ void ItemFindMarks::paintEvent(QPaintEvent* event)
     if (!m_view->model())
         return;
     QPainter painter(this);
-    QColor colour = ScrollBarMarks::colour();
-    colour.setAlpha(opacity);
     for (QModelIndex row = m_view->indexAt(QPoint(0, 0)); row.isValid(); row = below(*m_view, row)) {
         const int columns = m_view->model()->columnCount(row.parent());
         bool isBelow = true;
@@ -71,9 +71,22 @@ void ItemFindMarks::paintEvent(QPaintEvent* event)
             const QRect place = m_view->visualRect(cell);
             isBelow = isBelow && place.top() > height();
             if (!place.isEmpty() && m_pattern.isIn(cell.data(Qt::DisplayRole).toString()))
-                painter.fillRect(place, colour);
+                mark(painter, cell, place);
         }
         if (isBelow)
             break;
     }
+}
+
+/// The text of a selected cell could hardly be read through a fill.
+void ItemFindMarks::mark(QPainter& painter, const QModelIndex& cell, const QRect& place) const
+{
+    QColor colour = ScrollBarMarks::colour();
+    if (m_view->selectionModel()->isSelected(cell)) {
+        painter.setPen(QPen(colour, outline));
+        painter.drawRect(place.adjusted(outline / 2, outline / 2, -outline / 2, -outline / 2));
+        return;
+    }
+    colour.setAlpha(opacity);
+    painter.fillRect(place, colour);
 }

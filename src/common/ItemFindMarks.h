@@ -23,6 +23,7 @@ protected:
 
 private:
     void followViewport();
+    void mark(QPainter& painter, const QModelIndex& cell, const QRect& place) const;
 
     QAbstractItemView* m_view;
     FindPattern m_pattern;
