@@ -1,6 +1,8 @@
 #include "OutlinedStyle.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
+#include <QPainter>
 #include <QStyleOption>
 
 #include <algorithm>
@@ -27,6 +29,24 @@ QColor mix(const QColor& one, const QColor& other, float part)
     return QColor::fromRgbF(one.redF() + (other.redF() - one.redF()) * part,
         one.greenF() + (other.greenF() - one.greenF()) * part,
         one.blueF() + (other.blueF() - one.blueF()) * part);
+}
+
+/// The color with as much of the text's as it takes to stand out from all that may be around it.
+QColor standingOut(const QColor& start, const QPalette& palette)
+{
+    const QColor text = palette.color(QPalette::WindowText);
+    constexpr int steps = 20;
+    QColor color = start;
+    for (int step = 0; step <= steps; ++step) {
+        color = mix(start, text, static_cast<float>(step) / steps);
+        const auto contrastTo = [&](QPalette::ColorRole role) {
+            return OutlinedStyle::contrast(color, palette.color(role));
+        };
+        if (std::min({contrastTo(QPalette::Window), contrastTo(QPalette::Base), contrastTo(QPalette::Button)})
+            >= leastContrast)
+            break;
+    }
+    return color;
 }
 
 /// Fusion makes its outlines from the color of the window by darker(140).
@@ -75,19 +95,12 @@ double OutlinedStyle::contrast(const QColor& one, const QColor& other)
 
 QColor OutlinedStyle::outline(const QPalette& palette)
 {
-    const QColor window = palette.color(QPalette::Window);
-    const QColor text = palette.color(QPalette::WindowText);
-    constexpr int steps = 20;
-    QColor color = window;
-    for (int step = 1; step <= steps; ++step) {
-        color = mix(window, text, static_cast<float>(step) / steps);
-        const double least =
-            std::min({contrast(color, window), contrast(color, palette.color(QPalette::Base)),
-                contrast(color, palette.color(QPalette::Button))});
-        if (least >= leastContrast)
-            break;
-    }
-    return color;
+    return standingOut(palette.color(QPalette::Window), palette);
+}
+
+QColor OutlinedStyle::focus(const QPalette& palette)
+{
+    return standingOut(palette.color(QPalette::Highlight), palette);
 }
 
 void OutlinedStyle::drawPrimitive(
@@ -102,10 +115,30 @@ void OutlinedStyle::drawPrimitive(
         draw(option);
 }
 
+void OutlinedStyle::drawControl(
+    ControlElement element, const QStyleOption* option, QPainter* painter, const QWidget* widget) const
+{
+    QProxyStyle::drawControl(element, option, painter, widget);
+    const auto* area = qobject_cast<const QAbstractScrollArea*>(widget);
+    if (element != CE_ShapedFrame || !area || !area->hasFocus() || area->frameShape() == QFrame::NoFrame)
+        return;
+    painter->setPen(focus(option->palette));
+    painter->drawRect(option->rect.adjusted(0, 0, -1, -1));
+}
+
 void OutlinedStyle::drawComplexControl(
     ComplexControl control, const QStyleOptionComplex* option, QPainter* painter, const QWidget* widget) const
 {
     drawOutlined<QStyleOptionSpinBox>(option, [&](const QStyleOptionComplex* drawn) {
         QProxyStyle::drawComplexControl(control, drawn, painter, widget);
     });
+}
+
+int OutlinedStyle::styleHint(
+    StyleHint hint, const QStyleOption* option, const QWidget* widget, QStyleHintReturn* data) const
+{
+    // Fusion's icons are black, also on dark buttons.
+    if (hint == SH_DialogButtonBox_ButtonsHaveIcons)
+        return 0;
+    return QProxyStyle::styleHint(hint, option, widget, data);
 }

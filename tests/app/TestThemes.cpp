@@ -12,8 +12,10 @@
 #include <QScrollBar>
 #include <QSpinBox>
 #include <QStandardItemModel>
+#include <QTextEdit>
 #include <QToolButton>
 #include <QTreeView>
+#include <QVBoxLayout>
 
 #include <memory>
 #include <set>
@@ -57,6 +59,8 @@ private Q_SLOTS:
     void treesFollow();
     void outlinesStandOut_data();
     void outlinesStandOut();
+    void focusIsSeen_data() { outlinesStandOut_data(); }
+    void focusIsSeen();
 };
 
 void TestThemes::treesFollow()
@@ -113,6 +117,27 @@ void TestThemes::outlinesStandOut()
     check(number);
     const Session session;
     check(*session.window.findChild<QToolButton*>(QStringLiteral("btnHidePreferencesMessage")));
+}
+
+void TestThemes::focusIsSeen()
+{
+    QFETCH(const Theme, theme);
+    theme::apply(theme);
+    QWidget window;
+    auto* layout = new QVBoxLayout(&window);
+    QTextEdit text;
+    QTreeView tree;
+    for (QWidget* widget : {static_cast<QWidget*>(&text), static_cast<QWidget*>(&tree)})
+        layout->addWidget(widget);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowActive(&window));
+    for (const auto& [focused, other] : {std::pair<QWidget*, QWidget*>(&text, &tree), {&tree, &text}}) {
+        focused->setFocus();
+        const QColor frame = colorAt(*focused, {0, focused->height() / 2});
+        QVERIFY(frame != colorAt(*other, {0, other->height() / 2}));
+        for (const QPalette::ColorRole role : {QPalette::Window, QPalette::Base})
+            QVERIFY(OutlinedStyle::contrast(frame, theme::palette(theme).color(role)) >= 3);
+    }
 }
 
 QTEST_MAIN(TestThemes)
