@@ -80,6 +80,12 @@ QPalette palette(Theme theme)
     return palette;
 }
 
+QColor faultColor(const QPalette& palette)
+{
+    constexpr int middle = 128;
+    return palette.color(QPalette::Window).lightness() < middle ? QColor(255, 130, 130) : QColor(176, 0, 32);
+}
+
 void apply(Theme theme)
 {
     dropPalettesOfTheDesktop();

@@ -12,6 +12,9 @@ namespace theme {
 /// The palette of a theme in all groups and roles; an empty one for the desktop's.
 QPalette palette(Theme theme);
 
+/// The color of words that say what is wrong, to be read on the palette's windows.
+QColor faultColor(const QPalette& palette);
+
 /// Gives the program that theme and restyles everything that is open. With Theme::System it follows the
 /// desktop from now on, also when that changes.
 void apply(Theme theme);

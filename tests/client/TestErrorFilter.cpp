@@ -5,6 +5,7 @@
 #include "ErrorListView.h"
 #include "KeptFilters.h"
 #include "Preferences.h"
+#include "Theme.h"
 
 #include <QAbstractItemModelTester>
 #include <QAbstractItemView>
@@ -13,11 +14,11 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QToolButton>
 
 #include <algorithm>
 
@@ -346,9 +347,13 @@ void TestErrorFilter::lineShowsFaults()
     QCOMPARE(changes.count(), 2);
     QTest::keyClicks(&edit, QStringLiteral(" \"c"));
     QVERIFY(fault.isVisible());
-    QVERIFY2(fault.text().contains(QStringLiteral("letter 4")), qPrintable(fault.text()));
+    QVERIFY2(fault.text().contains(QStringLiteral("Character 4")), qPrintable(fault.text()));
     QCOMPARE(changes.count(), 2); // the filter without a fault holds on
     QCOMPARE(edit.text(), QStringLiteral("ab \"c"));
+    for (const Theme theme : {Theme::Dark, Theme::Light}) {
+        bar.setPalette(theme::palette(theme));
+        QCOMPARE(fault.palette().color(QPalette::WindowText), theme::faultColor(bar.palette()));
+    }
     QTest::keyClicks(&edit, QStringLiteral("\""));
     QVERIFY(!fault.isVisible());
     QCOMPARE(changes.count(), 3);
@@ -406,7 +411,7 @@ void TestErrorFilter::filtersAreKept()
     ErrorFilterBar bar;
     bar.setKeptFilters(&kept);
     bar.show();
-    QMenu& menu = *bar.findChild<QToolButton*>(QStringLiteral("btnErrorFilters"))->menu();
+    QMenu& menu = *bar.findChild<QPushButton*>(QStringLiteral("btnErrorFilters"))->menu();
     Q_EMIT menu.aboutToShow();
     QCOMPARE(menu.actions().at(0)->text(), QStringLiteral("mine"));
     QCOMPARE(menu.actions().at(1)->text(), QStringLiteral("other"));

@@ -3,6 +3,7 @@
 #include "ErrorFilterCompleter.h"
 #include "KeptFilters.h"
 #include "PlainToolTip.h"
+#include "Theme.h"
 
 #include <QApplication>
 #include <QGridLayout>
@@ -12,16 +13,10 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
+#include <QPushButton>
 #include <QTextCharFormat>
-#include <QToolButton>
 
 namespace {
-
-/// Readable on light and on dark windows.
-QColor faultColour(const QPalette& palette)
-{
-    return palette.color(QPalette::Window).lightness() < 128 ? QColor(255, 120, 110) : QColor(190, 0, 0);
-}
 
 /// A text as an entry of a menu shows it.
 QString entryText(const QFontMetrics& metrics, const QString& text)
@@ -36,7 +31,7 @@ QString entryText(const QFontMetrics& metrics, const QString& text)
 ErrorFilterBar::ErrorFilterBar(QWidget* parent)
     : QWidget(parent)
     , m_edit(new QLineEdit(this))
-    , m_keptButton(new QToolButton(this))
+    , m_keptButton(new QPushButton(this))
     , m_menu(new QMenu(m_keptButton))
     // A label that asks for a height for its width makes layouts slow, but it is there with a fault only.
     , m_fault(new QLabel(this))
@@ -85,8 +80,6 @@ void ErrorFilterBar::setUpMenu()
     m_keptButton->setObjectName(QStringLiteral("btnErrorFilters"));
     m_keptButton->setText(tr("Filters"));
     m_keptButton->setToolTip(tr("Keep the filter with a name, and use those that are kept"));
-    m_keptButton->setFocusPolicy(Qt::StrongFocus);
-    m_keptButton->setPopupMode(QToolButton::InstantPopup);
     m_keptButton->setMenu(m_menu);
     m_menu->setToolTipsVisible(true);
     connect(m_menu, &QMenu::aboutToShow, this, &ErrorFilterBar::fillMenu);
@@ -128,9 +121,9 @@ void ErrorFilterBar::read(const QString& text)
 void ErrorFilterBar::showFault(const ErrorFilterFault& fault)
 {
     QPalette colours = palette();
-    colours.setColor(QPalette::WindowText, faultColour(colours));
+    colours.setColor(QPalette::WindowText, theme::faultColor(colours));
     m_fault->setPalette(colours);
-    m_fault->setText(tr("At letter %1: %2").arg(fault.position + 1).arg(fault.message));
+    m_fault->setText(tr("Character %1: %2").arg(fault.position + 1).arg(fault.message));
     m_fault->show();
     underline(fault.position, fault.length);
 }
@@ -151,7 +144,8 @@ void ErrorFilterBar::underline(qsizetype position, qsizetype length)
     if (length > 0) {
         QTextCharFormat format;
         format.setUnderlineStyle(QTextCharFormat::WaveUnderline);
-        format.setUnderlineColor(faultColour(palette()));
+        format.setUnderlineColor(theme::faultColor(palette()));
+        format.setForeground(theme::faultColor(palette()));
         attributes.append({QInputMethodEvent::TextFormat,
             static_cast<int>(position) - m_edit->cursorPosition(), static_cast<int>(length), format});
     }
@@ -173,6 +167,14 @@ bool ErrorFilterBar::eventFilter(QObject* watched, QEvent* event)
         }
     }
     return QWidget::eventFilter(watched, event);
+}
+
+void ErrorFilterBar::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    // In the fault color of the new palette.
+    if (event->type() == QEvent::PaletteChange && !m_fault->isHidden())
+        read(m_edit->text());
 }
 
 void ErrorFilterBar::fillMenu()

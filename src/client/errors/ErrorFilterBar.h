@@ -11,7 +11,7 @@ class KeptFilters;
 class QLabel;
 class QLineEdit;
 class QMenu;
-class QToolButton;
+class QPushButton;
 
 /// The line in which a user writes the filter of an error list, with a menu of filters that are kept, and the
 /// fault of a filter below it. While there is a fault, the last filter without one holds on.
@@ -31,6 +31,7 @@ Q_SIGNALS:
     void filterChanged(const ErrorFilter& filter);
 
 protected:
+    void changeEvent(QEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
@@ -44,7 +45,7 @@ private:
     void keepFilter();
 
     QLineEdit* m_edit;
-    QToolButton* m_keptButton;
+    QPushButton* m_keptButton;
     QMenu* m_menu;
     QLabel* m_fault;
     ErrorFilterCompleter* m_completer;
