@@ -1,7 +1,9 @@
 #include "FindBar.h"
 
 #include "ElidedLabel.h"
+#include "Theme.h"
 
+#include <QApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
@@ -16,12 +18,6 @@ namespace {
 /// Of a selection that becomes the text. A longer one is not what somebody looks for.
 constexpr qsizetype longestSelection = 200;
 
-QColor faultColour(const QPalette& palette)
-{
-    constexpr int middle = 128;
-    return palette.color(QPalette::Window).lightness() < middle ? QColor(255, 130, 130) : QColor(176, 0, 32);
-}
-
 } // namespace
 
 FindBar::FindBar(Findable* target, QWidget* page)
@@ -32,6 +28,7 @@ FindBar::FindBar(Findable* target, QWidget* page)
 {
     setObjectName(QStringLiteral("findBar"));
     setFrameShape(StyledPanel);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     auto* layout = new QHBoxLayout(this);
     constexpr int margin = 3;
     layout->setContentsMargins(margin, margin, margin, margin);
@@ -45,6 +42,7 @@ FindBar::FindBar(Findable* target, QWidget* page)
     m_edit->setMinimumWidth(fontMetrics().averageCharWidth() * 12);
     layout->addWidget(m_edit, 1);
     addSwitches(layout);
+    layout->addSpacing(margin);
     m_count->setObjectName(QStringLiteral("lblFindCount"));
     m_count->setAccessibleName(tr("Matches"));
     // The numbers grow without moving the buttons.
@@ -101,6 +99,8 @@ void FindBar::open()
 {
     const QString selected = m_target->selectedText();
     const bool wasHidden = isHidden();
+    if (wasHidden)
+        m_focusBefore = QApplication::focusWidget();
     show();
     const bool isNew = !selected.isEmpty() && selected.size() <= longestSelection;
     if (isNew && selected != m_edit->text())
@@ -113,10 +113,12 @@ void FindBar::open()
 
 void FindBar::close()
 {
+    QWidget* view = m_target->view();
+    QWidget* next = view && view->isVisible() ? view : m_focusBefore.data();
     hide();
     m_target->stop();
-    if (QWidget* view = m_target->view())
-        view->setFocus();
+    if (next)
+        next->setFocus();
 }
 
 void FindBar::go(Findable::Direction direction)
@@ -125,6 +127,17 @@ void FindBar::go(Findable::Direction direction)
         open();
     else if (!m_pattern.isEmpty())
         m_target->go(direction);
+}
+
+void FindBar::putBehind(QWidget* widget)
+{
+    QWidget* former = widget;
+    for (QWidget* part : findChildren<QWidget*>(QString(), Qt::FindDirectChildrenOnly)) {
+        if (!(part->focusPolicy() & Qt::TabFocus))
+            continue;
+        setTabOrder(former, part);
+        former = part;
+    }
 }
 
 FindQuery FindBar::query() const
@@ -158,7 +171,7 @@ void FindBar::showState()
         || (!m_pattern.isEmpty() && m_target->state().total == 0 && m_target->state().percent == 100);
     QPalette colours = palette();
     if (hasFault)
-        colours.setColor(QPalette::WindowText, faultColour(colours));
+        colours.setColor(QPalette::WindowText, theme::faultColor(colours));
     m_count->setPalette(colours);
     for (QToolButton* button : {m_previous, m_next})
         button->setEnabled(!m_pattern.isEmpty());
@@ -189,6 +202,13 @@ QString FindBar::stateText(const Findable::State& state) const
     else if (state.wrapped == Findable::Wrapped::ToEnd)
         add(tr("continued from the end"));
     return text;
+}
+
+void FindBar::changeEvent(QEvent* event)
+{
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        showState();
 }
 
 void FindBar::keyPressEvent(QKeyEvent* event)

@@ -4,6 +4,7 @@
 #include "Findable.h"
 
 #include <QFrame>
+#include <QPointer>
 
 class ElidedLabel;
 class QHBoxLayout;
@@ -27,10 +28,13 @@ public:
     void close();
     /// Goes to the next match; asks for a text where there is none.
     void go(Findable::Direction direction);
+    /// Has Tab go from a widget to this bar.
+    void putBehind(QWidget* widget);
     /// To be called when the target has got other matter.
     void searchAgain();
 
 protected:
+    void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
@@ -49,4 +53,5 @@ private:
     QToolButton* m_previous = nullptr;
     QToolButton* m_next = nullptr;
     FindPattern m_pattern;
+    QPointer<QWidget> m_focusBefore;
 };

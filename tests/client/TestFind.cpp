@@ -10,6 +10,8 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QStandardItemModel>
+#include <QTabBar>
+#include <QTabWidget>
 #include <QToolButton>
 #include <QTreeView>
 
@@ -33,6 +35,7 @@ private Q_SLOTS:
     void plainTextIsFound();
     void consoleIsSearchedFromTheReader();
     void viewsAreSearchedFromTheReader();
+    void barIsOnlyALine();
 
 private:
     struct Bar {
@@ -341,6 +344,26 @@ void TestFind::viewsAreSearchedFromTheReader()
 }
 
 Q_DECLARE_METATYPE(FindQuery)
+
+/// Also on a page that has nothing to look at.
+void TestFind::barIsOnlyALine()
+{
+    Page page;
+    page.page.resize(700, 600);
+    page.page.show();
+    QVERIFY(QTest::qWaitForWindowActive(&page.page));
+    auto* tabs = page.page.findChild<QTabWidget*>(QStringLiteral("tabWidget"));
+    auto* contexts = page.page.findChild<QWidget*>(QStringLiteral("tab_contextInfo"));
+    tabs->setCurrentWidget(contexts);
+    tabs->tabBar()->setFocus();
+    const Bar bar(contexts);
+    bar.type(QStringLiteral("a"));
+    QTRY_COMPARE(bar.bar->height(), bar.bar->sizeHint().height());
+    QVERIFY(bar.edit()->hasFocus());
+    QTest::keyClick(bar.edit(), Qt::Key_Escape);
+    QVERIFY(bar.bar->isHidden());
+    QVERIFY2(tabs->tabBar()->hasFocus(), "the focus is lost");
+}
 
 QTEST_MAIN(TestFind)
 #include "TestFind.moc"
