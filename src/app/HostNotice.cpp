@@ -9,7 +9,7 @@ HostNotice::HostNotice(models::CurrentProfile& current, QComboBox& chooser, QWid
     : NoticeBar(QStringLiteral("noticeHost"), page)
 {
     const QPushButton* choose =
-        addButton(QStringLiteral("btnChooseProfile"), tr("C&hoose..."), tr("Open the list of devices"));
+        addButton(QStringLiteral("btnChooseProfile"), tr("Ch&oose..."), tr("Open the list of devices"));
     const QPushButton* create =
         addButton(QStringLiteral("btnNewProfile"), tr("Ne&w Profile..."), tr("Make a profile of your own"));
     connect(choose, &QPushButton::clicked, &chooser, [&chooser] {

@@ -56,7 +56,7 @@ void RunProgramActions::setUpNotice(QWidget* page)
     const QPushButton* change = m_notice->addButton(QStringLiteral("btnRunOtherwise"), tr("R&un Program..."),
         tr("Change what is to be run and try again"));
     const QPushButton* hide =
-        m_notice->addButton(QStringLiteral("btnHideNotRun"), tr("&Hide"), tr("Hide this message"));
+        m_notice->addButton(QStringLiteral("btnHideNotRun"), tr("Hi&de"), tr("Hide this message"));
     connect(change, &QPushButton::clicked, this, &RunProgramActions::ask);
     connect(hide, &QPushButton::clicked, m_notice, [this] { m_notice->setText({}); });
     if (auto* layout = qobject_cast<QBoxLayout*>(page->layout()))

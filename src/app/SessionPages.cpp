@@ -66,7 +66,7 @@ void SessionPages::setUpBar(QWidget* around)
     m_step = m_bar->addButton(
         QStringLiteral("btnStepSession"), tr("Ne&xt Record"), tr("Play the next record and stop again"));
     m_showAll = m_bar->addButton(
-        QStringLiteral("btnShowSession"), tr("S&how All"), tr("Show the rest of the session at once"));
+        QStringLiteral("btnShowSession"), tr("Show &All"), tr("Show the rest of the session at once"));
     connect(m_again, &QPushButton::clicked, this, &SessionPages::playAgain);
     connect(m_pause, &QPushButton::clicked, this, &SessionPages::pauseOrGoOn);
     connect(m_step, &QPushButton::clicked, this, [this] {

@@ -215,6 +215,8 @@ void ClientInterface::setUpFind()
         if (const QWidget* context = m_ui->tabWidget_contexts->currentWidget())
             views = {context->findChild<QTableView*>(), context->findChild<QListView*>()};
         inContext->setViews(views);
+        if (!views.isEmpty())
+            bar->putBehind(views.last());
         bar->searchAgain();
     });
 }

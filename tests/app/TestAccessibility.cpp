@@ -2,8 +2,10 @@
 #include "DialogAnswers.h"
 #include "ElidedLabel.h"
 #include "MainWindow.h"
+#include "NoticeBar.h"
 #include "RawClient.h"
 
+#include <QAbstractSpinBox>
 #include <QAccessible>
 #include <QCheckBox>
 #include <QComboBox>
@@ -43,8 +45,10 @@ bool isCut(const QWidget* widget)
         return label->height() < label->heightForWidth(label->width());
     if (as<QComboBox>(widget) || as<ElidedLabel>(widget))
         return isTooFlat || (isTooNarrow && widget->toolTip().isEmpty());
-    // Tabs scroll; the line of a combo box has its frame outside.
-    if (as<QTabBar>(widget) || (as<QLineEdit>(widget) && !as<QComboBox>(widget->parentWidget())))
+    // Tabs scroll; the line of a combo box or spin box has its frame outside.
+    const bool isInBox =
+        as<QComboBox>(widget->parentWidget()) || as<QAbstractSpinBox>(widget->parentWidget());
+    if (as<QTabBar>(widget) || (as<QLineEdit>(widget) && !isInBox))
         return isTooFlat;
     const auto* button = as<QAbstractButton>(widget);
     const bool hasText = (label && !label->text().isEmpty()) || (button && !button->text().isEmpty());
@@ -77,6 +81,29 @@ QList<QKeySequence> keysOf(const QWidget& root, const QList<QWidget*>& shown)
     return keys;
 }
 
+/// Where Tab goes up the page, or back in a row.
+QStringList tabProblems(QWidget& root)
+{
+    QStringList problems;
+    const QWidget* former = nullptr;
+    QRect formerPlace;
+    for (QWidget* widget = root.nextInFocusChain(); widget != &root; widget = widget->nextInFocusChain()) {
+        const bool isStop = (widget->focusPolicy() & Qt::TabFocus) && !widget->focusProxy();
+        const QRect seen = widget->visibleRegion().boundingRect();
+        if (!isStop || seen.isEmpty() || widget->window() != root.window())
+            continue;
+        const QRect place = seen.translated(widget->mapTo(&root, QPoint()));
+        const bool isBeside = place.top() <= formerPlace.bottom() && formerPlace.top() <= place.bottom();
+        const bool isInColumn = place.left() <= formerPlace.right() && formerPlace.left() <= place.right();
+        if ((isBeside && place.right() < formerPlace.left())
+            || (isInColumn && place.bottom() < formerPlace.top()))
+            QDebug(&problems.emplaceBack()) << "Tab goes back:" << former << widget;
+        former = widget;
+        formerPlace = place;
+    }
+    return problems;
+}
+
 QStringList problemsOf(const QMenu& menu)
 {
     QStringList problems;
@@ -96,7 +123,8 @@ QStringList problemsOf(const QMenu& menu)
 } // namespace
 
 /// Looks at all that can be seen in each window: what a control is for can be told, each action has a key and
-/// no two have the same, and no text is cut in the smallest window, also not in one with large fonts.
+/// no two have the same, Tab follows the reader, and no text is cut in the smallest window, also with large
+/// fonts.
 class TestAccessibility : public QObject {
     Q_OBJECT
 
@@ -136,6 +164,28 @@ private Q_SLOTS:
             });
         });
         add("report", [this] { page(2); });
+        add("find", [this] {
+            for (const auto& [main, client] : {std::pair(1, 0), {1, 1}, {1, 2}, {0, 0}, {2, 0}}) {
+                page(main, client);
+                find<QAction>("actionFind")->trigger();
+                look(m_window);
+                QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+            }
+        });
+        add("notices", [this] {
+            page(1);
+            for (auto* notice : m_window.findChildren<widgets::NoticeBar*>())
+                notice->setText(QStringLiteral("What has happened"));
+            page(1);
+            page(0);
+            for (auto* notice : m_window.findChildren<widgets::NoticeBar*>())
+                notice->setText({});
+        });
+        for (QAction* action : table->actions()) {
+            if (action->text() == QStringLiteral("&Go to Frame...")
+                || action->text() == QStringLiteral("M&uted Kinds..."))
+                add(qPrintable(action->text()), [=, this] { dialog([=] { action->trigger(); }); });
+        }
         add("profile viewed", [this] { page(0); });
         add("profile modified", [this] {
             find<QPushButton>("btnEdit")->click();
@@ -195,6 +245,7 @@ private:
             if (!isNamed(widget) || isCut(widget))
                 QDebug(&m_problems.emplaceBack()) << (isNamed(widget) ? "cut:" : "no name:") << widget;
         }
+        m_problems << tabProblems(root);
         const QList<QKeySequence> keys = keysOf(root, shown);
         for (const QKeySequence& key : keys) {
             if (keys.count(key) > 1)

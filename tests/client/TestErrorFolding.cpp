@@ -251,9 +251,7 @@ void TestErrorFolding::mutedKindsAreHiddenAndCounted()
     QCOMPARE(kinds->topLevelItem(0)->text(1), QStringLiteral("glTexImage2D"));
     dialog->activateWindow();
     QTRY_COMPARE(QApplication::activeWindow(), static_cast<QWidget*>(dialog));
-    kinds->setFocus();
-    kinds->selectAll();
-    QTest::keyClick(kinds, Qt::Key_Delete);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Delete);
     QCOMPARE(kinds->topLevelItemCount(), 0);
     QCOMPARE(list.filter.rowCount(), 6);
     QVERIFY(!list.button.isVisible());

@@ -1,7 +1,8 @@
 #include "MutedErrorsDialog.h"
 
-#include "HintLabel.h"
+#include "ElidedLabel.h"
 #include "MutedErrors.h"
+#include "PlainToolTip.h"
 
 #include <QDialogButtonBox>
 #include <QDir>
@@ -11,6 +12,8 @@
 #include <QShortcut>
 #include <QTreeWidget>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace {
 
@@ -37,9 +40,12 @@ MutedErrorsDialog::MutedErrorsDialog(MutedErrors& muted, QWidget* parent)
     : QDialog(parent)
     , m_muted(muted)
     , m_list(new QTreeWidget(this))
-    , m_hint(new HintLabel(this))
+    , m_hint(new QLabel(this))
+    , m_file(new ElidedLabel(this))
 {
     setWindowTitle(tr("Muted Kinds"));
+    m_hint->setTextFormat(Qt::PlainText);
+    m_hint->setWordWrap(true);
     m_list->setObjectName(QStringLiteral("listMutedErrors"));
     m_list->setAccessibleName(tr("Muted kinds"));
     m_list->setHeaderLabels({tr("Severity"), tr("Function"), tr("Code"), tr("Text")});
@@ -52,7 +58,8 @@ MutedErrorsDialog::MutedErrorsDialog(MutedErrors& muted, QWidget* parent)
     m_show->setToolTip(tr("Show rows of the selected kinds again (Delete)"));
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(m_hint);
-    layout->addWidget(m_list);
+    layout->addWidget(m_list, 1);
+    layout->addWidget(m_file);
     layout->addWidget(buttons);
 
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::reject);
@@ -64,11 +71,14 @@ MutedErrorsDialog::MutedErrorsDialog(MutedErrors& muted, QWidget* parent)
     connect(&m_muted, &MutedErrors::failed, m_hint, &QLabel::setText);
     fill();
     const int letter = fontMetrics().averageCharWidth();
+    setMinimumWidth(50 * letter);
     resize(100 * letter, 45 * letter);
+    m_list->setFocus();
 }
 
 void MutedErrorsDialog::fill()
 {
+    const int former = m_list->indexOfTopLevelItem(m_list->currentItem());
     m_list->clear();
     for (const sessions::Signature& kind : m_muted.kinds().all()) {
         auto* item = new QTreeWidgetItem(m_list);
@@ -78,6 +88,9 @@ void MutedErrorsDialog::fill()
         item->setText(TextColumn, QString::fromStdString(kind.text).left(shownLetters).simplified());
         item->setData(SeverityColumn, Qt::UserRole, QVariant::fromValue(kind));
     }
+    // So that keys have something to act on.
+    m_list->setCurrentItem(
+        m_list->topLevelItem(std::clamp(former, 0, std::max(0, m_list->topLevelItemCount() - 1))));
     for (const int column : {SeverityColumn, FunctionColumn, CodeColumn})
         m_list->resizeColumnToContents(column);
     const QString file = QDir::toNativeSeparators(QFile::decodeName(m_muted.file().c_str()));
@@ -88,8 +101,10 @@ void MutedErrorsDialog::fill()
             tr("Nothing is muted. \"Mute This Kind\" in the context menu of a row hides all rows like it."));
     else
         m_hint->setText(
-            tr("Rows of these kinds are hidden in all lists. Numbers in their texts are \"#\".\n%1")
-                .arg(file));
+            tr("Rows of these kinds are hidden in all lists. \"#\" stands for any number in a text."));
+    m_file->setText(tr("Kept in \"%1\"").arg(file));
+    m_file->setToolTip(plainToolTip(file));
+    m_file->setHidden(file.isEmpty());
     updateButton();
 }
 

@@ -22,5 +22,6 @@ private:
     MutedErrors& m_muted;
     QTreeWidget* m_list;
     QLabel* m_hint;
+    QLabel* m_file;
     QPushButton* m_show;
 };
