@@ -6,6 +6,7 @@
 #include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
+#include <QLocale>
 #include <QStatusBar>
 #include <QStyle>
 #include <QToolButton>
@@ -189,6 +190,8 @@ void MonitorStatus::showCountsSoon()
 
 void MonitorStatus::showCounts()
 {
-    m_errors->setText(m_errorCount == 1 ? tr("1 error") : tr("%1 errors").arg(m_errorCount));
-    m_warnings->setText(m_warningCount == 1 ? tr("1 warning") : tr("%1 warnings").arg(m_warningCount));
+    const QLocale locale;
+    m_errors->setText(m_errorCount == 1 ? tr("1 error") : tr("%1 errors").arg(locale.toString(m_errorCount)));
+    m_warnings->setText(
+        m_warningCount == 1 ? tr("1 warning") : tr("%1 warnings").arg(locale.toString(m_warningCount)));
 }
