@@ -196,14 +196,29 @@ void ClientTabWidget::setName(const Client* client, const QString& name)
     }
 }
 
+void ClientTabWidget::setDevice(const Client* client, const QString& device)
+{
+    if (ClientInterface* page = pageOf(client)) {
+        page->setDevice(device);
+        showTitle(*page);
+    }
+}
+
+void ClientTabWidget::setEndText(const Client* client, const QString& text)
+{
+    if (ClientInterface* page = pageOf(client)) {
+        page->setEndText(text);
+        showTitle(*page);
+    }
+}
+
 void ClientTabWidget::showTitle(const ClientInterface& page)
 {
     // An ampersand in a tab's text would mark a key.
     const QString title = page.title();
     setTabText(page.index(), QString(title).replace(QLatin1Char('&'), QStringLiteral("&&")));
     // The index is the one of the tab's creation, so the title may be on another tab; the tool tip never is.
-    const QString session = page.session().isEmpty() ? QString() : QLatin1Char('\n') + page.session();
-    setTabToolTip(indexOf(&page), plainToolTip(title + session));
+    setTabToolTip(indexOf(&page), plainToolTip(page.description()));
 }
 
 void ClientTabWidget::finish(const Client* client, const QString& text, Connection connection)

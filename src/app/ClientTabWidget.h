@@ -59,6 +59,9 @@ public:
 
     void setPid(const Client* client, PID_TYPE pid);
     void setName(const Client* client, const QString& name);
+    /// For the tool tip.
+    void setDevice(const Client* client, const QString& device);
+    void setEndText(const Client* client, const QString& text);
     /// Ends a client's session on its page with a text.
     void finish(const Client* client, const QString& text, Connection connection);
     /// The state of the connection of the tab at an index.

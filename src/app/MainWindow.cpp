@@ -398,8 +398,9 @@ void MainWindow::clientDisconnected(Client* client, const QString& text, bool is
     if (page && page->session().isEmpty())
         m_notifier->notify(
             isClean ? DesktopNotifier::Event::End : DesktopNotifier::Event::Crash, page->title());
-    m_clientTabs->finish(
-        client, text, isClean ? ClientTabWidget::Connection::Ended : ClientTabWidget::Connection::Lost);
+    const QString note = client->endNote();
+    m_clientTabs->finish(client, note.isEmpty() ? text : tr("%1: %2").arg(text, note),
+        isClean ? ClientTabWidget::Connection::Ended : ClientTabWidget::Connection::Lost);
     client->notifyServerStop();
     m_clients.erase(client);
     showClientCount();

@@ -106,6 +106,8 @@ void SessionPages::open(const QString& path, SessionReplay::Pace pace)
     for (ReplayedClient* client : shown->clients()) {
         ClientInterface* page = m_addPage(client, name);
         keep(*page, {nullptr, shown, client});
+        m_tabs.setDevice(client, client->device());
+        m_tabs.setEndText(client, client->endText());
     }
     m_tabs.setCurrentIndex(m_tabs.indexOf(m_tabs.pageOf(shown->clients().front())));
     shown->play(pace);
@@ -131,6 +133,10 @@ void SessionPages::record(Client& client, ClientInterface& page)
     } else if (!path.isEmpty()) {
         m_folder.closeFile(path);
     }
+    connect(recorder, &ClientRecorder::deviceKnown, &m_tabs,
+        [this, &client](const QString& device) { m_tabs.setDevice(&client, device); });
+    connect(recorder, &ClientRecorder::closed, &m_tabs,
+        [this, recorder, &client] { m_tabs.setEndText(&client, recorder->endText()); });
     connect(recorder, &ClientRecorder::failed, this, [this](const QString& reason) {
         Q_EMIT statusMessage(
             tr("What this client sends cannot be kept as a session any more: %1").arg(reason));

@@ -29,6 +29,8 @@ public:
     bool hasBacklog() const { return m_hasBacklog; }
     /// When the record that is announced arrived, in milliseconds since the epoch, if that is not now.
     std::optional<qint64> recordTime() const { return m_recordTime; }
+    /// What is known of its end and has not been announced as a record; empty for most.
+    const QString& endNote() const { return m_endNote; }
 
 Q_SIGNALS:
     void setPID(Client*, PID_TYPE);
@@ -59,6 +61,7 @@ protected:
     bool announce(const ui::messages::Message& message);
     void setBacklog(bool hasBacklog) { m_hasBacklog = hasBacklog; }
     void setRecordTime(qint64 time) { m_recordTime = time; }
+    void setEndNote(const QString& note) { m_endNote = note; }
 
 private:
     enum class Step { GoOn, Stop };
@@ -75,6 +78,7 @@ private:
     bool m_continuationPending = false;
     bool m_hasBacklog = false;
     std::optional<qint64> m_recordTime;
+    QString m_endNote;
     quint64 m_lastIteration = 0; ///< Of the event loop, in which the client has read.
     bool m_reading = false;
     bool m_disconnectPending = false; ///< The socket was disconnected during a read pass.

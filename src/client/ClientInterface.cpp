@@ -300,6 +300,18 @@ void ClientInterface::setLive()
     m_state = State::Live;
 }
 
+QString ClientInterface::description() const
+{
+    QStringList lines{title()};
+    if (!m_session.isEmpty())
+        lines.append(m_session);
+    if (!m_device.isEmpty())
+        lines.append(tr("Device: %1").arg(m_device));
+    if (!m_endText.isEmpty())
+        lines.append(m_endText.at(0).toUpper() + m_endText.mid(1));
+    return lines.join(QLatin1Char('\n'));
+}
+
 void ClientInterface::setErrorsAreNews(bool areNews)
 {
     for (UnseenErrors* unseen : findChildren<UnseenErrors*>())

@@ -54,6 +54,12 @@ public:
     /// As above; empty for the page of a connected client.
     const QString& session() const { return m_session; }
 
+    /// Which device the application sees in place of the machine, and how its process ended, as far as known.
+    void setDevice(const QString& device) { m_device = device; }
+    void setEndText(const QString& text) { m_endText = text; }
+    /// More than the title: one line each for session, device and end.
+    QString description() const;
+
     void setName(const QString& name) { m_name = name; }
     void setPid(PID_TYPE pid) { m_pid = pid; }
     /// The tab's title: the application's name in quotes, where it has sent one, and its PID; "<unknown>"
@@ -135,6 +141,8 @@ private:
     int m_index;
     QString m_name;
     QString m_session;
+    QString m_device;
+    QString m_endText;
     std::optional<PID_TYPE> m_pid;
     State m_state = State::Fresh;
     ContextFollower m_contextFollower;

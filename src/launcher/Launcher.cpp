@@ -1,6 +1,7 @@
 #include "Launcher.h"
 
 #include "Descriptors.h"
+#include "Notices.h"
 #include "ProfileChoice.h"
 #include "ProgramFile.h"
 
@@ -234,9 +235,9 @@ void Launcher::finish(WatchedProcess& program)
     if (!isEnded)
         program.finish(*m_end, m_options.showOutput);
     else if (limit == RunLimit::Reached::Time)
-        program.finishEnded("Ended by corvale-run on the time limit");
+        program.finishEnded(notices::timeIsOver);
     else
-        program.finishEnded("Ended by corvale-run after the frames that were asked for");
+        program.finishEnded(notices::framesAreDone);
 }
 
 void Launcher::welcome(Newcomer newcomer)
@@ -250,7 +251,7 @@ void Launcher::welcome(Newcomer newcomer)
             return;
         }
         // The same process: it has executed another program, which may have ended by now.
-        process->leave(nullptr);
+        process->leave();
     }
     m_processes.push_back(std::make_unique<WatchedProcess>(
         std::move(newcomer), m_naming, m_budget, m_sinks, m_wakeUp.number()));
@@ -291,8 +292,7 @@ void Launcher::noteEnds()
         return;
     for (const auto& process : m_processes) {
         if (process->isAlive())
-            process->leave("The program that corvale-run was started for has ended; this process goes on "
-                           "without being watched.");
+            process->leave(notices::goesOn);
     }
     m_lastProgress = Clock::now();
     m_hasLeft = true;

@@ -1,5 +1,6 @@
 #include "WatchedProcess.h"
 
+#include "Notices.h"
 #include "WholeRecord.h"
 
 #include <utility>
@@ -148,16 +149,15 @@ void WatchedProcess::finish(const ProcessEnd& end, bool tellsStatus)
     readRest();
     const bool isKnown = end.kind == ProcessEnd::Kind::Exited;
     if (end.kind == ProcessEnd::Kind::Killed) {
-        const std::string how = "Killed by " + signalText(end.number);
+        const std::string how = notices::killed(signalText(end.number));
         tellLast(Type::Error, how);
         close(false, how, true);
     } else if (!isKnown && m_ring && !m_ring->hasEnded()) {
         // Either _exit() or a signal; only its parent has learned which.
-        const char* how = "The process ended at once; whether by itself or by a signal is not known.";
-        tellLast(Type::Warning, how);
-        close(false, how, true);
+        tellLast(Type::Warning, notices::endedAtOnce);
+        close(false, std::string(notices::endedAtOnce), true);
     } else if (isKnown && tellsStatus) {
-        const std::string how = "Ended with exit status " + std::to_string(end.number);
+        const std::string how = notices::exited(end.number);
         tellLast(Type::Information, how);
         close(true, how, true);
     } else {
@@ -165,23 +165,23 @@ void WatchedProcess::finish(const ProcessEnd& end, bool tellsStatus)
     }
 }
 
-void WatchedProcess::finishEnded(const std::string& reason)
+void WatchedProcess::finishEnded(std::string_view reason)
 {
     readRest();
     tellLast(Type::Information, reason);
-    close(true, reason, true);
+    close(true, std::string(reason), true);
 }
 
-void WatchedProcess::leave(const char* why)
+void WatchedProcess::leave(std::string_view why)
 {
     if (m_ring) {
         m_ring->stop();
         m_ring->setWireframe(false);
     }
     readRest();
-    if (why)
+    if (!why.empty())
         tellLast(Type::Information, why);
-    close(true, why ? why : "ends", why != nullptr);
+    close(true, std::string(why.empty() ? "ends" : why), !why.empty());
 }
 
 void WatchedProcess::close(bool isClean, const std::string& how, bool isTold)

@@ -53,11 +53,11 @@ public:
     /// Reads the rest and tells how the process ended; the exit status only if that is wanted.
     void finish(const ProcessEnd& end, bool tellsStatus = false);
     /// The same where the launcher has ended it; the reason is for the user.
-    void finishEnded(const std::string& reason);
+    void finishEnded(std::string_view reason);
     /// How many frames it has shown until now.
     std::uint32_t frames() const;
-    /// Ends the watching of a process that goes on.
-    void leave(const char* why);
+    /// Ends the watching of a process that goes on; the reason, if any, is for the user.
+    void leave(std::string_view why = {});
 
 private:
     /// Reads up to as many bytes as are in the ring now. False if there was no room for one of them.

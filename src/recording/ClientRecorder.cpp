@@ -1,6 +1,8 @@
 #include "ClientRecorder.h"
 
 #include "Client.h"
+#include "Notices.h"
+#include "RecordText.h"
 #include "SessionFormat.h"
 
 #include <QFile>
@@ -57,7 +59,7 @@ void ClientRecorder::begin()
 {
     if (std::exchange(m_hasBegun, true))
         return;
-    m_writer.beginClient(m_pid.value_or(0), m_name, {}, m_writer.now());
+    m_writer.beginClient(m_pid.value_or(0), m_name, m_device, m_writer.now());
 }
 
 void ClientRecorder::setPid(PID_TYPE pid)
@@ -86,6 +88,8 @@ void ClientRecorder::take(const Message& message)
 {
     if (m_hasEnded)
         return;
+    noteDevice(message);
+    noteEnd(message);
     begin();
     const std::string_view payload(
         message.data() + offset::payload, ui::messages::recordSize - offset::payload);
@@ -93,6 +97,38 @@ void ClientRecorder::take(const Message& message)
     if (!m_path.isEmpty() && !m_flush.isActive())
         m_flush.start();
     checkFailure();
+}
+
+/// The layer tells it once on the console, and in its report, which a launcher keeps for a later window.
+void ClientRecorder::noteDevice(const Message& message)
+{
+    const Type type = message.type();
+    if (!m_device.empty() || (type != Type::Information && type != Type::ReportOtherKeyedText))
+        return;
+    const std::size_t at = type == Type::Information ? offset::text : offset::reportKeyedText;
+    const std::optional<std::string_view> device = notices::deviceOf(message.text(at));
+    if (!device)
+        return;
+    m_device = *device;
+    if (m_hasBegun)
+        m_writer.setDevice(0, m_device, m_writer.now());
+    Q_EMIT deviceKnown(record_text::singleLine(m_device));
+}
+
+void ClientRecorder::noteEnd(const Message& message)
+{
+    m_endText.clear();
+    const Type type = message.type();
+    if (type != Type::Information && type != Type::Warning && type != Type::Error)
+        return;
+    const std::string_view field(message.data() + offset::text, ui::messages::recordSize - offset::text);
+    if (notices::tellsEnd(field))
+        m_endText = message.text(offset::text);
+}
+
+QString ClientRecorder::endText() const
+{
+    return record_text::singleLine(m_endText);
 }
 
 void ClientRecorder::flush()
@@ -119,7 +155,7 @@ void ClientRecorder::end(bool isClean)
     m_flush.stop();
     begin();
     m_writer.endClient(
-        0, isClean ? sessions::ClientEnd::Clean : sessions::ClientEnd::Lost, {}, m_writer.now());
+        0, isClean ? sessions::ClientEnd::Clean : sessions::ClientEnd::Lost, m_endText, m_writer.now());
     m_whole = m_writer.again();
     m_writer.close();
     Q_EMIT closed();

@@ -35,8 +35,12 @@ public:
     /// source() afterwards, so its room on the disk is taken as long as there is the recorder.
     void end(bool isClean);
     bool hasEnded() const { return m_hasEnded; }
+    /// How the process ended, where its last record has told that; empty else.
+    QString endText() const;
 
 Q_SIGNALS:
+    /// The client has told which device it sees in place of the machine.
+    void deviceKnown(const QString& device);
     /// The file is complete.
     void closed();
     /// From now on nothing is kept any more; the reason is a readable text.
@@ -48,6 +52,8 @@ private:
     void setName(const QString& name);
     void take(const ui::messages::Message& message);
     void begin();
+    void noteDevice(const ui::messages::Message& message);
+    void noteEnd(const ui::messages::Message& message);
     void add(ui::messages::Type type, const std::string& payload);
     void flush();
     void checkFailure();
@@ -57,6 +63,8 @@ private:
     platform::FileStream m_whole; ///< The file once the writer is closed.
     std::optional<PID_TYPE> m_pid;
     std::string m_name;
+    std::string m_device; ///< Empty until it is known.
+    std::string m_endText; ///< Of the last record, if it tells the end.
     bool m_hasBegun = false; ///< The file knows the client.
     bool m_hasEnded = false;
     bool m_isFailureTold = false;

@@ -49,8 +49,21 @@ void ReplayedClient::give(const sessions::SessionRecord& record, bool hasMore)
     announce(m_message);
 }
 
+QString ReplayedClient::device() const
+{
+    return record_text::singleLine(m_facts.device);
+}
+
+QString ReplayedClient::endText() const
+{
+    // Of a process whose end nobody has seen.
+    return m_facts.endText == "ends" ? QString() : record_text::singleLine(m_facts.endText);
+}
+
 void ReplayedClient::end()
 {
+    if (m_message.text(offset::text) != m_facts.endText)
+        setEndNote(endText());
     setBacklog(false);
     setTime(std::max(m_time, m_facts.endTime));
     if (m_facts.end == sessions::ClientEnd::Clean)

@@ -22,6 +22,9 @@ public:
     void end();
 
     const sessions::SessionClient& facts() const { return m_facts; }
+    /// The profile that it saw in place of the machine, and how it ended; empty where that is not known.
+    QString device() const;
+    QString endText() const;
 
 private:
     void setTime(sessions::SessionTime time);

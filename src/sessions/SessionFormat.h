@@ -62,6 +62,7 @@ constexpr std::uint32_t blockKind(const char (&name)[5])
     return kind;
 }
 inline constexpr std::uint32_t clientBlock = blockKind("CLNT");
+inline constexpr std::uint32_t deviceBlock = blockKind("DEVC");
 inline constexpr std::uint32_t recordsBlock = blockKind("RECS");
 inline constexpr std::uint32_t endBlock = blockKind("ENDS");
 

@@ -114,6 +114,8 @@ void SessionReader::readBlockHeads()
             m_recordCount += head->count;
         } else if (head->kind == format::clientBlock) {
             takeClient(*head, place);
+        } else if (head->kind == format::deviceBlock) {
+            takeDevice(*head, place);
         } else if (head->kind == format::endBlock) {
             takeEnd(*head, place);
         }
@@ -140,6 +142,19 @@ void SessionReader::takeClient(const format::BlockHead& head, std::uint64_t plac
     for (std::size_t number = m_clients.size(); number <= client.number; ++number)
         m_clients.emplace_back().number = static_cast<std::uint32_t>(number);
     m_clients[client.number] = std::move(client);
+}
+
+void SessionReader::takeDevice(const format::BlockHead& head, std::uint64_t place)
+{
+    if (!clientContent(head, place))
+        return;
+    format::ByteSource source(m_content);
+    const std::uint32_t number = source.u32();
+    std::string device = source.text();
+    if (source.ok() && number < m_clients.size())
+        m_clients[number].device = std::move(device);
+    else
+        noteDamage("The session has a process whose device is damaged.");
 }
 
 void SessionReader::takeEnd(const format::BlockHead& head, std::uint64_t place)

@@ -68,6 +68,7 @@ private:
     bool readHead();
     void readBlockHeads();
     void takeClient(const format::BlockHead& head, std::uint64_t place);
+    void takeDevice(const format::BlockHead& head, std::uint64_t place);
     void takeEnd(const format::BlockHead& head, std::uint64_t place);
     /// The content of a block about a process, in the buffer.
     bool clientContent(const format::BlockHead& head, std::uint64_t place);

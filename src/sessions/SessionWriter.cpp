@@ -149,6 +149,14 @@ std::uint32_t SessionWriter::beginClient(
     return number;
 }
 
+void SessionWriter::setDevice(std::uint32_t client, std::string_view device, SessionTime time)
+{
+    std::string content;
+    format::putNumber(content, client, 4);
+    format::putText(content, device);
+    writeBlock(format::deviceBlock, content, 0, time);
+}
+
 void SessionWriter::add(std::uint32_t client, const Record& record, SessionTime time)
 {
     if (!ok())

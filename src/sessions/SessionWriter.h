@@ -46,6 +46,8 @@ public:
     /// Returns the client's number.
     std::uint32_t beginClient(
         std::uint32_t pid, std::string_view name, std::string_view device, SessionTime time);
+    /// Tells the device of a client that began without it.
+    void setDevice(std::uint32_t client, std::string_view device, SessionTime time);
     void add(std::uint32_t client, const Record& record, SessionTime time);
     void endClient(std::uint32_t client, ClientEnd end, std::string_view text, SessionTime time);
 

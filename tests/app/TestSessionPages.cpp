@@ -22,6 +22,7 @@
 #include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QTextDocumentFragment>
 #include <QTreeWidget>
 
 #include <thread>
@@ -65,11 +66,12 @@ void write(const QString& path, const QByteArray& bytes)
 }
 
 /// Writes a session of one client, a record each tenth of a second.
-void writeSession(const QString& path, const std::string& name, const std::vector<Message>& messages)
+void writeSession(const QString& path, const std::string& name, const std::vector<Message>& messages,
+    const std::string& device = {}, const std::string& end = {})
 {
     sessions::SessionWriter writer;
     QVERIFY(writer.open(path.toStdString()));
-    writer.beginClient(1, name, {}, {});
+    writer.beginClient(1, name, device, {});
     std::chrono::milliseconds time(0);
     for (const Message& message : messages) {
         const std::string_view payload(
@@ -77,7 +79,7 @@ void writeSession(const QString& path, const std::string& name, const std::vecto
         writer.add(0, {message.rawType(), message.frame(), payload}, time);
         time += std::chrono::milliseconds(100);
     }
-    writer.endClient(0, sessions::ClientEnd::Clean, {}, time);
+    writer.endClient(0, sessions::ClientEnd::Clean, end, time);
     QVERIFY(writer.close());
 }
 
@@ -100,6 +102,7 @@ private Q_SLOTS:
     void initTestCase() { registerResources(); }
 
     void comesBackAsItWas();
+    void keepsDeviceAndEnd();
     void savesAllClients();
     void showsWhatIsLeft_data();
     void showsWhatIsLeft();
@@ -186,6 +189,51 @@ void TestSessionPages::comesBackAsItWas()
     QCOMPARE(reader.recordCount(), 24U);
     QCOMPARE(reader.clients().at(0).name, std::string("demo & Co."));
     QCOMPARE(reader.clients().at(0).end, sessions::ClientEnd::Clean);
+}
+
+void TestSessionPages::keepsDeviceAndEnd()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("one.corvale-session"));
+    const std::string end = "Killed by SIGSEGV (segmentation fault)";
+    Session session;
+    session.window.show();
+    RawClient& application = session.connectApplication();
+    application.send(bytes(text(Type::Error, "first"))
+        + bytes(text(Type::Information,
+            "The program sees the profile Tarn 7 (old) (OpenGL ES 2.0) in place of this machine."))
+        + bytes(text(Type::Error, end)));
+    const auto lines = [&session](int tab) {
+        return QTextDocumentFragment::fromHtml(session.tabs().tabToolTip(tab))
+            .toPlainText()
+            .split(QLatin1Char('\n'));
+    };
+    QTRY_VERIFY(lines(0).contains(QStringLiteral("Device: Tarn 7 (old)")));
+    application.close();
+    QTRY_COMPARE(lines(0).last(), QString::fromStdString(end));
+    save(session, path);
+    sessions::SessionReader reader;
+    QVERIFY(reader.open(path.toStdString()));
+    QCOMPARE(reader.clients().at(0).device, std::string("Tarn 7 (old)"));
+    QCOMPARE(reader.clients().at(0).endText, end);
+
+    session.window.openSession(path);
+    QTRY_COMPARE(session.tabs().pageAt(1)->state(), ClientInterface::State::Finished);
+    QCOMPARE(lines(1).mid(2), lines(0).mid(1));
+    QTRY_COMPARE(session.console(1), session.console(0));
+
+    // What the launcher has not told as a record is told at the end.
+    const QString other = folder.filePath(QStringLiteral("other.corvale-session"));
+    writeSession(other, "other", {text(Type::Error, end)}, "Tarn 10", "ends with status 3");
+    session.window.openSession(other);
+    QTRY_VERIFY(session.console(2).endsWith(QStringLiteral("Client disconnected: ends with status 3")));
+    QCOMPARE(lines(2).mid(2), (QStringList{"Device: Tarn 10", "Ends with status 3"}));
+
+    CompareSessionsDialog dialog({}, {path, other}, nullptr);
+    dialog.show();
+    const auto& device = *dialog.findChild<QTreeWidget*>(QStringLiteral("treeDevice"));
+    QTRY_COMPARE(device.topLevelItemCount(), 1);
+    QCOMPARE(device.topLevelItem(0)->text(3), QStringLiteral("Tarn 10"));
 }
 
 void TestSessionPages::savesAllClients()

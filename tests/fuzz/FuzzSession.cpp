@@ -33,8 +33,8 @@ std::string sessionOf(FuzzedDataProvider& input)
     format::putNumber(bytes, format::version, 4);
     format::putNumber(bytes, 0, 4);
     format::putNumber(bytes, 0, 8);
-    constexpr std::array kinds{
-        format::clientBlock, format::recordsBlock, format::endBlock, format::blockKind("LATE")};
+    constexpr std::array kinds{format::clientBlock, format::deviceBlock, format::recordsBlock,
+        format::endBlock, format::blockKind("LATE")};
     while (input.remaining_bytes() > 0) {
         const std::string content = input.ConsumeRandomLengthString(600);
         format::BlockHead head;

@@ -129,6 +129,7 @@ std::vector<std::string> writeSmallSession(const fs::path& path)
         }
         writer.flush();
     }
+    writer.setDevice(1, "Late Tarn", SessionTime(700));
     writer.endClient(0, ClientEnd::Lost, "Killed by SIGSEGV", SessionTime(777));
     EXPECT_TRUE(writer.close()) << writer.reason();
     return expected;
@@ -149,6 +150,7 @@ TEST(SessionFile, keepsEverythingThatMatters)
     ASSERT_EQ(reader.clients().size(), 2U);
     EXPECT_EQ(reader.clients()[0].pid, 100U);
     EXPECT_EQ(reader.clients()[0].device, "Tarn");
+    EXPECT_EQ(reader.clients()[1].device, "Late Tarn");
     EXPECT_EQ(reader.clients()[0].end, ClientEnd::Lost);
     EXPECT_EQ(reader.clients()[0].endText, "Killed by SIGSEGV");
     EXPECT_EQ(reader.clients()[0].endTime, SessionTime(777));

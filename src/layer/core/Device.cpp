@@ -1,6 +1,7 @@
 #include "Device.h"
 
 #include "BeyondHost.h"
+#include "Notices.h"
 #include "Process.h"
 #include "Records.h"
 
@@ -84,8 +85,7 @@ std::string apiNames(const device::Table& table)
 
 std::string deviceNotice(const device::Table& table)
 {
-    return "The program sees the profile " + table.name + " (" + apiNames(table)
-        + ") in place of this machine.";
+    return notices::device(table.name, apiNames(table));
 }
 
 std::int64_t capability(const device::Api& api, GLenum name, std::int64_t fallback)
