@@ -4,6 +4,7 @@
 #include "DeviceScript.h"
 
 #include <array>
+#include <atomic>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
@@ -19,6 +20,7 @@
 #include <EGL/eglext.h>
 #include <GLES3/gl32.h>
 #include <dlfcn.h>
+#include <malloc.h>
 #include <unistd.h>
 
 namespace {
@@ -388,6 +390,55 @@ void makeErrorsInThreads()
         thread.join();
 }
 
+/// Contexts that end with their display, over and over.
+void terminateOften()
+{
+    start();
+    std::size_t before = 0;
+    for (int round = 0; round < 30; ++round) {
+        if (round == 10)
+            before = mallinfo2().uordblks;
+        for (int i = 0; i < 20; ++i)
+            makeContext();
+        eglTerminate(display);
+        start();
+    }
+    constexpr std::size_t limit = 500'000; // bytes
+    std::printf("grows: %d\n", mallinfo2().uordblks > before + limit);
+}
+
+/// Contexts that one thread destroys while another begins to use them.
+void destroyWhileUsed()
+{
+    start();
+    std::atomic<EGLContext> handed{EGL_NO_CONTEXT};
+    std::atomic<bool> done{false};
+    std::thread user([&] {
+        while (!done) {
+            const EGLContext context = handed.exchange(EGL_NO_CONTEXT);
+            if (context == EGL_NO_CONTEXT
+                || !eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, context))
+                continue;
+            glEnable(0x1234);
+            eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+        }
+    });
+    for (int i = 0; i < 60; ++i) {
+        const EGLContext context = makeContext();
+        eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, context);
+        eglMakeCurrent(display, EGL_NO_SURFACE, EGL_NO_SURFACE, EGL_NO_CONTEXT);
+        handed = context;
+        while (handed != EGL_NO_CONTEXT)
+            continue;
+        for (int pause = i % 30 * 4; pause > 0; --pause)
+            done.load();
+        eglDestroyContext(display, context);
+    }
+    done = true;
+    user.join();
+    std::puts("alive");
+}
+
 using Enable = void (*)(GLenum);
 using Dlsym = void* (*)(void*, const char*);
 
@@ -469,6 +520,8 @@ int main(int argumentCount, char* arguments[])
         {"draw", &drawOnDemand},
         {"device", &answerQuestions},
         {"threads", &makeErrorsInThreads},
+        {"terminate", &terminateOften},
+        {"destroy", &destroyWhileUsed},
         {"frames", &showFrames},
         {"fork", &forkAndDraw},
         {"ways", &callInAllWays},

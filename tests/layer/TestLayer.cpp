@@ -76,7 +76,8 @@ TEST_P(TestLayerScripts, programSeesWhatItWouldSeeAlone)
 INSTANTIATE_TEST_SUITE_P(Scripts, TestLayerScripts,
     testing::Values(Script{"errors", ""}, Script{"errors", "get-error"}, Script{"errors", "no-errors"},
         Script{"debug", ""}, Script{"debug", "get-error"}, Script{"debug-context", ""}, Script{"threads", ""},
-        Script{"errors", "", Layer::Preload}, Script{"debug", "", Layer::Preload}));
+        Script{"terminate", ""}, Script{"destroy", ""}, Script{"errors", "", Layer::Preload},
+        Script{"debug", "", Layer::Preload}));
 
 class TestErrorRows : public TestLayer, public testing::WithParamInterface<Layer> { };
 INSTANTIATE_TEST_SUITE_P(Ways, TestErrorRows, testing::Values(Layer::Vendor, Layer::Preload));

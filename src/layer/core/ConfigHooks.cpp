@@ -70,6 +70,16 @@ void tellNone(const DeviceConfigs& configs, const EGLint* attributes)
     }
 }
 
+/// Others that have initialized a display may keep it from ending.
+bool isInitialized(EGLDisplay display)
+{
+    Host& host = hostOf(display);
+    const bool isInitialized =
+        host.function<decltype(&::eglQueryString)>(Fn::eglQueryString)(display, EGL_VERSION) != nullptr;
+    host.function<EGLint (*)()>(Fn::eglGetError)();
+    return isInitialized;
+}
+
 } // namespace
 
 EGLBoolean eglGetConfigs(EGLDisplay display, EGLConfig* handles, EGLint size, EGLint* count)
@@ -123,8 +133,8 @@ EGLBoolean eglGetConfigAttrib(EGLDisplay display, EGLConfig handle, EGLint attri
 EGLBoolean eglQueryContext(EGLDisplay display, EGLContext handle, EGLint attribute, EGLint* value)
 {
     const EGLBoolean done = generated::eglQueryContext(display, handle, attribute, value);
-    const Context* context = done ? contexts::find(display, handle) : nullptr;
-    if (!context || !context->api)
+    const contexts::Held context = contexts::find(display, handle);
+    if (!done || !context || !context->api)
         return done;
     if (attribute == EGL_CONFIG_ID && context->configId)
         *value = *context->configId;
@@ -156,6 +166,8 @@ EGLBoolean eglTerminate(EGLDisplay display)
     const EGLBoolean terminated = generated::eglTerminate(display);
     if (terminated && emulatedDevice())
         forgetConfigs(display);
+    if (terminated && !isInitialized(display))
+        contexts::removeAll(display);
     return terminated;
 }
 

@@ -24,6 +24,14 @@ void leave(Context& context)
         delete &context;
 }
 
+/// Nobody finds it any more.
+void retire(Context& context)
+{
+    context.destroyed = true;
+    if (context.users == 0)
+        delete &context;
+}
+
 /// Never destroyed: threads of the program may still draw while it ends.
 Registry& registry()
 {
@@ -106,40 +114,69 @@ void setCurrentContext(Context* context)
 
 namespace contexts {
 
+Held::Held(Context* context)
+    : m_context(context)
+{
+    if (context)
+        ++context->users;
+}
+
+Held::~Held()
+{
+    if (!m_context)
+        return;
+    const std::scoped_lock lock(registry().mutex);
+    leave(*m_context);
+}
+
 Context& add(EGLDisplay display, EGLContext handle)
 {
     auto* context = new Context;
     context->display = display;
+    context->handle = handle;
     context->host = &hostOf(display);
     context->functions = context->host->functions();
     Registry& all = registry();
     const std::scoped_lock lock(all.mutex);
     context->number = ++all.count;
     context->shareGroup = context->number;
-    all.contexts[{display, handle}] = context;
+    Context*& place = all.contexts[{display, handle}];
+    if (place)
+        retire(*place);
+    place = context;
     return *context;
 }
 
-Context* find(EGLDisplay display, EGLContext handle)
+Held find(EGLDisplay display, EGLContext handle)
 {
     Registry& all = registry();
     const std::scoped_lock lock(all.mutex);
     const auto found = all.contexts.find({display, handle});
-    return found == all.contexts.end() ? nullptr : found->second;
+    return Held(found == all.contexts.end() ? nullptr : found->second);
 }
 
-void remove(EGLDisplay display, EGLContext handle)
+void remove(const Held& context)
 {
     Registry& all = registry();
     const std::scoped_lock lock(all.mutex);
-    const auto found = all.contexts.find({display, handle});
-    if (found == all.contexts.end())
+    // The driver may have given the handle to a new context already.
+    const auto found = all.contexts.find({context->display, context->handle});
+    if (found == all.contexts.end() || found->second != context.get())
         return;
-    Context* context = found->second;
     all.contexts.erase(found);
     context->destroyed = true;
-    if (context->users == 0)
-        delete context;
+}
+
+void removeAll(EGLDisplay display)
+{
+    Registry& all = registry();
+    const std::scoped_lock lock(all.mutex);
+    std::erase_if(all.contexts, [=](const auto& entry) {
+        const bool isOfDisplay = entry.first.first == display;
+        if (isOfDisplay)
+            retire(*entry.second);
+        return isOfDisplay;
+    });
 }
 
 } // namespace contexts

@@ -55,6 +55,7 @@ public:
 
     Host* host;
     EGLDisplay display = nullptr;
+    EGLContext handle = nullptr;
     std::int32_t number = 0; ///< Counts the program's contexts from 1.
     std::int32_t shareGroup = 0; ///< The number of the first context whose objects it shares; often its own.
     EGLint requestedVersion = 0; ///< Major times ten plus minor.
@@ -74,7 +75,7 @@ public:
     void* resolve(Fn function) const;
 
     // Of the registry, under its lock.
-    int users = 0; ///< Threads in which it is current.
+    int users = 0; ///< Threads in which it is current, and those that hold it.
     bool destroyed = false;
 };
 
@@ -112,10 +113,32 @@ void setCurrentContext(Context* context);
 /// The contexts of the program by their handles. A context that is destroyed while it is current lives until
 /// no thread has it any more.
 namespace contexts {
+
+/// A context, or none, that stays while this lives, also where another thread of the program destroys it.
+class Held {
+public:
+    /// To be called under the lock of the registry.
+    explicit Held(Context* context);
+    ~Held();
+    Held(const Held&) = delete;
+    Held& operator=(const Held&) = delete;
+
+    Context* get() const { return m_context; }
+    Context* operator->() const { return m_context; }
+    explicit operator bool() const { return m_context != nullptr; }
+
+private:
+    Context* m_context;
+};
+
+/// A handle that is known already belongs to a context whose display was terminated.
 Context& add(EGLDisplay display, EGLContext handle);
-/// Null for a handle that is none of the program's.
-Context* find(EGLDisplay display, EGLContext handle);
-void remove(EGLDisplay display, EGLContext handle);
+/// None for a handle that is none of the program's.
+Held find(EGLDisplay display, EGLContext handle);
+void remove(const Held& context);
+/// Those of a display that has ended.
+void removeAll(EGLDisplay display);
+
 } // namespace contexts
 
 } // namespace layer

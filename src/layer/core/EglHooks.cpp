@@ -111,31 +111,32 @@ EGLContext eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext sha
     context.requestedVersion = wanted.api ? wanted.api->version : request.major * 10 + request.minor;
     context.api = wanted.api;
     context.configId = wanted.configId;
-    if (const Context* shared = contexts::find(display, share))
+    if (const contexts::Held shared = contexts::find(display, share))
         context.shareGroup = shared->shareGroup;
     return made;
 }
 
 EGLBoolean eglDestroyContext(EGLDisplay display, EGLContext handle)
 {
-    Context* context = contexts::find(display, handle);
+    const contexts::Held context = contexts::find(display, handle);
     const EGLBoolean destroyed = generated::eglDestroyContext(display, handle);
     if (destroyed && context) {
-        tellUnused(*context);
-        contexts::remove(display, handle);
+        tellUnused(*context.get());
+        contexts::remove(context);
     }
     return destroyed;
 }
 
 EGLBoolean eglMakeCurrent(EGLDisplay display, EGLSurface draw, EGLSurface read, EGLContext handle)
 {
+    // Another thread may destroy it as soon as the driver has it.
+    const contexts::Held context = contexts::find(display, handle);
     const EGLBoolean done = generated::eglMakeCurrent(display, draw, read, handle);
     if (!done)
         return done;
-    Context* context = handle == EGL_NO_CONTEXT ? nullptr : contexts::find(display, handle);
-    setCurrentContext(context);
+    setCurrentContext(context.get());
     if (context && !context->seenCurrent)
-        startContext(*context);
+        startContext(*context.get());
     return done;
 }
 
