@@ -116,6 +116,21 @@ TEST_P(TestErrorRows, errorListRowByRow)
     EXPECT_EQ(program.recordsOf(static_cast<std::uint32_t>(Type::ReportComplete)).size(), 1U);
 }
 
+class TestReloading : public TestLayer, public testing::WithParamInterface<Layer> { };
+INSTANTIATE_TEST_SUITE_P(Ways, TestReloading, testing::Values(Layer::Vendor, Layer::Preload));
+
+TEST_P(TestReloading, programsMayUnloadEglAndLoadItAgain)
+{
+    if (GetParam() == Layer::Preload && !canPreload())
+        GTEST_SKIP();
+    LayeredProgram bare({CORVALE_RELOADING_PROGRAM}, Layer::None);
+    LayeredProgram program({CORVALE_RELOADING_PROGRAM}, GetParam());
+    EXPECT_EQ(program.finish(), bare.finish());
+    EXPECT_EQ(program.exitStatus(), 0);
+    EXPECT_EQ(errorsOf(program).size(), 6U);
+    EXPECT_EQ(program.processes(), 1U);
+}
+
 TEST_F(TestLayer, debugGroupsAndMarkersOfTheProgram)
 {
     LayeredProgram program({CORVALE_GLES_PROGRAM, "debug"}, Layer::Vendor);

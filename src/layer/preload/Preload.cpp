@@ -26,11 +26,12 @@ Dlsym loaderDlsym()
     return found;
 }
 
-/// Libraries that a program opens by itself are not in the order that RTLD_NEXT goes through.
+/// Libraries that a program opens by itself are not in the order that RTLD_NEXT goes through. They stay when
+/// the program closes them, since the layer goes on calling what it has found.
 void* findInOpened(const char* name)
 {
     for (const char* library : {"libEGL.so.1", "libGLESv2.so.2", "libGLESv1_CM.so.1", "libGL.so.1"}) {
-        void* handle = dlopen(library, RTLD_LAZY | RTLD_NOLOAD);
+        void* handle = dlopen(library, RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
         void* address = handle ? loaderDlsym()(handle, name) : nullptr;
         if (handle)
             dlclose(handle);

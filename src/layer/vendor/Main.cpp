@@ -4,6 +4,7 @@
 #include "Host.h"
 #include "Process.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
 #include <string>
@@ -17,6 +18,7 @@ namespace {
 using layer::Host;
 
 struct Vendor {
+    void* library = nullptr; ///< Of the loader.
     __EGLapiImports imports{};
     Host* host = nullptr;
 };
@@ -34,22 +36,36 @@ template <std::size_t Index> void* resolve(const char* name)
 constexpr std::array<Host::Resolver, vendorLimit> resolvers{
     &resolve<0>, &resolve<1>, &resolve<2>, &resolve<3>};
 
+/// The place of a library: the one that it has, since a program may unload libEGL and load it again, or a
+/// free one. Null where there is none.
+Vendor* placeOf(void* library)
+{
+    auto* const end = vendors.begin() + vendorCount;
+    auto* const found =
+        std::find_if(vendors.begin(), end, [=](const Vendor& vendor) { return vendor.library == library; });
+    return found == vendors.end() ? nullptr : found;
+}
+
 bool load(
     const std::string& library, std::uint32_t version, const __EGLapiExports* exports, __EGLvendorInfo* info)
 {
-    if (vendorCount == vendorLimit)
-        return false;
     void* handle = dlopen(library.c_str(), RTLD_LAZY);
     auto* main = handle ? reinterpret_cast<__PFNEGLMAINPROC>(dlsym(handle, __EGL_MAIN_PROTO_NAME)) : nullptr;
-    Vendor& vendor = vendors[vendorCount];
-    vendor.imports = {};
-    if (!main || !main(version, exports, info, &vendor.imports) || !vendor.imports.getProcAddress) {
+    Vendor* vendor = main ? placeOf(handle) : nullptr;
+    __EGLapiImports imports{};
+    if (!vendor || !main(version, exports, info, &imports) || !imports.getProcAddress) {
         // The program may well go on with another driver.
         if (handle)
             dlclose(handle);
         return false;
     }
-    vendor.host = layer::addHost(resolvers[vendorCount]);
+    vendor->imports = imports;
+    if (vendor->host) {
+        dlclose(handle);
+        return true;
+    }
+    vendor->library = handle;
+    vendor->host = layer::addHost(resolvers[vendorCount]);
     ++vendorCount;
     return true;
 }
@@ -148,9 +164,10 @@ extern "C" [[gnu::visibility("default")]] EGLBoolean __egl_Main(
     std::uint32_t version, const __EGLapiExports* exports, __EGLvendorInfo* vendor, __EGLapiImports* imports)
 {
     layer::setVia(layer::Via::VendorLibrary);
+    bool isAnyLoaded = false;
     for (const std::string& library : layer::options().hostLibraries)
-        load(library, version, exports, vendor);
-    if (vendorCount == 0)
+        isAnyLoaded = load(library, version, exports, vendor) || isAnyLoaded;
+    if (!isAnyLoaded)
         return EGL_FALSE;
     *imports = {};
     imports->getPlatformDisplay = &getPlatformDisplay;
