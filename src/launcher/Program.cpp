@@ -139,6 +139,9 @@ std::optional<ProcessEnd> Program::collectEnd()
         m_hasEnded = !WIFSTOPPED(status);
         if (m_hasEnded)
             return ProcessEnd::fromStatus(status);
+        // That one stops a job as a whole, or the program alone, and then it goes on alone.
+        if (!m_hasEnded && WSTOPSIG(status) == SIGSTOP)
+            continue;
         // The shell is to see that its job has stopped; when it lets us go on, the program does as well.
         raise(SIGSTOP);
         kill(m_pid, SIGCONT);

@@ -265,6 +265,22 @@ TEST_F(Launcher, passesSignalsOnAndStopsWithTheProgram)
     EXPECT_EQ(run.finish(), 0);
 }
 
+/// Nobody would let the launcher go on.
+TEST_F(Launcher, goesOnWhileTheProgramAloneIsStopped)
+{
+    LauncherRun run(program({"stop", "_exit", "5"}));
+    siginfo_t change{};
+    EXPECT_EQ(waitid(P_PID, static_cast<id_t>(run.pid()), &change, WEXITED | WSTOPPED | WNOWAIT), 0);
+    EXPECT_EQ(change.si_code, CLD_EXITED);
+    EXPECT_EQ(change.si_status, 5);
+}
+
+TEST_F(Launcher, letsThreadsBeCancelled)
+{
+    LauncherRun run(program({"cancel", "_exit", "5"}));
+    EXPECT_EQ(run.finish(), 5);
+}
+
 /// The terminal tells both; the program must hear of it once each time, and decide alone.
 TEST_F(Launcher, leavesCtrlCToTheProgram)
 {

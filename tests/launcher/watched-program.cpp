@@ -11,8 +11,10 @@
 #include <cstring>
 #include <memory>
 #include <string>
+#include <thread>
 #include <vector>
 
+#include <pthread.h>
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -80,6 +82,31 @@ void takeTime(const std::vector<std::string>& arguments, std::size_t& at)
     std::fflush(stdout);
 }
 
+/// Stops a process for a while.
+void stop(pid_t process)
+{
+    if (fork() == 0) {
+        usleep(300'000);
+        kill(process, SIGCONT);
+        _exit(0);
+    }
+    kill(process, SIGSTOP);
+}
+
+/// Cancels a thread that waits for room, since nobody reads.
+void cancel()
+{
+    stop(getppid());
+    std::thread thread([] {
+        while (writer->write(static_cast<std::uint32_t>(Type::Warning), 0, {std::string(8000, 'x')}))
+            continue;
+        for (;;)
+            pthread_testcancel();
+    });
+    pthread_cancel(thread.native_handle());
+    thread.join();
+}
+
 /// Ends the process in the way of a step; returns for all other steps.
 void endBy(const std::string& step, const std::vector<std::string>& arguments, std::size_t at)
 {
@@ -116,6 +143,10 @@ void takeStep(const std::vector<std::string>& arguments, std::size_t& at)
     } else if (step == "frames") {
         for (int count = std::stoi(arguments[++at]); count > 0; --count)
             writer->countFrame();
+    } else if (step == "cancel") {
+        cancel();
+    } else if (step == "stop") {
+        stop(getpid());
     } else if (step == "scribble") {
         scribble();
     } else if (step == "close") {

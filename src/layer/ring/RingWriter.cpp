@@ -9,6 +9,7 @@
 
 #include <fcntl.h>
 #include <linux/futex.h>
+#include <pthread.h>
 #include <sys/mman.h>
 #include <sys/socket.h>
 #include <sys/syscall.h>
@@ -26,6 +27,18 @@ constexpr std::int64_t firstAllowance = 100 * millisecond;
 
 /// True while this thread writes: a signal handler that draws must not wait for the lock that it interrupted.
 thread_local bool writing = false;
+
+/// While this lives, a thread of the program is not cancelled, since where it waits here it would not alone.
+class Uncancelled {
+public:
+    Uncancelled() { pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &m_before); }
+    ~Uncancelled() { pthread_setcancelstate(m_before, nullptr); }
+    Uncancelled(const Uncancelled&) = delete;
+    Uncancelled& operator=(const Uncancelled&) = delete;
+
+private:
+    int m_before = PTHREAD_CANCEL_ENABLE;
+};
 
 std::int64_t now()
 {
@@ -91,6 +104,7 @@ bool greet(const char* socketPath, std::uint32_t via, int memory)
 
 std::unique_ptr<Writer> Writer::connect(const char* socketPath, std::uint32_t via)
 {
+    const Uncancelled uncancelled;
     const int memory = memfd_create("corvale-ring", MFD_CLOEXEC | MFD_ALLOW_SEALING);
     if (memory < 0)
         return nullptr;
@@ -179,6 +193,7 @@ bool Writer::waitForRoom(std::uint64_t space) noexcept
     };
     if (fits())
         return true;
+    const Uncancelled uncancelled;
     const std::int64_t started = now();
     const std::int64_t allowed = firstAllowance + (started - m_created) / 10 - m_waited;
     std::int64_t waited = 0;
