@@ -25,7 +25,7 @@ ConsoleMargin::ConsoleMargin(const QTextEdit* view, const ConsoleHistory& histor
     , m_history(history)
 {
     setObjectName(QStringLiteral("consoleMargin"));
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored);
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Ignored);
     // Whatever changes what the view shows has it painted.
     view->viewport()->installEventFilter(this);
     hide();

@@ -21,6 +21,8 @@ public:
     void setGroupsShown(bool shown);
 
     QSize sizeHint() const override;
+    /// Rather than widen the window for it, a large font is cut.
+    QSize minimumSizeHint() const override { return {0, 0}; }
 
     /// "12:34:56.789", in local time.
     static QString timeText(std::int64_t time);

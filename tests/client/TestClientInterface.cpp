@@ -2,6 +2,7 @@
 #include "ConnectedClient.h"
 #include "Console.h"
 #include "ConsoleEntry.h"
+#include "ConsoleMargin.h"
 #include "ConsoleText.h"
 #include "ErrorListModel.h"
 #include "MetaObjects.h"
@@ -107,6 +108,7 @@ private Q_SLOTS:
     void errorListFollowsTheBoxAtOnce();
     void errorListLeavesTheEndToTheReader();
     void fromRowToConsoleAndBack();
+    void largeTextDoesNotWidenThePage();
     void contexts();
     void cellContents();
     void wireframe();
@@ -485,6 +487,17 @@ void TestClientInterface::fromRowToConsoleAndBack()
     tabs.setCurrentIndex(1);
     Q_EMIT page.list.doubleClicked(page.list.model()->index(0, 0));
     QCOMPARE(messages.count(), 2);
+}
+
+void TestClientInterface::largeTextDoesNotWidenThePage()
+{
+    Page page;
+    page.page.consoleMargin().setStampsShown(true);
+    const int width = page.page.minimumSizeHint().width();
+    QFont font = page.child<QTextEdit>("txtConsole").font();
+    font.setPointSize(60);
+    page.page.fontChanged(font);
+    QCOMPARE(page.page.minimumSizeHint().width(), width);
 }
 
 void TestClientInterface::contexts()
