@@ -2,6 +2,7 @@
 #include "ErrorFilterParser.h"
 #include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
+#include "ErrorListSortMenu.h"
 #include "ErrorListView.h"
 #include "KeptFilters.h"
 #include "Preferences.h"
@@ -292,6 +293,16 @@ void TestErrorFilter::thirdClickBringsTheOrderOfArrivalBack()
     QCOMPARE(click(), QList<int>({1, 2, 3}));
     QCOMPARE(click(), QList<int>({3, 2, 1}));
     QCOMPARE(click(), QList<int>({2, 3, 1}));
+    ErrorListSortMenu menu(*view.horizontalHeader(), &view);
+    const auto choose = [&](int entry) {
+        Q_EMIT menu.aboutToShow();
+        menu.actions().at(entry)->trigger();
+        return shownFrames(proxy);
+    };
+    QCOMPARE(choose(0), QList<int>({1, 2, 3}));
+    QCOMPARE(choose(0), QList<int>({3, 2, 1}));
+    QCOMPARE(choose(0), QList<int>({1, 2, 3}));
+    QCOMPARE(choose(4), QList<int>({2, 3, 1}));
     click();
     // What another list's columns were like does not sort this one.
     const QByteArray state = header.saveState();
