@@ -430,6 +430,7 @@ void ClientInterface::finish(const QString& text)
         return;
     m_ui->grpRendering->setEnabled(false);
     m_ui->grpRendering->setToolTip(tr("The application is no longer connected"));
+    m_ui->lblNoContexts->setText(tr("The application created no rendering context."));
 }
 
 void ClientInterface::closeOnceSaved()

@@ -239,6 +239,8 @@ void TestErrorFolding::mutedKindsAreHiddenAndCounted()
     list.add(SeverityError, 8, "Level 77 is too large", "glTexImage2D");
     QCOMPARE(list.filter.rowCount(), 2);
     QCOMPARE(list.button.text(), QStringLiteral("4 muted"));
+    // The keys go on at the row that took its place.
+    QCOMPARE(list.view.currentIndex().row(), 1);
     list.filter.setShowErrors(false); // none of them would be shown
     QVERIFY(!list.button.isVisible());
     list.filter.setShowErrors(true);
@@ -255,6 +257,11 @@ void TestErrorFolding::mutedKindsAreHiddenAndCounted()
     QCOMPARE(kinds->topLevelItemCount(), 0);
     QCOMPARE(list.filter.rowCount(), 6);
     QVERIFY(!list.button.isVisible());
+    list.page.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&list.page));
+    list.view.clearSelection();
+    QTest::keyClick(&list.view, Qt::Key_M, Qt::ControlModifier);
+    QCOMPARE(list.button.text(), QStringLiteral("1 muted"));
 }
 
 void TestErrorFolding::mutedKindsAreKept()

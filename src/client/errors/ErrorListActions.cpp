@@ -2,6 +2,7 @@
 
 #include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
+#include "ErrorListSortMenu.h"
 #include "ErrorListTable.h"
 #include "ErrorListView.h"
 #include "MutedErrors.h"
@@ -10,6 +11,7 @@
 #include "TableExport.h"
 
 #include <QAction>
+#include <QHeaderView>
 #include <QInputDialog>
 #include <QLocale>
 #include <QPushButton>
@@ -36,6 +38,7 @@ ErrorListActions::ErrorListActions(ErrorListView& view, ErrorListFilterProxyMode
     add(tr("&Next Error"), QKeySequence(Qt::Key_F8), [this] { goToError(1); });
     add(tr("&Previous Error"), QKeySequence(Qt::SHIFT | Qt::Key_F8), [this] { goToError(-1); });
     add(tr("&Go to Frame..."), QKeySequence(Qt::CTRL | Qt::Key_G), [this] { askForFrame(); });
+    m_view.addAction((new ErrorListSortMenu(*m_view.horizontalHeader(), &m_view))->menuAction());
     addTableActions();
 }
 
@@ -166,8 +169,11 @@ void ErrorListActions::setMuted(MutedErrors* muted, QPushButton* button)
 
 void ErrorListActions::muteChosen()
 {
+    std::vector<int> rows = TableActions::selectedRows(m_view);
+    if (rows.empty() && m_view.currentIndex().isValid())
+        rows.push_back(m_view.currentIndex().row());
     std::set<sessions::Signature> kinds;
-    for (const int row : TableActions::selectedRows(m_view)) {
+    for (const int row : rows) {
         kinds.insert(m_filter.signatureOf(row));
         if (kinds.size() == mostKinds)
             break;

@@ -30,6 +30,7 @@ void ErrorListPlace::keep()
     m_topOffset = m_view->rowViewportPosition(top);
     const QModelIndex current = m_view->currentIndex();
     m_current = current.isValid() ? entryOf(current.row()) : ErrorListArrangement::noEntry;
+    m_currentRow = current.row();
     m_currentColumn = current.column();
     m_selected = selectedCells();
 }
@@ -75,7 +76,7 @@ void ErrorListPlace::restoreSelection() const
     }
     selectionModel.select(selection, QItemSelectionModel::ClearAndSelect);
 
-    const int row = rowOf(m_current);
+    const int row = currentRow();
     if (row < 0)
         return;
     // The view would scroll to the current cell.
@@ -83,6 +84,16 @@ void ErrorListPlace::restoreSelection() const
     selectionModel.setCurrentIndex(
         model.index(row, std::min(m_currentColumn, lastColumn)), QItemSelectionModel::NoUpdate);
     m_view->setAutoScroll(true);
+}
+
+/// The row of the current entry, or of the one that took its place when it was hidden.
+int ErrorListPlace::currentRow() const
+{
+    const int row = rowOf(m_current);
+    if (row >= 0 || m_current == ErrorListArrangement::noEntry)
+        return row;
+    const bool hasPlace = isByArrival() && !ErrorListArrangement::isGroup(m_current);
+    return std::min(hasPlace ? rowFrom(m_current) : m_currentRow, m_view->model()->rowCount() - 1);
 }
 
 void ErrorListPlace::restoreScrolling() const

@@ -18,7 +18,8 @@ public:
     }
 
     void keep();
-    /// Selects the cells again that are still shown, and makes the current cell current again.
+    /// Selects the cells again that are still shown, and makes the current cell current again, or its
+    /// neighbour.
     void restoreSelection() const;
     /// Puts the row that was at the top there again, or the nearest one that is still shown.
     void restoreScrolling() const;
@@ -40,11 +41,13 @@ private:
     Entry entryOf(int row) const;
     int rowFrom(Entry entry) const;
     int rowOf(Entry entry) const;
+    int currentRow() const;
 
     QTableView* m_view;
     Entry m_top = ErrorListArrangement::noEntry;
     int m_topOffset = 0; ///< Pixels from the upper edge of the view to that of the top row.
     Entry m_current = ErrorListArrangement::noEntry;
+    int m_currentRow = -1;
     int m_currentColumn = -1;
     std::vector<Cells> m_selected;
 };
