@@ -261,7 +261,7 @@ void TestErrorFolding::mutedKindsAreHiddenAndCounted()
     QVERIFY(QTest::qWaitForWindowActive(&list.page));
     list.view.clearSelection();
     QTest::keyClick(&list.view, Qt::Key_M, Qt::ControlModifier);
-    QCOMPARE(list.button.text(), QStringLiteral("1 muted"));
+    QTRY_COMPARE(list.button.text(), QStringLiteral("1 muted"));
 }
 
 void TestErrorFolding::mutedKindsAreKept()
