@@ -257,6 +257,7 @@ void TestErrorFolding::mutedKindsAreHiddenAndCounted()
     QCOMPARE(kinds->topLevelItemCount(), 0);
     QCOMPARE(list.filter.rowCount(), 6);
     QVERIFY(!list.button.isVisible());
+    dialog->close();
     list.page.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&list.page));
     list.view.clearSelection();
