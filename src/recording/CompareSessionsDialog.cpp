@@ -1,5 +1,6 @@
 #include "CompareSessionsDialog.h"
 
+#include "ErrorKinds.h"
 #include "FileReplacement.h"
 #include "HintLabel.h"
 #include "RecordText.h"
@@ -22,6 +23,7 @@
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <array>
 
 using sessions::Change;
@@ -62,6 +64,16 @@ QString findingToolTip(const sessions::Finding& finding)
                           .arg(finding.firstFrame)
                           .arg(finding.lastFrame));
     return QStringLiteral("<p>%1</p>").arg(text);
+}
+
+/// All but the last column, which fills the rest, and is what rows are read for.
+void fitColumns(QTreeWidget& tree, int mostLetters)
+{
+    const int widest = tree.fontMetrics().averageCharWidth() * mostLetters;
+    for (int column = 0; column < tree.columnCount() - 1; ++column) {
+        tree.resizeColumnToContents(column);
+        tree.setColumnWidth(column, std::min(widest, tree.columnWidth(column)));
+    }
 }
 
 /// A row whose cells can be read in full in their tool tips.
@@ -106,7 +118,7 @@ CompareSessionsDialog::CompareSessionsDialog(
         showResult();
     });
     const QFontMetrics metrics = fontMetrics();
-    resize(metrics.averageCharWidth() * 120, metrics.height() * 34);
+    resize(metrics.averageCharWidth() * 150, metrics.height() * 34);
     if (m_sources.size() >= 2) {
         // The latest pages stand last.
         m_before->setCurrentIndex(0);
@@ -240,8 +252,8 @@ void CompareSessionsDialog::showResult()
     const sessions::SessionComparison nothing;
     const sessions::SessionComparison& result = m_hasResult ? m_comparer.result() : nothing;
     showFindings();
-    showFacts(*m_contexts, result.contexts(), tr("&Contexts"));
-    showFacts(*m_extensions, result.extensions(), tr("&Extensions"));
+    showFacts(*m_contexts, result.contexts(), tr("Con&texts"));
+    showFacts(*m_extensions, result.extensions(), tr("E&xtensions"));
     std::vector<sessions::FactPair> device = result.values();
     device.insert(device.begin(), result.device());
     showFacts(*m_device, device, tr("&Device"));
@@ -256,13 +268,12 @@ void CompareSessionsDialog::showFindings()
             const sessions::Signature& signature = change.finding.signature;
             QTreeWidgetItem* row = addRow(*m_findings,
                 {changeText(change.change), QString::number(change.before), QString::number(change.after),
-                    fromText(severityName(signature.severity)), fromText(signature.function),
-                    fromText(signature.code), fromText(signature.text).simplified()});
+                    severityText(signature.severity), fromText(signature.function), fromText(signature.code),
+                    fromText(signature.text).simplified()});
             row->setToolTip(row->columnCount() - 1, findingToolTip(change.finding));
         }
     }
-    for (int column = 0; column < m_findings->columnCount() - 1; ++column)
-        m_findings->resizeColumnToContents(column);
+    fitColumns(*m_findings, 26);
     m_pages->setTabText(0, tr("Fi&ndings (%1)").arg(m_findings->topLevelItemCount()));
 }
 
@@ -276,8 +287,7 @@ void CompareSessionsDialog::showFacts(
             addRow(tree,
                 {changeText(fact.change), fromText(fact.what), fromText(fact.before), fromText(fact.after)});
     }
-    for (int column = 0; column < tree.columnCount() - 1; ++column)
-        tree.resizeColumnToContents(column);
+    fitColumns(tree, 44);
     m_pages->setTabText(m_pages->indexOf(&tree), QStringLiteral("%1 (%2)").arg(title).arg(changes));
 }
 

@@ -3,6 +3,21 @@
 #include "ErrorListModel.h"
 #include "KnownKinds.h"
 
+#include <QCoreApplication>
+
+QString severityText(sessions::Severity severity)
+{
+    switch (severity) {
+    case sessions::Severity::Error:
+        break;
+    case sessions::Severity::Warning:
+        return QCoreApplication::translate("ErrorKinds", "Warning");
+    case sessions::Severity::Message:
+        return QCoreApplication::translate("ErrorKinds", "Message");
+    }
+    return QCoreApplication::translate("ErrorKinds", "Error");
+}
+
 void ErrorKinds::restart(const ErrorListModel* errors)
 {
     m_errors = errors;

@@ -4,6 +4,8 @@
 #include "Signature.h"
 #endif
 
+#include <QString>
+
 #include <cstdint>
 #include <string>
 #include <unordered_map>
@@ -14,6 +16,9 @@ class ErrorListModel;
 namespace sessions {
 class KnownKinds;
 }
+
+/// A severity as it is shown to the user.
+QString severityText(sessions::Severity severity);
 
 /// The kinds of the rows of an error list: rows of a kind have severity, function and code in common, and
 /// texts that differ in their numbers at most. Worked out row by row, when it is first asked for.

@@ -1,6 +1,7 @@
 #include "MutedErrorsDialog.h"
 
 #include "ElidedLabel.h"
+#include "ErrorKinds.h"
 #include "MutedErrors.h"
 #include "PlainToolTip.h"
 
@@ -20,19 +21,6 @@ namespace {
 enum Column { SeverityColumn, FunctionColumn, CodeColumn, TextColumn };
 
 constexpr qsizetype shownLetters = 2000;
-
-QString severityText(sessions::Severity severity)
-{
-    switch (severity) {
-    case sessions::Severity::Error:
-        break;
-    case sessions::Severity::Warning:
-        return MutedErrorsDialog::tr("Warning");
-    case sessions::Severity::Message:
-        return MutedErrorsDialog::tr("Message");
-    }
-    return MutedErrorsDialog::tr("Error");
-}
 
 } // namespace
 
