@@ -178,6 +178,8 @@ RunOutcome Launcher::runProgram()
     outcome.isHardEnd = m_limit.isHard();
     outcome.frames = m_frames;
     outcome.device = m_naming.device;
+    if (m_watchedNames.size() == 1)
+        outcome.program = *m_watchedNames.begin();
     m_log.close();
     m_session.close();
     m_processes.clear();
@@ -242,6 +244,9 @@ void Launcher::finish(WatchedProcess& program)
 
 void Launcher::welcome(Newcomer newcomer)
 {
+    // Two are as good as many.
+    if (m_watchedNames.size() < 2)
+        m_watchedNames.insert(programName(newcomer.arguments));
     for (const auto& process : m_processes) {
         if (process->pid() != newcomer.pid || !process->isAlive())
             continue;

@@ -17,6 +17,7 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -35,6 +36,7 @@ struct RunOutcome {
     bool isHardEnd = false;
     std::uint32_t frames = 0; ///< Of the process that showed most.
     std::string device = {}; ///< The profile's name; empty without one.
+    std::string program = {}; ///< What was watched, if all of it has one name; empty else.
     std::chrono::milliseconds time{};
 };
 
@@ -105,6 +107,7 @@ private:
     std::vector<std::unique_ptr<WatchedProcess>> m_processes;
     bool m_isWatching = false;
     bool m_hasWatched = false;
+    std::set<std::string> m_watchedNames;
     std::optional<ProcessEnd> m_end;
     bool m_hasLeft = false;
     Clock::time_point m_endTime;

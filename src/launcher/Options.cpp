@@ -44,7 +44,7 @@ Checks: fail when the program makes errors, without a window, as in continuous i
   --check         watch the program and print on standard error what was found, the worst first
   --profile NAME  as above; with several, or names with * and ?, the program runs on each, and there is a table
   --all-profiles  run it on every profile
-  --jobs N        run it on N profiles at a time (1)
+  --jobs N        run it on N profiles at a time (1); what each writes is shown when it ends
   --fail-on WHAT  error (default), warning, message, or never
   --baseline FILE findings that are known: they do not count, and those that are gone are told
   --write-baseline FILE

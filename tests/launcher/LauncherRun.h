@@ -57,6 +57,7 @@ public:
     LauncherRun& operator=(const LauncherRun&) = delete;
 
     pid_t pid() const { return m_pid; }
+    int output() const { return m_output; }
     /// Lets the program go on behind a step "read".
     void goOn() { EXPECT_EQ(write(m_input, "x", 1), 1); }
     /// The next line on standard output, without its end.

@@ -276,6 +276,45 @@ TEST_F(Checks, runOnSeveralDevices)
     }
 }
 
+/// Of runs at the same time each is shown whole.
+TEST_F(Checks, keepTheOutputsOfRunsApart)
+{
+    const std::string script = "for i in 1 2 3; do echo $i; echo e$i >&2; sleep 0.02; done";
+    const Outcome apart = runLauncher({"--check", "--profile", "Hadlow*", "--jobs", "3", "sh", "-c", script});
+    EXPECT_EQ(apart.output, "1\n2\n3\n1\n2\n3\n1\n2\n3\n");
+    EXPECT_NE(apart.errors.find("corvale-run: Output on Hadlow Tarn 10:\ne1\ne2\ne3\n"), std::string::npos)
+        << apart.errors;
+
+    // In one log their order stays.
+    std::string command = "exec 2>&1; exec";
+    for (const std::string& argument : LauncherRun::Arguments{CORVALE_RUN, "--check", "--quiet", "--jobs",
+             "2", "--profile", "Host", "--profile", "Hadlow Tarn 7", "sh", "-c", script})
+        command += " '" + argument + "'";
+    const Outcome together = runLauncher({"sh", "-c", command});
+    EXPECT_EQ(together.output, "1\ne1\n2\ne2\n3\ne3\n1\ne1\n2\ne2\n3\ne3\n");
+
+    // Whoever waits for a reader that does not read can be told to end.
+    LauncherRun stalled(
+        {"--check", "--profile", "Hadlow*", "--jobs", "2", "head", "-c", "1000000", "/dev/zero"});
+    char byte = 0;
+    EXPECT_EQ(read(stalled.output(), &byte, 1), 1);
+    kill(stalled.pid(), SIGTERM);
+    EXPECT_NE(stalled.errors().find(" devices"), std::string::npos);
+}
+
+TEST_F(Checks, nameWhatIsReallyRun)
+{
+    for (const Arguments& before :
+        {Arguments{"env", "A=1"}, Arguments{"sh", "-c", "\"$0\" \"$@\"; exit 0"}}) {
+        Arguments arguments{"--check", "--report", "sarif=" + path("sarif")};
+        arguments.insert(arguments.end(), before.begin(), before.end());
+        arguments.insert(arguments.end(), {WATCHED_PROGRAM, "errors", "1"});
+        const Outcome outcome = runLauncher(arguments);
+        EXPECT_NE(outcome.errors.find(": watched-program on "), std::string::npos) << outcome.errors;
+        EXPECT_NE(contentOf(path("sarif")).find("/watched-program\""), std::string::npos);
+    }
+}
+
 /// Also by a signal that comes while runs are being started.
 TEST_F(Checks, endAllRunsWhenTheyAreInterrupted)
 {

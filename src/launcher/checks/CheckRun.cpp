@@ -55,6 +55,7 @@ RunResult runOnce(const launcher::Options& options)
     result.number = outcome.end ? outcome.end->number : outcome.exitCode;
     result.failure = outcome.failure;
     result.device = outcome.device;
+    result.program = outcome.program;
     result.isWatched = outcome.hasWatched;
     result.isHardEnd = outcome.isHardEnd;
     result.frames = outcome.frames;

@@ -54,7 +54,7 @@ std::string runLine(const Check& check, std::size_t number)
         others[std::string(sessions::severityName(severity))] = run.findings.others(severity);
     }
     const char* end = endNames.at(static_cast<std::size_t>(run.end)).second;
-    return lineOf({{"type", "run"}, {"run", number}, {"device", run.device},
+    return lineOf({{"type", "run"}, {"run", number}, {"device", run.device}, {"program", run.program},
         {"result", resultOf(run, check.verdict)}, {"status", check.verdict.status(run)}, {"end", end},
         {"number", run.number}, {"failure", run.failure}, {"watched", run.isWatched},
         {"byForce", run.isHardEnd}, {"frames", run.frames}, {"milliseconds", run.time.count()},
@@ -110,6 +110,7 @@ private:
         constexpr std::size_t mostRuns = 10'000;
         RunResult run;
         run.device = line.at("device");
+        run.program = line.value("program", std::string());
         const std::string end = line.at("end");
         for (const auto& [value, name] : endNames) {
             if (end == name)

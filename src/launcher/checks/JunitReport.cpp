@@ -1,4 +1,3 @@
-#include "ProgramName.h"
 #include "Reports.h"
 #include "Wording.h"
 #include "XmlText.h"
@@ -86,7 +85,7 @@ std::string junitReport(const Check& check)
     document.InsertFirstChild(document.NewDeclaration());
     XMLElement* suites = document.NewElement("testsuites");
     document.InsertEndChild(suites);
-    const std::string program = oneLine(launcher::programName(check.program));
+    const std::string program = oneLine(check.name());
     for (const RunResult& run : check.runs) {
         XMLElement* element = add(*suites, "testsuite");
         element->SetAttribute("name", (program + " on " + oneLine(run.deviceName())).c_str());

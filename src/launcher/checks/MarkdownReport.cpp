@@ -1,4 +1,3 @@
-#include "ProgramName.h"
 #include "Reports.h"
 #include "Wording.h"
 
@@ -32,7 +31,7 @@ std::string cell(std::string_view text)
 
 std::string markdownReport(const Check& check)
 {
-    std::string report = "### Check of " + cell(launcher::programName(check.program)) + "\n\n"
+    std::string report = "### Check of " + cell(check.name()) + "\n\n"
         + "| Device | Result | Errors | Warnings | Messages | Frames | Time |\n"
         + "| --- | --- | --: | --: | --: | --: | --: |\n";
     for (const RunResult& run : check.runs) {

@@ -4,6 +4,7 @@
 #include "Descriptor.h"
 #include "JsonReport.h"
 #include "ProfileChoice.h"
+#include "RunOutput.h"
 #include "Wording.h"
 
 #include <algorithm>
@@ -63,6 +64,14 @@ public:
         while (number < 0)
             number = sigwaitinfo(&m_awaited, nullptr);
         return number;
+    }
+    /// Whether someone wants the runs to end; wait() will tell who.
+    static bool isInterrupted()
+    {
+        sigset_t pending{};
+        sigpending(&pending);
+        return sigismember(&pending, SIGINT) == 1 || sigismember(&pending, SIGTERM) == 1
+            || sigismember(&pending, SIGHUP) == 1;
     }
     /// As they were found, for a process that has been forked.
     void restore() const
@@ -143,6 +152,7 @@ std::vector<RunFiles> filesOfRuns(const launcher::Options& options, const std::v
 struct Job {
     std::size_t number = 0;
     launcher::Descriptor file;
+    std::optional<RunOutput> output; ///< Held back while other runs go on.
 };
 
 [[noreturn]] void runAlone(
@@ -152,6 +162,8 @@ struct Job {
     own.profile = profile;
     own.log = files.log;
     own.session = files.session;
+    if (job.output)
+        job.output->redirect();
     const launcher::Descriptor nothing(open("/dev/null", O_RDONLY));
     dup2(nothing.number(), STDIN_FILENO);
     const Check check{options.program, {runOnce(own)}, Verdict(launcher::FailOn::Never, {})};
@@ -173,6 +185,20 @@ void tellProgress(std::size_t done, const std::vector<RunResult>& all, const Run
     const bool isLast = done == all.size();
     std::fprintf(stderr, "%scorvale-run: %zu of %zu done: %s%s", isTerminal ? "\r\x1B[K" : "", done,
         all.size(), oneLine(last.deviceName()).c_str(), isTerminal && !isLast ? "" : "\n");
+}
+
+/// What a run has written, below a line that says which. Once there has been an interruption, nobody waits
+/// for a reader that does not read.
+void passOutput(const Job& job, const RunResult& result, bool isQuiet, bool wasInterrupted)
+{
+    if (!job.output || job.output->isEmpty())
+        return;
+    if (!isQuiet)
+        std::fprintf(stderr, "%scorvale-run: Output on %s:\n", isatty(STDERR_FILENO) != 0 ? "\r\x1B[K" : "",
+            oneLine(result.deviceName()).c_str());
+    job.output->pass([wasInterrupted](bool isStalled) {
+        return !RunSignals::isInterrupted() && !(wasInterrupted && isStalled);
+    });
 }
 
 std::string contentOf(const launcher::Descriptor& file)
@@ -242,7 +268,9 @@ std::vector<RunResult> runMatrix(const launcher::Options& options, const std::ve
     const RunSignals signals;
     while (mayStart() || !running.empty()) {
         while (mayStart()) {
-            Job job{started, launcher::Descriptor(memfd_create("run", MFD_CLOEXEC))};
+            Job job{started, launcher::Descriptor(memfd_create("run", MFD_CLOEXEC)), {}};
+            if (options.check.jobs > 1)
+                job.output.emplace();
             std::fflush(nullptr);
             const pid_t pid = fork();
             if (pid == 0) {
@@ -270,6 +298,7 @@ std::vector<RunResult> runMatrix(const launcher::Options& options, const std::ve
             }
             const std::size_t number = job->second.number;
             results[number] = resultOf(job->second, profiles[number]);
+            passOutput(job->second, results[number], options.quiet, interruption != 0);
             job = running.erase(job);
             if (!options.quiet)
                 tellProgress(started - running.size(), results, results[number]);

@@ -1,9 +1,12 @@
 #include "Reports.h"
 
 #include "FileReplacement.h"
+#include "ProgramName.h"
 #include "Wording.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <filesystem>
 
 namespace checks {
 
@@ -38,6 +41,26 @@ std::string write(const std::string& text, const std::string& path)
 }
 
 } // namespace
+
+std::string Check::name() const
+{
+    std::string name;
+    for (const RunResult& run : runs) {
+        if (!name.empty() && !run.program.empty() && run.program != name)
+            return launcher::programName(program);
+        name = name.empty() ? run.program : name;
+    }
+    return name.empty() ? launcher::programName(program) : name;
+}
+
+std::string Check::file() const
+{
+    const std::string wanted = name();
+    const auto found = std::find_if(program.begin(), program.end(), [&wanted](const std::string& argument) {
+        return std::filesystem::path(argument).filename() == wanted;
+    });
+    return found == program.end() ? program.front() : *found;
+}
 
 bool writeReports(const Check& check, const std::vector<launcher::ReportRequest>& requests)
 {

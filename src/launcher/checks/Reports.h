@@ -14,6 +14,12 @@ struct Check {
     std::vector<std::string> program;
     std::vector<RunResult> runs; ///< In the order of the devices.
     Verdict verdict;
+
+    /// What people call the program: the name of what was watched, such as "game" for `env LANG=C ./game`.
+    /// Where that is not one, it is what was to be run.
+    std::string name() const;
+    /// Its file as far as that was named, else the first file of what was to be run.
+    std::string file() const;
 };
 
 // One function a kind, each in a file of its own. The texts are UTF-8, whatever the program wrote.

@@ -21,6 +21,7 @@ struct RunResult : sessions::SessionSummary {
 
     End end = End::NotRun;
     int number = 0;
+    std::string program; ///< What was watched, by its name; empty if that has none.
     std::string failure;
     bool isWatched = false; ///< Whether it has called EGL.
     bool isHardEnd = false; ///< It did not end when it was asked to.

@@ -59,7 +59,7 @@ ordered_json resultOf(const Check& check, const SharedFinding& shared, std::size
         {"level", levelOf(signature.severity)}, {"message", {{"text", text}}},
         {"locations",
             ordered_json::array(
-                {{{"physicalLocation", {{"artifactLocation", {{"uri", uriOf(check.program.front())}}}}},
+                {{{"physicalLocation", {{"artifactLocation", {{"uri", uriOf(check.file())}}}}},
                     {"logicalLocations",
                         ordered_json::array(
                             {{{"name", signature.function.empty() ? "?" : oneLine(signature.function)},

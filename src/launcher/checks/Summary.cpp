@@ -1,6 +1,5 @@
 #include "Summary.h"
 
-#include "ProgramName.h"
 #include "Wording.h"
 
 #include <algorithm>
@@ -104,8 +103,8 @@ void addRun(Page& page, const Check& check)
     const bool isGood = check.verdict.status(run) == 0;
     page.begin("corvale-run: ");
     page.add(resultOf(run, check.verdict), isGood ? Color::Green : Color::Red,
-        ": " + oneLine(launcher::programName(check.program)) + " on " + oneLine(run.deviceName()) + ", "
-            + countsOf(run) + ", " + counted(run.frames, "frame") + ", " + seconds(run.time));
+        ": " + oneLine(check.name()) + " on " + oneLine(run.deviceName()) + ", " + countsOf(run) + ", "
+            + counted(run.frames, "frame") + ", " + seconds(run.time));
     if (const std::string bad = badEnd(run); !bad.empty())
         page.add("  " + oneLine(bad));
 }
@@ -114,7 +113,7 @@ void addTable(Page& page, const Check& check)
 {
     const auto bad = static_cast<std::size_t>(std::count_if(check.runs.begin(), check.runs.end(),
         [&](const RunResult& run) { return check.verdict.status(run) != 0; }));
-    const std::string name = oneLine(launcher::programName(check.program));
+    const std::string name = oneLine(check.name());
     page.begin("corvale-run: ");
     if (bad == 0)
         page.add("passed", Color::Green, ": " + name + " on " + counted(check.runs.size(), "device"));
