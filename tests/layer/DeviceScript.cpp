@@ -102,6 +102,25 @@ std::string get(Words& words)
     return getAs<GLint>(name.c_str(), asked);
 }
 
+/// "set FUNCTION TARGET NAME VALUE": a parameter, as a floating-point number or behind a pointer.
+std::string set(Words& words)
+{
+    std::string name;
+    words >> name;
+    const std::vector<long> a = numbersOf(words);
+    const auto target = static_cast<GLenum>(a[0]);
+    const auto parameter = static_cast<GLenum>(a[1]);
+    const auto number = static_cast<GLfloat>(a[2]);
+    const auto integer = static_cast<GLint>(a[2]);
+    if (name.ends_with("iv"))
+        function<void (*)(GLenum, GLenum, const GLint*)>(name.c_str())(target, parameter, &integer);
+    else if (name.ends_with("fv"))
+        function<void (*)(GLenum, GLenum, const GLfloat*)>(name.c_str())(target, parameter, &number);
+    else
+        function<void (*)(GLenum, GLenum, GLfloat)>(name.c_str())(target, parameter, number);
+    return hexadecimal(glGetError());
+}
+
 /// "call FUNCTION ARGUMENT..." for functions that take whole numbers and pointers.
 std::string call(Words& words)
 {
@@ -149,14 +168,20 @@ std::string attribute(Words& words)
     return std::to_string(value);
 }
 
-/// "surface CONFIG_ID": makes a small surface, and says of which config it is.
+/// "surface CONFIG_ID WIDTH [LARGEST]": makes a surface, and says of which config it is and how wide.
 std::string surface(Words& words)
 {
-    const std::array<EGLint, 5> size{EGL_WIDTH, 8, EGL_HEIGHT, 8, EGL_NONE};
+    const std::vector<long> asked = numbersOf(words);
+    const std::array<EGLint, 7> attributes{EGL_WIDTH, static_cast<EGLint>(asked[1]), EGL_HEIGHT, 8,
+        EGL_LARGEST_PBUFFER, asked.size() > 2 ? 1 : 0, EGL_NONE};
     const EGLSurface made =
-        eglCreatePbufferSurface(display, configOf(static_cast<EGLint>(numbersOf(words)[0])), size.data());
-    EGLint id = 0;
-    return eglQuerySurface(display, made, EGL_CONFIG_ID, &id) ? std::to_string(id) : eglError();
+        eglCreatePbufferSurface(display, configOf(static_cast<EGLint>(asked[0])), attributes.data());
+    if (made == EGL_NO_SURFACE)
+        return eglError();
+    EGLint id = 0, width = 0;
+    eglQuerySurface(display, made, EGL_CONFIG_ID, &id);
+    eglQuerySurface(display, made, EGL_WIDTH, &width);
+    return std::to_string(id) + ' ' + std::to_string(width);
 }
 
 std::string restOf(Words& words)
@@ -213,7 +238,8 @@ std::string link(Words& words)
     std::string log(static_cast<std::size_t>(length) + 1, '\0');
     glGetProgramInfoLog(program, length, nullptr, log.data());
     glUseProgram(program);
-    return oneLine(status, log.c_str()) + ' ' + std::to_string(attached) + ' ' + hexadecimal(glGetError());
+    return oneLine(status, log.substr(0, log.find('\0'))) + ' ' + std::to_string(attached) + ' '
+        + hexadecimal(glGetError());
 }
 
 } // namespace
@@ -226,6 +252,7 @@ void answerQuestions()
         {"context", &makeContext},
         {"get", &get},
         {"call", &call},
+        {"set", &set},
         {"choose", &choose},
         {"attribute", &attribute},
         {"surface", &surface},

@@ -186,8 +186,9 @@ TEST_F(TestDevice, configsAreTheDevices)
             {"choose 0x3028 42 0x3025 99", "42 "}, {"choose 0x3025 25", ""}, {"choose 0x3025 25", ""},
             {"choose 0x3025 24 0x3021 9", ""}, {"choose 0x9999 1", "egl 0x3004"},
             {"attribute 41 0x302C", "777"}, {"attribute -3 0x3020", "32"},
-            {"attribute 41 0x9999", "egl 0x3004"}, {"surface -3", "-3"}, {"surface 41", "41"}, {"again", "1"},
-            {"surface -3", "-3"}});
+            {"attribute 41 0x9999", "egl 0x3004"}, {"surface -3 8", "-3 8"}, {"surface 41 777", "41 777"},
+            {"surface 41 778", "egl 0x3003"}, {"surface 41 778 1", "41 777"}, {"surface 41 64 1", "41 64"},
+            {"again", "1"}, {"surface -3 8", "-3 8"}});
     program->finish();
     std::string told;
     for (const std::string& text : program.told(Type::Information, 0))
@@ -239,6 +240,39 @@ TEST_F(TestDevice, functionsAndEnumerantsThatItLacksAreRefused)
         EXPECT_TRUE(errors[i].starts_with(expected[i])) << errors[i];
     EXPECT_TRUE(errors[6].ends_with("\nglPolygonMode(face = GL_FRONT_AND_BACK, mode = GL_LINE_NV)"))
         << errors[6];
+}
+
+/// Other functions of the device take the same enumerants.
+TEST_F(TestDevice, whatOneFunctionOfOldVersionsDoesNotTakeIsRefused)
+{
+    DeviceProgram program;
+    const Questions calls{{"call glTexImage2D 0xDE1 0 0x1908 4 4 0 0x1908 0x1406 0", "0x500"},
+        {"call glTexImage2D 0xDE1 0 0x1902 4 4 0 0x1902 0x1403 0", "0x500"},
+        {"call glVertexAttribPointer 0 4 0x1404 0 0 0", "0x500"},
+        {"call glDrawElements 4 3 0x1405 0", "0x500"}, {"set glTexParameterf 0xDE1 0x2802 0x812D", "0x500"},
+        {"set glTexParameteriv 0xDE1 0x2802 0x812D", "0x500"},
+        {"set glTexParameterfv 0xDE1 0x2802 0x812D", "0x500"}};
+    // A framebuffer and indices for what is drawn.
+    expectAnswers(program,
+        {{"context 2 0", "version 2 config 0"}, {"call glBindFramebuffer 0x8D40 1", "0"},
+            {"call glBindRenderbuffer 0x8D41 1", "0"}, {"call glRenderbufferStorage 0x8D41 0x8056 4 4", "0"},
+            {"call glFramebufferRenderbuffer 0x8D40 0x8CE0 0x8D41 1", "0"},
+            {"call glBindBuffer 0x8893 1", "0"}, {"call glBufferData 0x8893 12 0 0x88E4", "0"}});
+    expectAnswers(program, calls);
+    expectAnswers(program,
+        {{"call glDrawElements 4 3 0x1403 0", "0"}, {"call glVertexAttribPointer 0 4 0x1406 0 0 0", "0"},
+            {"set glTexParameterf 0xDE1 0x2802 0x2901", "0"},
+            {"set glTexParameterfv 0xDE1 0x2802 0x2901", "0"}});
+    program->setWireframe(true);
+    expectAnswers(program,
+        {{"call glDrawElements 4 3 0x1405 0", "0x500"}, {"context 3 0", "version 3 config 0"},
+            {"call glTexImage2D 0xDE1 0 0x8814 4 4 0 0x1908 0x1406 0", "0"}});
+    program->finish();
+    EXPECT_EQ(program.told(Type::GlError, 68).size(), calls.size() + 1) << program.errors();
+    EXPECT_TRUE(program.errors().starts_with("GL_INVALID_ENUM in glTexImage2D: GL_FLOAT is not available "
+                                             "here on Harbour Board: needs OpenGL ES 3.0 "
+                                             "or GL_OES_texture_float\n"))
+        << program.errors();
 }
 
 TEST_F(TestDevice, limitsOfArgumentsHold)

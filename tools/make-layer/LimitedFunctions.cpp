@@ -44,10 +44,16 @@ void LimitedFunctions::readLine(
     const std::string& line, const Functions& functions, const Availability& availability)
 {
     static const std::set<std::string> checks{"below", "atMost", "unit", "attachment", "image", "compressed",
-        "samples", "groups", "binding", "parameter"};
+        "samples", "groups", "binding", "parameter", "parameterFloat", "parameterInts", "parameterFloats",
+        "needs"};
     std::istringstream in(line);
     std::string pattern, parameter, check, limit, base;
-    in >> pattern >> parameter >> check >> limit >> base;
+    in >> pattern >> parameter >> check >> limit;
+    std::string extensions;
+    if (check == "needs")
+        std::getline(in >> std::ws, extensions);
+    else
+        in >> base;
     if (!checks.contains(check))
         throw std::runtime_error("a limit without a check: " + line);
     const auto value = [&](const std::string& name) {
@@ -65,7 +71,7 @@ void LimitedFunctions::readLine(
         for (const char* other :
             {"target", "level", "internalformat", "width", "height", "depth", "offset", "pname"})
             row << ", " << placeOf(other, parameters);
-        row << "}},";
+        row << "}, \"" << extensions << "\"},";
         m_rows[name].push_back(row.str());
     }
     if (!found)

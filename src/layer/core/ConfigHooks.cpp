@@ -10,9 +10,11 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <mutex>
 #include <set>
 #include <string>
+#include <vector>
 
 namespace layer::hooks {
 
@@ -68,6 +70,55 @@ void tellNone(const DeviceConfigs& configs, const EGLint* attributes)
         records::information("eglChooseConfig finds no config on " + emulatedDevice()->name
             + " for what the program asks for: " + reason + ".");
     }
+}
+
+/// What a program asks of a pbuffer.
+struct PbufferRequest {
+    EGLint width = 0;
+    EGLint height = 0;
+    bool takesLess = false;
+};
+
+PbufferRequest readPbufferRequest(const EGLint* attributes)
+{
+    PbufferRequest request;
+    for (; attributes && *attributes != EGL_NONE; attributes += 2) {
+        if (attributes[0] == EGL_WIDTH)
+            request.width = attributes[1];
+        else if (attributes[0] == EGL_HEIGHT)
+            request.height = attributes[1];
+        else if (attributes[0] == EGL_LARGEST_PBUFFER)
+            request.takesLess = attributes[1] != EGL_FALSE;
+    }
+    return request;
+}
+
+/// The same, no larger than pbuffers of a config are. A limit of 0 is none.
+PbufferRequest within(const device::Config& config, PbufferRequest request)
+{
+    const auto limitOf = [&](EGLint attribute) {
+        const auto found = config.find(attribute);
+        return found == config.end() || found->second <= 0 ? std::numeric_limits<EGLint>::max()
+                                                           : found->second;
+    };
+    request.width = std::min(request.width, limitOf(EGL_MAX_PBUFFER_WIDTH));
+    request.height = std::min(request.height, limitOf(EGL_MAX_PBUFFER_HEIGHT));
+    if (request.width > 0)
+        request.height = std::min(request.height, limitOf(EGL_MAX_PBUFFER_PIXELS) / request.width);
+    return request;
+}
+
+std::vector<EGLint> withSize(const EGLint* attributes, const PbufferRequest& size)
+{
+    std::vector<EGLint> list;
+    for (; *attributes != EGL_NONE; attributes += 2) {
+        const EGLint value = attributes[0] == EGL_WIDTH ? size.width
+            : attributes[0] == EGL_HEIGHT               ? size.height
+                                                        : attributes[1];
+        list.insert(list.end(), {attributes[0], value});
+    }
+    list.push_back(EGL_NONE);
+    return list;
 }
 
 /// Others that have initialized a display may keep it from ending.
@@ -151,6 +202,26 @@ EGLBoolean eglQuerySurface(EGLDisplay display, EGLSurface surface, EGLint attrib
     if (done && attribute == EGL_CONFIG_ID && emulatedDevice())
         *value = surfaceConfigId(display, surface).value_or(*value);
     return done;
+}
+
+EGLSurface eglCreatePbufferSurface(EGLDisplay display, EGLConfig handle, const EGLint* attributes)
+{
+    const DeviceConfigs* configs = configsOf(display);
+    const std::optional<std::size_t> index = configs ? configs->indexOf(handle) : std::nullopt;
+    const PbufferRequest asked = readPbufferRequest(attributes);
+    const PbufferRequest taken = index ? within(configs->configAt(*index), asked) : asked;
+    if (taken.width == asked.width && taken.height == asked.height)
+        return generated::eglCreatePbufferSurface(display, handle, attributes);
+    if (asked.takesLess)
+        return generated::eglCreatePbufferSurface(display, handle, withSize(attributes, taken).data());
+    const auto textOf = [](const PbufferRequest& size) {
+        return std::to_string(size.width) + " x " + std::to_string(size.height);
+    };
+    refuseEgl(Fn::eglCreatePbufferSurface, {argument(display), argument(handle), argument(attributes)},
+        EGL_BAD_ALLOC,
+        "a pbuffer of " + textOf(asked) + " is too large for this config of " + emulatedDevice()->name
+            + "; one of " + textOf(taken) + " is not");
+    return EGL_NO_SURFACE;
 }
 
 EGLBoolean eglDestroySurface(EGLDisplay display, EGLSurface surface)

@@ -103,11 +103,20 @@ DeviceGate::DeviceGate(Host& host, const HostEs& hostEs, const device::Table& ta
     , m_strings(table, api)
 {
     for (const LimitRow& row : limitRows)
-        m_limits.push_back(capability(api, row.limit));
+        m_limits.push_back(
+            row.check == LimitRow::Check::needs ? (hasNeeded(row) ? 1 : 0) : capability(api, row.limit));
     for (const GLint format : hostCompressedFormats(host))
         m_hostCompressed.insert(static_cast<GLenum>(format));
     blockFunctions();
     blockEnumerants();
+}
+
+bool DeviceGate::hasNeeded(const LimitRow& row) const
+{
+    return offeredVersion(m_api) >= 30
+        || std::ranges::any_of(wordsOf(row.extensions), [this](const std::string& name) {
+               return std::ranges::find(m_api.extensions, name) != m_api.extensions.end();
+           });
 }
 
 void DeviceGate::blockFunctions()
@@ -248,6 +257,17 @@ bool refuses(Context& context, Fn function, std::initializer_list<Argument> argu
             return false;
         refuseGl(context, function, arguments, refusal.code, refusal.why);
         return true;
+    }
+    return false;
+}
+
+bool isBeyondLimits(const Context& context, Fn function, std::initializer_list<Argument> arguments)
+{
+    const FunctionRow& row = rowOf(function);
+    for (std::size_t i = row.firstLimit; context.gate && i < std::size_t{row.firstLimit} + row.limitCount;
+         ++i) {
+        if (checkLimit(*context.gate, i, arguments).code != gl::none)
+            return true;
     }
     return false;
 }

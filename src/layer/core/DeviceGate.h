@@ -27,7 +27,11 @@ struct LimitRow {
         samples,
         groups,
         binding,
-        parameter
+        parameter,
+        parameterFloat,
+        parameterInts,
+        parameterFloats,
+        needs
     };
     /// The parameter that is limited, and others where the function has them.
     struct Places {
@@ -38,6 +42,7 @@ struct LimitRow {
     GLenum base;
     Check check;
     Places places;
+    const char* extensions; ///< Any of which will do, with blanks between them.
 };
 
 /// What the host has in contexts of its own.
@@ -85,6 +90,9 @@ public:
     bool hostHasCompressed(GLenum format) const { return m_hostCompressed.contains(format); }
 
 private:
+    /// Whether the device has what a row needs.
+    bool hasNeeded(const LimitRow& row) const;
+
     static constexpr GLenum enumerantLimit = 0x10000;
 
     /// What stands in for functions that are refused; the wrapper that called it asks checkGl() then.
@@ -113,6 +121,9 @@ DeviceGate& gateOf(Host& host, const HostEs& hostEs, const device::Table& table,
 
 /// Whether the device refuses a call, which is reported and must not reach the host.
 bool refuses(Context& context, Fn function, std::initializer_list<Argument> arguments);
+
+/// Whether the device would refuse a call because of a limit; nothing is reported.
+bool isBeyondLimits(const Context& context, Fn function, std::initializer_list<Argument> arguments);
 
 /// Why a call is refused; gl::none for one that is not.
 struct Refusal {

@@ -4,7 +4,9 @@
 #include "GlEnumerants.h"
 
 #include <algorithm>
+#include <bit>
 #include <limits>
+#include <sstream>
 
 namespace layer {
 
@@ -29,6 +31,14 @@ public:
     std::int64_t depth() const { return at(m_row.places.depth); }
     std::int64_t offset() const { return at(m_row.places.offset); }
     GLenum name() const { return static_cast<GLenum>(at(m_row.places.name)); }
+    double floatValue() const { return std::bit_cast<double>(value()); }
+    /// What a pointer points to; 0 for null.
+    template <typename Number> Number pointedValue() const
+    {
+        // Arguments travel as bits. NOLINTNEXTLINE(performance-no-int-to-ptr)
+        const auto* numbers = reinterpret_cast<const Number*>(static_cast<std::uintptr_t>(value()));
+        return numbers ? *numbers : Number{};
+    }
     std::int64_t level() const { return at(m_row.places.level); }
 
 private:
@@ -183,8 +193,8 @@ Refusal checkBinding(const DeviceGate& gate, const Call& call)
     return {};
 }
 
-/// What textures and samplers are set to, where that is an enumerant rather than a number.
-Refusal checkParameter(const DeviceGate& gate, GLenum name, GLenum value)
+/// A parameter of textures and samplers that is set to an enumerant rather than a number.
+bool isEnumerant(GLenum name)
 {
     const bool isFilterOrWrap =
         name >= 0x2800 && name <= 0x2803; // GL_TEXTURE_MAG_FILTER to GL_TEXTURE_WRAP_T
@@ -192,11 +202,42 @@ Refusal checkParameter(const DeviceGate& gate, GLenum name, GLenum value)
     const bool isCompare =
         name == 0x884C || name == 0x884D; // GL_TEXTURE_COMPARE_MODE, GL_TEXTURE_COMPARE_FUNC
     const bool isSwizzle = name >= 0x8E42 && name <= 0x8E45; // GL_TEXTURE_SWIZZLE_R to GL_TEXTURE_SWIZZLE_A
-    if (!(isFilterOrWrap || isWrapR || isCompare || isSwizzle) || !gate.blocks(value))
+    return isFilterOrWrap || isWrapR || isCompare || isSwizzle;
+}
+
+/// The value as an enumerant; gl::none for a number that is none.
+GLenum enumerantOf(double value)
+{
+    return value > 0 && value < 0x10000 ? static_cast<GLenum>(value) : gl::none;
+}
+
+Refusal checkParameter(const DeviceGate& gate, LimitRow::Check check, const Call& call)
+{
+    using Check = LimitRow::Check;
+    if (!isEnumerant(call.name()))
+        return {};
+    auto value = static_cast<GLenum>(call.value());
+    if (check == Check::parameterFloat)
+        value = enumerantOf(call.floatValue());
+    else if (check == Check::parameterInts)
+        value = static_cast<GLenum>(call.pointedValue<GLint>());
+    else if (check == Check::parameterFloats)
+        value = enumerantOf(call.pointedValue<GLfloat>());
+    if (!gate.blocks(value))
         return {};
     return {gl::invalidEnum,
         nameOf(value) + " is not available on " + gate.table().name + ": "
             + gate.availability().needOf(value)};
+}
+
+Refusal checkNeeds(const DeviceGate& gate, const LimitRow& row)
+{
+    std::string needs = "OpenGL ES 3.0";
+    std::istringstream extensions(row.extensions);
+    for (std::string name; extensions >> name;)
+        needs += " or " + name;
+    return {gl::invalidEnum,
+        nameOf(row.limit) + " is not available here on " + gate.table().name + ": needs " + needs};
 }
 
 } // namespace
@@ -228,7 +269,13 @@ Refusal checkLimit(const DeviceGate& gate, std::size_t row, std::initializer_lis
     case Check::binding:
         return checkBinding(gate, call);
     case Check::parameter:
-        return checkParameter(gate, call.name(), static_cast<GLenum>(call.value()));
+    case Check::parameterFloat:
+    case Check::parameterInts:
+    case Check::parameterFloats:
+        return checkParameter(gate, limited.check, call);
+    case Check::needs:
+        return limit != 0 || static_cast<GLenum>(call.value()) != limited.limit ? Refusal{}
+                                                                                : checkNeeds(gate, limited);
     }
     return {};
 }

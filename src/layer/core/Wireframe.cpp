@@ -208,12 +208,16 @@ bool wantsLines(const Context& context, Fn function)
 
 bool drawAsLines(Context& context, const Draw& draw)
 {
-    if (!hasEdges(context, draw.mode) || draw.count < 3 || draw.instances < 1)
+    if (!hasEdges(context, draw.mode) || draw.count < 3 || draw.first < 0 || draw.instances < 1)
         return false;
     if (draw.count > vertexLimit) {
         tellOnce(context, "it has more than four million vertices");
         return false;
     }
+    if (draw.indexType != gl::none
+        && isBeyondLimits(context, Fn::glDrawElements,
+            {argument(draw.mode), argument(draw.count), argument(draw.indexType), argument(draw.indices)}))
+        return false;
     const Unseen unseen(context);
     if (context.esVersion >= 30 && integer(context, gl::transformFeedbackActive) != 0
         && integer(context, gl::transformFeedbackPaused) == 0) {
