@@ -196,6 +196,23 @@ TEST_F(TestDevice, configsAreTheDevices)
     EXPECT_NE(told.find(": none has EGL_ALPHA_SIZE 9."), std::string::npos) << told;
 }
 
+TEST_F(TestDevice, whyNoConfigFitsIsToldOfTheRightAttribute)
+{
+    Table table = harbourBoard();
+    for (Config& config : table.configs)
+        config[EGL_RENDERABLE_TYPE] = EGL_OPENGL_ES2_BIT;
+    DeviceProgram program(table);
+    expectAnswers(program,
+        {{"choose 0x3020 0 0x3040 4", "42 -3 41 "}, {"choose 0x3020 0 0x3040 0x40", ""},
+            {"choose 0x3020 0", ""}});
+    program->finish();
+    std::string told;
+    for (const std::string& text : program.told(Type::Information, 0))
+        told += text + "\n";
+    EXPECT_NE(told.find(": none has EGL_RENDERABLE_TYPE EGL_OPENGL_ES3_BIT."), std::string::npos) << told;
+    EXPECT_NE(told.find(": none has EGL_RENDERABLE_TYPE EGL_OPENGL_ES_BIT."), std::string::npos) << told;
+}
+
 TEST_F(TestDevice, functionsAndEnumerantsThatItLacksAreRefused)
 {
     DeviceProgram program;

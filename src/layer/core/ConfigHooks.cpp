@@ -45,15 +45,36 @@ void put(const DeviceConfigs& configs, const std::vector<std::size_t>& chosen, E
         handles[i] = configs.handleAt(chosen[i]);
 }
 
+/// What a program asks for without a word.
+constexpr std::array<std::pair<EGLint, EGLint>, 5> askedAnyway{
+    {{EGL_RENDERABLE_TYPE, EGL_OPENGL_ES_BIT}, {EGL_SURFACE_TYPE, EGL_WINDOW_BIT}, {EGL_LEVEL, 0},
+        {EGL_COLOR_BUFFER_TYPE, EGL_RGB_BUFFER}, {EGL_TRANSPARENT_TYPE, EGL_NONE}}};
+
+/// Whether no config has an attribute as it is asked for, whatever else it has.
+bool hasNone(const DeviceConfigs& configs, EGLint attribute, EGLint value)
+{
+    std::vector<EGLint> list;
+    for (const auto& asked : askedAnyway)
+        list.insert(list.end(), {asked.first, EGL_DONT_CARE});
+    list.insert(list.end(), {attribute, value, EGL_NONE});
+    const auto chosen = chooseConfigs(configs.attributes(), list.data());
+    return chosen && chosen->empty();
+}
+
 /// Why no config fits: the first attribute that none of them has as it is asked for.
 std::string whyNone(const DeviceConfigs& configs, const EGLint* attributes)
 {
-    for (; attributes && attributes[0] != EGL_NONE; attributes += 2) {
-        const std::array<EGLint, 3> alone{attributes[0], attributes[1], EGL_NONE};
-        const auto chosen = chooseConfigs(configs.attributes(), alone.data());
+    std::vector<std::pair<EGLint, EGLint>> all;
+    for (; attributes && attributes[0] != EGL_NONE; attributes += 2)
+        all.emplace_back(attributes[0], attributes[1]);
+    for (const auto& anyway : askedAnyway) {
+        if (std::ranges::find(all, anyway.first, &std::pair<EGLint, EGLint>::first) == all.end())
+            all.push_back(anyway);
+    }
+    for (const auto& [attribute, value] : all) {
         EGLAttribKey key;
-        if (chosen && chosen->empty() && findEGLAttribKey(attributes[0], &key))
-            return "none has " + key.displayName.text + " " + value_names::eglValue(key, attributes[1]);
+        if (hasNone(configs, attribute, value) && findEGLAttribKey(attribute, &key))
+            return "none has " + key.displayName.text + " " + value_names::eglValue(key, value);
     }
     return "none has all of it together";
 }
