@@ -7,12 +7,12 @@
 
 SaveSessionDialog::SaveSessionDialog(const QString& client, std::size_t count, QWidget* parent)
     : QDialog(parent)
-    , m_all(new QRadioButton(tr("&All %1 clients with a tab").arg(count)))
+    , m_all(new QRadioButton(tr("&All %1 applications with a tab").arg(count)))
 {
     setWindowTitle(tr("Save Session"));
     // An ampersand in a button's text would mark a key.
     auto* one = new QRadioButton(
-        tr("&This client: %1").arg(QString(client).replace(QLatin1Char('&'), QLatin1String("&&"))));
+        tr("&This application: %1").arg(QString(client).replace(QLatin1Char('&'), QLatin1String("&&"))));
     one->setObjectName(QStringLiteral("radThisClient"));
     m_all->setObjectName(QStringLiteral("radAllClients"));
     one->setEnabled(!client.isEmpty());

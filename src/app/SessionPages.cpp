@@ -11,6 +11,7 @@
 #include <QDateTime>
 #include <QDir>
 #include <QFileInfo>
+#include <QLocale>
 #include <QPushButton>
 #include <QSet>
 
@@ -139,7 +140,7 @@ void SessionPages::record(Client& client, ClientInterface& page)
         [this, recorder, &client] { m_tabs.setEndText(&client, recorder->endText()); });
     connect(recorder, &ClientRecorder::failed, this, [this](const QString& reason) {
         Q_EMIT statusMessage(
-            tr("What this client sends cannot be kept as a session any more: %1").arg(reason));
+            tr("What this application sends cannot be kept as a session any more: %1").arg(reason));
     });
     keep(page, {recorder, nullptr, nullptr});
 }
@@ -260,8 +261,8 @@ QString SessionPages::barText(const SessionReplay& replay) const
     else if (replay.pace() == SessionReplay::Pace::AtOnce)
         text = tr("%1: reading, %2 of %3 records.")
                    .arg(name)
-                   .arg(replay.playedRecords())
-                   .arg(replay.session().recordCount());
+                   .arg(QLocale().toString(static_cast<qulonglong>(replay.playedRecords())))
+                   .arg(QLocale().toString(static_cast<qulonglong>(replay.session().recordCount())));
     else
         text = tr("%1: %2 of %3.").arg(name, timeText(replay.position()), timeText(replay.length()));
     const QString damage = replay.damage();

@@ -1,6 +1,7 @@
 #include "ConsoleDocument.h"
 
 #include <QCoreApplication>
+#include <QLocale>
 #include <QTextDocument>
 
 #include <algorithm>
@@ -19,7 +20,7 @@ QString earlierEntriesText(std::uint64_t count)
 {
     return QCoreApplication::translate(
         "Console", "%1 earlier entries are no longer shown. Scroll up or click here to see them.")
-        .arg(count);
+        .arg(QLocale().toString(static_cast<qulonglong>(count)));
 }
 
 /// Collects the changes of a document while it lives.

@@ -3,6 +3,7 @@
 #include "Console.h"
 #include "ConsoleText.h"
 
+#include <QLocale>
 #include <QTextBlock>
 #include <QTextDocument>
 
@@ -13,7 +14,7 @@ namespace console_oracle {
 inline int earlierEntries(const QTextDocument& document)
 {
     const QStringList words = document.begin().text().split(QLatin1Char(' '));
-    return words.value(1) == QLatin1String("earlier") ? words.first().toInt() : 0;
+    return words.value(1) == QLatin1String("earlier") ? QLocale().toInt(words.first()) : 0;
 }
 
 /// Where two texts begin to differ; empty where they do not.
