@@ -13,6 +13,7 @@
 #include <QCursor>
 #include <QDialog>
 #include <QFontComboBox>
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
@@ -26,7 +27,9 @@
 #include <QTableView>
 #include <QTextBlock>
 #include <QTextEdit>
+#include <QToolButton>
 #include <QTreeView>
+#include <QTreeWidget>
 
 #include <utility>
 
@@ -156,6 +159,60 @@ void takeRefusal(Stage& stage, QTreeView& tree, const QModelIndex& api)
     press(line, Qt::Key_Escape);
 }
 
+/// In the whole console of a flood.
+void takeFind(Stage& stage)
+{
+    auto& page = stage.find<QWidget>("tab_console", &client(stage));
+    stage.find<QAction>("actionFind").trigger();
+    stage.find<QLineEdit>("editFind", &page).setText(QStringLiteral("too large"));
+    const auto& count = stage.find<QLabel>("lblFindCount", &page);
+    stage.waitFor("the number of matches",
+        [&count] { return count.text().contains(QStringLiteral("of")) && !count.text().contains(u'%'); });
+    stage.take("find");
+    stage.find<QToolButton>("btnFindClose", &page).click();
+}
+
+void takeErrorFilter(Stage& stage)
+{
+    auto& filter = stage.find<QLineEdit>("editErrorFilter", &client(stage));
+    filter.setFocus();
+    filter.setText(QStringLiteral("fn:gl* -program frame:30..x"));
+    stage.take("error-filter");
+    filter.clear();
+}
+
+void takeFoldedErrors(Stage& stage)
+{
+    auto& fold = stage.find<QCheckBox>("chkFoldErrors", &client(stage));
+    auto& list = stage.find<QTableView>("tblErrorList", &client(stage));
+    fold.click();
+    QHeaderView& header = *list.horizontalHeader();
+    header.setSortIndicator(header.count() - 1, Qt::DescendingOrder);
+    stage.settle();
+    list.setFocus();
+    list.setCurrentIndex(list.model()->index(0, 0));
+    press(list, Qt::Key_Plus);
+    list.scrollToTop();
+    stage.take("error-fold");
+    header.setSortIndicator(-1, Qt::AscendingOrder);
+    fold.click();
+}
+
+/// Of what the crashed application and the other one have reported.
+void takeComparison(Stage& stage)
+{
+    stage.find<QAction>("actionCompareSessions").trigger();
+    auto& before = stage.find<QComboBox>("cmbBefore");
+    auto& after = stage.find<QComboBox>("cmbAfter");
+    before.setCurrentIndex(before.count() - 1);
+    after.setCurrentIndex(0);
+    auto& dialog = *before.window();
+    const auto& findings = stage.find<QTreeWidget>("treeFindings", &dialog);
+    stage.waitFor("the comparison", [&findings] { return findings.topLevelItemCount() > 0; });
+    stage.take("sessions-compare", dialog);
+    dialog.close();
+}
+
 } // namespace
 
 namespace pictures {
@@ -181,6 +238,8 @@ void takeApplications(Stage& stage)
     scrollToFirstLine(stage);
     stage.take("console-flood");
 
+    takeFind(stage);
+
     connectClient(stage,
         {QStringLiteral("tour"), QStringLiteral("--pace"), QStringLiteral("0"), QStringLiteral("--stay")},
         QStringLiteral("Good-bye."));
@@ -189,8 +248,11 @@ void takeApplications(Stage& stage)
     showClientPage(stage, ClientPage::ErrorList);
     stage.find<QTableView>("tblErrorList", &client(stage)).scrollToTop();
     stage.take("error-list");
+    takeErrorFilter(stage);
+    takeFoldedErrors(stage);
     showClientPage(stage, ClientPage::Contexts);
     stage.take("context-info");
+    takeComparison(stage);
 }
 
 void takeReport(Stage& stage)
