@@ -105,7 +105,7 @@ void ClientInterface::setUpErrorList()
     m_errorListActions = new ErrorListActions(*m_ui->tblErrorList, *m_errorListFilter, *m_ui->tab_errorlist);
     connect(m_ui->btnClearErrors, &QPushButton::clicked, m_errorListModel, &ErrorListModel::clear);
     connect(m_errorListActions, &ErrorListActions::statusMessage, m_console, &Console::statusMessage);
-    m_ui->errorOverview->setErrors(m_errorListModel);
+    m_ui->errorOverview->setErrors(m_errorListFilter);
     connect(
         m_ui->errorOverview, &ErrorOverview::framesChosen, m_errorListActions, &ErrorListActions::goToFrames);
     auto* unseen = new UnseenErrors(*m_errorListModel, *m_ui->tblErrorList);

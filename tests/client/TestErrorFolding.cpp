@@ -1,3 +1,4 @@
+#include "ErrorFilterParser.h"
 #include "ErrorHistogram.h"
 #include "ErrorListActions.h"
 #include "ErrorListFilterProxyModel.h"
@@ -111,6 +112,7 @@ private Q_SLOTS:
     void exportsThatFailLeaveTheFile();
     void histogramWidens();
     void overviewIsClicked();
+    void overviewShowsWhatTheListShows();
     void unseenErrorsAreCounted();
 };
 
@@ -465,7 +467,7 @@ void TestErrorFolding::overviewIsClicked()
     List list;
     ErrorOverview overview(&list.page);
     list.page.layout()->addWidget(&overview);
-    overview.setErrors(&list.model);
+    overview.setErrors(&list.filter);
     list.add(SeverityError, 10, "x");
     QTest::qWait(250);
     QVERIFY(overview.isHidden()); // one frame alone
@@ -481,6 +483,47 @@ void TestErrorFolding::overviewIsClicked()
     QCOMPARE(chosen.last(), QVariantList({19, 19}));
     list.model.clear();
     QVERIFY(overview.isHidden());
+}
+
+void TestErrorFolding::overviewShowsWhatTheListShows()
+{
+    List list(false);
+    ErrorOverview overview(&list.page);
+    list.page.layout()->addWidget(&overview);
+    overview.setErrors(&list.filter);
+    for (int i = 0; i < 3000; ++i) {
+        list.add(SeverityError, 10, "x");
+        list.add(SeverityWarning, 19, "x");
+    }
+    QTRY_VERIFY(overview.isVisible());
+    overview.resize(100, 20);
+    const auto colours = [&overview] {
+        const QImage image = overview.grab().toImage();
+        return std::pair(image.pixelColor(4, 15), image.pixelColor(95, 15));
+    };
+    const auto [error, warning] = colours();
+    list.filter.setStepTime(0);
+    list.filter.setShowErrors(false);
+    QTRY_VERIFY(list.filter.isSettled());
+    QCOMPARE(list.filter.shownFrames().countOf(0, 100).sum(), 3000U);
+    const auto [hidden, shown] = colours();
+    QCOMPARE(shown, warning);
+    const QColor base = overview.palette().color(QPalette::Base);
+    QVERIFY2(hidden != error && hidden != base, "faint");
+    // Only what the list can show is chosen, with new rows as well.
+    QSignalSpy chosen(&overview, &ErrorOverview::framesChosen);
+    QTest::mouseClick(&overview, Qt::LeftButton, {}, QPoint(4, 10));
+    list.add(SeverityWarning, 12, "y");
+    QTest::mouseClick(&overview, Qt::LeftButton, {}, QPoint(4, 10));
+    QCOMPARE(chosen, QList<QVariantList>({{19, 19}, {12, 12}}));
+    list.filter.setFilter(ErrorFilterParser(QStringLiteral("y")).parse().value());
+    list.filter.setShowErrors(true);
+    QTRY_VERIFY(list.filter.isSettled());
+    QTest::mouseClick(&overview, Qt::LeftButton, {}, QPoint(95, 10));
+    QCOMPARE(chosen.last(), QVariantList({12, 12}));
+    list.filter.setFilter({});
+    QTRY_VERIFY(list.filter.isSettled());
+    QVERIFY(colours() == std::pair(error, warning));
 }
 
 void TestErrorFolding::unseenErrorsAreCounted()

@@ -47,6 +47,8 @@ void ErrorHistogram::widen(qint32 frame)
 ErrorHistogram::Bin ErrorHistogram::countOf(std::int64_t first, std::int64_t last) const
 {
     Bin sum;
+    if (last < m_base)
+        return sum;
     const std::int64_t from = std::clamp<std::int64_t>((first - m_base) / m_width, 0, binCount);
     const std::int64_t to = std::clamp<std::int64_t>((last - m_base) / m_width + 1, from, binCount);
     for (std::int64_t i = from; i < to; ++i) {

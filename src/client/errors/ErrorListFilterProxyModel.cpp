@@ -147,12 +147,21 @@ ErrorListArrangement::Verdict ErrorListFilterProxyModel::judge(int sourceRow)
     using Verdict = ErrorListArrangement::Verdict;
     if (!filterAcceptsRow(sourceRow, QModelIndex()))
         return Verdict::Hidden;
-    return m_kinds.hasMuted() && m_kinds.isMuted(m_kinds.kindOf(sourceRow)) ? Verdict::Muted : Verdict::Shown;
+    if (m_kinds.hasMuted() && m_kinds.isMuted(m_kinds.kindOf(sourceRow)))
+        return Verdict::Muted;
+    // Where all are shown, they need not be counted once more.
+    if (m_isFiltered) {
+        const error_list::Row row = m_errors->row(sourceRow);
+        m_shownFrames.add(row.severity, row.frame);
+    }
+    return Verdict::Shown;
 }
 
 void ErrorListFilterProxyModel::arrangeAnew()
 {
     beginResetModel();
+    m_isFiltered = !m_showErrors || !m_showWarnings || !m_filter.isEmpty() || m_kinds.hasMuted();
+    m_shownFrames.clear();
     m_arrangement.restart(m_errors, m_order, m_isFolded);
     m_arrangement.work(QDeadlineTimer(m_stepTime));
     m_arrangement.showNew();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ErrorFilter.h"
+#include "ErrorHistogram.h"
 #include "ErrorKinds.h"
 #include "ErrorListArrangement.h"
 
@@ -35,6 +36,10 @@ public:
     void setMuted(const sessions::KnownKinds* muted);
     /// Rows that are not shown for their kind alone.
     int mutedCount() const { return m_arrangement.mutedCount(); }
+    /// Whether rows may be hidden, so that shownFrames() are counted.
+    bool isFiltered() const { return m_isFiltered; }
+    /// The frames of the rows that are found; in a folded list also of those in closed groups.
+    const ErrorHistogram& shownFrames() const { return m_shownFrames; }
     /// What the kind of a row is known by.
     const sessions::Signature& signatureOf(int row);
 
@@ -106,6 +111,8 @@ private:
     bool m_isFolded = false;
     ErrorKinds m_kinds;
     int m_announcedMuted = 0;
+    bool m_isFiltered = false;
+    ErrorHistogram m_shownFrames;
     int m_stepTime = 10;
     ErrorListArrangement m_arrangement;
     QTimer m_timer; ///< Runs while there is something to do.

@@ -1,5 +1,6 @@
 #include "ErrorOverview.h"
 
+#include "ErrorListFilterProxyModel.h"
 #include "ErrorListModel.h"
 #include "PlainToolTip.h"
 
@@ -18,6 +19,7 @@ namespace {
 
 constexpr int repaintPause = 200; // milliseconds
 constexpr int leastBarWidth = 3; // pixels
+constexpr float faintness = 0.25F;
 
 bool isDark(const QPalette& palette)
 {
@@ -39,12 +41,18 @@ ErrorOverview::ErrorOverview(QWidget* parent)
     hide();
 }
 
-void ErrorOverview::setErrors(const ErrorListModel* errors)
+void ErrorOverview::setErrors(const ErrorListFilterProxyModel* shown)
 {
-    m_errors = errors;
-    connect(errors, &QAbstractItemModel::rowsInserted, this,
+    m_shown = shown;
+    m_errors = shown->errors();
+    // Rows that are found later are looked at a few times a second.
+    connect(shown, &QAbstractItemModel::modelReset, this, [this] {
+        if (!m_pause.isActive())
+            m_pause.start();
+    });
+    connect(m_errors, &QAbstractItemModel::rowsInserted, this,
         [this](const QModelIndex&, int first, int last) { count(first, last); });
-    connect(errors, &QAbstractItemModel::modelReset, this, &ErrorOverview::recount);
+    connect(m_errors, &QAbstractItemModel::modelReset, this, &ErrorOverview::recount);
     recount();
 }
 
@@ -71,6 +79,8 @@ void ErrorOverview::showCounts()
 {
     setVisible(m_histogram.lastFrame() > m_histogram.firstFrame());
     update();
+    if (m_shown->isFiltered() && !m_shown->isSettled())
+        m_pause.start();
 }
 
 QSize ErrorOverview::sizeHint() const
@@ -106,6 +116,15 @@ ErrorHistogram::Bin ErrorOverview::countsOf(int number) const
     return m_histogram.countOf(frames.first, frames.last);
 }
 
+/// The bins of both histograms begin at multiples of their widths, and no bin is wider than a bar.
+ErrorHistogram::Bin ErrorOverview::shownCountsOf(int number) const
+{
+    if (!m_shown->isFiltered())
+        return countsOf(number);
+    const Bar frames = bar(number);
+    return m_shown->shownFrames().countOf(frames.first, frames.last);
+}
+
 int ErrorOverview::barAt(int x) const
 {
     if (layoutDirection() == Qt::RightToLeft)
@@ -118,32 +137,49 @@ void ErrorOverview::paintEvent(QPaintEvent* event)
     Q_UNUSED(event)
     QPainter painter(this);
     painter.fillRect(rect(), palette().color(QPalette::Base));
-    const QColor error = isDark(palette()) ? QColor(255, 100, 90) : QColor(200, 30, 30);
-    const QColor warning = isDark(palette()) ? QColor(240, 200, 60) : QColor(190, 140, 0);
     const int count = barCount();
     std::uint32_t most = 1;
     for (int i = 0; i < count; ++i)
         most = std::max(most, countsOf(i).sum());
     const int room = height() - 4;
-    for (int i = 0; i < count; ++i) {
-        const ErrorHistogram::Bin counts = countsOf(i);
-        if (counts.sum() == 0)
-            continue;
+    const auto height = [most, room](const ErrorHistogram::Bin& counts) {
         const double part = std::log1p(counts.sum()) / std::log1p(most);
-        const int high = std::max(2, static_cast<int>(std::lround(part * room)));
-        const int errors = static_cast<int>(std::lround(double(high) * counts.errors / counts.sum()));
+        return counts.sum() == 0 ? 0 : std::max(2, static_cast<int>(std::lround(part * room)));
+    };
+    for (int i = 0; i < count; ++i) {
+        const ErrorHistogram::Bin all = countsOf(i);
+        if (all.sum() == 0)
+            continue;
         int left = width() * i / count;
         const int wide = std::max(1, width() * (i + 1) / count - left - 1);
         if (layoutDirection() == Qt::RightToLeft)
             left = width() - left - wide;
-        const int bottom = height() - 2;
-        painter.fillRect(left, bottom - errors, wide, errors, error);
-        painter.fillRect(left, bottom - high, wide, high - errors, warning);
+        const ErrorHistogram::Bin shown = shownCountsOf(i);
+        const int bottom = this->height() - 2;
+        if (shown.sum() < all.sum())
+            drawBar(painter, {left, bottom - height(all), wide, height(all)}, all, true);
+        drawBar(painter, {left, bottom - height(shown), wide, height(shown)}, shown, false);
         if (hasFocus() && i == m_current)
-            painter.fillRect(left, height() - 2, wide, 2, palette().color(QPalette::Highlight));
+            painter.fillRect(left, bottom, wide, 2, palette().color(QPalette::Highlight));
     }
     painter.setPen(palette().color(hasFocus() ? QPalette::Highlight : QPalette::Mid));
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+void ErrorOverview::drawBar(
+    QPainter& painter, const QRect& place, const ErrorHistogram::Bin& counts, bool isFaint) const
+{
+    if (place.isEmpty())
+        return;
+    QColor error = isDark(palette()) ? QColor(255, 100, 90) : QColor(200, 30, 30);
+    QColor warning = isDark(palette()) ? QColor(240, 200, 60) : QColor(190, 140, 0);
+    if (isFaint) {
+        error.setAlphaF(faintness);
+        warning.setAlphaF(faintness);
+    }
+    const int errors = static_cast<int>(std::lround(double(place.height()) * counts.errors / counts.sum()));
+    painter.fillRect(place.adjusted(0, place.height() - errors, 0, 0), error);
+    painter.fillRect(place.adjusted(0, 0, 0, -errors), warning);
 }
 
 QString ErrorOverview::toolTipOf(int number) const
@@ -151,8 +187,13 @@ QString ErrorOverview::toolTipOf(int number) const
     const Bar frames = bar(number);
     const ErrorHistogram::Bin counts = countsOf(number);
     const QLocale locale;
-    const QString counted =
-        tr("%1 errors, %2 warnings").arg(locale.toString(counts.errors), locale.toString(counts.warnings));
+    const auto words = [&locale](const ErrorHistogram::Bin& bin) {
+        return tr("%1 errors, %2 warnings").arg(locale.toString(bin.errors), locale.toString(bin.warnings));
+    };
+    const ErrorHistogram::Bin shown = shownCountsOf(number);
+    const QString counted = shown.sum() == counts.sum()
+        ? words(counts)
+        : tr("%1 (with hidden ones: %2)").arg(words(shown), words(counts));
     if (frames.first == frames.last)
         return tr("Frame %1: %2").arg(frames.first).arg(counted);
     return tr("Frames %1 to %2: %3").arg(frames.first).arg(frames.last).arg(counted);
@@ -173,12 +214,12 @@ void ErrorOverview::mousePressEvent(QMouseEvent* event)
         choose(nearestFilled(barAt(event->position().toPoint().x())));
 }
 
-/// The bar itself or the nearest one that is not empty.
+/// The bar itself or the nearest one with rows that are shown.
 int ErrorOverview::nearestFilled(int number) const
 {
     for (int distance = 0; distance < barCount(); ++distance) {
         for (const int other : {number - distance, number + distance}) {
-            if (other >= 0 && other < barCount() && countsOf(other).sum() > 0)
+            if (other >= 0 && other < barCount() && shownCountsOf(other).sum() > 0)
                 return other;
         }
     }
@@ -201,7 +242,7 @@ void ErrorOverview::keyPressEvent(QKeyEvent* event)
     const int step = event->key() == forward ? 1 : event->key() == back ? -1 : 0;
     if (step != 0) {
         int next = std::clamp(m_current, -1, barCount()) + step;
-        while (next >= 0 && next < barCount() && countsOf(next).sum() == 0)
+        while (next >= 0 && next < barCount() && shownCountsOf(next).sum() == 0)
             next += step;
         if (next < 0 || next >= barCount())
             return;
