@@ -17,6 +17,11 @@ namespace {
 /// Pixels between two columns.
 constexpr int gap = 8;
 
+QString frameText(const EntryStamp& stamp)
+{
+    return stamp.frame == ui::messages::noFrame ? QString() : QString::number(stamp.frame);
+}
+
 } // namespace
 
 ConsoleMargin::ConsoleMargin(const QTextEdit* view, const ConsoleHistory& history, QWidget* parent)
@@ -67,9 +72,7 @@ void ConsoleMargin::showIfUseful()
 
 int ConsoleMargin::foldWidth() const
 {
-    return m_showsRepeats || m_showsGroups
-        ? m_view->fontMetrics().horizontalAdvance(QStringLiteral("\u00D7 100,000")) + gap
-        : 0;
+    return m_showsRepeats || m_showsGroups ? m_view->fontMetrics().horizontalAdvance(m_widestFold) + gap : 0;
 }
 
 int ConsoleMargin::timeWidth() const
@@ -79,7 +82,7 @@ int ConsoleMargin::timeWidth() const
 
 int ConsoleMargin::frameWidth() const
 {
-    return m_showsStamps ? m_view->fontMetrics().horizontalAdvance(QStringLiteral("100000")) + gap : 0;
+    return m_showsStamps ? m_view->fontMetrics().horizontalAdvance(m_widestFrame) + gap : 0;
 }
 
 QSize ConsoleMargin::sizeHint() const
@@ -139,8 +142,24 @@ void ConsoleMargin::paintEvent(QPaintEvent* event)
         if (top < last + line)
             return;
         last = top;
+        makeRoomFor(entry);
         drawEntry(painter, entry, top + offset());
     });
+}
+
+/// The columns become wider for numbers with more digits, once this has been drawn.
+void ConsoleMargin::makeRoomFor(const ConsoleDocument::Shown& entry)
+{
+    const auto grow = [this](QString& widest, const QString& text) {
+        if (text.size() <= widest.size())
+            return;
+        widest = text;
+        QMetaObject::invokeMethod(this, &QWidget::updateGeometry, Qt::QueuedConnection);
+    };
+    if (m_showsRepeats || m_showsGroups)
+        grow(m_widestFold, foldText(entry));
+    if (m_showsStamps)
+        grow(m_widestFrame, frameText(entry.stamp));
 }
 
 void ConsoleMargin::drawEntry(QPainter& painter, const ConsoleDocument::Shown& entry, int y) const
@@ -156,6 +175,5 @@ void ConsoleMargin::drawEntry(QPainter& painter, const ConsoleDocument::Shown& e
     if (!m_showsStamps)
         return;
     draw(timeWidth(), timeText(entry.stamp.time));
-    draw(frameWidth(),
-        entry.stamp.frame == ui::messages::noFrame ? QString() : QString::number(entry.stamp.frame));
+    draw(frameWidth(), frameText(entry.stamp));
 }

@@ -40,6 +40,7 @@ private:
     void showIfUseful();
     int offset() const;
     QString foldText(const ConsoleDocument::Shown& entry) const;
+    void makeRoomFor(const ConsoleDocument::Shown& entry);
     void drawEntry(QPainter& painter, const ConsoleDocument::Shown& entry, int y) const;
     int foldWidth() const;
     int timeWidth() const;
@@ -47,6 +48,9 @@ private:
 
     const QTextEdit* m_view;
     const ConsoleHistory& m_history;
+    /// The longest texts that there is room for. Both grow with what is shown.
+    QString m_widestFold = QStringLiteral("\u00D7 100,000");
+    QString m_widestFrame = QStringLiteral("100000");
     bool m_showsStamps = false;
     bool m_showsRepeats = false;
     bool m_showsGroups = false;

@@ -1,9 +1,7 @@
 #include "Client.h"
-#include "ConsoleMargin.h"
 #include "ConsolePage.h"
 #include "Resources.h"
 
-#include <QMenu>
 #include <QPushButton>
 #include <QSignalSpy>
 
@@ -25,9 +23,6 @@ private Q_SLOTS:
     void wholeConsoleCanBeRead();
     void entriesAreFoundAgain();
     void manyEntriesAreMissing();
-    void repeatsAreFolded();
-    void groupsAreFolded();
-    void groupsAreFoldedByKeys();
 };
 
 void TestConsoleReader::readerStays()
@@ -304,163 +299,6 @@ void TestConsoleReader::manyEntriesAreMissing()
     page.autoScroll->click();
     QVERIFY(page.comesToRest());
     QVERIFY(page.document().toPlainText().endsWith(QStringLiteral("line 69999")));
-}
-
-void TestConsoleReader::repeatsAreFolded()
-{
-    Page page;
-    Console& console = page.page.console();
-    const auto shown = [&page] {
-        QStringList entries;
-        page.page.console().history().forEachShown([&](const ConsoleDocument::Shown& entry) {
-            QTextCursor cursor(&page.document());
-            cursor.setPosition(entry.range.start);
-            cursor.setPosition(entry.range.end, QTextCursor::KeepAnchor);
-            entries.append(
-                QStringLiteral("%1x%2")
-                    .arg(cursor.selectedText().remove(QRegularExpression(QStringLiteral("\\W"))).left(8))
-                    .arg(entry.count));
-            return true;
-        });
-        return entries.join(QLatin1Char(' '));
-    };
-    const QList<Message> mark{identified("mark", 1), make(Type::LineBreak)};
-    const auto receive = [&page, &mark] {
-        page.receive({text(Type::Information, "a")}, 3);
-        page.receive({text(Type::Error, "b")}, 2);
-        for (const Message& record : mark + mark)
-            page.page.receive(record);
-        page.receive({text(Type::Information, "a")}, 2);
-    };
-    const QString folded = QStringLiteral("ax3 Errorbx2 markID1x1 x1 markID1x1 x1 ax2");
-    receive();
-    QCOMPARE(shown().count(QLatin1Char('x')), 11);
-    console.setFoldsRepeats(true);
-    QCOMPARE(shown(), folded);
-    receive(); // at once
-    page.receive({text(Type::Warning, "w")}, 20'000); // in a flood
-    page.receive({text(Type::Information, "end")}, 1);
-    QVERIFY(page.comesToRest());
-    QVERIFY2(shown().startsWith(folded.chopped(1) + QStringLiteral("5 Errorbx2")), qPrintable(shown()));
-    QVERIFY2(shown().endsWith(QStringLiteral(" Warningwx20000 endx1")), qPrintable(shown()));
-    QCOMPARE(page.earlier(), 0);
-    // Each entry of those folded is there.
-    QVERIFY(console.showEntry(5000));
-    QCOMPARE(page.view->textCursor().block().text(), QStringLiteral("Warning"));
-    const QString top = page.topLine();
-    console.setFoldsRepeats(false);
-    QCOMPARE(page.topLine(), top);
-    page.autoScroll->click();
-    QVERIFY(page.comesToRest());
-    QCOMPARE(page.whyWrong(), QString());
-    QVERIFY(page.earlier() > 10'000);
-    console.setFoldsRepeats(true);
-    QVERIFY(page.comesToRest());
-    QVERIFY2(shown().endsWith(QStringLiteral(" Warningwx20000 endx1")), qPrintable(shown()));
-    QCOMPARE(page.earlier(), 0);
-}
-
-void TestConsoleReader::groupsAreFolded()
-{
-    Page page;
-    Console& console = page.page.console();
-    const auto line = [](const char* words) {
-        return text(Type::Information, words);
-    };
-    for (const Message& record :
-        {line("before"), identified("outer", 1), line("one"), identified("inner", 2), line("two"),
-            make(Type::LineBreak), text(Type::Error, "three"), make(Type::LineBreak), line("behind")})
-        page.page.receive(record);
-    const QString all = page.document().toPlainText();
-    const auto shown = [&page] {
-        return page.document()
-            .toPlainText()
-            .split(QLatin1Char('\n'), Qt::SkipEmptyParts)
-            .join(QLatin1Char(' '));
-    };
-    console.setFoldsGroups(true);
-    const QString folded = QStringLiteral("before outer (ID: 1) behind");
-    QCOMPARE(shown(), folded);
-    // A click in the margin opens the group, and closes it.
-    ConsoleMargin& margin = page.page.consoleMargin();
-    margin.setGroupsShown(true);
-    QCoreApplication::processEvents();
-    QTextCursor heading = page.document().find(QStringLiteral("outer"));
-    const auto clickBesideHeading = [&] {
-        const QPoint place =
-            page.view->viewport()->mapTo(&page.page, page.view->cursorRect(heading).center());
-        QTest::mouseClick(
-            &margin, Qt::LeftButton, {}, margin.mapFrom(&page.page, QPoint(0, place.y())) + QPoint(4, 0));
-        heading = page.document().find(QStringLiteral("outer"));
-    };
-    clickBesideHeading();
-    QCOMPARE(page.document().toPlainText(), all);
-    clickBesideHeading();
-    QCOMPARE(shown(), folded);
-    // New entries go into the group that is open, and into the view when it is left.
-    for (const Message& record : {identified("next", 3), line("four"), line("five")})
-        page.page.receive(record);
-    QVERIFY(shown().endsWith(QStringLiteral("behind next (ID: 3)")));
-    page.page.finish(QStringLiteral("The end"));
-    QVERIFY(shown().endsWith(QStringLiteral("next (ID: 3) The end")));
-    QVERIFY(console.showEntry(4));
-    QCOMPARE(page.view->textCursor().block().text(), QStringLiteral("outer (ID: 1)"));
-    console.setFoldsGroups(false);
-    page.autoScroll->setChecked(true);
-    QVERIFY(page.comesToRest());
-    QCOMPARE(page.whyWrong(), QString());
-}
-
-void TestConsoleReader::groupsAreFoldedByKeys()
-{
-    Page page;
-    page.receive(numbered(400), 400);
-    for (const Message& record : {identified("outer", 1), identified("inner", 2), text(Type::Error, "deep"),
-             make(Type::LineBreak), make(Type::LineBreak)})
-        page.page.receive(record);
-    page.receive(numbered(900), 500);
-    QVERIFY(page.comesToRest());
-    QVERIFY(QTest::qWaitForWindowActive(&page.page));
-    page.view->setFocus();
-    const auto group = [&page] {
-        const QString all = page.document().toPlainText();
-        return all.mid(all.indexOf(QStringLiteral("outer"))).section(QStringLiteral("line"), 0, 0);
-    };
-    const QString unfolded = group();
-    QStringList told;
-    connect(&page.page.console(), &Console::statusMessage, &page.page,
-        [&told](const QString& words) { told.append(words); });
-    const auto foldAt = [&page](const char* words) {
-        page.view->setTextCursor(page.document().find(QLatin1String(words)));
-        QTest::keyClick(page.view, Qt::Key_F9);
-        return page.view->textCursor().block().text();
-    };
-    QVERIFY(page.page.consoleMargin().isHidden());
-    QCOMPARE(foldAt("deep"), QStringLiteral("outer (ID: 1)"));
-    QVERIFY(!page.document().toPlainText().contains(QStringLiteral("deep")));
-    QVERIFY2(!page.page.consoleMargin().isHidden(), "tells that something is folded");
-    QVERIFY(!page.autoScroll->isChecked());
-    const QRect inView = page.view->viewport()->rect();
-    QVERIFY(inView.contains(page.view->cursorRect().center()));
-    QCOMPARE(foldAt("outer"), QStringLiteral("outer (ID: 1)"));
-    QCOMPARE(group(), unfolded);
-    QVERIFY(page.page.consoleMargin().isHidden());
-    QVERIFY(told.isEmpty());
-    QCOMPARE(foldAt("line 399"), QStringLiteral("line 399"));
-    QCOMPARE(told.size(), 1);
-    // The menu of the console has it as well, for the place of the click.
-    page.view->setTextCursor(page.document().find(QStringLiteral("inner")));
-    page.view->ensureCursorVisible();
-    const QPoint place = page.view->cursorRect().center();
-    page.view->moveCursor(QTextCursor::StartOfBlock);
-    Q_EMIT page.view->customContextMenuRequested(place);
-    auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-    QVERIFY(menu);
-    auto* fold = page.page.findChild<QAction*>(QStringLiteral("actionFoldGroup"));
-    QVERIFY(menu->actions().contains(fold) && fold->shortcut() == QKeySequence(Qt::Key_F9));
-    fold->trigger();
-    menu->close();
-    QVERIFY(!page.document().toPlainText().contains(QStringLiteral("inner")));
 }
 
 QTEST_MAIN(TestConsoleReader)
