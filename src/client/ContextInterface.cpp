@@ -69,7 +69,8 @@ void ContextInterface::addTableActions(QAbstractItemView& view, const QString& f
     const auto table = [&view] {
         return TextTable::of(*view.model());
     };
-    new TableActions(view, table);
+    auto* copying = new TableActions(view, table);
+    connect(copying, &TableActions::statusMessage, this, &ContextInterface::statusMessage);
     auto* exporting = new TableExport(&view);
     connect(exporting, &TableExport::ended, this,
         [this](bool, const QString& text) { Q_EMIT statusMessage(text); });

@@ -2,8 +2,6 @@
 
 #include <QAbstractItemView>
 #include <QAction>
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QItemSelectionModel>
 #include <QMenu>
 
@@ -15,6 +13,7 @@ TableActions::TableActions(QAbstractItemView& view, std::function<TextTable()> t
     , m_view(view)
     , m_table(std::move(table))
 {
+    connect(&m_copy, &TableCopy::statusMessage, this, &TableActions::statusMessage);
     auto* withHeaders = new QAction(tr("Copy with &Headers"), this);
     withHeaders->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_C));
     withHeaders->setShortcutContext(Qt::WidgetShortcut);
@@ -55,15 +54,9 @@ std::vector<int> TableActions::selectedRows(const QAbstractItemView& view)
     return rows;
 }
 
-void TableActions::copy(TextTable::Format format, bool hasHeader) const
+void TableActions::copy(TextTable::Format format, bool hasHeader)
 {
-    const std::vector<int> rows = selectedRows(m_view);
-    if (rows.empty())
-        return;
-    const TextTable table = m_table();
-    QString text = hasHeader ? table.header(format) : QString();
-    for (const int row : rows)
-        text += table.row(row, format);
-    text.chop(1); // the end of the last line
-    QGuiApplication::clipboard()->setText(text);
+    std::vector<int> rows = selectedRows(m_view);
+    if (!rows.empty())
+        m_copy.start(m_table(), std::move(rows), format, hasHeader);
 }

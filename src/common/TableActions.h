@@ -1,5 +1,6 @@
 #pragma once
 
+#include "TableCopy.h"
 #include "TextTable.h"
 
 #include <QObject>
@@ -22,10 +23,15 @@ public:
     /// The rows of a view that have selected cells, in their order.
     static std::vector<int> selectedRows(const QAbstractItemView& view);
 
+Q_SIGNALS:
+    /// What becomes of many rows, for the user.
+    void statusMessage(const QString& text);
+
 private:
     void add(QMenu& menu, const QString& text, TextTable::Format format, bool hasHeader);
-    void copy(TextTable::Format format, bool hasHeader) const;
+    void copy(TextTable::Format format, bool hasHeader);
 
     QAbstractItemView& m_view;
     std::function<TextTable()> m_table;
+    TableCopy m_copy{this};
 };

@@ -94,6 +94,7 @@ TextTable TextTable::of(const QAbstractItemModel& model)
         table.columns.push_back({title, title.toLower(), false});
     }
     table.rowCount = model.rowCount();
+    table.model = &model;
     table.cells = [&model](int row) {
         QStringList texts;
         for (int column = 0; column < model.columnCount(); ++column)

@@ -20,6 +20,8 @@ struct TextTable {
 
     std::vector<Column> columns;
     int rowCount = 0;
+    /// Where the cells come from: they are of use until its reset.
+    const QAbstractItemModel* model = nullptr;
     /// The cells of a row.
     std::function<QStringList(int row)> cells;
 

@@ -107,6 +107,7 @@ private Q_SLOTS:
     void keysGoToErrorsAndFrames();
     void rowsAreCopied_data();
     void rowsAreCopied();
+    void manyRowsAreCopiedInSteps();
     void rowsAreExported_data();
     void rowsAreExported();
     void exportsThatFailLeaveTheFile();
@@ -374,6 +375,42 @@ void TestErrorFolding::rowsAreCopied()
             action->trigger();
     }
     QTEST(QGuiApplication::clipboard()->text(), "text");
+}
+
+void TestErrorFolding::manyRowsAreCopiedInSteps()
+{
+    List list(false);
+    const ErrorListActions actions(list.view, list.filter, list.page);
+    QSignalSpy told(&actions, &ErrorListActions::statusMessage);
+    constexpr int count = 60'000;
+    for (int i = 0; i < count; ++i)
+        list.add(i % 2 ? SeverityError : SeverityWarning, i, "short");
+    QClipboard& clipboard = *QGuiApplication::clipboard();
+    clipboard.setText(QStringLiteral("old"));
+    list.view.selectAll();
+    QTest::keyClick(&list.view, Qt::Key_C, Qt::ControlModifier);
+    QCOMPARE(clipboard.text(), QStringLiteral("old"));
+    QCOMPARE(told.count(), 1);
+    // Rows that are not shown any more are copied all the same.
+    list.filter.setShowErrors(false);
+    QTRY_COMPARE(told.count(), 2);
+    const QStringList lines = clipboard.text().split(QLatin1Char('\n'));
+    QCOMPARE(lines.size(), count);
+    QCOMPARE(lines.last(), QStringLiteral("Error\t59999\t\t\tshort"));
+    // Those of a list that is cleared are not, and what is too much leaves the clipboard as it is.
+    clipboard.setText(QStringLiteral("old"));
+    const auto* menu = list.view.findChild<QMenu*>(QStringLiteral("menuCopyRows"));
+    list.view.selectAll();
+    menu->actions().first()->trigger();
+    list.model.clear();
+    QVERIFY(told.last().first().toString().startsWith(QStringLiteral("Nothing was copied")));
+    list.view.copying().setMostText(1000);
+    for (int i = 0; i < 100; ++i)
+        list.add(SeverityWarning, i, "too long");
+    list.view.selectAll();
+    QTest::keyClick(&list.view, Qt::Key_C, Qt::ControlModifier);
+    QVERIFY(told.last().first().toString().contains(QStringLiteral("too many for the clipboard")));
+    QCOMPARE(clipboard.text(), QStringLiteral("old"));
 }
 
 void TestErrorFolding::rowsAreExported_data()

@@ -133,7 +133,9 @@ void ErrorListActions::setRowOpener(const std::function<void(int)>& open)
 
 void ErrorListActions::addTableActions()
 {
-    new TableActions(m_view, [this] { return error_list::shownTable(m_filter); });
+    auto* copying = new TableActions(m_view, [this] { return error_list::shownTable(m_filter); });
+    connect(copying, &TableActions::statusMessage, this, &ErrorListActions::statusMessage);
+    connect(&m_view.copying(), &TableCopy::statusMessage, this, &ErrorListActions::statusMessage);
     connect(m_export, &TableExport::ended, this,
         [this](bool, const QString& text) { Q_EMIT statusMessage(text); });
     for (const bool all : {false, true}) {

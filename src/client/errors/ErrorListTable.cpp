@@ -77,6 +77,7 @@ TextTable groupTable(const ErrorListFilterProxyModel& filter)
         }
     }
     table.rowCount = static_cast<int>(groups->size());
+    table.model = filter.errors();
     table.cells = [groups, errors = filter.errors()](int row) -> QStringList {
         const ErrorListGroups::Group& group = (*groups)[static_cast<std::size_t>(row)];
         const Row first = errors->row(static_cast<int>(group.firstRow));
@@ -96,6 +97,7 @@ TextTable shownTable(const ErrorListFilterProxyModel& filter)
     TextTable table;
     table.columns = rowColumns();
     table.rowCount = filter.rowCount();
+    table.model = filter.errors();
     auto rows = std::make_shared<std::vector<int>>();
     rows->reserve(static_cast<std::size_t>(filter.rowCount()));
     for (int row = 0; row < filter.rowCount(); ++row)
@@ -111,6 +113,7 @@ TextTable wholeTable(const ErrorListModel& errors)
     TextTable table;
     table.columns = rowColumns();
     table.rowCount = errors.rowCount();
+    table.model = &errors;
     table.cells = [&errors](int row) {
         return cellsOf(errors.row(row));
     };

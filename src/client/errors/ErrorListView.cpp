@@ -15,20 +15,46 @@
 #include <QScrollBar>
 
 #include <algorithm>
+#include <bit>
+#include <cstdint>
+#include <numeric>
 
 namespace {
 
 /// Milliseconds between two scrolls to the end, each of which takes about one.
 constexpr int scrollPause = 50;
 
-/// A cell of tab-separated text, in quotes where it could be taken for several.
-QString quotedCell(QString text)
+/// Columns of a row of which cells are selected, as bits.
+struct SelectedRow {
+    int row;
+    std::uint32_t columns;
+};
+
+std::vector<SelectedRow> selectedCells(const QTableView& view)
 {
-    const bool isQuoted = std::any_of(text.cbegin(), text.cend(),
-        [](QChar character) { return QStringLiteral("\t\n\"").contains(character); });
-    if (!isQuoted)
-        return text;
-    return QLatin1Char('"') + text.replace(QLatin1Char('"'), QStringLiteral("\"\"")) + QLatin1Char('"');
+    std::vector<SelectedRow> rows;
+    for (const QItemSelectionRange& range : view.selectionModel()->selection()) {
+        std::uint32_t columns = 0;
+        for (int column = range.left(); column <= range.right(); ++column)
+            columns |= view.isColumnHidden(column) ? 0U : 1U << static_cast<unsigned>(column);
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.push_back({row, columns});
+    }
+    const auto isBefore = [](const SelectedRow& left, const SelectedRow& right) {
+        return left.row < right.row;
+    };
+    if (!std::is_sorted(rows.begin(), rows.end(), isBefore))
+        std::sort(rows.begin(), rows.end(), isBefore);
+    // Rows with cells of several ranges are one.
+    std::size_t kept = 0;
+    for (const SelectedRow& row : rows) {
+        if (kept > 0 && rows[kept - 1].row == row.row)
+            rows[kept - 1].columns |= row.columns;
+        else
+            rows[kept++] = row;
+    }
+    rows.resize(kept);
+    return rows;
 }
 
 } // namespace
@@ -194,8 +220,10 @@ void ErrorListView::sortBy(int column, Qt::SortOrder order)
 void ErrorListView::contextMenuEvent(QContextMenuEvent* event)
 {
     Q_EMIT contextMenuOpened();
-    const QModelIndexList selected = selectionModel() ? selectedIndexes() : QModelIndexList();
-    const QPersistentModelIndex cell = selected.value(0);
+    // Not by a list of all cells, of which there may be millions.
+    const QItemSelection selected = selectionModel() ? selectionModel()->selection() : QItemSelection();
+    const QPersistentModelIndex cell =
+        selected.isEmpty() ? QPersistentModelIndex() : selected.front().topLeft();
 
     // Rows arrive while the menu is open, and the tab may even be closed.
     const QPointer<ErrorListView> self(this);
@@ -311,35 +339,48 @@ void ErrorListView::mousePressEvent(QMouseEvent* event)
     QTableView::mousePressEvent(event);
 }
 
-void ErrorListView::copySelection() const
+void ErrorListView::copySelection()
 {
-    QModelIndexList cells = selectionModel() ? selectedIndexes() : QModelIndexList();
-    if (cells.isEmpty())
+    std::vector<SelectedRow> selected = selectionModel() ? selectedCells(*this) : std::vector<SelectedRow>();
+    if (selected.empty())
         return;
-    std::sort(cells.begin(), cells.end());
-    QString text;
-    if (cells.size() == 1)
-        text = cells.front().data().toString();
-    int row = -1;
-    for (qsizetype i = 0; cells.size() > 1 && i < cells.size(); ++i) {
-        if (cells[i].row() != row) {
-            if (i > 0)
-                text += QLatin1Char('\n');
-            row = cells[i].row();
-            text += severityText(cells[i]);
-        }
-        text += QLatin1Char('\t') + quotedCell(cells[i].data().toString());
+    if (selected.size() == 1 && std::has_single_bit(selected.front().columns)) {
+        const int column = std::countr_zero(selected.front().columns);
+        QGuiApplication::clipboard()->setText(model()->index(selected.front().row, column).data().toString());
+        return;
     }
-    QGuiApplication::clipboard()->setText(text);
-}
-
-QString ErrorListView::severityText(const QModelIndex& cell) const
-{
+    // Rows of the list behind the filter stay the same whatever is shown meanwhile; groups have none.
+    const bool isBehindFilter = filter() && !filter()->isFolded();
     const ErrorListModel* errors =
         filter() ? filter()->errors() : qobject_cast<const ErrorListModel*>(model());
+    if (isBehindFilter) {
+        for (SelectedRow& row : selected)
+            row.row = filter()->sourceRow(row.row);
+    }
+    TextTable table;
+    table.rowCount = static_cast<int>(selected.size());
+    table.model = isBehindFilter ? errors : model();
+    table.cells = [this, errors, isBehindFilter, model = table.model, rows = std::move(selected)](
+                      int number) {
+        const SelectedRow& row = rows[static_cast<std::size_t>(number)];
+        const bool isOfFilter = filter() && !isBehindFilter;
+        QStringList cells{severityText(errors, isOfFilter ? filter()->sourceRow(row.row) : row.row)};
+        for (int column = 0; column < model->columnCount(); ++column) {
+            if ((row.columns >> static_cast<unsigned>(column) & 1U) != 0)
+                cells.append(model->index(row.row, column).data().toString());
+        }
+        return cells;
+    };
+    std::vector<int> all(static_cast<std::size_t>(table.rowCount));
+    std::iota(all.begin(), all.end(), 0);
+    m_copy.start(table, std::move(all), TextTable::Format::Text, false);
+}
+
+QString ErrorListView::severityText(const ErrorListModel* errors, int row)
+{
     if (!errors)
         return {};
-    switch (errors->severity(filter() ? filter()->sourceRow(cell.row()) : cell.row())) {
+    switch (errors->severity(row)) {
     case error_list::SeverityError:
         return tr("Error");
     case error_list::SeverityWarning:

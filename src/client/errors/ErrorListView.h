@@ -2,6 +2,7 @@
 
 #include "EndFollower.h"
 #include "ErrorListPlace.h"
+#include "TableCopy.h"
 
 #include <QPoint>
 #include <QTableView>
@@ -12,6 +13,7 @@
 #include <vector>
 
 class ErrorListFilterProxyModel;
+class ErrorListModel;
 class QMenu;
 
 /// The table of a client's errors and warnings. Its context menu, which also has the view's actions, a double
@@ -44,6 +46,8 @@ public:
     /// Scrolls to the last row, if that is to be followed: at once, or within a short time where the view has
     /// just scrolled. A hidden view scrolls when it is shown.
     void followEnd();
+    /// What Ctrl+C copies with.
+    TableCopy& copying() { return m_copy; }
 
 Q_SIGNALS:
     void contextMenuOpened();
@@ -70,8 +74,8 @@ private:
     void toggle(int group);
     bool openWithKey(const QKeyEvent& event);
     void placeCountColumn();
-    void copySelection() const;
-    QString severityText(const QModelIndex& cell) const;
+    void copySelection();
+    static QString severityText(const ErrorListModel* errors, int row);
     ErrorListFilterProxyModel* filter() const;
     void setUpRows();
     void setUpColumns();
@@ -79,6 +83,7 @@ private:
     std::function<void(int)> m_openRow;
     EndFollower m_follower;
     ErrorListPlace m_place; ///< While a filter resets the model.
+    TableCopy m_copy{this};
     bool m_isPlaceKept = false; ///< The reader comes back to the place when the filter has found all rows.
     QTimer m_scrollPause;
     bool m_isScrollPending = false; ///< The end is to be shown after the pause, or when the view is shown.
