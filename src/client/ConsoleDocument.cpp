@@ -70,7 +70,7 @@ void ConsoleDocument::write(Entry& entry, ConsoleWriter& writer)
 ConsoleDocument::Entry ConsoleDocument::entryOf(ConsoleItem item)
 {
     const int weight = console_entry::weight(item.bytes);
-    return {std::move(item.bytes), item.serial, item.place, item.count, item.stamp, weight, 0};
+    return {std::move(item.bytes), item.serial, item.place, item.count, item.isCut, item.stamp, weight, 0};
 }
 
 void ConsoleDocument::append(ConsoleItem item)
@@ -456,9 +456,9 @@ void ConsoleDocument::forEachShown(const std::function<bool(const Shown&)>& func
     int position = m_headLength;
     for (std::size_t i = m_first; i < m_entries.size(); ++i) {
         const Entry& entry = m_entries[i];
-        if (!function(
-                {entry.serial, entry.count, console_entry::groupOf(entry.bytes, entry.serial, entry.place),
-                    entry.stamp, {position, position + entry.length}}))
+        if (!function({entry.serial, entry.count, entry.isCut,
+                console_entry::groupOf(entry.bytes, entry.serial, entry.place), entry.stamp,
+                {position, position + entry.length}}))
             break;
         position += entry.length;
     }

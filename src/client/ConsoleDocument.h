@@ -98,6 +98,7 @@ public:
     struct Shown {
         std::uint64_t serial;
         std::uint64_t count; ///< Of this and the entries behind it that are folded into it.
+        bool isCut; ///< There are more before it, which are not counted.
         std::optional<std::uint64_t> group; ///< The entry that opens the outermost group around it.
         EntryStamp stamp;
         Range range;
@@ -120,6 +121,7 @@ private:
         std::uint64_t serial = 0;
         GroupPlace place;
         std::uint64_t count = 1; ///< Of this and the entries behind it that are folded into it.
+        bool isCut = false; ///< There are more before it, which are not counted.
         EntryStamp stamp;
         int weight = 1;
         int length = 0; ///< Characters in the document.

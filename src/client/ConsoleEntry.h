@@ -29,6 +29,7 @@ struct ConsoleItem {
     EntryStamp stamp;
     GroupPlace place = {};
     std::uint64_t count = 1; ///< Of this and the entries behind it that are folded into it.
+    bool isCut = false; ///< There are more before it, which are not counted.
 };
 
 /// Entries of the console: records that it shows, cut to the bytes that it takes to draw or save them again.

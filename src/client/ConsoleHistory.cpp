@@ -41,6 +41,12 @@ bool isSeparator(QChar character)
     return character == QChar::ParagraphSeparator || character == frameStart || character == frameEnd;
 }
 
+/// The line that stands for missing entries takes the place of the last of them.
+std::uint64_t itemSerial(const ConsoleSpool::Reader& reader)
+{
+    return reader.isEntry() ? reader.serial() : reader.serial() - 1;
+}
+
 } // namespace
 
 ConsoleHistory::ConsoleHistory(
@@ -106,7 +112,7 @@ std::vector<ConsoleItem> ConsoleHistory::itemsAround(std::uint64_t serial, int w
         itemsFrom(serial - std::min(available, before), serial, weight, reachesEnd);
     // Where many are folded into few, those before them have to be read as well.
     while (m_folding && m_folding->isActive() && before < std::min(available, mostRead) && !items.empty()
-        && items.size() < static_cast<std::size_t>(weight)) {
+        && (items.size() < static_cast<std::size_t>(weight) || items.front().isCut)) {
         before *= 8;
         items = itemsFrom(serial - std::min(available, before), serial, weight, reachesEnd);
     }
@@ -116,8 +122,13 @@ std::vector<ConsoleItem> ConsoleHistory::itemsAround(std::uint64_t serial, int w
 std::vector<ConsoleItem> ConsoleHistory::itemsFrom(
     std::uint64_t first, std::uint64_t serial, int weight, bool& reachesEnd) const
 {
-    ConsoleSpool::Reader reader(m_spool, first);
+    // The entry before the first one tells whether that is in the middle of what is folded.
+    ConsoleSpool::Reader reader(m_spool, std::max(first, m_spool.firstSerial() + 1) - 1);
     reader.followGroups();
+    const auto folds = [this, &reader](std::string_view former, std::string_view entry) {
+        return m_folding && m_folding->folds(former, entry, reader.place());
+    };
+    std::optional<std::string> former;
     std::deque<ConsoleItem> items;
     int weightBefore = 0;
     int weightBehind = 0;
@@ -125,10 +136,14 @@ std::vector<ConsoleItem> ConsoleHistory::itemsFrom(
     std::string_view entry;
     reachesEnd = true;
     while (reader.next(entry)) {
+        if (reader.serial() < first) {
+            former = entry;
+            continue;
+        }
         const bool isBefore = reader.serial() < serial;
         // Counted, as serial numbers leap over entries that are missing.
         readBehind += isBefore ? 0 : 1;
-        if (m_folding && !items.empty() && m_folding->folds(items.back().bytes, entry, reader.place())) {
+        if (!items.empty() && folds(items.back().bytes, entry)) {
             ++items.back().count;
             continue;
         }
@@ -137,14 +152,16 @@ std::vector<ConsoleItem> ConsoleHistory::itemsFrom(
             break;
         }
         (isBefore ? weightBefore : weightBehind) += console_entry::weight(entry);
-        // The line that stands for missing entries takes the place of the last of them.
-        items.push_back({std::string(entry), reader.isEntry() ? reader.serial() : reader.serial() - 1,
-            reader.stamp(), reader.place()});
+        items.push_back({std::string(entry), itemSerial(reader), reader.stamp(), reader.place()});
+        items.back().isCut = items.size() == 1 && former && folds(*former, entry);
+        former.reset();
         while (isBefore && weightBefore > weight && items.size() > 1) {
             weightBefore -= console_entry::weight(items.front().bytes);
             items.pop_front();
         }
     }
+    if (items.size() > 1 && items.front().isCut && items[1].serial <= serial)
+        items.pop_front();
     return {std::make_move_iterator(items.begin()), std::make_move_iterator(items.end())};
 }
 
@@ -155,7 +172,18 @@ void ConsoleHistory::reloadLive()
     std::vector<ConsoleItem> items =
         itemsAround(end, static_cast<int>(ConsoleDocument::liveEntries), reachesEnd);
     const std::uint64_t first = items.empty() ? end : items.front().serial;
-    m_live.load(std::move(items), first - m_spool.firstSerial(), m_spool.outlineBefore(first));
+    const std::uint64_t earlier = items.empty() ? first - m_spool.firstSerial() : earlierThan(items.front());
+    m_live.load(std::move(items), earlier, m_spool.outlineBefore(first));
+}
+
+/// The number of entries before an item. The line at the very start that stands for missing entries has none
+/// before it that could be seen.
+std::uint64_t ConsoleHistory::earlierThan(const ConsoleItem& item) const
+{
+    ConsoleSpool::Reader reader(m_spool);
+    std::string_view entry;
+    const bool isFirst = reader.next(entry) && itemSerial(reader) >= item.serial;
+    return isFirst ? 0 : item.serial - m_spool.firstSerial();
 }
 
 void ConsoleHistory::reload()
@@ -187,7 +215,8 @@ void ConsoleHistory::showAround(std::uint64_t serial, int y, Live live)
         const std::uint64_t first = items.front().serial;
         m_live.release();
         m_isShown = true;
-        m_window.load(std::move(items), first - m_spool.firstSerial(), m_spool.outlineBefore(first));
+        const std::uint64_t earlier = earlierThan(items.front());
+        m_window.load(std::move(items), earlier, m_spool.outlineBefore(first));
         m_window.show();
         m_window.close(tr("Newer entries have arrived. Tick \"Auto-scroll\" to see them."));
     }

@@ -92,6 +92,7 @@ private:
     bool isNearEnd() const;
     enum class Live { AsItIs, Reloaded };
     void showAround(std::uint64_t serial, int y, Live live = Live::AsItIs);
+    std::uint64_t earlierThan(const ConsoleItem& item) const;
     std::vector<ConsoleItem> itemsAround(std::uint64_t serial, int weight, bool& reachesEnd) const;
     std::vector<ConsoleItem> itemsFrom(
         std::uint64_t first, std::uint64_t serial, int weight, bool& reachesEnd) const;

@@ -62,10 +62,16 @@ void ConsoleMargin::setGroupsShown(bool shown)
 void ConsoleMargin::showIfUseful()
 {
     setVisible(m_showsStamps || m_showsRepeats || m_showsGroups);
-    setToolTip(
-        (m_showsGroups ? tr("Click beside a group to fold or unfold it (F9 at the cursor)") : QString())
-        + (m_showsGroups && m_showsStamps ? QStringLiteral("\n") : QString())
-        + (m_showsStamps ? tr("The time at which each entry arrived, and its frame") : QString()));
+    QStringList tips;
+    if (m_showsGroups)
+        tips += tr("Click beside a group to fold or unfold it (F9 at the cursor)");
+    if (m_showsRepeats)
+        tips += tr(
+            "\u00D7: how often an entry came in a row. With a + even more often: it was not counted from its "
+            "first time on.");
+    if (m_showsStamps)
+        tips += tr("The time at which each entry arrived, and its frame");
+    setToolTip(tips.join(QLatin1Char('\n')));
     updateGeometry();
     update();
 }
@@ -107,12 +113,16 @@ int ConsoleMargin::offset() const
 
 QString ConsoleMargin::foldText(const ConsoleDocument::Shown& entry) const
 {
-    const auto count = static_cast<qulonglong>(entry.count);
+    const auto number = [&entry](std::uint64_t count) {
+        return QLocale().toString(static_cast<qulonglong>(count))
+            + (entry.isCut ? QStringLiteral("+") : QString());
+    };
+    const bool isFolded = entry.count > 1;
     if (!entry.opensGroup())
-        return count > 1 ? QStringLiteral("\u00D7 ") + QLocale().toString(count) : QString();
+        return isFolded ? QStringLiteral("\u00D7 ") + number(entry.count) : QString();
     if (!m_showsGroups)
         return {};
-    return count > 1 ? QStringLiteral("\u25B8 ") + QLocale().toString(count - 1) : QStringLiteral("\u25BE");
+    return isFolded ? QStringLiteral("\u25B8 ") + number(entry.count - 1) : QStringLiteral("\u25BE");
 }
 
 void ConsoleMargin::mousePressEvent(QMouseEvent* event)

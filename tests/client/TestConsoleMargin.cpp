@@ -29,6 +29,7 @@ private Q_SLOTS:
     void colorsCanBeRead_data();
     void colorsCanBeRead();
     void repeatsAreFolded();
+    void repeatsAreCountedFromTheFirstOn();
     void groupsAreFolded();
     void groupsAreFoldedByKeys();
 
@@ -278,6 +279,36 @@ void TestConsoleMargin::repeatsAreFolded()
     QVERIFY(page.comesToRest());
     QVERIFY2(shown().endsWith(QStringLiteral(" Warningwx20000 endx1")), qPrintable(shown()));
     QCOMPARE(page.earlier(), 0);
+}
+
+/// Where earlier entries are brought back, they begin somewhere in the middle.
+void TestConsoleMargin::repeatsAreCountedFromTheFirstOn()
+{
+    Page page;
+    Console& console = page.page.console();
+    const auto firstShown = [&console] {
+        std::optional<ConsoleDocument::Shown> first;
+        console.history().forEachShown([&first](const ConsoleDocument::Shown& entry) {
+            first = entry;
+            return false;
+        });
+        return first;
+    };
+    for (int i = 0; i < 1000; ++i)
+        page.receive({text(Type::Information, "three times " + std::to_string(i))}, 3);
+    page.receive({text(Type::Information, "often")}, 110'000);
+    page.receive(numbered(1000), 1000);
+    console.setFoldsRepeats(true);
+    QVERIFY(page.comesToRest());
+    for (const std::uint64_t serial : {1500U, 1501U, 1502U}) {
+        QVERIFY(console.showEntry(0) && console.showEntry(serial));
+        QVERIFY(firstShown()->serial > 0);
+        QCOMPARE(firstShown()->count, std::uint64_t(3));
+        QVERIFY(!firstShown()->isCut);
+    }
+    // Too many to be read at once: this is said.
+    QVERIFY(console.showEntry(112'999));
+    QVERIFY(firstShown()->isCut && firstShown()->count > 50'000);
 }
 
 void TestConsoleMargin::groupsAreFolded()

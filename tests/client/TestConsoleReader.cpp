@@ -290,9 +290,10 @@ void TestConsoleReader::manyEntriesAreMissing()
         QVERIFY(console.showEntry(entry));
         const QString shown = page.document().toPlainText();
         QVERIFY2(shown.contains(QStringLiteral(" entries are missing here")), qPrintable(shown.left(200)));
-        QVERIFY2(shown.count(QLatin1Char('\n')) > 200, "with entries behind them");
+        QVERIFY2(shown.count(QLatin1Char('\n')) >= 200, "with entries behind them");
         page.view->verticalScrollBar()->setValue(0);
         QCoreApplication::processEvents();
+        QCOMPARE(page.earlier(), 0);
     }
     QVERIFY(console.showEntry(69'000));
     QCOMPARE(page.view->textCursor().selectedText(), QStringLiteral("line 69000"));
