@@ -3,7 +3,6 @@
 #include "Client.h"
 #include "ClientInterface.h"
 #include "ClientListButton.h"
-#include "ConsoleSaver.h"
 #include "PlainToolTip.h"
 #include "UnseenBadge.h"
 #include "UnseenErrors.h"
@@ -103,7 +102,7 @@ void ClientTabWidget::closeFinishedTabs()
     while (i < count()) {
         const ClientInterface* page = pageAt(i);
         if (page && page->state() == ClientInterface::State::Finished && page->session().isEmpty()
-            && !page->saver().isBusy()) {
+            && !page->isBusy()) {
             removePage(i);
             i = 0;
         } else {
@@ -147,7 +146,7 @@ void ClientTabWidget::removePage(int index)
     QWidget* page = widget(index);
     removeTab(index);
     auto* clientPage = qobject_cast<ClientInterface*>(page);
-    if (clientPage && clientPage->saver().isBusy())
+    if (clientPage && clientPage->isBusy())
         clientPage->closeOnceSaved();
     else
         delete clientPage;
@@ -155,9 +154,9 @@ void ClientTabWidget::removePage(int index)
 
 bool ClientTabWidget::isSaving() const
 {
-    const QList<ConsoleSaver*> savers = findChildren<ConsoleSaver*>();
+    const QList<ClientInterface*> pages = findChildren<ClientInterface*>();
     return std::any_of(
-        savers.begin(), savers.end(), [](const ConsoleSaver* saver) { return saver->isSaving(); });
+        pages.begin(), pages.end(), [](const ClientInterface* page) { return page->isSaving(); });
 }
 
 void ClientTabWidget::addPlaceholder()

@@ -48,7 +48,7 @@ public:
     /// so. An index that no tab has changes nothing.
     void closeTabAt(int index);
 
-    /// True while the console of a page, also of one whose tab is closed, is being saved.
+    /// True while the console or rows of a page, also of one whose tab is closed, are being saved.
     bool isSaving() const;
 
     /// The page of a client; none once its tab is closed.

@@ -34,6 +34,7 @@
 #include "SystemReportPage.h"
 #include "SystemReportViewer.h"
 #include "TSRStats.h"
+#include "TableExport.h"
 #include "ThemeMenu.h"
 #include "WindowController.h"
 #include "WindowState.h"
@@ -325,6 +326,7 @@ void MainWindow::followClient(Client* client, ClientInterface* page)
     connect(&page->console(), &Console::zoomWanted, m_consoleFontSize, &ConsoleFontSize::change);
     // Its page is done with the save as well before the window closes.
     connect(&page->saver(), &ConsoleSaver::ended, this, &MainWindow::consoleSaved, Qt::QueuedConnection);
+    connect(&page->rowExport(), &TableExport::ended, this, &MainWindow::consoleSaved, Qt::QueuedConnection);
     if (m_windowState)
         m_windowState->follow(*page);
     m_consoleView->follow(*page);

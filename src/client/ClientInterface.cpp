@@ -16,6 +16,7 @@
 #include "GlEnumerants.h"
 #include "ItemFind.h"
 #include "RecordText.h"
+#include "TableExport.h"
 #include "UnseenBadge.h"
 #include "UnseenErrors.h"
 #include "ui_ClientInterface.h"
@@ -438,9 +439,31 @@ void ClientInterface::closeOnceSaved()
     if (m_client)
         m_client->disconnect(this);
     hide();
-    connect(m_saver, &ConsoleSaver::busyChanged, this, [this](bool busy) {
-        if (!busy)
+    const auto closeIfDone = [this] {
+        if (!isBusy())
             deleteLater();
+    };
+    connect(m_saver, &ConsoleSaver::busyChanged, this, closeIfDone);
+    for (const TableExport* rows : findChildren<TableExport*>())
+        connect(rows, &TableExport::done, this, closeIfDone);
+}
+
+const TableExport& ClientInterface::rowExport() const
+{
+    return m_errorListActions->rowExport();
+}
+
+bool ClientInterface::isSaving() const
+{
+    return m_saver->isSaving() || rowExport().isSaving();
+}
+
+bool ClientInterface::isBusy() const
+{
+    // Each context has exports of its own.
+    const QList<TableExport*> exports = findChildren<TableExport*>();
+    return m_saver->isBusy() || std::any_of(exports.begin(), exports.end(), [](const TableExport* rows) {
+        return rows->isBusy();
     });
 }
 

@@ -20,6 +20,7 @@ class ErrorListFilterProxyModel;
 class ErrorListModel;
 class KeptFilters;
 class MutedErrors;
+class TableExport;
 class UnseenErrors;
 class QAction;
 
@@ -77,6 +78,12 @@ public:
     Console& console() { return *m_console; }
     ConsoleMargin& consoleMargin() { return *m_margin; }
     const ConsoleSaver& saver() const { return *m_saver; }
+    /// Writes rows of the error list to files.
+    const TableExport& rowExport() const;
+    /// True while a file is being written.
+    bool isSaving() const;
+    /// True from the question for a file until it is saved.
+    bool isBusy() const;
 
     /// Puts an action, which is not the page's own, into the menu of the console.
     void addConsoleAction(QAction* action);
@@ -95,8 +102,8 @@ public:
     /// Shows one of these pages and gives it the focus.
     void showSubPage(int index);
 
-    /// For the page of a closed tab while its saver is busy: the page takes no more records, and destroys
-    /// itself when the saver is done.
+    /// For the page of a closed tab while it is busy: it takes no more records, and destroys itself when it
+    /// is done.
     void closeOnceSaved();
 
 public Q_SLOTS:

@@ -71,11 +71,6 @@ TableExport::TableExport(QWidget* parent)
 
 TableExport::~TableExport() = default;
 
-bool TableExport::isBusy() const
-{
-    return m_job || m_dialog;
-}
-
 void TableExport::ask(const QString& title, const QString& name, std::function<TextTable()> table)
 {
     if (isBusy())
@@ -96,6 +91,11 @@ void TableExport::ask(const QString& title, const QString& name, std::function<T
     });
     connect(dialog, &QFileDialog::fileSelected, this,
         [this, table = std::move(table)](const QString& path) { save(path, table()); });
+    connect(dialog, &QObject::destroyed, this, [this] {
+        m_dialog = nullptr; // a QPointer is cleared only later
+        if (!isBusy())
+            Q_EMIT done();
+    });
     m_dialog = dialog;
     dialog->open();
 }
@@ -142,4 +142,6 @@ void TableExport::finish(bool saved, const QString& text)
 {
     m_job.reset();
     Q_EMIT ended(saved, text);
+    if (!isBusy())
+        Q_EMIT done();
 }

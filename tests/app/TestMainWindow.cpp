@@ -6,10 +6,12 @@
 #include "DesktopNotifier.h"
 #include "DialogAnswers.h"
 #include "ErrorListModel.h"
+#include "ErrorListTable.h"
 #include "FeedbackDialog.h"
 #include "MetaObjects.h"
 #include "Resources.h"
 #include "Session.h"
+#include "TableExport.h"
 
 #include <QFileDialog>
 #include <QFontComboBox>
@@ -62,6 +64,7 @@ private Q_SLOTS:
     void closingTheWindowTellsEveryClient();
     void questionForAFileKeepsItsTab();
     void closingWaitsForASave();
+    void rowsOfAClosedTabAreExported();
     void destructionDuringAFlood();
     void savingTabIsCompleted();
     void statusCounts();
@@ -290,6 +293,28 @@ void TestMainWindow::closingWaitsForASave()
     QCOMPARE(QFileInfo(path).size(), size);
     QVERIFY(session.window.end());
     QCOMPARE(application.receivedTypes(), QList<quint32>({11}));
+}
+
+void TestMainWindow::rowsOfAClosedTabAreExported()
+{
+    Session session;
+    session.window.show();
+    session.connectApplication();
+    const QPointer<ClientInterface> page = session.tabs().pageAt(0);
+    constexpr int count = 20'000;
+    for (int i = 0; i < count; ++i)
+        page->receive(text(Type::Error, "x"));
+    QFile file(QDir::tempPath() + QStringLiteral("/rows.csv"));
+    auto& rows = *page->findChild<TableExport*>();
+    rows.save(file.fileName(), error_list::wholeTable(page->errorListModel()));
+    QVERIFY(rows.isSaving());
+    session.window.closeTab(0);
+    session.window.close();
+    QVERIFY(page && session.window.isVisible());
+    QTRY_VERIFY(!session.window.isVisible());
+    QVERIFY(!page);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll().count('\n'), count + 1);
 }
 
 void TestMainWindow::destructionDuringAFlood()

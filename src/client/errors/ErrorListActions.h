@@ -33,6 +33,8 @@ public:
     /// Goes to the first row of these frames, or to one of the nearest frame.
     void goToFrames(int first, int last);
 
+    const TableExport& rowExport() const { return *m_export; }
+
 Q_SIGNALS:
     /// A text that the status bar is to show.
     void statusMessage(const QString& text);
