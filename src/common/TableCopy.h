@@ -21,6 +21,8 @@ public:
     /// Copies these rows, in place of those that are still being copied.
     void start(const TextTable& table, std::vector<int> rows, TextTable::Format format, bool hasHeader);
 
+    bool isBusy() const { return m_job != nullptr; }
+
 Q_SIGNALS:
     /// What becomes of rows that take longer, for the user.
     void statusMessage(const QString& text);
