@@ -21,9 +21,11 @@
 
 #include <cstdlib>
 
-/// The profile page of the real program and the folder of its profiles, which holds "mine.xml" before each
-/// case. Driven by clicks and keys; what counts is what is in the files then.
-class ProfilePanelDriver {
+/// A test of the profile page of the real program, and of the folder of its profiles, which holds "mine.xml"
+/// before each case. Driven by clicks and keys; what counts is what is in the files then.
+class ProfilePanelDriver : public QObject {
+    Q_OBJECT
+
 public:
     ProfilePanelDriver(MainWindow& window, const QString& folder)
         : m_window(window)
@@ -31,8 +33,8 @@ public:
     {
     }
 
-protected:
-    void showPanel()
+private Q_SLOTS:
+    void initTestCase()
     {
         m_window.resize(1100, 750);
         m_window.show();
@@ -41,7 +43,7 @@ protected:
         QVERIFY(QTest::qWaitForWindowActive(&m_window));
     }
 
-    void chooseMine()
+    void init()
     {
         write(QStringLiteral("mine.xml"), m_xml.toUtf8());
         m_window.reloadProfiles();
@@ -51,7 +53,7 @@ protected:
             tree(view)->expandAll();
     }
 
-    void leavePanel()
+    void cleanup()
     {
         QCOMPARE(m_answers.problems(), QStringList());
         if (isModifying())
@@ -61,6 +63,7 @@ protected:
             QFile::remove(path(file));
     }
 
+protected:
     template <typename T = QWidget> T* find(const char* name) const
     {
         return m_window.findChild<T*>(QString::fromLatin1(name));
@@ -124,6 +127,9 @@ protected:
         return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QStringLiteral("none");
     }
     QStringList files() const { return QDir(m_folder).entryList(QDir::Files); }
+
+    const QString fileNameTitle = QStringLiteral("Choose a file name");
+    const QString saveTitle = QStringLiteral("Save changes");
 
     MainWindow& m_window;
     QString m_folder;

@@ -10,9 +10,6 @@
 
 namespace {
 
-const QString fileNameTitle = QStringLiteral("Choose a file name");
-const QString saveTitle = QStringLiteral("Save changes");
-
 /// A script in the launcher's place while this lives.
 class FakeLauncher {
 public:
@@ -38,17 +35,13 @@ private:
 } // namespace
 
 /// Profiles that are made of what is there, and programs that are run with them.
-class TestNewProfiles : public QObject, private ProfilePanelDriver {
+class TestNewProfiles : public ProfilePanelDriver {
     Q_OBJECT
 
 public:
     using ProfilePanelDriver::ProfilePanelDriver;
 
 private Q_SLOTS:
-    void initTestCase() { showPanel(); }
-    void init() { chooseMine(); }
-    void cleanup() { leavePanel(); }
-
     void profilesOfTheMachine();
     void profilesOfAClient();
     void programsSeeTheChosenProfile();

@@ -16,17 +16,13 @@ QString row(const QModelIndex& index)
 } // namespace
 
 /// The profile page and its trees: viewing, editing, adding and deleting.
-class TestProfilePanel : public QObject, private ProfilePanelDriver {
+class TestProfilePanel : public ProfilePanelDriver {
     Q_OBJECT
 
 public:
     using ProfilePanelDriver::ProfilePanelDriver;
 
 private Q_SLOTS:
-    void initTestCase() { showPanel(); }
-    void init() { chooseMine(); }
-    void cleanup() { leavePanel(); }
-
     void slotsStandInOrder();
     void viewingAndModifying();
     void savingChangesOneValue();

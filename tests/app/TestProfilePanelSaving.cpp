@@ -5,25 +5,14 @@
 #include <QStatusBar>
 #include <QToolTip>
 
-namespace {
-
-const QString fileNameTitle = QStringLiteral("Choose a file name");
-const QString saveTitle = QStringLiteral("Save changes");
-
-} // namespace
-
 /// What becomes of edits, and the questions about it.
-class TestProfilePanelSaving : public QObject, private ProfilePanelDriver {
+class TestProfilePanelSaving : public ProfilePanelDriver {
     Q_OBJECT
 
 public:
     using ProfilePanelDriver::ProfilePanelDriver;
 
 private Q_SLOTS:
-    void initTestCase() { showPanel(); }
-    void init() { chooseMine(); }
-    void cleanup() { leavePanel(); }
-
     void readOnlyIsSavedAsACopy();
     void saveAsLeavesTheOriginal();
     void anotherProfileAsksFirst();

@@ -20,7 +20,8 @@
 namespace {
 
 /// Stands in for the launcher: leaves its process's number and what it was given in "seen", then runs the
-/// program and passes SIGTERM on. The trap comes first, since the program may be ready before the next line is read.
+/// program and passes SIGTERM on. The trap comes first, since the program may be ready before the next line
+/// is read.
 constexpr const char* fakeLauncher = R"(#!/bin/sh
 { echo $$; printf '%s|' "$PWD" "$GREETING" "$@"; echo; } >>"$SEEN"
 shift 3
