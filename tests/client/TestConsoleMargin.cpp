@@ -182,6 +182,7 @@ void TestConsoleMargin::foldedEntriesAreCounted()
 void TestConsoleMargin::numbersHaveRoom()
 {
     Page page;
+    page.page.resize(1000, 400);
     ConsoleMargin& margin = page.page.consoleMargin();
     margin.setStampsShown(true);
     add(page, "usual", 0, 99'999);

@@ -142,7 +142,7 @@ void ErrorOverview::paintEvent(QPaintEvent* event)
     for (int i = 0; i < count; ++i)
         most = std::max(most, countsOf(i).sum());
     const int room = height() - 4;
-    const auto height = [most, room](const ErrorHistogram::Bin& counts) {
+    const auto heightOf = [most, room](const ErrorHistogram::Bin& counts) {
         const double part = std::log1p(counts.sum()) / std::log1p(most);
         return counts.sum() == 0 ? 0 : std::max(2, static_cast<int>(std::lround(part * room)));
     };
@@ -155,10 +155,10 @@ void ErrorOverview::paintEvent(QPaintEvent* event)
         if (layoutDirection() == Qt::RightToLeft)
             left = width() - left - wide;
         const ErrorHistogram::Bin shown = shownCountsOf(i);
-        const int bottom = this->height() - 2;
+        const int bottom = height() - 2;
         if (shown.sum() < all.sum())
-            drawBar(painter, {left, bottom - height(all), wide, height(all)}, all, true);
-        drawBar(painter, {left, bottom - height(shown), wide, height(shown)}, shown, false);
+            drawBar(painter, {left, bottom - heightOf(all), wide, heightOf(all)}, all, true);
+        drawBar(painter, {left, bottom - heightOf(shown), wide, heightOf(shown)}, shown, false);
         if (hasFocus() && i == m_current)
             painter.fillRect(left, bottom, wide, 2, palette().color(QPalette::Highlight));
     }
