@@ -479,6 +479,14 @@ void callInAllWays()
     }
 }
 
+/// What comes behind the program in the loader's order, and not behind whoever stands between.
+void callTheNext()
+{
+    startCurrent();
+    reinterpret_cast<Enable>(dlsym(RTLD_NEXT, "glEnable"))(0x1234);
+    glGetError();
+}
+
 void showFrames()
 {
     start();
@@ -525,6 +533,7 @@ int main(int argumentCount, char* arguments[])
         {"frames", &showFrames},
         {"fork", &forkAndDraw},
         {"ways", &callInAllWays},
+        {"next", &callTheNext},
     };
     const auto found = scripts.find(argumentCount > 1 ? arguments[1] : "");
     if (found == scripts.end())

@@ -206,6 +206,17 @@ TEST_F(TestLayer, allWaysToComeByAFunctionAreCaught)
     EXPECT_EQ(preloaded + "9 ", tried) << "all but the loader's own dlsym(), which nothing can replace";
 }
 
+/// The loader looks for the next one behind whoever asks.
+TEST_F(TestLayer, whoAsksForTheNextFunctionIsNotMistakenForAnother)
+{
+    if (!canPreload())
+        GTEST_SKIP();
+    LayeredProgram program({CORVALE_GLES_PROGRAM, "next"}, Layer::Preload);
+    program.finish();
+    ASSERT_EQ(errorsOf(program).size(), 1U);
+    EXPECT_EQ(errorsOf(program).front().text(4), "glEnable");
+}
+
 TEST_F(TestLayer, recordsCarryTheFrameThatTheyBelongTo)
 {
     LayeredProgram program({CORVALE_GLES_PROGRAM, "frames"}, Layer::Vendor);

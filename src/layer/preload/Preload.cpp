@@ -64,13 +64,22 @@ layer::Host::Resolver layer::firstResolver()
     return &resolve;
 }
 
-extern "C" [[gnu::visibility("default")]] void* dlsym(void* handle, const char* name)
+/// What a library that was opened by itself has under a name, or the wrapper that stands in front of it.
+static void* findIn(void* handle, const char* name)
 {
-    void* found = loaderDlsym() ? loaderDlsym()(handle, name) : nullptr;
-    if (!found)
-        return found;
+    void* found = loaderDlsym()(handle, name);
     const std::string_view wanted(name);
     const bool isOurs = wanted.starts_with("gl") || wanted.starts_with("egl");
-    void* wrapper = isOurs && handle != RTLD_NEXT ? layer::wrapperOf(wanted) : nullptr;
+    void* wrapper = found && isOurs ? layer::wrapperOf(wanted) : nullptr;
     return wrapper ? wrapper : found;
+}
+
+/// For the handles that stand for a search, the loader looks who calls it: so it is not called but jumped to,
+/// which takes optimization. The wrappers are found in such a search by themselves, under their own names.
+extern "C" [[gnu::visibility("default"), gnu::optimize("O2")]] void* dlsym(void* handle, const char* name)
+{
+    Dlsym const loader = loaderDlsym();
+    if (!loader)
+        return nullptr;
+    return handle == RTLD_NEXT || handle == RTLD_DEFAULT ? loader(handle, name) : findIn(handle, name);
 }
