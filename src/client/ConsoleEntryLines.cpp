@@ -33,10 +33,7 @@ bool isPlain(std::string_view bytes)
 
 std::uint32_t valueAt(std::string_view entry, std::size_t at)
 {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < sizeof value && at - start + i < entry.size(); ++i)
-        value |= static_cast<std::uint32_t>(static_cast<unsigned char>(entry[at - start + i])) << 8U * i;
-    return value;
+    return ui::messages::littleEndian32(entry, at - start);
 }
 
 std::string_view textAt(std::string_view entry, std::size_t at, std::size_t end = std::string_view::npos)

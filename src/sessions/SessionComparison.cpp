@@ -159,16 +159,16 @@ std::string_view changeName(Change change)
 
 std::string changeText(const FactPair& pair)
 {
-    const std::set<std::string> old = wordsOf(pair.before);
-    const std::set<std::string> now = wordsOf(pair.after);
-    constexpr std::size_t fewest = 12; // words of two texts that would be tedious to compare
-    std::string text;
-    if (!pair.isList && old.size() + now.size() < fewest) {
+    constexpr std::size_t longest = 300; // bytes of two texts that can be compared at a glance
+    if (!pair.isList && pair.before.size() + pair.after.size() <= longest) {
         const auto shown = [](const std::string& value) {
             return value.empty() ? "(nothing)" : value;
         };
         return shown(pair.before) + " -> " + shown(pair.after);
     }
+    const std::set<std::string> old = wordsOf(pair.before);
+    const std::set<std::string> now = wordsOf(pair.after);
+    std::string text;
     for (const std::string& word : old)
         text += now.contains(word) ? "" : (text.empty() ? "-" : " -") + word;
     for (const std::string& word : now)

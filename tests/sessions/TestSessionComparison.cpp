@@ -133,7 +133,9 @@ TEST(SessionComparison, tellsDevicesAndTheirValues)
         {std::string("changed: Units: 8 -> 16"), std::string("changed: Device: Tarn 7 -> Tarn 10"),
             "gone: Context 1, extensions: " + first, "gone: " + first + ": supported"})
         EXPECT_NE(text.find("  " + line + "\n"), std::string::npos) << line << " in:\n" << text;
-    EXPECT_EQ(sessions::changeText({"", "a b c d e f g", "b c d e f g h"}), "-a +h");
+    EXPECT_EQ(sessions::changeText({"", "a b", "b c"}), "a b -> b c");
+    const std::string longText = " b " + std::string(200, 'c');
+    EXPECT_EQ(sessions::changeText({"", "a" + longText, longText + " d"}), "-a +d");
     EXPECT_EQ(sessions::changeText({"", "a", ""}), "a -> (nothing)");
 
     // The program may make contexts, and a session may tell, without end.

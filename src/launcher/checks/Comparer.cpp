@@ -99,7 +99,7 @@ void printExtensions(const std::vector<FactPair>& extensions)
     std::map<std::string, std::string> changed;
     for (const FactPair& extension : extensions) {
         const auto shown = [](const std::string& support) {
-            return support.empty() ? std::string("unknown") : support;
+            return support.empty() ? std::string("absent") : support;
         };
         if (extension.change)
             changed[shown(extension.before) + " -> " + shown(extension.after)] += " " + extension.what;
