@@ -10,6 +10,10 @@ namespace {
 /// Entries that are written at once in one iteration of the event loop at most.
 constexpr int atOnceLimit = 300;
 
+/// Nanoseconds of writing after which an iteration counts as long. A sender whose records just fit into the
+/// time for reading would else be no flood for a quarter of a second.
+constexpr qint64 longWriting = 2'000'000;
+
 /// Of the time, the part that goes into writing at once, and what may be taken in advance.
 constexpr int allowancePart = 5;
 constexpr qint64 mostAllowance = 1'500'000'000;
@@ -35,15 +39,16 @@ ConsolePace::ConsolePace()
 
 bool ConsolePace::mayWriteAtOnce(Reading reading, bool isDocumentClosed)
 {
-    m_hurried = reading == Reading::Behind
-        || (reading != Reading::NoConnection && !event_loop_budget::mayWriteAtOnce(this));
     beginIteration();
+    m_hurried = reading == Reading::Behind
+        || (reading != Reading::NoConnection && (m_isDrowning || !event_loop_budget::mayWriteAtOnce(this)));
     if (m_flooded || isDocumentClosed) {
         ++m_sinceRefresh;
         return false;
     }
     if (m_hurried || !m_isIterationAffordable || m_atOnce >= atOnceLimit) {
         m_flooded = true;
+        m_writingTime = 0;
         m_sinceRefresh = 1;
         refreshNow();
         return false;
@@ -57,8 +62,10 @@ void ConsolePace::beginIteration()
     const quint64 iteration = event_loop_budget::iteration();
     if (std::exchange(m_iteration, iteration) == iteration)
         return;
+    m_isDrowning = !m_flooded && m_writingTime > std::max(longWriting, m_sinceAllowance.nsecsElapsed() / 2);
     m_isIterationAffordable = m_flooded || isAffordable();
     m_atOnce = 0;
+    m_writingTime = 0;
 }
 
 bool ConsolePace::isAffordable()
@@ -72,6 +79,7 @@ void ConsolePace::addWritingTime(qint64 nanoseconds)
 {
     event_loop_budget::addWritingTime(this, nanoseconds);
     m_allowance -= nanoseconds;
+    m_writingTime += nanoseconds;
 }
 
 void ConsolePace::refreshNow()

@@ -55,6 +55,8 @@ private:
     quint64 m_iteration = 0; ///< Of the event loop, in which an entry arrived last.
     bool m_isIterationAffordable = true;
     int m_atOnce = 0; ///< Number of entries written at once in that iteration.
+    qint64 m_writingTime = 0; ///< Nanoseconds that it took.
+    bool m_isDrowning = false; ///< Writing at once took most of the iteration before.
     int m_sinceRefresh = 0; ///< Number of entries that have arrived to wait.
     qint64 m_allowance; ///< Nanoseconds that may still go into writing at once.
     QElapsedTimer m_sinceAllowance;

@@ -142,6 +142,25 @@ void TestConsole::paceOfWriting()
     QVERIFY(!one.isFlooded() && !one.isRefreshPending());
     QVERIFY(one.mayWriteAtOnce(Reading::CaughtUp, false));
 
+    // A sender that leaves no time for anything else is a flood, though all it sends can be read in time.
+    const auto writesOn = [&](int milliseconds) {
+        QCoreApplication::processEvents();
+        (void)one.mayWriteAtOnce(Reading::CaughtUp, false);
+        one.addWritingTime(milliseconds * 1'000'000LL);
+        QTest::qSleep(milliseconds);
+        QCoreApplication::processEvents();
+        return one.mayWriteAtOnce(Reading::NoConnection, false)
+            && one.mayWriteAtOnce(Reading::CaughtUp, false);
+    };
+    QVERIFY(writesOn(1));
+    QVERIFY(!writesOn(20) && one.isFlooded());
+    QVERIFY(due.wait() && one.beginRefresh(true));
+    one.endRefresh(false, false);
+    QVERIFY(due.wait() && one.beginRefresh(true));
+    one.endRefresh(false, false);
+    QVERIFY(!one.isFlooded() && !one.isRefreshPending());
+    QCoreApplication::processEvents();
+
     int atOnce = 0;
     for (int i = 0; i < 1000; ++i)
         atOnce += one.mayWriteAtOnce(Reading::CaughtUp, false) ? 1 : 0;
