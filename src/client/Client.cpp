@@ -4,7 +4,6 @@
 #include "EventLoopBudget.h"
 #include "RecordText.h"
 
-#include <QElapsedTimer>
 #include <QLocalSocket>
 
 using ui::messages::Message;
@@ -53,16 +52,17 @@ void Client::readRecords(bool bounded)
         return;
     m_reading = true;
     const QPointer<Client> self(this);
-    const qint64 limit = event_loop_budget::readingTime(m_lastIteration);
-    QElapsedTimer elapsed;
-    elapsed.start();
+    const auto begin = std::chrono::steady_clock::now();
+    const auto end = begin + std::chrono::nanoseconds(event_loop_budget::readingTime(m_lastIteration));
+    m_readingTime = begin;
     Step step = Step::GoOn;
     bool isOutOfTime = false;
     while (step == Step::GoOn && !isOutOfTime) {
         step = readRecord();
         if (!self)
             return;
-        isOutOfTime = step == Step::GoOn && bounded && elapsed.nsecsElapsed() >= limit;
+        m_readingTime = std::chrono::steady_clock::now();
+        isOutOfTime = step == Step::GoOn && bounded && m_readingTime >= end;
     }
     if (isOutOfTime)
         continueLater();

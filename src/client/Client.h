@@ -5,6 +5,7 @@
 #include <QObject>
 #include <QPointer>
 
+#include <chrono>
 #include <optional>
 
 class ControlRecordSender;
@@ -31,6 +32,8 @@ public:
     std::optional<qint64> recordTime() const { return m_recordTime; }
     /// What is known of its end and has not been announced as a record; empty for most.
     const QString& endNote() const { return m_endNote; }
+    /// When the record that is announced was read; of no use where recordTime() tells.
+    std::chrono::steady_clock::time_point readingTime() const { return m_readingTime; }
 
 Q_SIGNALS:
     void setPID(Client*, PID_TYPE);
@@ -79,6 +82,7 @@ private:
     bool m_hasBacklog = false;
     std::optional<qint64> m_recordTime;
     QString m_endNote;
+    std::chrono::steady_clock::time_point m_readingTime = std::chrono::steady_clock::now();
     quint64 m_lastIteration = 0; ///< Of the event loop, in which the client has read.
     bool m_reading = false;
     bool m_disconnectPending = false; ///< The socket was disconnected during a read pass.

@@ -342,6 +342,13 @@ ConsolePace::Reading ClientInterface::reading() const
     return m_client->hasBacklog() ? ConsolePace::Reading::Behind : ConsolePace::Reading::CaughtUp;
 }
 
+std::optional<std::int64_t> ClientInterface::recordTime() const
+{
+    if (!m_client)
+        return {};
+    return m_client->recordTime() ? m_client->recordTime() : m_console->timeAt(m_client->readingTime());
+}
+
 int ClientInterface::subPage() const
 {
     return m_ui->tabWidget->currentIndex();
@@ -362,7 +369,7 @@ void ClientInterface::showSubPage(int index)
 
 void ClientInterface::receive(const Message& message)
 {
-    m_console->add(message, reading(), m_client ? m_client->recordTime() : std::nullopt);
+    m_console->add(message, reading(), recordTime());
     switch (message.type()) {
     case Type::Warning:
         addErrorListRow(error_list::SeverityWarning, message, QString(),

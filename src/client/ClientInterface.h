@@ -140,6 +140,7 @@ private:
     void addContext(const ui::messages::Message& message);
     void removeOldestContexts();
     ConsolePace::Reading reading() const;
+    std::optional<std::int64_t> recordTime() const;
     void addErrorListRow(qint32 severity, const ui::messages::Message& message, const QString& code,
         const QString& description, const QString& function);
 

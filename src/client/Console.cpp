@@ -5,6 +5,7 @@
 
 #include <QAbstractButton>
 #include <QDateTime>
+#include <QElapsedTimer>
 #include <QTextEdit>
 
 #include <algorithm>
@@ -28,9 +29,9 @@ Console::Console(QTextEdit* view, QAbstractButton* autoScroll, QObject* parent)
     , m_document(view->document())
     , m_spool(new ConsoleSpool(this))
     , m_history(view, *m_spool, m_follower, m_document)
+    , m_start(std::chrono::steady_clock::now())
     , m_startTime(QDateTime::currentMSecsSinceEpoch())
 {
-    m_sinceStart.start();
     m_document.setFolding(&m_folding);
     m_history.setFolding(&m_folding);
     m_document.setPalette(view->palette());
@@ -68,7 +69,7 @@ void Console::addClosingLine(const QString& text, Time time)
 
 void Console::addEntry(std::string entry, std::uint32_t frame, ConsolePace::Reading reading, Time time)
 {
-    const EntryStamp stamp{time ? *time : m_startTime + m_sinceStart.elapsed(), frame};
+    const EntryStamp stamp{time ? *time : timeAt(std::chrono::steady_clock::now()), frame};
     const std::uint64_t serial = entryCount();
     const GroupPlace place = m_spool->nextPlace();
     m_spool->append(entry, stamp);
@@ -77,6 +78,11 @@ void Console::addEntry(std::string entry, std::uint32_t frame, ConsolePace::Read
         writeAtOnce(std::move(item));
     else
         m_document.enqueue(std::move(item));
+}
+
+std::int64_t Console::timeAt(std::chrono::steady_clock::time_point time) const
+{
+    return m_startTime + std::chrono::duration_cast<std::chrono::milliseconds>(time - m_start).count();
 }
 
 void Console::writeAtOnce(ConsoleItem item)

@@ -7,9 +7,9 @@
 #include "ConsoleSpool.h"
 #include "Message.h"
 
-#include <QElapsedTimer>
 #include <QObject>
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 
@@ -31,6 +31,7 @@ public:
 
     /// When an entry arrived, in milliseconds since the epoch; now where nothing is said.
     using Time = std::optional<std::int64_t>;
+    std::int64_t timeAt(std::chrono::steady_clock::time_point time) const;
 
     /// Shows a record of a type that writes to the console; ignores others.
     void add(const ui::messages::Message& record, ConsolePace::Reading reading, Time time = {});
@@ -98,7 +99,7 @@ private:
     ConsolePace m_pace;
     ConsoleSpool* m_spool;
     ConsoleHistory m_history;
-    QElapsedTimer m_sinceStart;
-    qint64 m_startTime; ///< Milliseconds since the epoch.
+    std::chrono::steady_clock::time_point m_start;
+    qint64 m_startTime; ///< The same in milliseconds since the epoch.
     ConsoleFolding m_folding;
 };

@@ -334,8 +334,10 @@ void ConsoleHistory::forEachInView(
     const int first = cursorAt(*m_view, 0).position();
     const int last = cursorAt(*m_view, m_view->viewport()->height()).position();
     forEachShown([&](const ConsoleDocument::Shown& entry) {
+        if (entry.range.end < first)
+            return true;
         const int start = textStart(entry.range);
-        if (entry.range.end < first || start == entry.range.end)
+        if (start == entry.range.end)
             return true;
         QTextCursor cursor(m_view->document());
         cursor.setPosition(start);

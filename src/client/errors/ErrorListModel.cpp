@@ -62,6 +62,11 @@ qint32 ErrorListModel::severity(int row) const
     return m_rows.at(static_cast<std::size_t>(row)).severity;
 }
 
+qint32 ErrorListModel::frame(int row) const
+{
+    return m_rows.at(static_cast<std::size_t>(row)).frame;
+}
+
 QString ErrorListModel::text(TextPool::Reference reference) const
 {
     const std::string_view bytes = m_texts.text(reference);

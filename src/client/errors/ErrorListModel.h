@@ -27,6 +27,7 @@ public:
 
     /// The severity of a row that exists.
     qint32 severity(int row) const;
+    qint32 frame(int row) const;
     /// The serial number of the entry of the console that tells of a row, if any.
     std::uint64_t consoleEntry(int row) const { return m_rows[static_cast<std::size_t>(row)].consoleEntry; }
     /// The row that an entry of the console tells of, or the first one after it; -1 where there is none. All

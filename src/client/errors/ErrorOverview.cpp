@@ -58,10 +58,8 @@ void ErrorOverview::setErrors(const ErrorListFilterProxyModel* shown)
 
 void ErrorOverview::count(int first, int last)
 {
-    for (int row = first; row <= last; ++row) {
-        const error_list::Row facts = m_errors->row(row);
-        m_histogram.add(facts.severity, facts.frame);
-    }
+    for (int row = first; row <= last; ++row)
+        m_histogram.add(m_errors->severity(row), m_errors->frame(row));
     if (!m_pause.isActive())
         m_pause.start();
 }

@@ -8,6 +8,8 @@
 #include <QWidget>
 #include <QWindow>
 
+#include <utility>
+
 namespace {
 
 constexpr int tellPause = 200; // milliseconds
@@ -26,6 +28,7 @@ UnseenErrors::UnseenErrors(const ErrorListModel& errors, QWidget& widget)
     connect(&errors, &QAbstractItemModel::modelReset, this, &UnseenErrors::clear);
     widget.installEventFilter(this);
     connect(qApp, &QApplication::focusWindowChanged, this, [this] {
+        m_isSeen.reset();
         if (isSeen())
             clear();
     });
@@ -38,7 +41,13 @@ bool UnseenErrors::isSeen() const
 
 void UnseenErrors::count(int first, int last)
 {
-    if (!m_isCounting || isSeen())
+    if (!m_isCounting)
+        return;
+    // To find out takes longer than all the rest, and thousands of rows may come in an iteration.
+    if (std::exchange(m_iteration, event_loop_budget::iteration()) != event_loop_budget::iteration()
+        || !m_isSeen)
+        m_isSeen = isSeen();
+    if (*m_isSeen)
         return;
     for (int row = first; row <= last; ++row) {
         const qint32 severity = m_errors.severity(row);
@@ -70,7 +79,11 @@ void UnseenErrors::clear()
 
 bool UnseenErrors::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() == QEvent::Show && m_widget.isActiveWindow())
+    const QEvent::Type type = event->type();
+    if (type == QEvent::Show || type == QEvent::Hide || type == QEvent::WindowActivate
+        || type == QEvent::WindowDeactivate)
+        m_isSeen.reset();
+    if (type == QEvent::Show && m_widget.isActiveWindow())
         clear();
     return QObject::eventFilter(watched, event);
 }

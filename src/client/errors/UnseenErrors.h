@@ -3,6 +3,8 @@
 #include <QObject>
 #include <QTimer>
 
+#include <optional>
+
 class ErrorListModel;
 class QWidget;
 
@@ -38,6 +40,8 @@ private:
     QWidget& m_widget;
     QTimer m_pause;
     bool m_isCounting = true;
+    quint64 m_iteration = 0; ///< Of the event loop, in which rows came last.
+    std::optional<bool> m_isSeen; ///< In that iteration, once it is known.
     int m_errorCount = 0;
     int m_warningCount = 0;
 };
