@@ -10,9 +10,9 @@ namespace {
 /// Entries that are written at once in one iteration of the event loop at most.
 constexpr int atOnceLimit = 300;
 
-/// Nanoseconds of writing after which an iteration counts as long. A sender whose records just fit into the
-/// time for reading would else be no flood for a quarter of a second.
-constexpr qint64 longWriting = 2'000'000;
+/// Nanoseconds of writing with hardly a pause that make a flood. A sender whose records just fit into the
+/// time for reading would else be none for a quarter of a second.
+constexpr qint64 longWriting = 20'000'000;
 
 /// Of the time, the part that goes into writing at once, and what may be taken in advance.
 constexpr int allowancePart = 5;
@@ -41,14 +41,15 @@ bool ConsolePace::mayWriteAtOnce(Reading reading, bool isDocumentClosed)
 {
     beginIteration();
     m_hurried = reading == Reading::Behind
-        || (reading != Reading::NoConnection && (m_isDrowning || !event_loop_budget::mayWriteAtOnce(this)));
+        || (reading != Reading::NoConnection
+            && (m_writingInRow > longWriting || !event_loop_budget::mayWriteAtOnce(this)));
     if (m_flooded || isDocumentClosed) {
         ++m_sinceRefresh;
         return false;
     }
     if (m_hurried || !m_isIterationAffordable || m_atOnce >= atOnceLimit) {
         m_flooded = true;
-        m_writingTime = 0;
+        m_writingTime = m_writingInRow = 0;
         m_sinceRefresh = 1;
         refreshNow();
         return false;
@@ -62,7 +63,8 @@ void ConsolePace::beginIteration()
     const quint64 iteration = event_loop_budget::iteration();
     if (std::exchange(m_iteration, iteration) == iteration)
         return;
-    m_isDrowning = !m_flooded && m_writingTime > std::max(longWriting, m_sinceAllowance.nsecsElapsed() / 2);
+    const bool isCalm = m_flooded || m_writingTime < m_sinceAllowance.nsecsElapsed() / 2;
+    m_writingInRow = isCalm ? 0 : m_writingInRow + m_writingTime;
     m_isIterationAffordable = m_flooded || isAffordable();
     m_atOnce = 0;
     m_writingTime = 0;

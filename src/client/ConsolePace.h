@@ -56,7 +56,7 @@ private:
     bool m_isIterationAffordable = true;
     int m_atOnce = 0; ///< Number of entries written at once in that iteration.
     qint64 m_writingTime = 0; ///< Nanoseconds that it took.
-    bool m_isDrowning = false; ///< Writing at once took most of the iteration before.
+    qint64 m_writingInRow = 0; ///< The same in those before, since it took less than half of the time.
     int m_sinceRefresh = 0; ///< Number of entries that have arrived to wait.
     qint64 m_allowance; ///< Nanoseconds that may still go into writing at once.
     QElapsedTimer m_sinceAllowance;

@@ -143,6 +143,7 @@ void TestSessionPages::comesBackAsItWas()
     sender.join();
     save(*session, path);
 
+    QTRY_VERIFY(session->console(0).endsWith(QStringLiteral("Client disconnected")));
     const QString title = session->titles().at(0);
     const QStringList errors = errorRows(live);
     const QStringList contexts = contextTitles(live);
