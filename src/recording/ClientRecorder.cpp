@@ -22,6 +22,7 @@ constexpr int longestWait = 1000;
 
 ClientRecorder::ClientRecorder(const Client& client, const QString& path, QObject* parent)
     : QObject(parent)
+    , m_client(client)
 {
     m_flush.setSingleShot(true);
     m_flush.setInterval(longestWait);
@@ -93,7 +94,7 @@ void ClientRecorder::take(const Message& message)
     begin();
     const std::string_view payload(
         message.data() + offset::payload, ui::messages::recordSize - offset::payload);
-    m_writer.add(0, {message.rawType(), message.frame(), payload}, m_writer.now());
+    m_writer.add(0, {message.rawType(), message.frame(), payload}, m_writer.timeAt(m_client.readingTime()));
     if (!m_path.isEmpty() && !m_flush.isActive())
         m_flush.start();
     checkFailure();

@@ -58,6 +58,7 @@ private:
     void flush();
     void checkFailure();
 
+    const Client& m_client; ///< Alive as long as its signals come.
     sessions::SessionWriter m_writer;
     QString m_path;
     platform::FileStream m_whole; ///< The file once the writer is closed.

@@ -73,13 +73,20 @@ struct BlockHead {
     std::uint32_t size = 0; ///< Bytes of the content; if they differ, it is compressed with zstd.
     std::uint32_t count = 0; ///< Records in it.
     SessionTime time{}; ///< Of the first one.
-    std::uint32_t checksum = 0; ///< Of the content as it stands in the file.
+    std::uint32_t checksum = 0; ///< Of a content that is not compressed; else 0.
 
     std::string bytes() const;
     /// Nothing if the bytes are none, or their checksum is wrong, or the sizes cannot be.
     static std::optional<BlockHead> fromBytes(std::string_view bytes);
 };
 
+/// Puts a value where there is room for it, the least significant byte first; returns the place behind it.
+template <typename Number> char* storeNumber(char* to, Number value)
+{
+    for (unsigned int i = 0; i < sizeof value; ++i)
+        to[i] = static_cast<char>(value >> 8U * i);
+    return to + sizeof value;
+}
 /// Adds values to the end of bytes, the least significant byte first.
 void putNumber(std::string& bytes, std::uint64_t value, std::size_t size);
 /// A text behind its length, cut to textLimit.

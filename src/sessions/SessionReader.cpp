@@ -244,8 +244,10 @@ bool SessionReader::content(const format::BlockHead& head, std::uint64_t place, 
 {
     const bool isStored = head.size == head.storedSize;
     std::string& stored = isStored ? to : m_stored;
-    bool isWhole = readBytes(place, head.storedSize, stored) && platform::fnv1(stored) == head.checksum;
-    if (isWhole && !isStored) {
+    bool isWhole = readBytes(place, head.storedSize, stored);
+    if (isWhole && isStored) {
+        isWhole = platform::fnv1(stored) == head.checksum;
+    } else if (isWhole) {
         to.resize(head.size);
         isWhole =
             ZSTD_decompressDCtx(m_decompressor->context, to.data(), to.size(), stored.data(), stored.size())

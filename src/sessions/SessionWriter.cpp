@@ -21,6 +21,8 @@ namespace {
 /// A block is written when it has as many bytes: few enough to be read within some milliseconds.
 constexpr std::size_t blockSize = std::size_t{256} << 10U;
 constexpr int compressionLevel = 1;
+/// A block that is full sooner is part of a flood, which compression would slow down by a tenth.
+constexpr SessionTime floodTime = std::chrono::milliseconds(50);
 /// What is not worth compressing.
 constexpr std::size_t smallBlock = 256;
 
@@ -44,15 +46,17 @@ struct SessionWriter::Compressor {
     Compressor(const Compressor&) = delete;
     Compressor& operator=(const Compressor&) = delete;
 
-    /// The content as it is to be stored.
-    std::string_view compress(std::string_view content)
+    /// The content as it is to be stored: a frame, which has another size, or the content itself.
+    std::string_view compress(std::string_view content, int level)
     {
         if (content.size() < smallBlock)
             return content;
         output.resize(std::max(output.size(), ZSTD_compressBound(content.size())));
-        const std::size_t size = ZSTD_compressCCtx(
-            context, output.data(), output.size(), content.data(), content.size(), compressionLevel);
-        if (ZSTD_isError(size) != 0 || size >= content.size())
+        ZSTD_CCtx_setParameter(context, ZSTD_c_compressionLevel, level);
+        ZSTD_CCtx_setParameter(context, ZSTD_c_checksumFlag, 1);
+        const std::size_t size =
+            ZSTD_compress2(context, output.data(), output.size(), content.data(), content.size());
+        if (ZSTD_isError(size) != 0 || size == content.size())
             return content;
         return {output.data(), size};
     }
@@ -68,12 +72,12 @@ SessionWriter::~SessionWriter()
 
 bool SessionWriter::open(const std::filesystem::path& path)
 {
-    return open(path, std::chrono::system_clock::now());
+    return claim(path) && begin();
 }
 
 bool SessionWriter::open(const std::filesystem::path& path, std::chrono::system_clock::time_point begin)
 {
-    return claim(path) && this->begin(begin);
+    return claim(path) && this->begin(begin, false);
 }
 
 bool SessionWriter::openNameless()
@@ -82,17 +86,18 @@ bool SessionWriter::openNameless()
     m_file = file ? fcntl(fileno(file.get()), F_DUPFD_CLOEXEC, 0) : -1;
     if (m_file < 0)
         m_reason = platform::errorText(errno);
-    return m_file >= 0 && this->begin();
+    return m_file >= 0 && begin();
 }
 
 bool SessionWriter::open(Output output, std::chrono::system_clock::time_point begin)
 {
     m_output = std::move(output);
-    return this->begin(begin);
+    return this->begin(begin, false);
 }
 
-bool SessionWriter::begin(std::chrono::system_clock::time_point begin)
+bool SessionWriter::begin(std::chrono::system_clock::time_point begin, bool isLive)
 {
+    m_isLive = isLive;
     if (m_file >= 0 && ftruncate(m_file, 0) != 0) {
         fail(errno);
         return false;
@@ -128,9 +133,10 @@ bool SessionWriter::claim(const std::filesystem::path& path)
     return false;
 }
 
-SessionTime SessionWriter::now() const
+SessionTime SessionWriter::timeAt(std::chrono::steady_clock::time_point time) const
 {
-    return std::chrono::duration_cast<SessionTime>(std::chrono::steady_clock::now() - m_begin);
+    // What came before the session began counts as its first.
+    return std::max(std::chrono::duration_cast<SessionTime>(time - m_begin), SessionTime());
 }
 
 std::uint32_t SessionWriter::beginClient(
@@ -163,14 +169,17 @@ void SessionWriter::add(std::uint32_t client, const Record& record, SessionTime 
         return;
     if (m_recordCount++ == 0)
         m_firstTime = time;
-    m_packed.clear();
-    packPayload(record.type, record.payload, m_packed);
-    format::putNumber(m_records, m_packed.size(), 2);
-    format::putNumber(m_records, record.type, 2);
-    format::putNumber(m_records, client, 4);
-    format::putNumber(m_records, record.frame, 4);
-    format::putNumber(m_records, static_cast<std::uint64_t>(time.count()), 8);
-    m_records += m_packed;
+    m_lastTime = time;
+    const std::size_t start = m_records.size();
+    m_records.resize(start + format::recordHeadSize);
+    packPayload(record.type, record.payload, m_records);
+    const std::size_t size = m_records.size() - start - format::recordHeadSize;
+    char* head = m_records.data() + start;
+    head = format::storeNumber(head, static_cast<std::uint16_t>(size));
+    head = format::storeNumber(head, static_cast<std::uint16_t>(record.type));
+    head = format::storeNumber(head, client);
+    head = format::storeNumber(head, record.frame);
+    format::storeNumber(head, static_cast<std::uint64_t>(time.count()));
     if (m_records.size() >= blockSize)
         flush();
 }
@@ -186,6 +195,11 @@ void SessionWriter::endClient(std::uint32_t client, ClientEnd end, std::string_v
     writeBlock(format::endBlock, content, 0, time);
 }
 
+bool SessionWriter::isFlooded() const
+{
+    return m_isLive && m_records.size() >= blockSize && m_lastTime - m_firstTime < floodTime;
+}
+
 void SessionWriter::flush()
 {
     if (m_recordCount > 0)
@@ -199,15 +213,18 @@ void SessionWriter::writeBlock(
 {
     if (!ok())
         return;
-    const std::string_view stored = m_compressor->compress(content);
+    const std::string_view stored =
+        m_compressor->compress(content, isFlooded() ? ZSTD_minCLevel() : compressionLevel);
     format::BlockHead head;
     head.kind = kind;
     head.storedSize = static_cast<std::uint32_t>(stored.size());
     head.size = static_cast<std::uint32_t>(content.size());
     head.count = count;
     head.time = time;
-    head.checksum = platform::fnv1(stored);
-    write(head.bytes().append(stored));
+    // Frames have checksums of their own, which take a tenth of the time.
+    head.checksum = stored.size() == content.size() ? platform::fnv1(stored) : 0;
+    m_block.assign(head.bytes()).append(stored);
+    write(m_block);
 }
 
 void SessionWriter::write(std::string_view bytes)

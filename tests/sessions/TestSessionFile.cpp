@@ -371,3 +371,34 @@ TEST(SessionFile, passesFromWriterToWriter)
     EXPECT_FALSE(full.open([](std::string_view) { return std::string("no room"); }, reader.begin()));
     EXPECT_EQ(full.reason(), "no room");
 }
+
+/// Compressing takes longer than all the rest, so a flood is only compressed where it is copied.
+TEST(SessionFile, hardlyCompressesFloods)
+{
+    constexpr int count = 4000;
+    const auto write = [](SessionWriter& writer, SessionTime step) {
+        writer.beginClient(7, "one", "", SessionTime(0));
+        for (int i = 0; i < count; ++i) {
+            const std::string text = "Texture " + std::to_string(i) + std::string(100, 'x');
+            writer.add(0, RecordMaker::text(Type::Error, text).record(), step * i);
+        }
+        EXPECT_TRUE(writer.close());
+        const Seen seen(sessionPath());
+        EXPECT_EQ(seen.records.size(), std::size_t{count});
+        EXPECT_EQ(seen.damage, "");
+        return fs::file_size(sessionPath());
+    };
+    SessionWriter live;
+    ASSERT_TRUE(live.open(sessionPath()));
+    EXPECT_GT(write(live, SessionTime(5)), std::uint64_t{count} * 100 / 2);
+    std::string bytes = bytesOf(sessionPath());
+    bytes[200'000] = static_cast<char>(~bytes[200'000]);
+    writeBytes(sessionPath(), bytes);
+    EXPECT_NE(Seen(sessionPath()).damage, "") << "what is not compressed is checked as well";
+    SessionWriter slow;
+    ASSERT_TRUE(slow.open(sessionPath()));
+    EXPECT_LT(write(slow, SessionTime(500)), std::uint64_t{count} * 100 / 4) << "no flood";
+    SessionWriter copy;
+    ASSERT_TRUE(copy.open(sessionPath(), std::chrono::system_clock::now()));
+    EXPECT_LT(write(copy, SessionTime(5)), std::uint64_t{count} * 100 / 4);
+}
