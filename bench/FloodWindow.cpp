@@ -187,18 +187,18 @@ struct Course {
 
 } // namespace
 
-Result measureWindow(int records, bool clicks)
+Result measureWindow(int records, Meanwhile meanwhile)
 {
     // What former measurements gave back would hide what this one takes.
     malloc_trim(0);
-    Window window;
+    Window window(meanwhile == Meanwhile::Recording);
     Course course(records);
     GapWatch gaps;
     std::unique_ptr<Clicker> clicker;
     window.onRecord = [&](const Message& record) {
         if (course.seen == 0) {
             gaps.start();
-            if (clicks)
+            if (meanwhile == Meanwhile::Clicks)
                 clicker = std::make_unique<Clicker>(
                     *window.page().findChild<QTabWidget*>(QStringLiteral("tabWidget")));
         }
@@ -212,6 +212,7 @@ Result measureWindow(int records, bool clicks)
     result.bytesPerRow =
         (residentMemory() - course.text - course.memory) / std::max(1, course.rows - course.earlyRows);
     result.rate = (records - 1) * 1000.0 / course.end.clock;
+    result.work = course.end.work * 1000 / (records - 1);
     result.flatness = {course.firstTenth.clock / (course.end.clock - course.beforeLast.clock),
         course.firstTenth.work / (course.end.work - course.beforeLast.work)};
     if (clicker)

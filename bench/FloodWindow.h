@@ -14,6 +14,7 @@ struct Span {
 
 struct Result {
     double rate = 0; ///< Records a second.
+    double work = 0; ///< Microseconds of a processor that the window needs for a record.
     Span flatness; ///< Speed of the last tenth, compared with that of the first.
     Span longestGap; ///< In which the event loop did not come round.
     double slowestClick = 0; ///< Milliseconds from a click on a tab to its painted page; 0 without clicks.
@@ -22,9 +23,14 @@ struct Result {
     double bytesPerRow = 0; ///< Memory of a row of the error list, without its text.
 };
 
-/// One client that sends as fast as it can into a tab whose console is in front, or with somebody who clicks
-/// on the tabs meanwhile.
-Result measureWindow(int records, bool clicks);
+enum class Meanwhile {
+    Nothing,
+    Clicks, ///< Somebody clicks on the tabs.
+    Recording, ///< All sessions are recorded.
+};
+
+/// One client that sends as fast as it can into a tab whose console is in front.
+Result measureWindow(int records, Meanwhile meanwhile = Meanwhile::Nothing);
 
 struct CrowdResult {
     double rate = 0; ///< Records a second of all together.

@@ -5,6 +5,7 @@
 #include "FloodSender.h"
 #include "MainWindow.h"
 #include "Preferences.h"
+#include "Settings.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
@@ -37,9 +38,9 @@ inline double processorTime()
 /// The program's window, and what its clients have sent.
 class Window {
 public:
-    Window()
+    explicit Window(bool recordsSessions = false)
         : m_preferences("Bench")
-        , m_window(nullptr, m_preferences)
+        , m_window(nullptr, withRecording(m_preferences, recordsSessions))
     {
         m_window.resize(900, 640);
         m_window.show();
@@ -77,6 +78,11 @@ public:
     };
 
 private:
+    static Preferences& withRecording(Preferences& preferences, bool recordsSessions)
+    {
+        preferences.set(settings::recordSessions, recordsSessions);
+        return preferences;
+    }
     void watchNewClients()
     {
         for (auto* client : m_window.findChildren<Client*>()) {

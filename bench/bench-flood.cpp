@@ -71,6 +71,7 @@ void printFlood(int count, const flood::Result& result, double baseline, double 
 {
     const QString title = QStringLiteral("window, %1 records: ").arg(count);
     row(title + QStringLiteral("records/s"), number(result.rate));
+    row(title + QStringLiteral("own work, microseconds each"), number(result.work, 2));
     row(title + QStringLiteral("times the baseline"), number(result.rate / baseline, 1),
         QStringLiteral(">= 25"));
     row(title + QStringLiteral("part of the ceiling"), number(result.rate / ceiling, 3),
@@ -127,8 +128,13 @@ void measure(bool brief, bool full)
     const double ceiling = printCeiling(brief ? 3000 : 300'000);
     const double baseline = flood::measureBaseline(brief ? 1000 : 15'000);
     row(QStringLiteral("baseline: plain lines, records/s"), number(baseline));
-    printFlood(count, flood::measureWindow(count, false), baseline, ceiling);
-    const flood::Result clicked = flood::measureWindow(count, true);
+    const flood::Result alone = flood::measureWindow(count);
+    printFlood(count, alone, baseline, ceiling);
+    const flood::Result recorded = flood::measureWindow(count, flood::Meanwhile::Recording);
+    row(QStringLiteral("all sessions are recorded: records/s"), number(recorded.rate));
+    row(QStringLiteral("all sessions are recorded: own work more, %"),
+        number((recorded.work / alone.work - 1) * 100, 1), QStringLiteral("< 10"));
+    const flood::Result clicked = flood::measureWindow(count, flood::Meanwhile::Clicks);
     row(QStringLiteral("somebody clicks on tabs: slowest answer, ms"), number(clicked.slowestClick, 1),
         QStringLiteral("< 100"));
     row(QStringLiteral("somebody clicks on tabs: longest gap, ms (own work)"), both(clicked.longestGap, 1));
@@ -148,7 +154,7 @@ void measure(bool brief, bool full)
         QStringLiteral("< 50"));
     measureLayer(brief ? 3000 : 200'000);
     if (full)
-        printFlood(1'000'000, flood::measureWindow(1'000'000, false), baseline, ceiling);
+        printFlood(1'000'000, flood::measureWindow(1'000'000), baseline, ceiling);
 }
 
 } // namespace
