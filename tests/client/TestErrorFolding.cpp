@@ -327,6 +327,9 @@ void TestErrorFolding::keysGoToErrorsAndFrames()
         return list.view.currentIndex().row();
     };
     list.view.setCurrentIndex({});
+    list.button.show();
+    list.button.setFocus();
+    list.view.setFocus(); // which makes the first row current
     QCOMPARE(press(Qt::Key_F8), 0);
     QCOMPARE(press(Qt::Key_F8), 2); // over a warning
     QCOMPARE(press(Qt::Key_F8, Qt::ShiftModifier), 0);

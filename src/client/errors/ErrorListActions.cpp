@@ -63,8 +63,11 @@ void ErrorListActions::goToError(int step)
         return;
     const QModelIndex current = m_view.currentIndex();
     int row = current.isValid() ? current.row() : (step > 0 ? -1 : count);
+    // The view makes the first row the current one when it gets the focus; nobody has been there.
+    if (current.isValid() && !m_view.selectionModel()->isSelected(current))
+        row -= step;
     for (int i = 0; i < count; ++i) {
-        row = (row + step + count) % count;
+        row = (row + step + 2 * count) % count;
         if (errors->severity(m_filter.sourceRow(row)) == error_list::SeverityError) {
             m_view.goToRow(row);
             return;

@@ -1,5 +1,6 @@
 #include "ErrorListSortMenu.h"
 
+#include <QActionGroup>
 #include <QHeaderView>
 
 ErrorListSortMenu::ErrorListSortMenu(QHeaderView& header, QWidget* parent)
@@ -13,9 +14,11 @@ ErrorListSortMenu::ErrorListSortMenu(QHeaderView& header, QWidget* parent)
 void ErrorListSortMenu::fill()
 {
     clear();
+    delete findChild<QActionGroup*>();
     const int current = m_header.sortIndicatorSection();
-    const auto add = [this, current](int column, const QString& text) {
-        QAction* action = addAction(text, this, [this, column] { sortBy(column); });
+    auto* group = new QActionGroup(this);
+    const auto add = [this, current, group](int column, const QString& text) {
+        QAction* action = group->addAction(addAction(text, this, [this, column] { sortBy(column); }));
         action->setCheckable(true);
         action->setChecked(column == current);
     };
