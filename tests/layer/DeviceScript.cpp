@@ -275,6 +275,10 @@ void answerQuestions()
                 eglBindAPI(static_cast<EGLenum>(numbersOf(words)[0]));
                 return eglError();
             }},
+        {"end",
+            [](Words&) {
+                return std::to_string(eglTerminate(display));
+            }},
         {"again",
             [](Words&) {
                 eglTerminate(display);

@@ -142,7 +142,8 @@ TEST_F(TestDevice, contextsAreOfTheDevicesVersions)
             {"context 1 0", "version 1 config 0"}, {"string 0x1F02", "OpenGL ES-CM 1.1 Brindlewood"},
             {"string 0x8B8C", "null 0x500"}, {"context 3 1", "egl 0x3009"}, {"context 2 1", "egl 0x3009"},
             {"context 3 0 42", "egl 0x3005"}, {"bind 0x30A2", "egl 0x300c"},
-            {"eglString 0x308D", "OpenGL_ES"}, {"eglString 0x3055", "EGL_BWD_harbour"}});
+            {"eglString 0x308D", "OpenGL_ES"}, {"eglString 0x3055", "EGL_BWD_harbour"}, {"end", "1"},
+            {"context 3 1", "egl 0x3001"}});
     program->finish();
     EXPECT_EQ(program.told(Type::Information, 0).front(),
         "The program sees the profile Harbour Board (OpenGL ES 1.1, 2.0 and 3.0) in place of this machine.");

@@ -142,16 +142,6 @@ std::vector<EGLint> withSize(const EGLint* attributes, const PbufferRequest& siz
     return list;
 }
 
-/// Others that have initialized a display may keep it from ending.
-bool isInitialized(EGLDisplay display)
-{
-    Host& host = hostOf(display);
-    const bool isInitialized =
-        host.function<decltype(&::eglQueryString)>(Fn::eglQueryString)(display, EGL_VERSION) != nullptr;
-    host.function<EGLint (*)()>(Fn::eglGetError)();
-    return isInitialized;
-}
-
 } // namespace
 
 EGLBoolean eglGetConfigs(EGLDisplay display, EGLConfig* handles, EGLint size, EGLint* count)
@@ -258,6 +248,7 @@ EGLBoolean eglTerminate(EGLDisplay display)
     const EGLBoolean terminated = generated::eglTerminate(display);
     if (terminated && emulatedDevice())
         forgetConfigs(display);
+    // Others that have initialized it as well may keep it from ending.
     if (terminated && !isInitialized(display))
         contexts::removeAll(display);
     return terminated;

@@ -89,7 +89,8 @@ std::string strictRefusal(EGLDisplay display, const device::Table& table, const 
 DeviceContext deviceContext(EGLDisplay display, EGLConfig config, bool isEs, int version)
 {
     const device::Table* table = emulatedDevice();
-    if (!table)
+    // What is wrong with the display comes first, and is for the host to say.
+    if (!table || !isInitialized(display))
         return {};
     if (!isEs)
         return refusal(EGL_BAD_MATCH, table->name + " has OpenGL ES and no other API");

@@ -8,6 +8,7 @@
 #include "Process.h"
 #include "WrapperParts.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace layer::hooks {
@@ -23,6 +24,9 @@ struct Request {
     EGLint minor = 0;
     bool isDebug = false;
     std::vector<EGLint> attributes; ///< Without what would keep its errors from us; ends with EGL_NONE.
+
+    /// 32 for 3.2. Programs may ask for anything.
+    EGLint version() const { return std::clamp(major, -1, 99) * 10 + std::clamp(minor, 0, 9); }
 };
 
 Request readRequest(const EGLint* attributes, bool isWatched)
@@ -87,7 +91,7 @@ EGLContext eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext sha
     Host& host = hostOf(display);
     const bool isEs = host.function<EGLenum (*)()>(Fn::eglQueryAPI)() == EGL_OPENGL_ES_API;
     Request request = readRequest(attributes, isEs && options().errors && writer());
-    const DeviceContext wanted = deviceContext(display, config, isEs, request.major * 10 + request.minor);
+    const DeviceContext wanted = deviceContext(display, config, isEs, request.version());
     if (wanted.error != EGL_SUCCESS) {
         refuseEgl(Fn::eglCreateContext,
             {argument(display), argument(config), argument(share), argument(attributes)}, wanted.error,
@@ -100,7 +104,7 @@ EGLContext eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext sha
         made = createForDevice(host, *wanted.api, request.attributes,
             [&](const EGLint* list) { return create(display, hostConfig(config), share, list); });
     else
-        made = create(display, config, share, attributes ? request.attributes.data() : nullptr);
+        made = create(display, hostConfig(config), share, attributes ? request.attributes.data() : nullptr);
     checkEgl(host, Fn::eglCreateContext,
         {argument(display), argument(config), argument(share), argument(attributes)});
     if (made == EGL_NO_CONTEXT)
@@ -108,7 +112,7 @@ EGLContext eglCreateContext(EGLDisplay display, EGLConfig config, EGLContext sha
     Context& context = contexts::add(display, made);
     context.isEs = isEs;
     context.isDebug = request.isDebug;
-    context.requestedVersion = wanted.api ? wanted.api->version : request.major * 10 + request.minor;
+    context.requestedVersion = wanted.api ? wanted.api->version : request.version();
     context.api = wanted.api;
     context.configId = wanted.configId;
     if (const contexts::Held shared = contexts::find(display, share))

@@ -103,4 +103,13 @@ void setHostOf(EGLDisplay display, Host& host)
     delete added;
 }
 
+bool isInitialized(EGLDisplay display)
+{
+    Host& host = hostOf(display);
+    const bool isInitialized =
+        host.function<decltype(&::eglQueryString)>(Fn::eglQueryString)(display, EGL_VERSION) != nullptr;
+    host.function<EGLint (*)()>(Fn::eglGetError)();
+    return isInitialized;
+}
+
 } // namespace layer

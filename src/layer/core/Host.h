@@ -71,5 +71,7 @@ Host* addHost(Host::Resolver resolver);
 /// The driver that made a display; the first one for displays that none has made.
 Host& hostOf(EGLDisplay display);
 void setHostOf(EGLDisplay display, Host& host);
+/// Whether a display is one that is initialized. Takes the driver's EGL error.
+bool isInitialized(EGLDisplay display);
 
 } // namespace layer
