@@ -32,7 +32,7 @@ std::optional<std::string_view> deviceOf(std::string_view text)
     text.remove_prefix(deviceStart.size());
     // Names may have parentheses as well.
     const std::size_t end = text.rfind(versionsStart);
-    return end == std::string_view::npos ? std::nullopt : std::optional(text.substr(0, end));
+    return end == std::string_view::npos || end == 0 ? std::nullopt : std::optional(text.substr(0, end));
 }
 
 std::string exited(int status)
