@@ -37,6 +37,20 @@ void ConsoleFollower::showEnd(const QTextCursor& end)
     m_view->ensureCursorVisible();
 }
 
+void ConsoleFollower::showCursor(const QTextCursor& cursor)
+{
+    const int line = m_view->fontMetrics().lineSpacing();
+    const QRect comfortable = m_view->viewport()->rect().adjusted(0, line, 0, -line);
+    const bool isInView = comfortable.contains(m_view->cursorRect(cursor));
+    m_view->setTextCursor(cursor);
+    if (isInView)
+        return;
+    const TextViewPlace place(m_view, cursor, m_view->viewport()->height() / 3);
+    place.restore();
+    if (m_place)
+        *m_place = place;
+}
+
 int ConsoleFollower::firstPositionInUse() const
 {
     const QTextCursor cursor = m_view->textCursor();

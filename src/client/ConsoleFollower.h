@@ -22,6 +22,8 @@ public:
 
     /// Scrolls to the end of the text, where a cursor stands.
     void showEnd(const QTextCursor& end);
+    /// Makes it the view's cursor, and scrolls where it is not to be seen with a line around it.
+    void showCursor(const QTextCursor& cursor);
     /// The first position of the document that the reader sees or has selected.
     int firstPositionInUse() const;
     /// Keeps what the reader sees and has selected while the same text is written again.

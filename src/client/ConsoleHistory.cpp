@@ -278,19 +278,14 @@ void ConsoleHistory::selectEntry(std::uint64_t serial)
     select(start, end);
 }
 
-/// Selects text, and shows its start with some lines around it.
+/// Selects text, and shows its start.
 void ConsoleHistory::select(int start, int end)
 {
     QTextCursor cursor(m_view->document());
     // The cursor, which the view makes visible, is to stand at the start.
     cursor.setPosition(end);
     cursor.setPosition(start, QTextCursor::KeepAnchor);
-    const int line = m_view->fontMetrics().lineSpacing();
-    const QRect comfortable = m_view->viewport()->rect().adjusted(0, line, 0, -line);
-    const bool isInView = comfortable.contains(m_view->cursorRect(cursor));
-    m_view->setTextCursor(cursor);
-    if (!isInView)
-        TextViewPlace(m_view, cursor, m_view->viewport()->height() / 3).restore();
+    m_follower.showCursor(cursor);
 }
 
 void ConsoleHistory::showMatch(std::uint64_t serial, std::size_t number, const FindPattern& pattern)

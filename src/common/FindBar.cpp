@@ -102,6 +102,10 @@ void FindBar::open()
     if (wasHidden)
         m_focusBefore = QApplication::focusWidget();
     show();
+    // Else the view would get smaller only after it has gone to the first match, and keep what it showed
+    // before.
+    if (QLayout* layout = parentWidget()->layout())
+        layout->activate();
     const bool isNew = !selected.isEmpty() && selected.size() <= longestSelection;
     if (isNew && selected != m_edit->text())
         m_edit->setText(selected);

@@ -35,6 +35,7 @@ private Q_SLOTS:
     void plainTextIsFound();
     void consoleIsSearchedFromTheReader();
     void viewsAreSearchedFromTheReader();
+    void firstMatchIsInSight();
     void barIsOnlyALine();
 
 private:
@@ -344,6 +345,27 @@ void TestFind::viewsAreSearchedFromTheReader()
 }
 
 Q_DECLARE_METATYPE(FindQuery)
+
+/// Opening the bar makes the view smaller, which keeps what it shows.
+void TestFind::firstMatchIsInSight()
+{
+    Page page;
+    page.receive({text(Type::Error, "hay")}, 30);
+    page.receive({text(Type::Error, "needle")}, 1);
+    page.receive({text(Type::Error, "hay")}, 30);
+    QVERIFY(page.comesToRest());
+    const Bar bar(consoleTab(page));
+    bar.type(QStringLiteral("needle"));
+    bar.bar->close();
+    page.autoScroll->setChecked(false);
+    page.view->moveCursor(QTextCursor::Start);
+    QCoreApplication::processEvents();
+    QVERIFY(page.view->verticalScrollBar()->value() < 20);
+    bar.bar->open();
+    QTRY_COMPARE(bar.count(), QStringLiteral("1 of 1"));
+    QCoreApplication::processEvents();
+    QVERIFY(page.view->viewport()->rect().contains(page.view->cursorRect()));
+}
 
 /// Also on a page that has nothing to look at.
 void TestFind::barIsOnlyALine()
