@@ -74,12 +74,23 @@ static void* findIn(void* handle, const char* name)
     return wrapper ? wrapper : found;
 }
 
-/// For the handles that stand for a search, the loader looks who calls it: so it is not called but jumped to,
-/// which takes optimization. The wrappers are found in such a search by themselves, under their own names.
-extern "C" [[gnu::visibility("default"), gnu::optimize("O2")]] void* dlsym(void* handle, const char* name)
+// How a call becomes a jump without the optimization of the build.
+#ifdef __clang__
+#define CORVALE_JUMPS
+#define CORVALE_JUMP [[clang::musttail]]
+#else
+#define CORVALE_JUMPS [[gnu::optimize("O2")]]
+#define CORVALE_JUMP
+#endif
+
+/// For the handles that stand for a search, the loader looks who calls it, so it is jumped to. The wrappers
+/// are found in such a search by themselves, under their own names.
+extern "C" [[gnu::visibility("default")]] CORVALE_JUMPS void* dlsym(void* handle, const char* name)
 {
     Dlsym const loader = loaderDlsym();
     if (!loader)
         return nullptr;
-    return handle == RTLD_NEXT || handle == RTLD_DEFAULT ? loader(handle, name) : findIn(handle, name);
+    if (handle == RTLD_NEXT || handle == RTLD_DEFAULT)
+        CORVALE_JUMP return loader(handle, name);
+    return findIn(handle, name);
 }
