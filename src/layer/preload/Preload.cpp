@@ -74,23 +74,19 @@ static void* findIn(void* handle, const char* name)
     return wrapper ? wrapper : found;
 }
 
-// How a call becomes a jump without the optimization of the build.
+// GCC makes a jump of a last call only where it optimizes, which a build for debugging does not.
 #ifdef __clang__
 #define CORVALE_JUMPS
-#define CORVALE_JUMP [[clang::musttail]]
 #else
 #define CORVALE_JUMPS [[gnu::optimize("O2")]]
-#define CORVALE_JUMP
 #endif
 
 /// For the handles that stand for a search, the loader looks who calls it, so it is jumped to. The wrappers
 /// are found in such a search by themselves, under their own names.
 extern "C" [[gnu::visibility("default")]] CORVALE_JUMPS void* dlsym(void* handle, const char* name)
 {
-    Dlsym const loader = loaderDlsym();
+    const Dlsym loader = loaderDlsym();
     if (!loader)
         return nullptr;
-    if (handle == RTLD_NEXT || handle == RTLD_DEFAULT)
-        CORVALE_JUMP return loader(handle, name);
-    return findIn(handle, name);
+    return handle == RTLD_NEXT || handle == RTLD_DEFAULT ? loader(handle, name) : findIn(handle, name);
 }
