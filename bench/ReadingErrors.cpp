@@ -106,24 +106,25 @@ public:
             << QString::number(longest, 'f', 1).rightJustified(13) << Qt::endl;
     }
 
-    /// Copies all rows, whatever the limit, and prints how long that takes and the longest gap.
+    /// Copies all rows, whatever the limit, and prints how long that takes and the most work in one go.
     void copyAll(QTextStream& out, const QString& what)
     {
         QElapsedTimer time;
         time.start();
+        const double workBefore = processorTime();
         m_view.copying().setMostText(std::numeric_limits<int>::max());
         m_view.selectAll();
+        QCoreApplication::processEvents();
         QKeyEvent key(QEvent::KeyPress, Qt::Key_C, Qt::ControlModifier);
         QCoreApplication::sendEvent(&m_view, &key);
-        double longest = milliseconds(time);
+        double longest = processorTime() - workBefore;
         while (m_view.copying().isBusy()) {
-            QElapsedTimer step;
-            step.start();
+            const double before = processorTime();
             QCoreApplication::processEvents();
-            longest = std::max(longest, milliseconds(step));
+            longest = std::max(longest, processorTime() - before);
         }
-        out << what.leftJustified(44) << number(milliseconds(time)) << " ms, longest gap" << number(longest)
-            << Qt::endl;
+        out << what.leftJustified(44) << number(milliseconds(time)) << " ms, most work at once"
+            << number(longest) << Qt::endl;
     }
 
     void write(const QString& text) { m_bar.findChild<QLineEdit*>()->setText(text); }

@@ -199,7 +199,7 @@ ItemFind::Path ItemFind::pathOf(QAbstractItemView* view, const QModelIndex& pare
 {
     Path path{m_views.indexOf(view), {row}};
     for (QModelIndex index = parent; index.isValid() && index != view->rootIndex(); index = index.parent())
-        path.rows.insert(path.rows.begin(), index.row());
+        path.second.insert(path.second.begin(), index.row());
     return path;
 }
 
@@ -214,8 +214,8 @@ std::optional<std::size_t> ItemFind::firstAtReader() const
     if (!m_movedTo)
         return m_firstAtReader;
     const auto first = std::partition_point(m_matches.begin(), m_matches.end(), [this](const Match& match) {
-        const auto order = pathOf(match) <=> *m_movedTo;
-        return order < 0 || (m_isBehindMovedTo && order == 0);
+        const Path path = pathOf(match);
+        return m_isBehindMovedTo ? path <= *m_movedTo : path < *m_movedTo;
     });
     if (first == m_matches.end() && isSearching())
         return {};

@@ -6,8 +6,8 @@
 #include <QPersistentModelIndex>
 #include <QPointer>
 
-#include <compare>
 #include <map>
+#include <utility>
 #include <vector>
 
 class ItemFindMarks;
@@ -57,12 +57,7 @@ private:
         int row = 0;
     };
     /// A row in the walk: the number of its view, and the rows that lead to it from the outermost one.
-    struct Path {
-        qsizetype view;
-        std::vector<int> rows;
-
-        auto operator<=>(const Path& other) const = default;
-    };
+    using Path = std::pair<qsizetype, std::vector<int>>;
     struct Marks {
         ItemFindMarks* cells;
         ScrollBarMarks* bar;

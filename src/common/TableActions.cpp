@@ -49,7 +49,8 @@ std::vector<int> TableActions::selectedRows(const QAbstractItemView& view)
         for (int row = range.top(); row <= range.bottom(); ++row)
             rows.push_back(row);
     }
-    std::sort(rows.begin(), rows.end());
+    if (!std::is_sorted(rows.begin(), rows.end()))
+        std::sort(rows.begin(), rows.end());
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     return rows;
 }

@@ -13,21 +13,31 @@ namespace {
 /// Milliseconds that one step takes.
 constexpr int stepTime = 10;
 
+/// Rows of which none are copied at once, as it has taken some time to learn which they are.
+constexpr int manyRows = 50'000;
+
 } // namespace
 
 struct TableCopy::Job {
-    Job(TextTable contents, std::vector<int> chosen, TextTable::Format textFormat)
+    Job(TextTable contents, std::optional<std::vector<int>> chosen, TextTable::Format textFormat)
         : table(std::move(contents))
         , rows(std::move(chosen))
         , format(textFormat)
     {
     }
 
+    int count() const { return rows ? static_cast<int>(rows->size()) : table.rowCount; }
+    QString nextLine()
+    {
+        const int number = copied++;
+        return table.row(rows ? (*rows)[static_cast<std::size_t>(number)] : number, format);
+    }
+
     TextTable table;
-    std::vector<int> rows;
+    std::optional<std::vector<int>> rows; ///< All without.
     TextTable::Format format;
     QString text;
-    std::size_t copied = 0; ///< Number of rows.
+    int copied = 0; ///< Number of rows.
     bool isAnnounced = false;
     /// Steps of a job that was dropped end with it.
     QObject context;
@@ -40,7 +50,8 @@ TableCopy::TableCopy(QObject* parent)
 
 TableCopy::~TableCopy() = default;
 
-void TableCopy::start(const TextTable& table, std::vector<int> rows, TextTable::Format format, bool hasHeader)
+void TableCopy::start(
+    const TextTable& table, std::optional<std::vector<int>> rows, TextTable::Format format, bool hasHeader)
 {
     m_job = std::make_unique<Job>(table, std::move(rows), format);
     if (hasHeader)
@@ -48,33 +59,41 @@ void TableCopy::start(const TextTable& table, std::vector<int> rows, TextTable::
     if (table.model)
         connect(table.model, &QAbstractItemModel::modelAboutToBeReset, &m_job->context,
             [this] { giveUp(tr("Nothing was copied, as the list has changed meanwhile.")); });
-    step();
+    if (m_job->count() < manyRows)
+        step();
+    else
+        stepLater();
+}
+
+void TableCopy::stepLater()
+{
+    if (!std::exchange(m_job->isAnnounced, true))
+        Q_EMIT statusMessage(tr("Copying %n row(s)...", nullptr, m_job->count()));
+    QTimer::singleShot(0, &m_job->context, [this] { step(); });
 }
 
 void TableCopy::step()
 {
     const QDeadlineTimer deadline(stepTime);
     Job& job = *m_job;
-    while (job.copied < job.rows.size() && job.text.size() <= m_mostText && !deadline.hasExpired())
-        job.text += job.table.row(job.rows[job.copied++], job.format);
+    while (job.copied < job.count() && job.text.size() <= m_mostText && !deadline.hasExpired())
+        job.text += job.nextLine();
     if (job.text.size() > m_mostText) {
         giveUp(
             tr("The %n row(s) are too many for the clipboard. Choose \"Export\" from the context menu for a "
                "file of them.",
-                nullptr, static_cast<int>(job.rows.size())));
+                nullptr, job.count()));
         return;
     }
-    if (job.copied < job.rows.size()) {
-        if (!std::exchange(job.isAnnounced, true))
-            Q_EMIT statusMessage(tr("Copying %n row(s)...", nullptr, static_cast<int>(job.rows.size())));
-        QTimer::singleShot(0, &job.context, [this] { step(); });
+    if (job.copied < job.count()) {
+        stepLater();
         return;
     }
     const std::unique_ptr<Job> done = std::move(m_job);
     done->text.chop(1); // the end of the last line
     QGuiApplication::clipboard()->setText(done->text);
     if (done->isAnnounced)
-        Q_EMIT statusMessage(tr("%n row(s) were copied.", nullptr, static_cast<int>(done->rows.size())));
+        Q_EMIT statusMessage(tr("%n row(s) were copied.", nullptr, done->count()));
 }
 
 void TableCopy::giveUp(const QString& reason)

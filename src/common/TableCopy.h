@@ -5,6 +5,7 @@
 #include <QObject>
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 /// Copies rows of tables to the clipboard. Many rows are put together in steps of the event loop. Since
@@ -18,8 +19,9 @@ public:
 
     /// Letters that are copied at most.
     void setMostText(qsizetype letters) { m_mostText = letters; }
-    /// Copies these rows, in place of those that are still being copied.
-    void start(const TextTable& table, std::vector<int> rows, TextTable::Format format, bool hasHeader);
+    /// Copies these rows of a table, or all, in place of those that are still being copied.
+    void start(const TextTable& table, std::optional<std::vector<int>> rows, TextTable::Format format,
+        bool hasHeader);
 
     bool isBusy() const { return m_job != nullptr; }
 
@@ -31,6 +33,7 @@ private:
     struct Job;
 
     void step();
+    void stepLater();
     void giveUp(const QString& reason);
 
     qsizetype m_mostText = 20'000'000;

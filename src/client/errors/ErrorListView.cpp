@@ -17,7 +17,9 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <memory>
 #include <numeric>
+#include <optional>
 
 namespace {
 
@@ -32,8 +34,13 @@ struct SelectedRow {
 
 std::vector<SelectedRow> selectedCells(const QTableView& view)
 {
+    const QItemSelection selection = view.selectionModel()->selection();
     std::vector<SelectedRow> rows;
-    for (const QItemSelectionRange& range : view.selectionModel()->selection()) {
+    rows.reserve(std::accumulate(selection.begin(), selection.end(), std::size_t(0),
+        [](std::size_t sum, const QItemSelectionRange& range) {
+            return sum + static_cast<std::size_t>(range.height());
+        }));
+    for (const QItemSelectionRange& range : selection) {
         std::uint32_t columns = 0;
         for (int column = range.left(); column <= range.right(); ++column)
             columns |= view.isColumnHidden(column) ? 0U : 1U << static_cast<unsigned>(column);
@@ -101,6 +108,9 @@ void ErrorListView::setModel(QAbstractItemModel* model)
     if (!model)
         return;
     connect(model, &QAbstractItemModel::modelAboutToBeReset, this, &ErrorListView::keepPlace);
+    // With the view's selection, the header would look at each row whenever it is drawn, to see whether whole
+    // columns are selected, which it does not show.
+    horizontalHeader()->setSelectionModel(new QItemSelectionModel(model, horizontalHeader()));
     // Connected after the selection, which the reset clears.
     connect(model, &QAbstractItemModel::modelReset, this, &ErrorListView::restorePlace);
     connect(model, &QAbstractItemModel::columnsInserted, this, &ErrorListView::placeCountColumn);
@@ -360,9 +370,10 @@ void ErrorListView::copySelection()
     TextTable table;
     table.rowCount = static_cast<int>(selected.size());
     table.model = isBehindFilter ? errors : model();
-    table.cells = [this, errors, isBehindFilter, model = table.model, rows = std::move(selected)](
+    table.cells = [this, errors, isBehindFilter, model = table.model,
+                      rows = std::make_shared<const std::vector<SelectedRow>>(std::move(selected))](
                       int number) {
-        const SelectedRow& row = rows[static_cast<std::size_t>(number)];
+        const SelectedRow& row = (*rows)[static_cast<std::size_t>(number)];
         const bool isOfFilter = filter() && !isBehindFilter;
         QStringList cells{severityText(errors, isOfFilter ? filter()->sourceRow(row.row) : row.row)};
         for (int column = 0; column < model->columnCount(); ++column) {
@@ -371,9 +382,7 @@ void ErrorListView::copySelection()
         }
         return cells;
     };
-    std::vector<int> all(static_cast<std::size_t>(table.rowCount));
-    std::iota(all.begin(), all.end(), 0);
-    m_copy.start(table, std::move(all), TextTable::Format::Text, false);
+    m_copy.start(table, std::nullopt, TextTable::Format::Text, false);
 }
 
 QString ErrorListView::severityText(const ErrorListModel* errors, int row)
