@@ -23,7 +23,7 @@ namespace {
 /// The configs of the device, where the display is one that the host takes; else the host raises the error.
 DeviceConfigs* configsOf(EGLDisplay display)
 {
-    if (!emulatedDevice())
+    if (!emulatedDevice() || !isInitialized(display))
         return nullptr;
     Host& host = hostOf(display);
     EGLint count = 0;
@@ -248,6 +248,8 @@ EGLBoolean eglTerminate(EGLDisplay display)
     const EGLBoolean terminated = generated::eglTerminate(display);
     if (terminated && emulatedDevice())
         forgetConfigs(display);
+    if (terminated)
+        noteTerminated(display);
     // Others that have initialized it as well may keep it from ending.
     if (terminated && !isInitialized(display))
         contexts::removeAll(display);

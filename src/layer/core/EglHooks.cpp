@@ -80,6 +80,7 @@ EGLBoolean eglInitialize(EGLDisplay display, EGLint* major, EGLint* minor)
 {
     const EGLBoolean initialized = generated::eglInitialize(display, major, minor);
     if (initialized) {
+        noteInitialized(display);
         refreshConfigs(display);
         sendReport(hostOf(display), display);
     }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <iterator>
+#include <map>
+#include <mutex>
 
 namespace layer {
 
@@ -29,6 +31,18 @@ struct DisplayOfHost {
 
 /// Drivers make few displays and never let go of one, so the first free place is good for ever.
 constinit std::array<std::atomic<DisplayOfHost*>, 64> displays;
+
+struct Initialized {
+    std::mutex mutex;
+    std::map<EGLDisplay, int> counts;
+};
+
+/// Never destroyed: threads of the program may still draw while it ends.
+Initialized& initialized()
+{
+    static auto* const initialized = new Initialized;
+    return *initialized;
+}
 
 } // namespace
 
@@ -103,13 +117,27 @@ void setHostOf(EGLDisplay display, Host& host)
     delete added;
 }
 
+void noteInitialized(EGLDisplay display)
+{
+    Initialized& all = initialized();
+    const std::scoped_lock lock(all.mutex);
+    ++all.counts[display];
+}
+
+void noteTerminated(EGLDisplay display)
+{
+    Initialized& all = initialized();
+    const std::scoped_lock lock(all.mutex);
+    const auto found = all.counts.find(display);
+    if (found != all.counts.end() && --found->second == 0)
+        all.counts.erase(found);
+}
+
 bool isInitialized(EGLDisplay display)
 {
-    Host& host = hostOf(display);
-    const bool isInitialized =
-        host.function<decltype(&::eglQueryString)>(Fn::eglQueryString)(display, EGL_VERSION) != nullptr;
-    host.function<EGLint (*)()>(Fn::eglGetError)();
-    return isInitialized;
+    Initialized& all = initialized();
+    const std::scoped_lock lock(all.mutex);
+    return all.counts.contains(display);
 }
 
 } // namespace layer

@@ -71,7 +71,12 @@ Host* addHost(Host::Resolver resolver);
 /// The driver that made a display; the first one for displays that none has made.
 Host& hostOf(EGLDisplay display);
 void setHostOf(EGLDisplay display, Host& host);
-/// Whether a display is one that is initialized. Takes the driver's EGL error.
+
+/// Initializations and ends of a display are counted, since a driver that is asked tells the program's debug
+/// callback of an error. Only displays that track references take as many ends; others end with the first.
+void noteInitialized(EGLDisplay display);
+void noteTerminated(EGLDisplay display);
+/// Where this says no, the display has ended.
 bool isInitialized(EGLDisplay display);
 
 } // namespace layer
