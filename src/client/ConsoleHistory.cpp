@@ -260,8 +260,7 @@ void ConsoleHistory::putCursorAt(std::uint64_t serial)
     if (const std::optional<ConsoleDocument::Range> range = rangeOf(serial)) {
         QTextCursor cursor(m_view->document());
         cursor.setPosition(textStart(*range));
-        m_view->setTextCursor(cursor);
-        m_view->ensureCursorVisible();
+        m_follower.showCursor(cursor);
     }
 }
 
