@@ -18,6 +18,8 @@
 using namespace console_page;
 using namespace records;
 
+Q_DECLARE_METATYPE(FindQuery)
+
 class TestFind : public QObject {
     Q_OBJECT
 
@@ -343,8 +345,6 @@ void TestFind::viewsAreSearchedFromTheReader()
     QCOMPARE(goInTree(model.index(0, 0, row25), Findable::Direction::Forward), QStringLiteral("8 of 11"));
     QCOMPARE(goInTree(model.index(10, 0), Findable::Direction::Backward), QStringLiteral("1 of 11"));
 }
-
-Q_DECLARE_METATYPE(FindQuery)
 
 /// Opening the bar makes the view smaller, which keeps what it shows.
 void TestFind::firstMatchIsInSight()
