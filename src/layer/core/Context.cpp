@@ -155,16 +155,17 @@ Held find(EGLDisplay display, EGLContext handle)
     return Held(found == all.contexts.end() ? nullptr : found->second);
 }
 
-void remove(const Held& context)
+bool remove(const Held& context)
 {
     Registry& all = registry();
     const std::scoped_lock lock(all.mutex);
     // The driver may have given the handle to a new context already.
     const auto found = all.contexts.find({context->display, context->handle});
-    if (found == all.contexts.end() || found->second != context.get())
-        return;
-    all.contexts.erase(found);
-    context->destroyed = true;
+    if (found != all.contexts.end() && found->second == context.get()) {
+        all.contexts.erase(found);
+        context->destroyed = true;
+    }
+    return context->users == 1;
 }
 
 void removeAll(EGLDisplay display)

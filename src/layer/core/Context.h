@@ -135,7 +135,8 @@ private:
 Context& add(EGLDisplay display, EGLContext handle);
 /// None for a handle that is none of the program's.
 Held find(EGLDisplay display, EGLContext handle);
-void remove(const Held& context);
+/// A context that is destroyed. True if nobody else has it, nor will have.
+bool remove(const Held& context);
 /// Those of a display that has ended.
 void removeAll(EGLDisplay display);
 

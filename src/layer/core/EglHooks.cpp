@@ -125,10 +125,9 @@ EGLBoolean eglDestroyContext(EGLDisplay display, EGLContext handle)
 {
     const contexts::Held context = contexts::find(display, handle);
     const EGLBoolean destroyed = generated::eglDestroyContext(display, handle);
-    if (destroyed && context) {
+    // Whoever is making it current tells of it.
+    if (destroyed && context && contexts::remove(context))
         tellUnused(*context.get());
-        contexts::remove(context);
-    }
     return destroyed;
 }
 
