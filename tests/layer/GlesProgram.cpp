@@ -416,7 +416,7 @@ void terminateOften()
     std::printf("grows: %d\n", mallinfo2().uordblks > before + limit);
 }
 
-/// Contexts that one thread destroys while another begins to use them.
+/// Sixty contexts that one thread destroys while another begins to use them, and one that nobody uses.
 void destroyWhileUsed()
 {
     start();
@@ -445,6 +445,7 @@ void destroyWhileUsed()
     }
     done = true;
     user.join();
+    eglDestroyContext(display, makeContext());
     std::puts("alive");
 }
 

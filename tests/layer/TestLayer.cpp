@@ -168,6 +168,13 @@ TEST_F(TestLayer, errorsAreFoundAsTheOptionsSay)
     EXPECT_EQ(errorsOf(asking).front().text(68), "glEnable(cap = 0x1234)");
 }
 
+TEST_F(TestLayer, tellsOfEachContextOnce)
+{
+    LayeredProgram program({CORVALE_GLES_PROGRAM, "destroy"}, Layer::Vendor);
+    program.finish();
+    EXPECT_EQ(program.recordsOf(static_cast<std::uint32_t>(Type::ContextInformation)).size(), 61U);
+}
+
 TEST_F(TestLayer, threadsReportEachErrorOnce)
 {
     LayeredProgram program({CORVALE_GLES_PROGRAM, "threads"}, Layer::Vendor);
