@@ -1,6 +1,7 @@
 #include "ClientInterface.h"
 #include "ClientRecorder.h"
 #include "CompareSessionsDialog.h"
+#include "Console.h"
 #include "DesktopNotifier.h"
 #include "DialogAnswers.h"
 #include "ErrorListModel.h"
@@ -200,8 +201,12 @@ void TestSessionPages::keepsDeviceAndEnd()
     Session session;
     session.window.show();
     RawClient& application = session.connectApplication();
-    application.send(bytes(text(Type::Error, "first"))
-        + bytes(text(Type::Information,
+    application.send(bytes(text(Type::Error, "first")));
+    ClientInterface& page = *session.tabs().pageAt(0);
+    QTRY_COMPARE(page.errorListModel().rowCount(), 1);
+    QTest::qWait(50);
+    application.send(
+        bytes(text(Type::Information,
             "The program sees the profile Tarn 7 (old) (OpenGL ES 2.0) in place of this machine."))
         + bytes(text(Type::Error, end)));
     const auto lines = [&session](int tab) {
@@ -217,6 +222,15 @@ void TestSessionPages::keepsDeviceAndEnd()
     QVERIFY(reader.open(path.toStdString()));
     QCOMPARE(reader.clients().at(0).device, std::string("Tarn 7 (old)"));
     QCOMPARE(reader.clients().at(0).endText, end);
+    std::vector<sessions::SessionTime> times;
+    QVERIFY(
+        reader.read(0, [&times](const sessions::SessionRecord& record) { times.push_back(record.time); }));
+    QVERIFY(times.size() >= 3 && times.at(1) - times.at(0) > std::chrono::milliseconds(40));
+    ConsoleSpool::Reader console(page.console().spool());
+    std::string_view entry;
+    QVERIFY(console.next(entry));
+    const std::int64_t first = console.stamp().time;
+    QVERIFY(console.next(entry) && console.stamp().time > first + 40);
 
     session.window.openSession(path);
     QTRY_COMPARE(session.tabs().pageAt(1)->state(), ClientInterface::State::Finished);
