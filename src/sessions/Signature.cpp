@@ -56,8 +56,10 @@ SignatureView signatureOf(Severity severity, std::string_view function, std::str
     appendNormalised(cutText(text, signatureTextLimit), buffer);
     std::string_view result = cutText(buffer, signatureTextLimit);
     // Paths may have made it longer. Half a word might be taken for a number the next time.
-    if (result.size() < buffer.size())
+    if (result.size() < buffer.size()) {
         result = result.substr(0, result.find_last_of(" \n"));
+        result = result.substr(0, result.find_last_not_of(" \t\r\n") + 1);
+    }
     return {severity, function, code, result};
 }
 

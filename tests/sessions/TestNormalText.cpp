@@ -80,6 +80,17 @@ TEST(Signature, takesEglCodesFromTheText)
     EXPECT_EQ(signature("EGL_BAD_MATCH in eglA", "glB").code, "");
 }
 
+/// A list of known kinds is normalised each time it is read.
+TEST(Signature, cutTextStaysAsItIs)
+{
+    std::string text;
+    while (text.size() < sessions::signatureTextLimit - 10)
+        text += "/a/b  "; // becomes longer
+    const sessions::Signature once = sessions::signatureOf(sessions::Severity::Error, "f", "c", text);
+    EXPECT_GT(once.text.size(), sessions::signatureTextLimit - 20);
+    EXPECT_EQ(sessions::signatureOf(sessions::Severity::Error, "f", "c", once.text), once);
+}
+
 TEST(Signature, cutsLongTextsBetweenCharacters)
 {
     std::string text(sessions::signatureTextLimit - 1, 'x');
